@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace varnholt {
+
+/// The port to the presentation program: exactly the operations the builder needs, in the
+/// terms of a presentation program's object model. Shapes and slides count from 1 in order
+/// of creation; shape operations work on the slide selected last. Positions and sizes are
+/// points (1/72 inch) from the slide's top-left corner.
+///
+/// An object lives for one build. Every operation is synchronous and throws `Error` when
+/// the program refuses it, has gone, or a file cannot be read.
+class PresentationProgram
+{
+public:
+    /// Width or height of a picture: the picture's own (its pixels at its density, at
+    /// 96 dpi where the file gives none).
+    static constexpr double ownSize = -1;
+
+    virtual ~PresentationProgram() = default;
+
+    /// A new, empty presentation in a window; it becomes the active one. 960 x 540 points.
+    virtual void addPresentation() = 0;
+    virtual void setVisible() = 0;
+    virtual int slideCount() = 0;
+    /// Adds a blank slide; `index` is 1 to slideCount() + 1.
+    virtual void addBlankSlide(int index) = 0;
+    /// Makes a slide current. A position outside 1..slideCount() is an error.
+    virtual void selectSlide(int index) = 0;
+    /// Adds a horizontal text box to the current slide.
+    virtual void addTextBox(double left, double top, double width, double height) = 0;
+    virtual void setShapeText(int shape, const QString& text) = 0;
+    /// Embeds a picture file (not linked) on the current slide. `width` and `height` may be
+    /// `ownSize`. `description` is the alternative text.
+    virtual void addPicture(const QString& path, double left, double top, double width,
+                            double height, const QString& description) = 0;
+    /// Scales a shape relative to its original size, its top-left corner fixed.
+    virtual void scaleHeight(int shape, double factor) = 0;
+    virtual void scaleWidth(int shape, double factor) = 0;
+
+    /// Called once when the build is over, also after an abort: whatever is left to do
+    /// (write, open, show) is done now, so that the slides built so far stay open.
+    /// May throw `Error`.
+    virtual void finish() = 0;
+};
+
+/// What a build tells the window about itself. `slide` of `slides` is being made now.
+using BuildProgress = std::function<void(int slide, int slides)>;
+
+} // namespace varnholt

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+class QImage;
+
+namespace varnholt {
+
+class PresentationProgram;
+
+/// Questions and messages to the user. All of them are modal: they return once answered.
+class MessageBoxes
+{
+public:
+    virtual ~MessageBoxes() = default;
+
+    /// A message with an OK button.
+    virtual void inform(const QString& title, const QString& text) = 0;
+
+    /// A question with Yes and No buttons; true for Yes. Closing the box answers No.
+    virtual bool yesNo(const QString& title, const QString& text) = 0;
+
+    /// A one-line text prompt; the empty string when the user cancels.
+    virtual QString inputText(const QString& title, const QString& prompt,
+                              const QString& defaultText = QString()) = 0;
+};
+
+/// The file choosers; no value when the user cancels. `filter` is in the notation
+/// "Zip Files (*.zip)".
+class FileDialogs
+{
+public:
+    virtual ~FileDialogs() = default;
+
+    virtual std::optional<QString> saveFile(const QString& filter, const QString& initialName) = 0;
+    virtual std::optional<QString> openFile(const QString& filter) = 0;
+};
+
+/// The desktop's clipboard, read only.
+class Clipboard
+{
+public:
+    virtual ~Clipboard() = default;
+
+    [[nodiscard]] virtual bool hasImage() const = 0;
+    /// The picture on the clipboard at one image pixel per device-independent unit; null
+    /// when there is none or it cannot be decoded.
+    [[nodiscard]] virtual QImage image() const = 0;
+};
+
+/// Time of day, used to seed the generator.
+class Clock
+{
+public:
+    virtual ~Clock() = default;
+
+    [[nodiscard]] virtual std::int64_t millisecondsSinceEpoch() const = 0;
+};
+
+/// The program's one random generator.
+class RandomGenerator
+{
+public:
+    virtual ~RandomGenerator() = default;
+
+    virtual void seed(std::uint64_t value) = 0;
+    /// Uniform in [0, 1).
+    [[nodiscard]] virtual double next() = 0;
+};
+
+/// Gives out a fresh object of the presentation port for each build.
+class PresentationPrograms
+{
+public:
+    virtual ~PresentationPrograms() = default;
+
+    /// Never null. Starting the program may throw `Error`.
+    [[nodiscard]] virtual std::unique_ptr<PresentationProgram> start() = 0;
+};
+
+/// The outside world as the windows see it. `main` fills it with the real ones, tests with
+/// recording fakes. The pointers are never null and outlive every window; nothing here is
+/// owned.
+struct Services
+{
+    MessageBoxes* messageBoxes = nullptr;
+    FileDialogs* fileDialogs = nullptr;
+    Clipboard* clipboard = nullptr;
+    Clock* clock = nullptr;
+    RandomGenerator* random = nullptr;
+    PresentationPrograms* presentationPrograms = nullptr;
+
+    /// Absolute path, without a trailing slash, of the folder with the library file and
+    /// `Files`.
+    QString programFolder;
+};
+
+} // namespace varnholt
