@@ -1,0 +1,82 @@
+#pragma once
+
+#include "selection/question_selection.h"
+#include "store/catalogue.h"
+
+#include <QWidget>
+
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+
+namespace varnholt {
+
+class ComboBox;
+class Connection;
+class ListBox;
+struct Services;
+
+/// The selection window: an assessment, its topics and subtopics, the options of the
+/// presentation and the number of questions. Opening it loads the catalogue; closing it
+/// remembers the assessment. Names of controls and handlers are those a user of the program
+/// knows from its windows.
+class frmMain : public QWidget, private SelectionCaptions
+{
+    Q_OBJECT
+
+public:
+    frmMain(Services& services, ProgramState& state, Connection& connection,
+            QWidget* parent = nullptr);
+    ~frmMain() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildControls();
+    void connectControls();
+    void Form_Load();
+    void cboAssessment_Click();
+    void lstTopics_Click();
+    void lstSubTopics_Click();
+    void cmdSelectAllTopics_Click();
+    void cmdClearAllTopics_Click();
+    void cmdSelectAllSub_Click();
+    void selectShownSubTopics(bool selected);
+    void cmdCreate_Click();
+
+    void FillAssessmentCombo();
+    void FillTopicList();
+    void FillSubTopicList();
+    void RefreshQuestionSelection();
+    void loadCatalogue();
+
+    void setQuestionCount(const QString& caption) override;
+    void setTopicRows(const QStringList& texts) override;
+
+    Services& services_;
+    ProgramState& state_;
+    Connection& connection_;
+    /// False while the subtopic list is being refilled.
+    bool SubTopicEventsEnabled_ = true;
+    bool unloaded_ = false;
+
+    ComboBox* cboAssessment_ = nullptr;
+    ListBox* lstTopics_ = nullptr;
+    ListBox* lstSubTopics_ = nullptr;
+    QPushButton* cmdSelectAllTopics_ = nullptr;
+    QPushButton* cmdClearAllTopics_ = nullptr;
+    QPushButton* cmdSelectAllSub_ = nullptr;
+    QPushButton* cmdSelectAllSubTopics_ = nullptr;
+    QPushButton* cmdClearAllSubTopics_ = nullptr;
+    QRadioButton* optSelectYes_ = nullptr;
+    QRadioButton* optTopicYes_ = nullptr;
+    QRadioButton* optKeyYes_ = nullptr;
+    QLineEdit* txtQuestions_ = nullptr;
+    QPushButton* cmdCreate_ = nullptr;
+    QLabel* lblQuestionCount_ = nullptr;
+};
+
+} // namespace varnholt

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+
+namespace varnholt {
+
+class Connection;
+
+/// Where a start of the program finds things.
+struct FolderChoice
+{
+    /// Folder of the executable.
+    QString executableFolder;
+    /// The user's own data folder, used when the program is installed for everybody.
+    QString userDataFolder;
+    /// Folder with the library as supplied, or empty when there is none.
+    QString suppliedFolder;
+};
+
+/// The program folder: the executable's, or the user's data folder where the executable's
+/// cannot be written or the program is installed without a library beside it. In the latter
+/// case the supplied library is copied there at first start: pictures first and the library
+/// file last, so that a copy cut short is taken up again at the next start.
+/// Throws `Error` when the copy fails.
+[[nodiscard]] QString ChooseProgramFolder(const FolderChoice& choice);
+
+/// "Varnholt.mdb" in the program folder.
+[[nodiscard]] QString LibraryPath(const QString& programFolder);
+
+/// Opens the library of the program folder. Throws `DatabaseError`.
+void OpenLibraryDatabase(Connection& connection, const QString& programFolder);
+void CloseLibraryDatabase(Connection& connection);
+
+} // namespace varnholt

@@ -1,0 +1,108 @@
+#include "toolkit/LongWork.h"
+
+#include "store/errors.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QProgressDialog>
+#include <QPushButton>
+
+namespace varnholt {
+
+namespace {
+
+constexpr int patienceMs = 500;
+
+bool isInput(QEvent::Type type)
+{
+    switch (type) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::Shortcut:
+    case QEvent::ShortcutOverride:
+    case QEvent::Wheel:
+    case QEvent::TouchBegin:
+    case QEvent::ContextMenu:
+    case QEvent::Drop:
+    case QEvent::Close:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+LongWork::LongWork(QWidget* window, const QString& label, Cancel cancel)
+    : dialog_(std::make_unique<QProgressDialog>(window))
+{
+    dialog_->setWindowTitle(QApplication::applicationDisplayName());
+    dialog_->setLabelText(label);
+    dialog_->setWindowModality(Qt::ApplicationModal);
+    dialog_->setMinimumDuration(patienceMs);
+    dialog_->setAutoClose(false);
+    dialog_->setAutoReset(false);
+    if (cancel == Cancel::NotOffered) {
+        dialog_->setCancelButton(nullptr);
+        dialog_->setWindowFlag(Qt::WindowCloseButtonHint, false);
+    }
+    setBusy(true);
+    qApp->installEventFilter(this);
+}
+
+LongWork::~LongWork()
+{
+    qApp->removeEventFilter(this);
+    setBusy(false);
+}
+
+void LongWork::progress(int step, int steps)
+{
+    setBusy(true);
+    if (dialog_->maximum() != steps) {
+        dialog_->setMaximum(steps);
+    }
+    dialog_->setValue(step - 1);
+    if (dialog_->wasCanceled()) {
+        throw Cancelled();
+    }
+}
+
+void LongWork::pause()
+{
+    dialog_->hide();
+    setBusy(false);
+}
+
+void LongWork::setBusy(bool busy)
+{
+    if (busy == busy_) {
+        return;
+    }
+    busy_ = busy;
+    if (busy) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+bool LongWork::eventFilter(QObject* watched, QEvent* event)
+{
+    if (!busy_ || !isInput(event->type())) {
+        return QObject::eventFilter(watched, event);
+    }
+    const auto* widget = qobject_cast<QWidget*>(watched);
+    if (!widget || widget->window() == dialog_.get()) {
+        return QObject::eventFilter(watched, event);
+    }
+    if (event->type() == QEvent::Close) {
+        event->ignore();
+    }
+    return true;
+}
+
+} // namespace varnholt

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QString>
+
+namespace varnholt {
+
+/// Gives a control its name and, for assistive technology, a name people understand.
+template <typename Control>
+Control* named(Control* control, const char* objectName, const QString& accessibleName = {})
+{
+    control->setObjectName(QLatin1String(objectName));
+    if (!accessibleName.isEmpty()) {
+        control->setAccessibleName(accessibleName);
+    }
+    return control;
+}
+
+/// A frame with a caption; its mnemonic leads to the first control inside.
+inline QGroupBox* makeFrame(const char* objectName, const QString& caption)
+{
+    return named(new QGroupBox(caption), objectName);
+}
+
+/// A button that Enter presses only while it has the focus.
+inline QPushButton* makeButton(const char* objectName, const QString& caption)
+{
+    auto* button = named(new QPushButton(caption), objectName);
+    button->setAutoDefault(false);
+    return button;
+}
+
+/// A label that shows its text as it is, never as markup.
+inline QLabel* makeLabel(const char* objectName, const QString& text = {})
+{
+    auto* label = named(new QLabel(text), objectName);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+} // namespace varnholt
