@@ -85,10 +85,11 @@ void frmMain::buildControls()
     subtopicGrid->addWidget(cmdClearAllSubTopics_, 1, 1);
 
     auto* fraSelect = makeFrame("fraSelect", QStringLiteral("Select &Questions"));
-    optSelectYes_ = addOptions(
-        fraSelect, "optSelectYes", "optSelectNo",
-        QStringLiteral("Yes: look at each drawn question and include or exclude it."));
-    auto* fraIncludeTopic = makeFrame("fraIncludeTopic", QStringLiteral("Include Topic on Sli&des"));
+    optSelectYes_ =
+        addOptions(fraSelect, "optSelectYes", "optSelectNo",
+                   QStringLiteral("Yes: look at each drawn question and include or exclude it."));
+    auto* fraIncludeTopic =
+        makeFrame("fraIncludeTopic", QStringLiteral("Include Topic on Sli&des"));
     optTopicYes_ = addOptions(
         fraIncludeTopic, "optTopicYes", "optTopicNo",
         QStringLiteral("Yes: each slide carries the topic and subtopic of its question."));
@@ -102,8 +103,7 @@ void frmMain::buildControls()
     QFont bold = lblQuestionCount_->font();
     bold.setBold(true);
     lblQuestionCount_->setFont(bold);
-    auto* lblQuestionNum =
-        makeLabel("lblQuestionNum", QStringLiteral("&Number of  Questions:"));
+    auto* lblQuestionNum = makeLabel("lblQuestionNum", QStringLiteral("&Number of  Questions:"));
     txtQuestions_ = named(new QLineEdit, "txtQuestions", QStringLiteral("Number of questions"));
     txtQuestions_->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
     txtQuestions_->setAlignment(Qt::AlignRight);
@@ -136,8 +136,8 @@ void frmMain::buildControls()
     QWidget* previous = cboAssessment_;
     for (QWidget* next : std::initializer_list<QWidget*>{
              lstTopics_, cmdSelectAllTopics_, cmdClearAllTopics_, cmdSelectAllSub_, lstSubTopics_,
-             cmdSelectAllSubTopics_, cmdClearAllSubTopics_, optSelectYes_, optTopicYes_,
-             optKeyYes_, txtQuestions_, cmdCreate_}) {
+             cmdSelectAllSubTopics_, cmdClearAllSubTopics_, optSelectYes_, optTopicYes_, optKeyYes_,
+             txtQuestions_, cmdCreate_}) {
         setTabOrder(previous, next);
         previous = next;
     }
@@ -188,9 +188,7 @@ void frmMain::FillAssessmentCombo()
         }
     }
     if (state_.AssessmentList.isEmpty()) {
-        if (state_.CurrentAssessmentNum > 0) {
-            loadCatalogue();
-        }
+        loadCatalogue();
         return;
     }
     cboAssessment_->setListIndex(state_.LastAssessmentNum < 1 || last < 0 ? 0 : last);
@@ -201,9 +199,7 @@ void frmMain::cboAssessment_Click()
     if (cboAssessment_->listIndex() >= 0) {
         state_.CurrentAssessmentNum = cboAssessment_->entryData(cboAssessment_->listIndex());
     }
-    if (state_.CurrentAssessmentNum > 0) {
-        loadCatalogue();
-    }
+    loadCatalogue();
 }
 
 void frmMain::loadCatalogue()
@@ -211,11 +207,16 @@ void frmMain::loadCatalogue()
     lstTopics_->clear();
     lstSubTopics_->clear();
     try {
-        LoadCurrentAssessment(state_, connection_, *services_.messageBoxes);
+        if (state_.CurrentAssessmentNum > 0) {
+            LoadCurrentAssessment(state_, connection_, *services_.messageBoxes);
+        } else {
+            state_.TopicList.clear();
+            state_.SubTopicList.clear();
+            state_.QuestionList.clear();
+        }
     } catch (const Error&) {
-        services_.messageBoxes->inform(
-            QStringLiteral("Database Error"),
-            QStringLiteral("There was an error loading the questions."));
+        services_.messageBoxes->inform(QStringLiteral("Database Error"),
+                                       QStringLiteral("There was an error loading the questions."));
     }
     FillTopicList();
 }
@@ -330,8 +331,7 @@ void frmMain::setTopicRows(const QStringList& texts)
 
 void frmMain::cmdCreate_Click()
 {
-    if (!DrawQuestions(state_, txtQuestions_->text(), *services_.random,
-                       *services_.messageBoxes)) {
+    if (!DrawQuestions(state_, txtQuestions_->text(), *services_.random, *services_.messageBoxes)) {
         if (state_.SelectedQuestionCount > 0) {
             txtQuestions_->setFocus();
             txtQuestions_->selectAll();
@@ -339,8 +339,7 @@ void frmMain::cmdCreate_Click()
         return;
     }
     MarkFirst(state_.DrawPool, state_.RequestedQuestionCount);
-    RunBuild(window(), services_, state_,
-             {optTopicYes_->isChecked(), optKeyYes_->isChecked()});
+    RunBuild(window(), services_, state_, {optTopicYes_->isChecked(), optKeyYes_->isChecked()});
 }
 
 void frmMain::closeEvent(QCloseEvent* event)

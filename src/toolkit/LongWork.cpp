@@ -49,19 +49,18 @@ LongWork::LongWork(QWidget* window, const QString& label, Cancel cancel)
         dialog_->setCancelButton(nullptr);
         dialog_->setWindowFlag(Qt::WindowCloseButtonHint, false);
     }
-    setBusy(true);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
     qApp->installEventFilter(this);
 }
 
 LongWork::~LongWork()
 {
     qApp->removeEventFilter(this);
-    setBusy(false);
+    QApplication::restoreOverrideCursor();
 }
 
 void LongWork::progress(int step, int steps)
 {
-    setBusy(true);
     if (dialog_->maximum() != steps) {
         dialog_->setMaximum(steps);
     }
@@ -71,32 +70,14 @@ void LongWork::progress(int step, int steps)
     }
 }
 
-void LongWork::pause()
-{
-    dialog_->hide();
-    setBusy(false);
-}
-
-void LongWork::setBusy(bool busy)
-{
-    if (busy == busy_) {
-        return;
-    }
-    busy_ = busy;
-    if (busy) {
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-    } else {
-        QApplication::restoreOverrideCursor();
-    }
-}
-
 bool LongWork::eventFilter(QObject* watched, QEvent* event)
 {
-    if (!busy_ || !isInput(event->type())) {
+    if (!isInput(event->type())) {
         return QObject::eventFilter(watched, event);
     }
     const auto* widget = qobject_cast<QWidget*>(watched);
-    if (!widget || widget->window() == dialog_.get()) {
+    if (!widget || widget->window() == dialog_.get() ||
+        widget->window() == QApplication::activeModalWidget()) {
         return QObject::eventFilter(watched, event);
     }
     if (event->type() == QEvent::Close) {

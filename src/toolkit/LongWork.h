@@ -12,7 +12,8 @@ namespace varnholt {
 
 /// Stands for one long operation on the window's own thread. While it lives the pointer is
 /// busy, the program's windows repaint but take no input (nothing can be started twice or
-/// torn down half-way), and after half a second a progress bar appears.
+/// torn down half-way), and after half a second a progress bar appears. Modal dialogs, messages
+/// among them, take input as always.
 class LongWork : public QObject
 {
     Q_OBJECT
@@ -32,18 +33,11 @@ public:
     /// to stop.
     void progress(int step, int steps);
 
-    /// A plain message or question is coming: hides the bar and the busy pointer until the
-    /// next `progress`.
-    void pause();
-
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void setBusy(bool busy);
-
     std::unique_ptr<QProgressDialog> dialog_;
-    bool busy_ = false;
 };
 
 } // namespace varnholt

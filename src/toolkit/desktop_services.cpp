@@ -12,6 +12,29 @@ namespace varnholt {
 
 namespace {
 
+/// A message during long work is not busy: it waits for the user.
+class PlainPointer
+{
+public:
+    PlainPointer()
+    {
+        if (set_) {
+            QApplication::setOverrideCursor(Qt::ArrowCursor);
+        }
+    }
+    PlainPointer(const PlainPointer&) = delete;
+    PlainPointer& operator=(const PlainPointer&) = delete;
+    ~PlainPointer()
+    {
+        if (set_) {
+            QApplication::restoreOverrideCursor();
+        }
+    }
+
+private:
+    bool set_ = QApplication::overrideCursor() != nullptr;
+};
+
 void prepare(QMessageBox& box, const QString& title, const QString& text)
 {
     box.setWindowTitle(title);
@@ -39,6 +62,7 @@ std::optional<QString> chosen(const QString& path)
 
 void DesktopMessageBoxes::inform(const QString& title, const QString& text)
 {
+    const PlainPointer pointer;
     QMessageBox box(QApplication::activeWindow());
     prepare(box, title, text);
     box.setStandardButtons(QMessageBox::Ok);
@@ -47,6 +71,7 @@ void DesktopMessageBoxes::inform(const QString& title, const QString& text)
 
 bool DesktopMessageBoxes::yesNo(const QString& title, const QString& text)
 {
+    const PlainPointer pointer;
     QMessageBox box(QApplication::activeWindow());
     prepare(box, title, text);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
@@ -59,6 +84,7 @@ bool DesktopMessageBoxes::yesNo(const QString& title, const QString& text)
 QString DesktopMessageBoxes::inputText(const QString& title, const QString& prompt,
                                        const QString& defaultText)
 {
+    const PlainPointer pointer;
     QInputDialog dialog(QApplication::activeWindow());
     dialog.setWindowTitle(title);
     dialog.setLabelText(prompt);

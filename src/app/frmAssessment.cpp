@@ -1,0 +1,136 @@
+#include "app/frmAssessment.h"
+
+#include "info/InfoWindow.h"
+#include "selection/frmMain.h"
+#include "store/library_file.h"
+#include "store/services.h"
+#include "toolkit/controls.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QSettings>
+#include <QVBoxLayout>
+
+namespace varnholt {
+
+frmAssessment::frmAssessment(Services& services, ProgramState& state, const QString& guidePath)
+    : services_(services)
+    , state_(state)
+    , guidePath_(guidePath)
+{
+    OpenLibraryDatabase(connection_, services_.programFolder);
+
+    setObjectName(QStringLiteral("frmAssessment"));
+    setWindowTitle(QStringLiteral("Varnholt"));
+    buildMenu();
+
+    auto* area = new QWidget;
+    childArea_ = new QVBoxLayout(area);
+    childArea_->setContentsMargins(0, 0, 0, 0);
+    if (connection_.isReadOnly()) {
+        auto* lblReadOnly = makeLabel(
+            "lblReadOnly",
+            QStringLiteral("The question library can only be read: changes cannot be saved."));
+        lblReadOnly->setAlignment(Qt::AlignCenter);
+        lblReadOnly->setMargin(fontMetrics().height() / 3);
+        lblReadOnly->setBackgroundRole(QPalette::ToolTipBase);
+        lblReadOnly->setForegroundRole(QPalette::ToolTipText);
+        lblReadOnly->setAutoFillBackground(true);
+        childArea_->addWidget(lblReadOnly);
+    }
+    lblEmpty_ = makeLabel("lblEmpty", QStringLiteral("Choose what to do in the menu above."));
+    lblEmpty_->setAlignment(Qt::AlignCenter);
+    lblEmpty_->setForegroundRole(QPalette::PlaceholderText);
+    childArea_->addWidget(lblEmpty_, 1);
+    setCentralWidget(area);
+
+    const QFontMetrics metrics = fontMetrics();
+    resize(metrics.averageCharWidth() * 150, metrics.height() * 42);
+    restoreGeometry(QSettings().value(QStringLiteral("frmAssessment/geometry")).toByteArray());
+}
+
+frmAssessment::~frmAssessment()
+{
+    delete child_;
+}
+
+QWidget* frmAssessment::childWindow() const
+{
+    return child_;
+}
+
+void frmAssessment::buildMenu()
+{
+    const auto addEntry = [this](const char* name, const QString& caption,
+                                 void (frmAssessment::*handler)()) {
+        QAction* action = menuBar()->addAction(caption);
+        action->setObjectName(QLatin1String(name));
+        if (handler) {
+            connect(action, &QAction::triggered, this, handler);
+        } else {
+            action->setEnabled(false);
+        }
+    };
+    addEntry("mnuCreate", QStringLiteral("&Create PowerPoints"), &frmAssessment::mnuCreate_Click);
+    addEntry("mnuManageAssessments", QStringLiteral("&Manage Assessments"), nullptr);
+    addEntry("mnuExport", QStringLiteral("E&xport Assessment"), nullptr);
+    addEntry("mnuImport", QStringLiteral("&Import Assessment"), nullptr);
+    addEntry("mnuTutorial", QStringLiteral("Tutorial &Videos"), &frmAssessment::mnuTutorial_Click);
+    addEntry("mnAbout", QStringLiteral("A&bout"), &frmAssessment::mnAbout_Click);
+
+    auto* closeChildWindow = new QAction(QStringLiteral("Close window"), this);
+    closeChildWindow->setShortcut(QKeySequence::Close);
+    connect(closeChildWindow, &QAction::triggered, this, &frmAssessment::closeChild);
+    addAction(closeChildWindow);
+}
+
+bool frmAssessment::closeChild()
+{
+    if (child_ && !child_->close()) {
+        return false;
+    }
+    delete child_;
+    lblEmpty_->show();
+    return true;
+}
+
+void frmAssessment::openChild(const Maker& make)
+{
+    if (!closeChild()) {
+        return;
+    }
+    child_ = make();
+    lblEmpty_->hide();
+    childArea_->addWidget(child_, 1);
+    child_->show();
+    child_->setFocus();
+}
+
+void frmAssessment::mnuCreate_Click()
+{
+    openChild([this] { return new frmMain(services_, state_, connection_); });
+}
+
+void frmAssessment::mnuTutorial_Click()
+{
+    openChild([this] { return new frmTutorial(guidePath_); });
+}
+
+void frmAssessment::mnAbout_Click()
+{
+    openChild([this] { return new frmAbout(services_.programFolder); });
+}
+
+void frmAssessment::closeEvent(QCloseEvent* event)
+{
+    if (!closeChild()) {
+        event->ignore();
+        return;
+    }
+    QSettings().setValue(QStringLiteral("frmAssessment/geometry"), saveGeometry());
+    CloseLibraryDatabase(connection_);
+    event->accept();
+}
+
+} // namespace varnholt

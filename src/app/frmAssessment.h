@@ -1,0 +1,59 @@
+#pragma once
+
+#include "store/connection.h"
+#include "store/modMain.h"
+
+#include <QMainWindow>
+#include <QPointer>
+
+#include <functional>
+
+class QLabel;
+class QVBoxLayout;
+
+namespace varnholt {
+
+struct Services;
+
+/// The frame: carries the menu and shows one child window at a time. It owns the lifetime of
+/// the library connection, which is open from its construction to its closing.
+class frmAssessment : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// Opens the library; throws `DatabaseError` when it cannot be opened. `guidePath` is
+    /// the user guide's file.
+    frmAssessment(Services& services, ProgramState& state, const QString& guidePath);
+    ~frmAssessment() override;
+
+    /// The child window on show, or null.
+    [[nodiscard]] QWidget* childWindow() const;
+
+public Q_SLOTS:
+    void mnuCreate_Click();
+    void mnuTutorial_Click();
+    void mnAbout_Click();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    using Maker = std::function<QWidget*()>;
+
+    void buildMenu();
+    /// Closes the child on show; false when it refuses.
+    bool closeChild();
+    /// Closes the child on show and opens a fresh one.
+    void openChild(const Maker& make);
+
+    Services& services_;
+    ProgramState& state_;
+    QString guidePath_;
+    Connection connection_;
+    QVBoxLayout* childArea_ = nullptr;
+    QLabel* lblEmpty_ = nullptr;
+    QPointer<QWidget> child_;
+};
+
+} // namespace varnholt

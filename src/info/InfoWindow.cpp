@@ -1,0 +1,80 @@
+#include "info/InfoWindow.h"
+
+#include "toolkit/controls.h"
+
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QUrl>
+
+namespace varnholt {
+
+InfoWindow::InfoWindow(const QString& title, const QString& text, const QString& linkCaption,
+                       const QString& link, const QString& target, QWidget* parent)
+    : QWidget(parent)
+{
+    setWindowTitle(title);
+
+    auto* lblTitle = makeLabel("lblTitle", title);
+    QFont large = lblTitle->font();
+    large.setPointSizeF(large.pointSizeF() * 1.5);
+    large.setBold(true);
+    lblTitle->setFont(large);
+
+    auto* lblText = makeLabel("lblText", text);
+    lblText->setWordWrap(true);
+    lblText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    lblText->setMaximumWidth(fontMetrics().averageCharWidth() * 80);
+
+    auto* lblLink = makeLabel("lblLink", linkCaption);
+    auto* txtLink = named(new QLineEdit(link), "txtLink", linkCaption.chopped(1));
+    txtLink->setReadOnly(true);
+    lblLink->setBuddy(txtLink);
+    auto* cmdOpen = makeButton("cmdOpen", QStringLiteral("&Open"));
+    connect(cmdOpen, &QPushButton::clicked, this,
+            [target] { QDesktopServices::openUrl(QUrl::fromLocalFile(target)); });
+
+    auto* grid = new QGridLayout(this);
+    const int space = fontMetrics().height();
+    grid->setContentsMargins(2 * space, 2 * space, 2 * space, 2 * space);
+    grid->setVerticalSpacing(space);
+    grid->addWidget(lblTitle, 0, 0, 1, 3);
+    grid->addWidget(lblText, 1, 0, 1, 3);
+    grid->addWidget(lblLink, 2, 0);
+    grid->addWidget(txtLink, 2, 1);
+    grid->addWidget(cmdOpen, 2, 2);
+    grid->setRowStretch(3, 1);
+    grid->setColumnStretch(1, 1);
+    setFocusProxy(txtLink);
+}
+
+frmAbout::frmAbout(const QString& programFolder, QWidget* parent)
+    : InfoWindow(
+          QStringLiteral("About"),
+          QStringLiteral("Varnholt %1\n\nKeeps libraries of test questions and turns a draw of "
+                         "them into a slide presentation with an answer key.\n\nFree software "
+                         "under the MIT licence. It is built on Qt, SQLite and libzip.")
+              .arg(QCoreApplication::applicationVersion()),
+          QStringLiteral("Your questions are &kept in:"), QDir::toNativeSeparators(programFolder),
+          programFolder, parent)
+{
+    setObjectName(QStringLiteral("frmAbout"));
+}
+
+frmTutorial::frmTutorial(const QString& guidePath, QWidget* parent)
+    : InfoWindow(
+          QStringLiteral("Tutorial Videos"),
+          QStringLiteral(
+              "There are no videos yet; the user guide shows every step with pictures.\n\n"
+              "To make slides: open \"Create PowerPoints\", choose an assessment, tick the topics "
+              "and subtopics you want, type how many questions you need and press \"Create "
+              "PowerPoint\". The slides open in your presentation program, where you save them."),
+          QStringLiteral("The user &guide:"), QDir::toNativeSeparators(guidePath), guidePath,
+          parent)
+{
+    setObjectName(QStringLiteral("frmTutorial"));
+}
+
+} // namespace varnholt

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+
+namespace varnholt {
+
+/// A window with a text and a read-only link box, from which the link can be copied or
+/// opened with the desktop's program for it.
+class InfoWindow : public QWidget
+{
+    Q_OBJECT
+
+protected:
+    /// `link` is shown as it is; `target` is what opening it opens.
+    InfoWindow(const QString& title, const QString& text, const QString& linkCaption,
+               const QString& link, const QString& target, QWidget* parent);
+};
+
+/// What the program is, its version, and where the library lies.
+class frmAbout : public InfoWindow
+{
+    Q_OBJECT
+
+public:
+    explicit frmAbout(const QString& programFolder, QWidget* parent = nullptr);
+};
+
+/// How to begin, and where the user guide lies.
+class frmTutorial : public InfoWindow
+{
+    Q_OBJECT
+
+public:
+    explicit frmTutorial(const QString& guidePath, QWidget* parent = nullptr);
+};
+
+} // namespace varnholt
