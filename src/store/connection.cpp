@@ -190,6 +190,7 @@ bool Connection::isReadOnly() const
 
 void Connection::execute(const QString& statement)
 {
+    requireOpen();
     // A library that was deleted or replaced under us must not swallow changes silently.
     int moved = 0;
     sqlite3_file_control(database_, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
@@ -202,9 +203,7 @@ void Connection::execute(const QString& statement)
 
 Recordset Connection::read(const QString& statement)
 {
-    if (!database_) {
-        throw DatabaseError(QStringLiteral("The question library is not open."));
-    }
+    requireOpen();
     const QByteArray sql = statement.toUtf8();
     sqlite3_stmt* prepared = nullptr;
     if (sqlite3_prepare_v2(database_, sql.constData(), static_cast<int>(sql.size()) + 1, &prepared,
@@ -242,11 +241,16 @@ void Connection::checkSchema()
     }
 }
 
-void Connection::run(const char* sql)
+void Connection::requireOpen() const
 {
     if (!database_) {
         throw DatabaseError(QStringLiteral("The question library is not open."));
     }
+}
+
+void Connection::run(const char* sql)
+{
+    requireOpen();
     if (sqlite3_exec(database_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
         fail();
     }

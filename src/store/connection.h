@@ -81,6 +81,7 @@ private:
     friend class Transaction;
 
     void checkSchema();
+    void requireOpen() const;
     void run(const char* sql);
     [[noreturn]] void fail() const;
 
