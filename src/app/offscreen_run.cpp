@@ -1,0 +1,163 @@
+// The main job without a display: the real windows, driven by the names of their controls,
+// from the supplied library to a finished .pptx.
+
+#include "app/frmAssessment.h"
+#include "presentation/default_programs.h"
+#include "store/library_file.h"
+#include "store/services.h"
+#include "toolkit/ComboBox.h"
+#include "toolkit/ListBox.h"
+#include "toolkit/desktop_services.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+namespace {
+
+using namespace varnholt;
+
+/// In a run nobody watches every message means that something has gone wrong.
+class PrintedMessages : public MessageBoxes
+{
+public:
+    void inform(const QString& title, const QString& text) override
+    {
+        throw Error(title + QStringLiteral(": ") + text);
+    }
+    bool yesNo(const QString& title, const QString& text) override
+    {
+        throw Error(title + QStringLiteral(": ") + text);
+    }
+    QString inputText(const QString& title, const QString& prompt, const QString&) override
+    {
+        throw Error(title + QStringLiteral(": ") + prompt);
+    }
+};
+
+class Run
+{
+public:
+    explicit Run(QString out)
+        : out_(std::move(out))
+    {}
+
+    void operator()()
+    {
+        QDir().mkpath(out_);
+        const QString folder = ChooseProgramFolder({work_.filePath(QStringLiteral("bin")),
+                                                    work_.filePath(QStringLiteral("library")),
+                                                    QApplication::applicationDirPath()});
+
+        PrintedMessages messages;
+        SystemClock clock;
+        MersenneTwister random;
+        PresentationSettings settings;
+        settings.program = QStringLiteral("pptx");
+        settings.open = [this](const QString& path) {
+            presentation_ = path;
+            return true;
+        };
+        DefaultPresentationPrograms presentations(messages, folder, settings);
+        Services services;
+        services.messageBoxes = &messages;
+        services.clock = &clock;
+        services.random = &random;
+        services.presentationPrograms = &presentations;
+        services.programFolder = folder;
+
+        ProgramState state;
+        frmAssessment frame(services, state, QString());
+        window_ = &frame;
+        frame.show();
+        frame.mnuCreate_Click();
+        QApplication::processEvents();
+        keepPicture("1-all-topics");
+
+        auto* assessment = control<ComboBox>("cboAssessment");
+        assessment->setListIndex(0);
+        auto* topics = control<ListBox>("lstTopics");
+        press("cmdClearAllTopics");
+        for (int row = 0; row < topics->listCount() && row < 3; ++row) {
+            topics->setSelected(row, true);
+        }
+        topics->setListIndex(1);
+        auto* subTopics = control<ListBox>("lstSubTopics");
+        if (subTopics->listCount() > 1) {
+            subTopics->setListIndex(0);
+            subTopics->setSelected(0, false);
+        }
+        control<QLineEdit>("txtQuestions")->setText(QStringLiteral("12"));
+        control<QRadioButton>("optSelectNo")->setChecked(true);
+        keepPicture("2-topics-chosen");
+        press("cmdCreate");
+
+        if (presentation_.isEmpty()) {
+            throw Error(QStringLiteral("No presentation was made."));
+        }
+        const QString kept = out_ + u'/' + QFileInfo(presentation_).fileName();
+        QFile::remove(kept);
+        if (!QFile::copy(presentation_, kept)) {
+            throw Error(QStringLiteral("The presentation could not be copied to %1.").arg(kept));
+        }
+        std::printf("The slides of 12 questions: %s\n", qPrintable(kept));
+        frame.close();
+    }
+
+private:
+    template <typename Control>
+    Control* control(const char* name)
+    {
+        auto* found = window_->findChild<Control*>(QLatin1String(name));
+        if (!found || !found->isEnabled()) {
+            throw Error(QStringLiteral("The control %1 cannot be used.").arg(QLatin1String(name)));
+        }
+        return found;
+    }
+
+    void press(const char* name) { control<QPushButton>(name)->click(); }
+
+    void keepPicture(const char* name)
+    {
+        const QString path = out_ + u'/' + QLatin1String(name) + QStringLiteral(".png");
+        if (!window_->grab().save(path)) {
+            throw Error(QStringLiteral("%1 could not be written.").arg(path));
+        }
+        std::printf("A picture of the window: %s\n", qPrintable(path));
+    }
+
+    QString out_;
+    QTemporaryDir work_;
+    QWidget* window_ = nullptr;
+    QString presentation_;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir settings;
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
+    QApplication application(argc, argv);
+    QApplication::setOrganizationName(QStringLiteral("Varnholt"));
+    QApplication::setApplicationName(QStringLiteral("Varnholt"));
+    if (argc != 2) {
+        std::fprintf(stderr, "Usage: varnholt-offscreen FOLDER\n");
+        return 2;
+    }
+    try {
+        Run(QDir(QString::fromLocal8Bit(argv[1])).absolutePath())();
+    } catch (const Error& error) {
+        std::fprintf(stderr, "%s\n", qPrintable(error.message()));
+        return 1;
+    }
+    return 0;
+}
