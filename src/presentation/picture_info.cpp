@@ -21,8 +21,7 @@ constexpr double pointsPerInch = 72;
 
 [[noreturn]] void fail(const QString& path, const QString& why)
 {
-    throw Error(
-        QStringLiteral("The picture \"%1\" %2.").arg(QDir::toNativeSeparators(path), why));
+    throw Error(QStringLiteral("The picture \"%1\" %2.").arg(QDir::toNativeSeparators(path), why));
 }
 
 /// Random access to a file through one small window, so that headers are read in few calls
@@ -281,7 +280,8 @@ Header readBmpHeader(FileWindow& file)
     header.format = "bmp";
     // Rows from the top downwards are marked by a negative height.
     const qint64 height = qint32(file.little32(22));
-    header.pixels = QSize(qint32(file.little32(18)), int(std::min<qint64>(std::abs(height), 0x7FFFFFFF)));
+    header.pixels =
+        QSize(qint32(file.little32(18)), int(std::min<qint64>(std::abs(height), 0x7FFFFFFF)));
     header.densityX = qint32(file.little32(38)) * 0.0254;
     header.densityY = qint32(file.little32(42)) * 0.0254;
     if (file.size() < qint64(file.little32(2))) {
@@ -345,7 +345,8 @@ PictureInfo readPictureInfo(const QString& path)
                        .arg(pixels.height()));
     }
     // Rare kinds whose headers say little: decoded once rather than judged by four numbers.
-    if ((header.format == "gif" || header.format == "bmp") && QImageReader(path, header.format).read().isNull()) {
+    if ((header.format == "gif" || header.format == "bmp") &&
+        QImageReader(path, header.format).read().isNull()) {
         fail(path, QStringLiteral("cannot be decoded"));
     }
     const bool given = isDensity(header.densityX) && isDensity(header.densityY);

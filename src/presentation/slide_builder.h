@@ -28,7 +28,8 @@ struct BuildInput
     std::function<QString(const QuestionRecord&)> picturePath;
 };
 
-enum class BuildOutcome {
+enum class BuildOutcome
+{
     complete,
     /// A picture was missing or unreadable, or the presentation program failed later on. The
     /// user has been told; the slides so far stay open.

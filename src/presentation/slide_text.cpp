@@ -7,8 +7,8 @@ QStringList slideParagraphs(const QString& text)
     QStringList paragraphs(QString{});
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text.at(i);
-        const bool pairs = c.isHighSurrogate() && i + 1 < text.size() &&
-                           text.at(i + 1).isLowSurrogate();
+        const bool pairs =
+            c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
         QString& paragraph = paragraphs.last();
         if (pairs) {
             paragraph += c;

@@ -1,24 +1,21 @@
 #pragma once
 
 #include "presentation/slide_builder.h"
-#include "store/services.h"
+#include "support/fakes.h"
 
 #include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QTemporaryDir>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace varnholt::test {
 
-class MockMessageBoxes : public MessageBoxes
-{
-public:
-    MOCK_METHOD(void, inform, (const QString&, const QString&), (override));
-    MOCK_METHOD(bool, yesNo, (const QString&, const QString&), (override));
-    MOCK_METHOD(QString, inputText, (const QString&, const QString&, const QString&), (override));
-};
+inline const QString abortTitle = QStringLiteral("File Missing");
+inline const QString abortText = QStringLiteral(
+    "The creation of the powerpoint has been aborted because one of the questions selected is "
+    "missing a picture file. Please go to Manage Assessments and delete that questions.");
 
 /// A legible picture; no density is written when `dotsPerInch` is 0.
 inline QString writePicture(const QString& path, QSize size, double dotsPerInch,
@@ -49,9 +46,13 @@ inline QString writePicture(const QString& path, QSize size, double dotsPerInch,
 class BuildFixture : public testing::Test
 {
 protected:
-    QString picture(int index) const { return folder_.filePath(QStringLiteral("%1.jpg").arg(index)); }
+    QString picture(int index) const
+    {
+        return folder_.filePath(QStringLiteral("%1.jpg").arg(index));
+    }
 
-    void addQuestion(const QString& answer, const QString& topic = QStringLiteral("Algebra - Roots"))
+    void addQuestion(const QString& answer,
+                     const QString& topic = QStringLiteral("Algebra - Roots"))
     {
         const int key = pool_.upperBound() + 1;
         pool_.append({key, key, 1, 1, answer, true});
@@ -60,16 +61,17 @@ protected:
 
     BuildOutcome build(PresentationProgram& program, bool topicLine, bool answerKey)
     {
-        const BuildInput input{pool_, topicLine, answerKey,
-                               [this](const QuestionRecord& q) { return topics_.at(q.SOLIndex - 1); },
-                               [this](const QuestionRecord& q) { return picture(q.PictureIndex); }};
+        const BuildInput input{
+            pool_, topicLine, answerKey,
+            [this](const QuestionRecord& q) { return topics_.at(q.SOLIndex - 1); },
+            [this](const QuestionRecord& q) { return picture(q.PictureIndex); }};
         return BuildPresentation(program, input, boxes_, {});
     }
 
     QTemporaryDir folder_;
     List1<QuestionRecord> pool_;
     QStringList topics_;
-    testing::StrictMock<MockMessageBoxes> boxes_;
+    ScriptedMessageBoxes boxes_;
 };
 
 } // namespace varnholt::test

@@ -43,8 +43,8 @@ public:
     explicit PackageReader(const QString& path)
         : path_(path)
     {
-        output(QStringLiteral("unzip"), {QStringLiteral("-q"), path, QStringLiteral("-d"),
-                                         folder_.path()});
+        output(QStringLiteral("unzip"),
+               {QStringLiteral("-q"), path, QStringLiteral("-d"), folder_.path()});
     }
 
     [[nodiscard]] QStringList parts() const
@@ -97,11 +97,11 @@ public:
         QList<QList<qint64>> found;
         for (const Element& element : elements(slideName(slide))) {
             if (element.name == QStringLiteral("a:off")) {
-                found.append({element.attribute("x").toLongLong(),
-                              element.attribute("y").toLongLong()});
+                found.append(
+                    {element.attribute("x").toLongLong(), element.attribute("y").toLongLong()});
             } else if (element.name == QStringLiteral("a:ext")) {
-                found.last() += {element.attribute("cx").toLongLong(),
-                                 element.attribute("cy").toLongLong()};
+                found.last() +=
+                    {element.attribute("cx").toLongLong(), element.attribute("cy").toLongLong()};
             }
         }
         found.removeFirst(); // the shape tree's own

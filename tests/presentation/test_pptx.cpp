@@ -1,8 +1,8 @@
+#include "presentation/build_fixture.h"
+#include "presentation/package_reader.h"
 #include "presentation/picture_info.h"
 #include "presentation/pptx/pptx_program.h"
 #include "store/errors.h"
-#include "presentation/build_fixture.h"
-#include "presentation/package_reader.h"
 
 #include <QRegularExpression>
 
@@ -13,7 +13,6 @@
 using namespace Qt::StringLiterals;
 using namespace varnholt;
 using namespace varnholt::test;
-using testing::_;
 
 namespace {
 
@@ -107,7 +106,8 @@ TEST_F(Pptx, PackageKeepsTheRules)
     EXPECT_EQ(slideIds.size(), 4u);
 
     // Each picture once, as what it is and not as what it is called, byte for byte.
-    EXPECT_EQ(parts.filter(u"media"_s), (QStringList{u"ppt/media/image1.jpeg"_s, u"ppt/media/image2.png"_s}));
+    EXPECT_EQ(parts.filter(u"media"_s),
+              (QStringList{u"ppt/media/image1.jpeg"_s, u"ppt/media/image2.png"_s}));
     QFile original(picture(2));
     ASSERT_TRUE(original.open(QIODevice::ReadOnly));
     EXPECT_EQ(package.bytes(u"ppt/media/image2.png"_s), original.readAll());
@@ -146,11 +146,12 @@ TEST_F(Pptx, Geometry)
         EXPECT_EQ(package.boxes(1), first);
         // 300 dots an inch are 11,811 a metre in the file, so a third of a hair off.
         EXPECT_NEAR(double(package.boxes(2).last().at(2)), 2 * 914'400, 60);
-        EXPECT_EQ(package.boxes(3), (QList<QList<qint64>>{points({0, 0, 300, 100}),
-                                                          points({0, 20, 100, 100}),
-                                                          points({0, 40, 100, 100})}));
+        EXPECT_EQ(package.boxes(3),
+                  (QList<QList<qint64>>{points({0, 0, 300, 100}), points({0, 20, 100, 100}),
+                                        points({0, 40, 100, 100})}));
     }
-    const PackageReader package(folder_.filePath(u"Presentations/Varnholt 2026-11-21 14.05.pptx"_s));
+    const PackageReader package(
+        folder_.filePath(u"Presentations/Varnholt 2026-11-21 14.05.pptx"_s));
     const Element size = package.elements(u"ppt/presentation.xml"_s, u"p:sldSz"_s).first();
     EXPECT_EQ(size.attribute("cx"), u"12192000");
     EXPECT_EQ(size.attribute("cy"), u"6858000");
@@ -171,7 +172,8 @@ TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)
         EXPECT_TRUE(told.isEmpty());
         PptxProgram program(settings_);
         EXPECT_EQ(build(program, false, false), BuildOutcome::complete);
-        EXPECT_EQ(told.contains(program.writtenPath()), i == 1) << "no program, so the place is told";
+        EXPECT_EQ(told.contains(program.writtenPath()), i == 1)
+            << "no program, so the place is told";
     }
     EXPECT_EQ(opened, (QStringList{u"Varnholt 2026-11-21 14.05.pptx"_s,
                                    u"Varnholt 2026-11-21 14.05 (2).pptx"_s}));
@@ -183,7 +185,7 @@ TEST_F(Pptx, MissingPictureKeepsTheSlidesSoFar)
     writePicture(picture(1), {60, 35}, 96);
     addQuestion(u"A"_s);
     addQuestion(u"B"_s, u"Second"_s);
-    EXPECT_CALL(boxes_, inform(u"File Missing"_s, _));
+    boxes_.expectInform(abortTitle, abortText);
     PptxProgram program(settings_);
     EXPECT_EQ(build(program, true, true), BuildOutcome::aborted);
     const PackageReader package(program.writtenPath());
@@ -252,11 +254,13 @@ protected:
     QByteArray withExif(QByteArray jpeg, char orientation, const QByteArray& density)
     {
         QByteArray tiff("MM\0\x2A\0\0\0\x08\0\x03"
-                        "\x01\x12\0\x03\0\0\0\x01\0", 19);
+                        "\x01\x12\0\x03\0\0\0\x01\0",
+                        19);
         tiff += orientation;
         tiff += QByteArray("\0\0"
                            "\x01\x1A\0\x05\0\0\0\x01\0\0\0\x32"
-                           "\x01\x1B\0\x05\0\0\0\x01\0\0\0\x32\0\0\0\0", 30);
+                           "\x01\x1B\0\x05\0\0\0\x01\0\0\0\x32\0\0\0\0",
+                           30);
         tiff.resize(50);
         tiff += density;
         const int length = 2 + 6 + int(tiff.size());
@@ -310,12 +314,14 @@ TEST_F(Pictures, BadFilesAreErrors)
         EXPECT_NO_THROW(static_cast<void>(readPictureInfo(save(whole)))) << format;
         EXPECT_NO_THROW(static_cast<void>(readPictureInfo(save(whole + QByteArray(9000, 'x')))))
             << format << " with something appended";
-        for (const qsizetype size : {whole.size() - 1, whole.size() / 2, qsizetype(20), qsizetype(3)}) {
+        for (const qsizetype size :
+             {whole.size() - 1, whole.size() / 2, qsizetype(20), qsizetype(3)}) {
             bad.append(save(whole.left(size)));
         }
     }
     QByteArray zeroed = bytesOf({300, 200}, 96, "jpeg");
-    bad.append(save(zeroed.replace(zeroed.size() / 2, zeroed.size(), QByteArray(zeroed.size() / 2, '\0'))));
+    bad.append(save(
+        zeroed.replace(zeroed.size() / 2, zeroed.size(), QByteArray(zeroed.size() / 2, '\0'))));
     bad.append(save(bytesOf({30'000, 4}, 96, "jpeg")));
     for (const QString& path : bad) {
         EXPECT_THROW(static_cast<void>(readPictureInfo(path)), Error) << qPrintable(path);

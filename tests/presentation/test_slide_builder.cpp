@@ -1,31 +1,16 @@
 #include "presentation/slide_builder.h"
 
+#include "presentation/build_fixture.h"
 #include "store/errors.h"
-#include "store/services.h"
 #include "support/recording_presentation_program.h"
-
-#include <gmock/gmock.h>
 
 #include <set>
 
 using namespace Qt::StringLiterals;
 using namespace varnholt;
-using varnholt::test::RecordingPresentationProgram;
-using testing::_;
+using namespace varnholt::test;
 
 namespace {
-
-class MockMessageBoxes : public MessageBoxes
-{
-public:
-    MOCK_METHOD(void, inform, (const QString&, const QString&), (override));
-    MOCK_METHOD(bool, yesNo, (const QString&, const QString&), (override));
-    MOCK_METHOD(QString, inputText, (const QString&, const QString&, const QString&), (override));
-};
-
-const QString abortText = QStringLiteral(
-    "The creation of the powerpoint has been aborted because one of the questions selected is "
-    "missing a picture file. Please go to Manage Assessments and delete that questions.");
 
 class SlideBuilder : public testing::Test
 {
@@ -73,7 +58,7 @@ protected:
     }
 
     List1<QuestionRecord> pool_;
-    testing::StrictMock<MockMessageBoxes> boxes_;
+    ScriptedMessageBoxes boxes_;
     RecordingPresentationProgram program_;
 };
 
@@ -81,25 +66,24 @@ TEST_F(SlideBuilder, CallsInOrderWithTopicAndKey)
 {
     fillPool(3, {2});
     EXPECT_EQ(build(true, true), BuildOutcome::complete);
-    const QStringList expected{
-        u"addPresentation"_s, u"setVisible"_s,
-        // the first question
-        u"slideCount"_s, u"addBlankSlide 1"_s, u"selectSlide 1"_s,
-        u"addTextBox 0 0 1000 100"_s, u"setShapeText 1 Topic of 1"_s,
-        u"addTextBox 0 40 100 100"_s, u"addPicture 101.jpg 2 70 -1 -1"_s,
-        u"setShapeText 2 #1"_s, u"scaleHeight 3 1"_s, u"scaleWidth 3 1"_s,
-        // the third, since the second is rejected
-        u"slideCount"_s, u"addBlankSlide 2"_s, u"selectSlide 2"_s,
-        u"addTextBox 0 0 1000 100"_s, u"setShapeText 1 Topic of 3"_s,
-        u"addTextBox 0 40 100 100"_s, u"addPicture 103.jpg 2 70 -1 -1"_s,
-        u"setShapeText 2 #2"_s, u"scaleHeight 3 1"_s, u"scaleWidth 3 1"_s,
-        // the key
-        u"slideCount"_s, u"addBlankSlide 3"_s, u"selectSlide 3"_s,
-        u"addTextBox 0 0 300 100"_s, u"setShapeText 1 Answer Key"_s,
-        u"addTextBox 0 20 100 100"_s, u"setShapeText 2 1) A1"_s,
-        u"addTextBox 0 40 100 100"_s, u"setShapeText 3 2) A3"_s,
-        // the end
-        u"selectSlide 1"_s, u"finish"_s};
+    const QStringList expected{u"addPresentation"_s, u"setVisible"_s,
+                               // the first question
+                               u"slideCount"_s, u"addBlankSlide 1"_s, u"selectSlide 1"_s,
+                               u"addTextBox 0 0 1000 100"_s, u"setShapeText 1 Topic of 1"_s,
+                               u"addTextBox 0 40 100 100"_s, u"addPicture 101.jpg 2 70 -1 -1"_s,
+                               u"setShapeText 2 #1"_s, u"scaleHeight 3 1"_s, u"scaleWidth 3 1"_s,
+                               // the third, since the second is rejected
+                               u"slideCount"_s, u"addBlankSlide 2"_s, u"selectSlide 2"_s,
+                               u"addTextBox 0 0 1000 100"_s, u"setShapeText 1 Topic of 3"_s,
+                               u"addTextBox 0 40 100 100"_s, u"addPicture 103.jpg 2 70 -1 -1"_s,
+                               u"setShapeText 2 #2"_s, u"scaleHeight 3 1"_s, u"scaleWidth 3 1"_s,
+                               // the key
+                               u"slideCount"_s, u"addBlankSlide 3"_s, u"selectSlide 3"_s,
+                               u"addTextBox 0 0 300 100"_s, u"setShapeText 1 Answer Key"_s,
+                               u"addTextBox 0 20 100 100"_s, u"setShapeText 2 1) A1"_s,
+                               u"addTextBox 0 40 100 100"_s, u"setShapeText 3 2) A3"_s,
+                               // the end
+                               u"selectSlide 1"_s, u"finish"_s};
     EXPECT_EQ(program_.calls, expected);
 }
 
@@ -169,10 +153,7 @@ INSTANTIATE_TEST_SUITE_P(
         KeyCase{24, {}, {25}, {u"480: 24) A24"_s}}, KeyCase{25, {}, {26, 0}, {u"500: 25) A25"_s}},
         KeyCase{26, {}, {26, 1}, {u"500: 25) A25"_s, u"0: 26) A26"_s}},
         KeyCase{50, {}, {26, 25, 0}, {u"500: 25) A25"_s, u"480: 50) A50"_s}},
-        KeyCase{51,
-                {},
-                {26, 25, 1},
-                {u"500: 25) A25"_s, u"480: 50) A50"_s, u"0: 51) A51"_s}},
+        KeyCase{51, {}, {26, 25, 1}, {u"500: 25) A25"_s, u"480: 50) A50"_s, u"0: 51) A51"_s}},
         // The break waits for the next included multiple of 25.
         KeyCase{30, {25}, {30}, {u"580: 29) A30"_s}},
         KeyCase{51, {25}, {50, 1}, {u"980: 49) A50"_s, u"0: 50) A51"_s}},
@@ -199,7 +180,7 @@ TEST_P(FailurePhase, ReachesTheCallerOnlyBeforeTheFirstPicture)
     fillPool(2);
     program_.failAt(failure.call, failure.nth);
     if (failure.aborts) {
-        EXPECT_CALL(boxes_, inform(QStringLiteral("File Missing"), abortText));
+        boxes_.expectInform(abortTitle, abortText);
         EXPECT_EQ(build(true, true), BuildOutcome::aborted);
     } else {
         EXPECT_THROW(build(true, true), Error);

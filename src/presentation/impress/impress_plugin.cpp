@@ -15,8 +15,7 @@ QString findPlugin()
 {
     const QString own = QCoreApplication::applicationDirPath();
     for (const char* folder : {"/plugins/", "/../lib/varnholt/plugins/"}) {
-        const QString path =
-            own + QLatin1String(folder) + QStringLiteral("varnholt_impress.so");
+        const QString path = own + QLatin1String(folder) + QStringLiteral("varnholt_impress.so");
         if (QFileInfo::exists(path)) {
             return path;
         }

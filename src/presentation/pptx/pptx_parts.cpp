@@ -44,8 +44,11 @@ QByteArray escapedLine(const QString& text)
 class Relations
 {
 public:
-    Relations() { xml_ = QByteArray(declaration) + "<Relationships xmlns=\"http://schemas."
-                         "openxmlformats.org/package/2006/relationships\">"; }
+    Relations()
+    {
+        xml_ = QByteArray(declaration) + "<Relationships xmlns=\"http://schemas."
+                                         "openxmlformats.org/package/2006/relationships\">";
+    }
 
     Relations& add(const QByteArray& type, const QByteArray& target)
     {
@@ -53,8 +56,8 @@ public:
     }
     Relations& addOfType(const QByteArray& type, const QByteArray& target)
     {
-        xml_ += "<Relationship Id=\"rId" + number(++count_) + "\" Type=\"" + type +
-                "\" Target=\"" + target + "\"/>";
+        xml_ += "<Relationship Id=\"rId" + number(++count_) + "\" Type=\"" + type + "\" Target=\"" +
+                target + "\"/>";
         return *this;
     }
     [[nodiscard]] QByteArray xml() const { return xml_ + "</Relationships>"; }
@@ -87,8 +90,8 @@ QByteArray textBox(const PptxShape& shape, int id)
 
 QByteArray picture(const PptxShape& shape, int id, int relation)
 {
-    return "<p:pic><p:nvPicPr><p:cNvPr id=\"" + number(id) + "\" name=\"Picture " +
-           number(id - 1) + "\" descr=\"" + escapedLine(shape.description) +
+    return "<p:pic><p:nvPicPr><p:cNvPr id=\"" + number(id) + "\" name=\"Picture " + number(id - 1) +
+           "\" descr=\"" + escapedLine(shape.description) +
            "\"/><p:cNvPicPr><a:picLocks noChangeAspect=\"1\"/></p:cNvPicPr><p:nvPr/>"
            "</p:nvPicPr><p:blipFill><a:blip r:embed=\"rId" +
            number(relation) + "\"/><a:stretch><a:fillRect/></a:stretch></p:blipFill><p:spPr>" +
@@ -125,11 +128,12 @@ QByteArray pptxMediaName(const PptxDocument& document, int media)
 QByteArray pptxContentTypes(const PptxDocument& document)
 {
     const QByteArray office = "application/vnd.openxmlformats-officedocument.";
-    QByteArray xml = QByteArray(declaration) +
-                     "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
-                     "<Default Extension=\"rels\" ContentType=\"application/"
-                     "vnd.openxmlformats-package.relationships+xml\"/>"
-                     "<Default Extension=\"xml\" ContentType=\"application/xml\"/>";
+    QByteArray xml =
+        QByteArray(declaration) +
+        "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
+        "<Default Extension=\"rels\" ContentType=\"application/"
+        "vnd.openxmlformats-package.relationships+xml\"/>"
+        "<Default Extension=\"xml\" ContentType=\"application/xml\"/>";
     std::set<QByteArray> formats;
     for (const PptxMedia& media : document.media) {
         if (formats.insert(media.format).second) {
@@ -302,9 +306,8 @@ QByteArray pptxTheme()
            "name=\"Varnholt\"><a:themeElements><a:clrScheme name=\"Varnholt\">" +
            colour("dk1", "000000") + colour("lt1", "FFFFFF") + colour("dk2", "1F3A4D") +
            colour("lt2", "EEF1F4") + colour("accent1", "2F6DA8") + colour("accent2", "C8622B") +
-           colour("accent3", "7A8791") + colour("accent4", "D9A521") +
-           colour("accent5", "4C9A6A") + colour("accent6", "7C5AA0") +
-           colour("hlink", "0B5CAD") + colour("folHlink", "6A4A8C") +
+           colour("accent3", "7A8791") + colour("accent4", "D9A521") + colour("accent5", "4C9A6A") +
+           colour("accent6", "7C5AA0") + colour("hlink", "0B5CAD") + colour("folHlink", "6A4A8C") +
            "</a:clrScheme><a:fontScheme name=\"Varnholt\">" + font("majorFont") +
            font("minorFont") + "</a:fontScheme><a:fmtScheme name=\"Varnholt\"><a:fillStyleLst>" +
            fill + fill + fill + "</a:fillStyleLst><a:lnStyleLst>" + line("6350") + line("12700") +

@@ -98,10 +98,9 @@ private:
 
     void add(const QByteArray& name, zip_source_t* source, int method)
     {
-        const zip_int64_t index =
-            source == nullptr ? -1
-                              : zip_file_add(archive_.get(), name.constData(), source,
-                                             ZIP_FL_ENC_UTF_8);
+        const zip_int64_t index = source == nullptr ? -1
+                                                    : zip_file_add(archive_.get(), name.constData(),
+                                                                   source, ZIP_FL_ENC_UTF_8);
         if (index < 0) {
             zip_source_free(source);
             fail(path_, zip_strerror(archive_.get()));
