@@ -1,0 +1,60 @@
+#include "presentation/impress/impress_plugin.h"
+
+#include "presentation/presentation_program.h"
+#include "store/errors.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QLibrary>
+
+namespace varnholt {
+
+namespace {
+
+QString findPlugin()
+{
+    const QString own = QCoreApplication::applicationDirPath();
+    for (const char* folder : {"/plugins/", "/../lib/varnholt/plugins/"}) {
+        const QString path = own + QLatin1String(folder) + QStringLiteral("varnholt_impress.so");
+        if (QFileInfo::exists(path)) {
+            return path;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+ImpressPlugin& ImpressPlugin::instance()
+{
+    static ImpressPlugin plugin;
+    return plugin;
+}
+
+ImpressPlugin::ImpressPlugin()
+{
+    const QString path = findPlugin();
+    if (path.isEmpty()) {
+        reason_ = QStringLiteral("This program was installed without its part for Impress.");
+        return;
+    }
+    // Never unloaded: the office suite's libraries keep threads and exit handlers.
+    QLibrary library(path);
+    library.setLoadHints(QLibrary::PreventUnloadHint);
+    entry_ = reinterpret_cast<ImpressEntry>(library.resolve(impressEntryName));
+    if (entry_ == nullptr) {
+        reason_ = QStringLiteral("Impress is not installed, or not one that fits this program "
+                                 "(%1).")
+                      .arg(library.errorString());
+    }
+}
+
+std::unique_ptr<PresentationProgram> ImpressPlugin::start(const ImpressSettings& settings) const
+{
+    if (entry_ == nullptr) {
+        throw Error(reason_);
+    }
+    return std::unique_ptr<PresentationProgram>(entry_(settings));
+}
+
+} // namespace varnholt

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+namespace varnholt {
+
+class PresentationProgram;
+
+/// How the plug-in reaches the office suite. Handed across the plug-in's border, so host and
+/// plug-in must come from one build.
+struct ImpressSettings
+{
+    /// The program that starts the office; empty for the one the plug-in was built against.
+    QString program;
+    /// More arguments for it, for example a profile of its own ("-env:UserInstallation=...").
+    QStringList arguments;
+    /// Environment entries for it, "NAME=value".
+    QStringList environment;
+    /// Called while the office is waited for, about 50 times a second. Must not throw.
+    std::function<void()> alive;
+    /// Asked after every `patienceMs` without an answer; false gives up. Empty: never give up
+    /// before `startLimitMs`.
+    std::function<bool()> keepWaiting;
+    int patienceMs = 15'000;
+    /// An office that has not answered after this does not start.
+    int startLimitMs = 90'000;
+};
+
+/// The plug-in's one entry, exported as `impressEntryName`: a connected Impress. Throws `Error`
+/// when the office cannot be reached and `Cancelled` when the user stopped waiting.
+using ImpressEntry = PresentationProgram* (*)(const ImpressSettings& settings);
+
+inline constexpr char impressEntryName[] = "varnholt_start_impress";
+
+} // namespace varnholt

@@ -1,0 +1,319 @@
+#include "presentation/pptx/pptx_parts.h"
+
+#include "presentation/slide_text.h"
+
+#include <set>
+
+namespace varnholt {
+
+namespace {
+
+constexpr char declaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
+
+constexpr char relationTypes[] =
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+
+#define NAMESPACES                                                                                 \
+    " xmlns:a=\"http://schemas.openxmlformats.org/drawingml/2006/main\""                           \
+    " xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\""             \
+    " xmlns:p=\"http://schemas.openxmlformats.org/presentationml/2006/main\""
+
+constexpr char emptyShapeTree[] =
+    "<p:nvGrpSpPr><p:cNvPr id=\"1\" name=\"\"/><p:cNvGrpSpPr/><p:nvPr/></p:nvGrpSpPr>"
+    "<p:grpSpPr><a:xfrm><a:off x=\"0\" y=\"0\"/><a:ext cx=\"0\" cy=\"0\"/>"
+    "<a:chOff x=\"0\" y=\"0\"/><a:chExt cx=\"0\" cy=\"0\"/></a:xfrm></p:grpSpPr>";
+
+QByteArray number(qint64 value)
+{
+    return QByteArray::number(value);
+}
+
+/// Text for element content and for attributes between double quotes.
+QByteArray escaped(const QString& text)
+{
+    return text.toHtmlEscaped().toUtf8();
+}
+
+/// One line of text for an attribute: attributes know no line breaks.
+QByteArray escapedLine(const QString& text)
+{
+    return escaped(slideParagraphs(text).join(u' '));
+}
+
+/// A relationship part, its identifiers rId1, rId2, ... in the order of adding.
+class Relations
+{
+public:
+    Relations()
+    {
+        xml_ = QByteArray(declaration) + "<Relationships xmlns=\"http://schemas."
+                                         "openxmlformats.org/package/2006/relationships\">";
+    }
+
+    Relations& add(const QByteArray& type, const QByteArray& target)
+    {
+        return addOfType(relationTypes + type, target);
+    }
+    Relations& addOfType(const QByteArray& type, const QByteArray& target)
+    {
+        xml_ += "<Relationship Id=\"rId" + number(++count_) + "\" Type=\"" + type + "\" Target=\"" +
+                target + "\"/>";
+        return *this;
+    }
+    [[nodiscard]] QByteArray xml() const { return xml_ + "</Relationships>"; }
+
+private:
+    QByteArray xml_;
+    int count_ = 0;
+};
+
+QByteArray transform(const PptxShape& shape)
+{
+    return "<a:xfrm><a:off x=\"" + number(shape.left) + "\" y=\"" + number(shape.top) +
+           "\"/><a:ext cx=\"" + number(shape.width) + "\" cy=\"" + number(shape.height) +
+           "\"/></a:xfrm><a:prstGeom prst=\"rect\"><a:avLst/></a:prstGeom>";
+}
+
+QByteArray textBox(const PptxShape& shape, int id)
+{
+    QByteArray xml = "<p:sp><p:nvSpPr><p:cNvPr id=\"" + number(id) + "\" name=\"TextBox " +
+                     number(id - 1) + "\"/><p:cNvSpPr txBox=\"1\"/><p:nvPr/></p:nvSpPr><p:spPr>" +
+                     transform(shape) +
+                     "<a:noFill/></p:spPr><p:txBody><a:bodyPr wrap=\"square\" rtlCol=\"0\">"
+                     "<a:noAutofit/></a:bodyPr><a:lstStyle/>";
+    for (const QString& paragraph : slideParagraphs(shape.text)) {
+        xml += paragraph.isEmpty() ? QByteArrayLiteral("<a:p/>")
+                                   : "<a:p><a:r><a:t>" + escaped(paragraph) + "</a:t></a:r></a:p>";
+    }
+    return xml + "</p:txBody></p:sp>";
+}
+
+QByteArray picture(const PptxShape& shape, int id, int relation)
+{
+    return "<p:pic><p:nvPicPr><p:cNvPr id=\"" + number(id) + "\" name=\"Picture " + number(id - 1) +
+           "\" descr=\"" + escapedLine(shape.description) +
+           "\"/><p:cNvPicPr><a:picLocks noChangeAspect=\"1\"/></p:cNvPicPr><p:nvPr/>"
+           "</p:nvPicPr><p:blipFill><a:blip r:embed=\"rId" +
+           number(relation) + "\"/><a:stretch><a:fillRect/></a:stretch></p:blipFill><p:spPr>" +
+           transform(shape) + "</p:spPr></p:pic>";
+}
+
+/// One level of the text of a text box, as presentation programs have it by default.
+QByteArray levelProperties(int level)
+{
+    return "<a:lvl" + number(level) + "pPr marL=\"" + number((level - 1) * 457200) +
+           "\" algn=\"l\" defTabSz=\"914400\" rtl=\"0\" eaLnBrk=\"1\" latinLnBrk=\"0\" "
+           "hangingPunct=\"1\"><a:defRPr sz=\"1800\" kern=\"1200\"><a:solidFill>"
+           "<a:schemeClr val=\"tx1\"/></a:solidFill><a:latin typeface=\"+mn-lt\"/>"
+           "<a:ea typeface=\"+mn-ea\"/><a:cs typeface=\"+mn-cs\"/></a:defRPr></a:lvl" +
+           number(level) + "pPr>";
+}
+
+QByteArray textLevels()
+{
+    QByteArray xml = "<a:defPPr><a:defRPr lang=\"en-US\"/></a:defPPr>";
+    for (int level = 1; level <= 9; ++level) {
+        xml += levelProperties(level);
+    }
+    return xml;
+}
+
+} // namespace
+
+QByteArray pptxMediaName(const PptxDocument& document, int media)
+{
+    return "ppt/media/image" + number(media) + '.' + document.media.at(size_t(media) - 1).format;
+}
+
+QByteArray pptxContentTypes(const PptxDocument& document)
+{
+    const QByteArray office = "application/vnd.openxmlformats-officedocument.";
+    QByteArray xml =
+        QByteArray(declaration) +
+        "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
+        "<Default Extension=\"rels\" ContentType=\"application/"
+        "vnd.openxmlformats-package.relationships+xml\"/>"
+        "<Default Extension=\"xml\" ContentType=\"application/xml\"/>";
+    std::set<QByteArray> formats;
+    for (const PptxMedia& media : document.media) {
+        if (formats.insert(media.format).second) {
+            xml += "<Default Extension=\"" + media.format + "\" ContentType=\"image/" +
+                   media.format + "\"/>";
+        }
+    }
+    const auto part = [&xml](const QByteArray& name, const QByteArray& type) {
+        xml += "<Override PartName=\"/" + name + "\" ContentType=\"" + type + "+xml\"/>";
+    };
+    const QByteArray slides = office + "presentationml.";
+    part("docProps/core.xml", "application/vnd.openxmlformats-package.core-properties");
+    part("docProps/app.xml", office + "extended-properties");
+    part("ppt/presentation.xml", slides + "presentation.main");
+    part("ppt/slideMasters/slideMaster1.xml", slides + "slideMaster");
+    part("ppt/slideLayouts/slideLayout1.xml", slides + "slideLayout");
+    part("ppt/theme/theme1.xml", office + "theme");
+    for (size_t slide = 1; slide <= document.slides.size(); ++slide) {
+        part("ppt/slides/slide" + number(qint64(slide)) + ".xml", slides + "slide");
+    }
+    return xml + "</Types>";
+}
+
+QByteArray pptxRootRelations()
+{
+    return Relations()
+        .add("officeDocument", "ppt/presentation.xml")
+        .addOfType(
+            "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties",
+            "docProps/core.xml")
+        .add("extended-properties", "docProps/app.xml")
+        .xml();
+}
+
+QByteArray pptxCoreProperties(const PptxDocument& document, const QDateTime& now)
+{
+    const QByteArray time = now.toUTC().toString(Qt::ISODate).toLatin1();
+    const auto stamp = [&time](const QByteArray& name) {
+        return "<dcterms:" + name + " xsi:type=\"dcterms:W3CDTF\">" + time + "</dcterms:" + name +
+               '>';
+    };
+    return QByteArray(declaration) +
+           "<cp:coreProperties xmlns:cp=\"http://schemas.openxmlformats.org/package/2006/metadata/"
+           "core-properties\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
+           "xmlns:dcterms=\"http://purl.org/dc/terms/\" "
+           "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><dc:title>" +
+           escapedLine(document.title) + "</dc:title>" + stamp("created") + stamp("modified") +
+           "</cp:coreProperties>";
+}
+
+QByteArray pptxAppProperties(const PptxDocument& document)
+{
+    return QByteArray(declaration) +
+           "<Properties xmlns=\"http://schemas.openxmlformats.org/officeDocument/2006/"
+           "extended-properties\"><Application>Varnholt</Application><Slides>" +
+           number(qint64(document.slides.size())) + "</Slides></Properties>";
+}
+
+QByteArray pptxPresentation(const PptxDocument& document)
+{
+    QByteArray xml = QByteArray(declaration) +
+                     "<p:presentation" NAMESPACES "><p:sldMasterIdLst><p:sldMasterId "
+                     "id=\"2147483648\" r:id=\"rId1\"/></p:sldMasterIdLst><p:sldIdLst>";
+    for (size_t slide = 0; slide < document.slides.size(); ++slide) {
+        xml += "<p:sldId id=\"" + number(qint64(256 + slide)) + "\" r:id=\"rId" +
+               number(qint64(3 + slide)) + "\"/>";
+    }
+    return xml + "</p:sldIdLst><p:sldSz cx=\"" + number(pptxSlideWidth) + "\" cy=\"" +
+           number(pptxSlideHeight) +
+           "\"/><p:notesSz cx=\"6858000\" cy=\"9144000\"/><p:defaultTextStyle>" + textLevels() +
+           "</p:defaultTextStyle></p:presentation>";
+}
+
+QByteArray pptxPresentationRelations(const PptxDocument& document)
+{
+    Relations relations;
+    relations.add("slideMaster", "slideMasters/slideMaster1.xml").add("theme", "theme/theme1.xml");
+    for (size_t slide = 1; slide <= document.slides.size(); ++slide) {
+        relations.add("slide", "slides/slide" + number(qint64(slide)) + ".xml");
+    }
+    return relations.xml();
+}
+
+QByteArray pptxSlide(const PptxSlide& slide)
+{
+    QByteArray xml;
+    xml.reserve(4096);
+    xml += declaration;
+    xml += "<p:sld" NAMESPACES "><p:cSld><p:spTree>";
+    xml += emptyShapeTree;
+    // Identifier 1 is the shape tree's, relationship 1 the layout's.
+    int id = 1;
+    int relation = 1;
+    for (const PptxShape& shape : slide.shapes) {
+        ++id;
+        xml += shape.media == 0 ? textBox(shape, id) : picture(shape, id, ++relation);
+    }
+    xml += "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr></p:sld>";
+    return xml;
+}
+
+QByteArray pptxSlideRelations(const PptxDocument& document, const PptxSlide& slide)
+{
+    Relations relations;
+    relations.add("slideLayout", "../slideLayouts/slideLayout1.xml");
+    for (const PptxShape& shape : slide.shapes) {
+        if (shape.media != 0) {
+            relations.add("image", pptxMediaName(document, shape.media).replace("ppt/", "../"));
+        }
+    }
+    return relations.xml();
+}
+
+QByteArray pptxMaster()
+{
+    return QByteArray(declaration) +
+           "<p:sldMaster" NAMESPACES
+           "><p:cSld><p:bg><p:bgRef idx=\"1001\"><a:schemeClr val=\"bg1\"/></p:bgRef></p:bg>"
+           "<p:spTree>" +
+           emptyShapeTree +
+           "</p:spTree></p:cSld><p:clrMap bg1=\"lt1\" tx1=\"dk1\" bg2=\"lt2\" tx2=\"dk2\" "
+           "accent1=\"accent1\" accent2=\"accent2\" accent3=\"accent3\" accent4=\"accent4\" "
+           "accent5=\"accent5\" accent6=\"accent6\" hlink=\"hlink\" folHlink=\"folHlink\"/>"
+           "<p:sldLayoutIdLst><p:sldLayoutId id=\"2147483649\" r:id=\"rId1\"/>"
+           "</p:sldLayoutIdLst><p:txStyles><p:titleStyle>" +
+           levelProperties(1) + "</p:titleStyle><p:bodyStyle>" + levelProperties(1) +
+           "</p:bodyStyle><p:otherStyle>" + textLevels() +
+           "</p:otherStyle></p:txStyles></p:sldMaster>";
+}
+
+QByteArray pptxMasterRelations()
+{
+    return Relations()
+        .add("slideLayout", "../slideLayouts/slideLayout1.xml")
+        .add("theme", "../theme/theme1.xml")
+        .xml();
+}
+
+QByteArray pptxBlankLayout()
+{
+    return QByteArray(declaration) +
+           "<p:sldLayout" NAMESPACES " type=\"blank\" preserve=\"1\"><p:cSld name=\"Blank\">"
+           "<p:spTree>" +
+           emptyShapeTree +
+           "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr></p:sldLayout>";
+}
+
+QByteArray pptxBlankLayoutRelations()
+{
+    return Relations().add("slideMaster", "../slideMasters/slideMaster1.xml").xml();
+}
+
+QByteArray pptxTheme()
+{
+    const auto colour = [](const QByteArray& name, const QByteArray& rgb) {
+        return "<a:" + name + "><a:srgbClr val=\"" + rgb + "\"/></a:" + name + '>';
+    };
+    const auto font = [](const QByteArray& name) {
+        return "<a:" + name +
+               "><a:latin typeface=\"Arial\"/><a:ea typeface=\"\"/><a:cs typeface=\"\"/></a:" +
+               name + '>';
+    };
+    const QByteArray fill = "<a:solidFill><a:schemeClr val=\"phClr\"/></a:solidFill>";
+    const auto line = [&fill](const QByteArray& width) {
+        return "<a:ln w=\"" + width + "\">" + fill + "</a:ln>";
+    };
+    const QByteArray effect = "<a:effectStyle><a:effectLst/></a:effectStyle>";
+    return QByteArray(declaration) +
+           "<a:theme xmlns:a=\"http://schemas.openxmlformats.org/drawingml/2006/main\" "
+           "name=\"Varnholt\"><a:themeElements><a:clrScheme name=\"Varnholt\">" +
+           colour("dk1", "000000") + colour("lt1", "FFFFFF") + colour("dk2", "1F3A4D") +
+           colour("lt2", "EEF1F4") + colour("accent1", "2F6DA8") + colour("accent2", "C8622B") +
+           colour("accent3", "7A8791") + colour("accent4", "D9A521") + colour("accent5", "4C9A6A") +
+           colour("accent6", "7C5AA0") + colour("hlink", "0B5CAD") + colour("folHlink", "6A4A8C") +
+           "</a:clrScheme><a:fontScheme name=\"Varnholt\">" + font("majorFont") +
+           font("minorFont") + "</a:fontScheme><a:fmtScheme name=\"Varnholt\"><a:fillStyleLst>" +
+           fill + fill + fill + "</a:fillStyleLst><a:lnStyleLst>" + line("6350") + line("12700") +
+           line("19050") + "</a:lnStyleLst><a:effectStyleLst>" + effect + effect + effect +
+           "</a:effectStyleLst><a:bgFillStyleLst>" + fill + fill + fill +
+           "</a:bgFillStyleLst></a:fmtScheme></a:themeElements></a:theme>";
+}
+
+} // namespace varnholt

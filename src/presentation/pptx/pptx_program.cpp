@@ -1,0 +1,245 @@
+#include "presentation/pptx/pptx_program.h"
+
+#include "presentation/picture_info.h"
+#include "presentation/pptx/pptx_writer.h"
+#include "store/errors.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QUuid>
+
+#include <cmath>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace varnholt {
+
+namespace {
+
+constexpr auto partPrefix = ".varnholt-";
+constexpr qint64 partLifetimeSeconds = 3600;
+
+Emu emu(double points)
+{
+    return std::llround(points * double(emuPerPoint));
+}
+
+QString native(const QString& path)
+{
+    return QDir::toNativeSeparators(path);
+}
+
+/// A final name must not outlive a power cut without its bytes.
+void syncToDisk(const QString& path)
+{
+#ifdef Q_OS_UNIX
+    QFile file(path);
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) || fsync(file.handle()) != 0) {
+        throw Error(QStringLiteral("The presentation could not be written to \"%1\": %2.")
+                        .arg(native(path), qt_error_string()));
+    }
+#else
+    Q_UNUSED(path)
+#endif
+}
+
+/// What a killed program left behind. A younger one may be another program's work.
+void removeOldParts(const QDir& folder, const QDateTime& now)
+{
+    const QFileInfoList parts =
+        folder.entryInfoList({QLatin1String(partPrefix) + u'*'}, QDir::Files | QDir::Hidden);
+    for (const QFileInfo& part : parts) {
+        if (part.lastModified().secsTo(now) > partLifetimeSeconds) {
+            QFile::remove(part.filePath());
+        }
+    }
+}
+
+} // namespace
+
+PptxProgram::PptxProgram(PptxSettings settings)
+    : settings_(std::move(settings))
+    , folder_(settings_.programFolder + QStringLiteral("/Presentations"))
+{}
+
+PptxProgram::~PptxProgram()
+{
+    removePart();
+}
+
+QDateTime PptxProgram::now() const
+{
+    return settings_.now ? settings_.now() : QDateTime::currentDateTime();
+}
+
+void PptxProgram::addPresentation()
+{
+    QDir folder(folder_);
+    if (!folder.mkpath(QStringLiteral("."))) {
+        throw Error(QStringLiteral("The folder \"%1\" for presentations cannot be made.")
+                        .arg(native(folder_)));
+    }
+    removeOldParts(folder, QDateTime::currentDateTime());
+    removePart();
+    partPath_ = folder_ + u'/' + QLatin1String(partPrefix) +
+                QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".part");
+    QFile probe(partPath_);
+    if (!probe.open(QIODevice::WriteOnly)) {
+        throw Error(QStringLiteral("Nothing can be written to the folder \"%1\": %2.")
+                        .arg(native(folder_), probe.errorString()));
+    }
+    probe.remove();
+    document_ = {};
+    mediaByPath_.clear();
+    current_ = 0;
+    writtenPath_.clear();
+}
+
+void PptxProgram::setVisible() {}
+
+int PptxProgram::slideCount()
+{
+    return int(document_.slides.size());
+}
+
+void PptxProgram::addBlankSlide(int index)
+{
+    if (index < 1 || index > slideCount() + 1) {
+        throw Error(QStringLiteral("There is no place %1 for a slide.").arg(index));
+    }
+    document_.slides.insert(document_.slides.begin() + (index - 1), PptxSlide());
+}
+
+void PptxProgram::selectSlide(int index)
+{
+    if (index < 1 || index > slideCount()) {
+        throw Error(QStringLiteral("The presentation has no slide %1.").arg(index));
+    }
+    current_ = index;
+}
+
+PptxSlide& PptxProgram::currentSlide()
+{
+    if (current_ == 0) {
+        throw Error(QStringLiteral("No slide is selected."));
+    }
+    return document_.slides[size_t(current_) - 1];
+}
+
+PptxShape& PptxProgram::shapeAt(int shape)
+{
+    PptxSlide& slide = currentSlide();
+    if (shape < 1 || size_t(shape) > slide.shapes.size()) {
+        throw Error(QStringLiteral("The slide has no shape %1.").arg(shape));
+    }
+    return slide.shapes[size_t(shape) - 1];
+}
+
+void PptxProgram::addTextBox(double left, double top, double width, double height)
+{
+    PptxShape box;
+    box.left = emu(left);
+    box.top = emu(top);
+    box.width = emu(width);
+    box.height = emu(height);
+    currentSlide().shapes.push_back(std::move(box));
+}
+
+void PptxProgram::setShapeText(int shape, const QString& text)
+{
+    shapeAt(shape).text = text;
+}
+
+int PptxProgram::mediaFor(const QString& path)
+{
+    int& known = mediaByPath_[path];
+    if (known == 0) {
+        const PictureInfo info = readPictureInfo(path);
+        PptxMedia media;
+        media.path = path;
+        media.bytes = info.uprightJpeg;
+        media.format = info.uprightJpeg.isEmpty() ? info.format : QByteArrayLiteral("jpeg");
+        media.width = emu(info.points.width());
+        media.height = emu(info.points.height());
+        document_.media.push_back(std::move(media));
+        known = int(document_.media.size());
+    }
+    return known;
+}
+
+void PptxProgram::addPicture(const QString& path, double left, double top, double width,
+                             double height, const QString& description)
+{
+    PptxSlide& slide = currentSlide();
+    PptxShape picture;
+    picture.media = mediaFor(path);
+    const PptxMedia& media = document_.media[size_t(picture.media) - 1];
+    picture.left = emu(left);
+    picture.top = emu(top);
+    picture.width = width == ownSize ? media.width : emu(width);
+    picture.height = height == ownSize ? media.height : emu(height);
+    picture.description = description;
+    slide.shapes.push_back(std::move(picture));
+}
+
+void PptxProgram::scaleHeight(int shape, double factor)
+{
+    PptxShape& target = shapeAt(shape);
+    const Emu original =
+        target.media == 0 ? target.height : document_.media[size_t(target.media) - 1].height;
+    target.height = std::llround(double(original) * factor);
+}
+
+void PptxProgram::scaleWidth(int shape, double factor)
+{
+    PptxShape& target = shapeAt(shape);
+    const Emu original =
+        target.media == 0 ? target.width : document_.media[size_t(target.media) - 1].width;
+    target.width = std::llround(double(original) * factor);
+}
+
+QString PptxProgram::giveFinalName()
+{
+    const QString name = document_.title;
+    for (int copy = 1; copy <= 1000; ++copy) {
+        const QString path = folder_ + u'/' + name +
+                             (copy == 1 ? QString() : QStringLiteral(" (%1)").arg(copy)) +
+                             QStringLiteral(".pptx");
+        // Never replaces a file, so one made since the last look is safe as well.
+        if (!QFileInfo::exists(path) && QFile::rename(partPath_, path)) {
+            return path;
+        }
+    }
+    throw Error(QStringLiteral("The presentation could not be given a name in the folder \"%1\".")
+                    .arg(native(folder_)));
+}
+
+void PptxProgram::removePart()
+{
+    if (!partPath_.isEmpty()) {
+        QFile::remove(partPath_);
+    }
+}
+
+void PptxProgram::finish()
+{
+    if (document_.slides.empty()) {
+        return;
+    }
+    const QDateTime time = now();
+    document_.title = QStringLiteral("Varnholt ") + time.toString(u"yyyy-MM-dd HH.mm");
+    writePptx(partPath_, document_, time, settings_.alive);
+    syncToDisk(partPath_);
+    writtenPath_ = giveFinalName();
+    if (settings_.open && !settings_.open(writtenPath_) && settings_.notify) {
+        settings_.notify(QStringLiteral("The presentation is finished, but there is no program on "
+                                        "this computer to show it. You find it here:\n\n%1")
+                             .arg(native(writtenPath_)));
+    }
+}
+
+} // namespace varnholt

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "presentation/pptx/pptx_document.h"
+#include "presentation/presentation_program.h"
+
+#include <QDateTime>
+#include <QHash>
+
+#include <functional>
+
+namespace varnholt {
+
+/// Where a .pptx goes and what happens to it then. Callbacks may be empty.
+struct PptxSettings
+{
+    /// The folder `Presentations` is made in it when it is not there.
+    QString programFolder;
+    std::function<QDateTime()> now;
+    /// Opens the finished file with the desktop's program for it; false when there is none.
+    std::function<bool(const QString& path)> open;
+    /// Tells the user something that is not a failure of the build.
+    std::function<void(const QString& message)> notify;
+    /// Keeps the windows painted while the file is written. Must not throw.
+    std::function<void()> alive;
+};
+
+/// The back end that needs no presentation program: a document in memory which `finish`
+/// writes as "Varnholt <date> <time>.pptx", under a temporary name until it is whole, and
+/// opens. A presentation without slides is not written.
+class PptxProgram final : public PresentationProgram
+{
+public:
+    explicit PptxProgram(PptxSettings settings);
+    ~PptxProgram() override;
+
+    /// Throws when nothing can be written to the folder, before any work is done.
+    void addPresentation() override;
+    void setVisible() override;
+    int slideCount() override;
+    void addBlankSlide(int index) override;
+    void selectSlide(int index) override;
+    void addTextBox(double left, double top, double width, double height) override;
+    void setShapeText(int shape, const QString& text) override;
+    void addPicture(const QString& path, double left, double top, double width, double height,
+                    const QString& description) override;
+    void scaleHeight(int shape, double factor) override;
+    void scaleWidth(int shape, double factor) override;
+    void finish() override;
+
+    /// Where the file was written; empty before `finish` and when nothing was.
+    [[nodiscard]] QString writtenPath() const { return writtenPath_; }
+
+private:
+    PptxSlide& currentSlide();
+    PptxShape& shapeAt(int shape);
+    int mediaFor(const QString& path);
+    [[nodiscard]] QDateTime now() const;
+    QString giveFinalName();
+    void removePart();
+
+    PptxSettings settings_;
+    PptxDocument document_;
+    QHash<QString, int> mediaByPath_;
+    int current_ = 0;
+    QString folder_;
+    /// The name the file is written under.
+    QString partPath_;
+    QString writtenPath_;
+};
+
+} // namespace varnholt

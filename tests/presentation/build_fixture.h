@@ -1,0 +1,77 @@
+#pragma once
+
+#include "presentation/slide_builder.h"
+#include "support/fakes.h"
+
+#include <QFile>
+#include <QImage>
+#include <QPainter>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace varnholt::test {
+
+inline const QString abortTitle = QStringLiteral("File Missing");
+inline const QString abortText = QStringLiteral(
+    "The creation of the powerpoint has been aborted because one of the questions selected is "
+    "missing a picture file. Please go to Manage Assessments and delete that questions.");
+
+/// A legible picture; no density is written when `dotsPerInch` is 0.
+inline QString writePicture(const QString& path, QSize size, double dotsPerInch,
+                            const char* format = "jpeg")
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(QColor(235, 240, 250));
+    QPainter painter(&image);
+    painter.setPen(QPen(Qt::darkBlue, 4));
+    painter.drawRect(image.rect().adjusted(4, 4, -5, -5));
+    painter.drawLine(0, 0, size.width(), size.height());
+    painter.end();
+    const int dotsPerMetre = qRound(dotsPerInch / 0.0254);
+    image.setDotsPerMeterX(dotsPerMetre);
+    image.setDotsPerMeterY(dotsPerMetre);
+    EXPECT_TRUE(image.save(path, format));
+    if (dotsPerInch == 0 && qstrcmp(format, "jpeg") == 0) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadWrite));
+        constexpr qint64 jfifUnit = 13;
+        file.seek(jfifUnit);
+        file.write(QByteArray("\0\0\1\0\1", 5));
+    }
+    return path;
+}
+
+/// A program folder with pictures 1.jpg, 2.jpg, ... and a pool of questions that show them.
+class BuildFixture : public testing::Test
+{
+protected:
+    QString picture(int index) const
+    {
+        return folder_.filePath(QStringLiteral("%1.jpg").arg(index));
+    }
+
+    void addQuestion(const QString& answer,
+                     const QString& topic = QStringLiteral("Algebra - Roots"))
+    {
+        const int key = pool_.upperBound() + 1;
+        pool_.append({key, key, 1, 1, answer, true});
+        topics_.append(topic);
+    }
+
+    BuildOutcome build(PresentationProgram& program, bool topicLine, bool answerKey)
+    {
+        const BuildInput input{
+            pool_, topicLine, answerKey,
+            [this](const QuestionRecord& q) { return topics_.at(q.SOLIndex - 1); },
+            [this](const QuestionRecord& q) { return picture(q.PictureIndex); }};
+        return BuildPresentation(program, input, boxes_, {});
+    }
+
+    QTemporaryDir folder_;
+    List1<QuestionRecord> pool_;
+    QStringList topics_;
+    ScriptedMessageBoxes boxes_;
+};
+
+} // namespace varnholt::test
