@@ -133,11 +133,15 @@ void frmMain::buildControls()
     grid->setColumnStretch(2, 1);
 
     // Layouts adopt their widgets late; the order in which work is done is set here once.
+    const auto option = [this](const char* name) {
+        return findChild<QRadioButton*>(QLatin1String(name));
+    };
     QWidget* previous = cboAssessment_;
     for (QWidget* next : std::initializer_list<QWidget*>{
              lstTopics_, cmdSelectAllTopics_, cmdClearAllTopics_, cmdSelectAllSub_, lstSubTopics_,
-             cmdSelectAllSubTopics_, cmdClearAllSubTopics_, optSelectYes_, optTopicYes_, optKeyYes_,
-             txtQuestions_, cmdCreate_}) {
+             cmdSelectAllSubTopics_, cmdClearAllSubTopics_, optSelectYes_, option("optSelectNo"),
+             optTopicYes_, option("optTopicNo"), optKeyYes_, option("optKeyNo"), txtQuestions_,
+             cmdCreate_}) {
         setTabOrder(previous, next);
         previous = next;
     }
