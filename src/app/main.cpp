@@ -1,86 +1,47 @@
-#include "app/SingleInstance.h"
-#include "app/frmAssessment.h"
-#include "presentation/default_programs.h"
-#include "store/library_file.h"
-#include "store/services.h"
-#include "toolkit/desktop_services.h"
+#include "app/run_program.h"
+#include "store/errors.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QIcon>
-#include <QStandardPaths>
+#include <QMessageBox>
 
 namespace {
 
-using namespace varnholt;
-
-QString firstExisting(const QStringList& paths)
+/// A failure that no handler has caught must not take the program, and with it the teacher's
+/// work in other windows, down.
+class Application : public QApplication
 {
-    for (const QString& path : paths) {
-        if (QFileInfo::exists(path)) {
-            return QDir::cleanPath(path);
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const varnholt::Error& error) {
+            tell(error.message());
+        } catch (const std::exception& error) {
+            tell(QStringLiteral("Something went wrong (%1).")
+                     .arg(QString::fromLocal8Bit(error.what())));
         }
-    }
-    return {};
-}
-
-int run(QApplication& application, MessageBoxes& messages)
-{
-    const QString own = QApplication::applicationDirPath();
-    const QString share = own + QStringLiteral("/../share/varnholt");
-    const QString programFolder =
-        ChooseProgramFolder({own, QStandardPaths::writableLocation(QStandardPaths::AppDataLocation),
-                             firstExisting({share + QStringLiteral("/library")})});
-
-    SingleInstance instance(LibraryPath(programFolder));
-    if (instance.handOver()) {
-        return 0;
+        return true;
     }
 
-    DesktopFileDialogs fileDialogs;
-    SystemClock clock;
-    MersenneTwister random;
-    DefaultPresentationPrograms presentations(messages, programFolder);
-    Services services;
-    services.messageBoxes = &messages;
-    services.fileDialogs = &fileDialogs;
-    services.clock = &clock;
-    services.random = &random;
-    services.presentationPrograms = &presentations;
-    services.programFolder = programFolder;
-
-    ProgramState state;
-    frmAssessment frame(services, state,
-                        firstExisting({own + QStringLiteral("/guide/index.html"),
-                                       share + QStringLiteral("/guide/index.html")}));
-    QObject::connect(&instance, &SingleInstance::activationRequested, &frame, [&frame] {
-        frame.setWindowState(frame.windowState() & ~Qt::WindowMinimized);
-        frame.show();
-        frame.raise();
-        frame.activateWindow();
-    });
-    frame.show();
-    frame.mnuCreate_Click();
-    return application.exec();
-}
+private:
+    static void tell(const QString& text)
+    {
+        QMessageBox box(activeWindow());
+        box.setWindowTitle(QStringLiteral("Error"));
+        box.setTextFormat(Qt::PlainText);
+        box.setText(text);
+        box.exec();
+    }
+};
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    QApplication application(argc, argv);
-    QApplication::setOrganizationName(QStringLiteral("Varnholt"));
-    QApplication::setApplicationName(QStringLiteral("Varnholt"));
-    QApplication::setApplicationVersion(QStringLiteral(VARNHOLT_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral("org.varnholt.Varnholt"));
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.varnholt.Varnholt"),
-                                                 QIcon(QStringLiteral(":/varnholt.svg"))));
-
-    DesktopMessageBoxes messages;
-    try {
-        return run(application, messages);
-    } catch (const Error& error) {
-        messages.inform(QStringLiteral("Database Error"), error.message());
-        return 1;
-    }
+    Application application(argc, argv);
+    varnholt::NameApplication();
+    return varnholt::RunProgram(application);
 }

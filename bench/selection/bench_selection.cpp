@@ -1,0 +1,92 @@
+// A tick in the real selection window over a large library, and the draw.
+
+#include "selection/frmMain.h"
+#include "selection/question_draw.h"
+#include "store/connection.h"
+#include "store/services.h"
+#include "support/big_library.h"
+#include "support/report.h"
+#include "toolkit/ListBox.h"
+#include "toolkit/desktop_services.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+
+#include <cstdlib>
+
+namespace {
+
+using namespace varnholt;
+
+/// Median milliseconds from the tick of a topic to the standing counts and captions,
+/// painting included.
+double tickMilliseconds(int questions)
+{
+    const QTemporaryDir folder;
+    bench::makeBigLibrary(folder.filePath(QStringLiteral("Varnholt.mdb")), questions);
+    Connection connection;
+    connection.open(folder.filePath(QStringLiteral("Varnholt.mdb")));
+    DesktopMessageBoxes messages;
+    SystemClock clock;
+    MersenneTwister random;
+    Services services;
+    services.messageBoxes = &messages;
+    services.clock = &clock;
+    services.random = &random;
+    services.programFolder = folder.path();
+    ProgramState state;
+    frmMain window(services, state, connection);
+    window.resize(1000, 700);
+    window.show();
+    QApplication::processEvents();
+
+    auto* topics = window.findChild<ListBox*>(QStringLiteral("lstTopics"));
+    std::vector<double> times;
+    for (int i = 0; i < 41; ++i) {
+        times.push_back(1000 * bench::cpuOf([&] {
+                            topics->setListIndex(i);
+                            topics->setSelected(i, i % 2 != 0);
+                            QApplication::processEvents();
+                        }));
+    }
+    if (state.SelectedQuestionCount != questions - 21 * 100) {
+        std::abort();
+    }
+    return bench::median(times);
+}
+
+double drawRatio(int questions)
+{
+    List1<QuestionRecord> pool;
+    for (int i = 1; i <= questions; ++i) {
+        pool.append({i, i, i / 100, i / 10, QString(QChar(u'A' + i % 4)), true});
+    }
+    const std::vector<QuestionRecord> records(pool.begin(), pool.end());
+    MersenneTwister random;
+    std::mt19937_64 engine;
+    return bench::ratio(
+        15,
+        [&] {
+            List1<QuestionRecord> drawn = pool;
+            ShuffleDrawPool(drawn, random);
+        },
+        [&] {
+            std::vector<QuestionRecord> shuffled = records;
+            std::shuffle(shuffled.begin(), shuffled.end(), engine);
+        });
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    const double small = tickMilliseconds(10'000);
+    const double large = tickMilliseconds(100'000);
+    return bench::report(
+        {{"tick.100k", large, 16, 4, "ms", "one frame"},
+         {"tick.growth", large / small, -1, 10, "ratio", "a tick at 10,000 questions"},
+         {"draw.100k", drawRatio(100'000), 5, -1, "ratio", "std::shuffle of the same records"}},
+        argc, argv);
+}

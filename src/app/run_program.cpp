@@ -1,0 +1,96 @@
+#include "app/run_program.h"
+
+#include "app/SingleInstance.h"
+#include "app/frmAssessment.h"
+#include "presentation/default_programs.h"
+#include "store/library_file.h"
+#include "store/services.h"
+#include "toolkit/desktop_services.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QIcon>
+#include <QStandardPaths>
+
+namespace varnholt {
+
+namespace {
+
+QString firstExisting(const QStringList& paths)
+{
+    for (const QString& path : paths) {
+        if (QFileInfo::exists(path)) {
+            return QDir::cleanPath(path);
+        }
+    }
+    return {};
+}
+
+int run(QApplication& application, MessageBoxes& messages,
+        const std::function<void(frmAssessment&)>& opened)
+{
+    const QString own = QApplication::applicationDirPath();
+    const QString share = own + QStringLiteral("/../share/varnholt");
+    const QString programFolder =
+        ChooseProgramFolder({own, QStandardPaths::writableLocation(QStandardPaths::AppDataLocation),
+                             firstExisting({share + QStringLiteral("/library")})});
+
+    SingleInstance instance(LibraryPath(programFolder));
+    if (instance.handOver()) {
+        return 0;
+    }
+
+    DesktopFileDialogs fileDialogs;
+    SystemClock clock;
+    MersenneTwister random;
+    DefaultPresentationPrograms presentations(messages, programFolder);
+    Services services;
+    services.messageBoxes = &messages;
+    services.fileDialogs = &fileDialogs;
+    services.clock = &clock;
+    services.random = &random;
+    services.presentationPrograms = &presentations;
+    services.programFolder = programFolder;
+
+    ProgramState state;
+    frmAssessment frame(services, state,
+                        firstExisting({own + QStringLiteral("/guide/index.html"),
+                                       share + QStringLiteral("/guide/index.html")}));
+    QObject::connect(&instance, &SingleInstance::activationRequested, &frame, [&frame] {
+        frame.setWindowState(frame.windowState() & ~Qt::WindowMinimized);
+        frame.show();
+        frame.raise();
+        frame.activateWindow();
+    });
+    frame.show();
+    frame.mnuCreate_Click();
+    if (opened) {
+        opened(frame);
+    }
+    return application.exec();
+}
+
+} // namespace
+
+void NameApplication()
+{
+    QApplication::setOrganizationName(QStringLiteral("Varnholt"));
+    QApplication::setApplicationName(QStringLiteral("Varnholt"));
+    QApplication::setApplicationVersion(QStringLiteral(VARNHOLT_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("org.varnholt.Varnholt"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.varnholt.Varnholt"),
+                                                 QIcon(QStringLiteral(":/varnholt.svg"))));
+}
+
+int RunProgram(QApplication& application, const std::function<void(frmAssessment&)>& opened)
+{
+    DesktopMessageBoxes messages;
+    try {
+        return run(application, messages, opened);
+    } catch (const Error& error) {
+        messages.inform(QStringLiteral("Database Error"), error.message());
+        return 1;
+    }
+}
+
+} // namespace varnholt
