@@ -1,0 +1,547 @@
+#include "figure.h"
+
+#include <QLineF>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTransform>
+
+#include <cmath>
+#include <numbers>
+#include <stdexcept>
+
+namespace varnholt {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+const QColor Black(0, 0, 0);
+const QColor Grey(120, 120, 120);
+const QColor GridGrey(205, 210, 216);
+const QColor Blue(24, 72, 160);
+const QColor Red(178, 34, 34);
+const QColor Shade(214, 228, 244);
+const QColor DarkShade(142, 176, 217);
+
+QPen pen(double width, const QColor& colour = Black)
+{
+    return {colour, width, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin};
+}
+
+const QPen Outline = pen(1.8);
+const QPen Thin = pen(1.2);
+
+QPointF unit(QPointF vector)
+{
+    const double length = std::hypot(vector.x(), vector.y());
+    return length > 0 ? vector / length : QPointF();
+}
+
+/// The pen that words such as "dashed", "thick" or "blue" ask for.
+QPen styled(const QStringList& words)
+{
+    QPen result = Outline;
+    for (const QString& word : words) {
+        if (word == u"dashed")
+            result.setDashPattern({4, 3});
+        else if (word == u"thick")
+            result.setWidthF(2.8);
+        else if (word == u"thin")
+            result.setWidthF(1.2);
+        else if (word == u"blue")
+            result.setColor(Blue);
+        else if (word == u"red")
+            result.setColor(Red);
+        else if (word == u"grey")
+            result.setColor(Grey);
+    }
+    return result;
+}
+
+QColor shadeIn(const QStringList& words)
+{
+    return words.contains(u"dark"_qs) ? DarkShade : words.contains(u"fill"_qs) ? Shade : QColor();
+}
+
+QPointF compass(const QString& word)
+{
+    QPointF direction;
+    for (const QChar letter : word) {
+        switch (letter.unicode()) {
+        case u'n': direction += {0, -1}; break;
+        case u's': direction += {0, 1}; break;
+        case u'e': direction += {1, 0}; break;
+        case u'w': direction += {-1, 0}; break;
+        case u'c': break;
+        default: throw std::runtime_error(u"\"%1\" is no direction"_qs.arg(word).toStdString());
+        }
+    }
+    return unit(direction);
+}
+
+QString plainNumber(double value)
+{
+    return QString::number(std::abs(value) < 1e-9 ? 0 : value, 'g', 6);
+}
+
+} // namespace
+
+Figure::Figure(const Typesetter& typesetter, double textSize)
+    : m_typesetter(typesetter), m_textSize(textSize)
+{
+    m_commands[u"scale"_qs] = [this](const Words& words) {
+        m_scaleX = number(words.at(1));
+        m_scaleY = words.size() > 2 ? number(words.at(2)) : m_scaleX;
+    };
+    m_commands[u"point"_qs] = [this](const Words& words) {
+        m_points[words.at(1)] = position(words.at(2));
+        if (words.size() > 3)
+            label(u"$%1$"_qs.arg(words.at(1)), pixel(words.at(1)), compass(words.at(3)), 6);
+    };
+    registerDrawing();
+    registerLabels();
+    registerGraphs();
+    registerCircuit();
+}
+
+void Figure::run(const QString& command)
+{
+    const Words words = command.simplified().split(u' ');
+    const auto found = m_commands.constFind(words.front());
+    if (found == m_commands.cend())
+        throw std::runtime_error(u"unknown figure command \"%1\""_qs.arg(command).toStdString());
+    static const QMap<QString, int> fewest{{u"point"_qs, 3}, {u"line"_qs, 3}, {u"angle"_qs, 4},
+                                           {u"side"_qs, 4}, {u"text"_qs, 4}, {u"axes"_qs, 7}};
+    if (words.size() < fewest.value(words.front(), 2))
+        throw std::runtime_error(u"\"%1\" is too short"_qs.arg(command).toStdString());
+    (*found)(words);
+}
+
+void Figure::draw(QPainter& painter, QPointF corner) const
+{
+    painter.save();
+    painter.translate(corner - m_bounds.topLeft());
+    for (const Item& item : m_items) {
+        painter.setPen(item.pen);
+        painter.setBrush(item.brush);
+        painter.drawPath(item.path);
+    }
+    painter.restore();
+}
+
+double Figure::number(const QString& word) const
+{
+    const auto value = m_expression.evaluate(word);
+    if (!value)
+        throw std::runtime_error(u"\"%1\" is no number"_qs.arg(word).toStdString());
+    return *value;
+}
+
+QPointF Figure::position(const QString& word) const
+{
+    static const QRegularExpression polar(u"^([^+]+)\\+([\\d.]+)@(-?[\\d.]+)$"_qs);
+    if (m_points.contains(word))
+        return m_points.value(word);
+    if (const auto match = polar.match(word); match.hasMatch()) {
+        const double radians = match.captured(3).toDouble() * std::numbers::pi / 180;
+        return position(match.captured(1)) +
+               match.captured(2).toDouble() * QPointF(std::cos(radians), std::sin(radians));
+    }
+    if (word.count(u',') != 1)
+        throw std::runtime_error(u"\"%1\" is no position"_qs.arg(word).toStdString());
+    return {number(word.section(u',', 0, 0)), number(word.section(u',', 1))};
+}
+
+void Figure::stroke(const QPainterPath& path, const QPen& pen, const QBrush& brush)
+{
+    m_items.push_back({path, pen, brush});
+    const double half = pen.style() == Qt::NoPen ? 0 : pen.widthF() / 2;
+    m_bounds |= path.boundingRect().adjusted(-half, -half, half, half);
+}
+
+void Figure::fill(const QPainterPath& path, const QColor& colour)
+{
+    stroke(path, Qt::NoPen, colour);
+}
+
+void Figure::lineTo(QPointF from, QPointF to, const QPen& pen)
+{
+    QPainterPath path(from);
+    path.lineTo(to);
+    stroke(path, pen);
+}
+
+void Figure::arrowHead(QPointF tip, QPointF from, const QColor& colour)
+{
+    const QPointF along = unit(tip - from);
+    const QPointF across(-along.y(), along.x());
+    QPainterPath path(tip);
+    path.lineTo(tip - 11 * along + 4.5 * across);
+    path.lineTo(tip - 8.5 * along);
+    path.lineTo(tip - 11 * along - 4.5 * across);
+    path.closeSubpath();
+    fill(path, colour);
+}
+
+void Figure::label(const QString& text, QPointF at, QPointF direction, double distance,
+                   bool onWhite)
+{
+    const Box box = m_typesetter.line(text, m_textSize);
+    const QRectF ink = box.ink.boundingRect();
+    // The label's rectangle touches the circle of radius `distance` round the point.
+    const QPointF half(ink.width() / 2, ink.height() / 2);
+    const QPointF centre = at + distance * direction +
+                           QPointF(direction.x() * half.x(), direction.y() * half.y());
+    if (onWhite) {
+        QPainterPath ground;
+        ground.addRect(QRectF(centre - half, centre + half).adjusted(-5, -2, 5, 2));
+        fill(ground, Qt::white);
+    }
+    fill(box.ink.translated(centre - ink.center()), Black);
+}
+
+void Figure::registerDrawing()
+{
+    m_commands[u"line"_qs] = [this](const Words& words) {
+        QPainterPath path(pixel(words.at(1)));
+        QPointF last = pixel(words.at(1));
+        QPointF before = last;
+        for (qsizetype index = 2; index < words.size() &&
+                                  (words.at(index).contains(u',') || words.at(index).contains(u'@') ||
+                                   m_points.contains(words.at(index)));
+             ++index) {
+            before = std::exchange(last, pixel(words.at(index)));
+            path.lineTo(last);
+        }
+        const QPen chosen = styled(words);
+        if (words.contains(u"arrow"_qs)) {
+            path.setElementPositionAt(path.elementCount() - 1, (last - 6 * unit(last - before)).x(),
+                                      (last - 6 * unit(last - before)).y());
+            stroke(path, chosen);
+            arrowHead(last, before, chosen.color());
+        } else {
+            stroke(path, chosen);
+        }
+    };
+    m_commands[u"poly"_qs] = [this](const Words& words) {
+        QPolygonF polygon;
+        for (const QString& word : words.mid(1))
+            if (word.contains(u',') || m_points.contains(word))
+                polygon << pixel(word);
+        QPainterPath path;
+        path.addPolygon(polygon);
+        path.closeSubpath();
+        const QColor shade = shadeIn(words);
+        stroke(path, styled(words), shade.isValid() ? QBrush(shade) : QBrush());
+    };
+    m_commands[u"circle"_qs] = [this](const Words& words) {
+        QPainterPath path;
+        path.addEllipse(pixel(words.at(1)), number(words.at(2)) * m_scaleX,
+                        number(words.at(2)) * m_scaleY);
+        const QColor shade = shadeIn(words);
+        stroke(path, styled(words), shade.isValid() ? QBrush(shade) : QBrush());
+    };
+    const auto arc = [this](const Words& words, bool sector) {
+        const QPointF centre = pixel(words.at(1));
+        const double radius = number(words.at(2)) * m_scaleX;
+        const QRectF box(centre - QPointF(radius, radius), centre + QPointF(radius, radius));
+        const double from = number(words.at(3));
+        const double sweep = number(words.at(4)) - from;
+        QPainterPath path;
+        if (sector)
+            path.moveTo(centre);
+        else
+            path.arcMoveTo(box, from);
+        path.arcTo(box, from, sweep);
+        if (sector)
+            path.closeSubpath();
+        const QColor shade = shadeIn(words);
+        stroke(path, styled(words), shade.isValid() ? QBrush(shade) : QBrush());
+    };
+    m_commands[u"arc"_qs] = [arc](const Words& words) { arc(words, false); };
+    m_commands[u"sector"_qs] = [arc](const Words& words) { arc(words, true); };
+    m_commands[u"dot"_qs] = [this](const Words& words) {
+        QPainterPath path;
+        path.addEllipse(pixel(words.at(1)), 3.2, 3.2);
+        fill(path, Black);
+    };
+    m_commands[u"cross"_qs] = [this](const Words& words) {
+        const QPointF at = pixel(words.at(1));
+        lineTo(at + QPointF(-4.5, -4.5), at + QPointF(4.5, 4.5), pen(1.6, Blue));
+        lineTo(at + QPointF(-4.5, 4.5), at + QPointF(4.5, -4.5), pen(1.6, Blue));
+    };
+    const auto ring = [this](const Words& words, const QColor& inside) {
+        QPainterPath path;
+        path.addEllipse(pixel(words.at(1)), 5.5, 5.5);
+        stroke(path, pen(2, Blue), inside);
+    };
+    m_commands[u"open"_qs] = [ring](const Words& words) { ring(words, Qt::white); };
+    m_commands[u"closed"_qs] = [ring](const Words& words) { ring(words, Blue); };
+}
+
+void Figure::registerLabels()
+{
+    m_commands[u"text"_qs] = [this](const Words& words) {
+        label(rest(words, 3), pixel(words.at(1)), compass(words.at(2)), 6);
+    };
+    m_commands[u"side"_qs] = [this](const Words& words) {
+        const QPointF from = pixel(words.at(1));
+        const QPointF to = pixel(words.at(2));
+        const QPointF along = unit(to - from);
+        label(rest(words, 3), (from + to) / 2, QPointF(-along.y(), along.x()), 7);
+    };
+    m_commands[u"angle"_qs] = [this](const Words& words) { angle(words); };
+    m_commands[u"right"_qs] = [this](const Words& words) {
+        const QPointF corner = pixel(words.at(2));
+        const QPointF one = 11 * unit(pixel(words.at(1)) - corner);
+        const QPointF two = 11 * unit(pixel(words.at(3)) - corner);
+        QPainterPath path(corner + one);
+        path.lineTo(corner + one + two);
+        path.lineTo(corner + two);
+        stroke(path, Thin);
+    };
+    const auto marks = [this](const Words& words, bool arrows) {
+        const QPointF from = pixel(words.at(1));
+        const QPointF to = pixel(words.at(2));
+        const int count = words.size() > 3 ? words.at(3).toInt() : 1;
+        const QPointF along = unit(to - from);
+        const QPointF across(-along.y(), along.x());
+        for (int mark = 0; mark < count; ++mark) {
+            const QPointF at = (from + to) / 2 + (5.0 * mark - 2.5 * (count - 1)) * along;
+            if (arrows) {
+                QPainterPath path(at - 5 * along + 5 * across);
+                path.lineTo(at + 3 * along);
+                path.lineTo(at - 5 * along - 5 * across);
+                stroke(path, Outline);
+            } else {
+                lineTo(at + 5.5 * across, at - 5.5 * across, pen(1.5));
+            }
+        }
+    };
+    m_commands[u"equal"_qs] = [marks](const Words& words) { marks(words, false); };
+    m_commands[u"parallel"_qs] = [marks](const Words& words) { marks(words, true); };
+    m_commands[u"arrow"_qs] = [this](const Words& words) {
+        const QPointF from = pixel(words.at(1));
+        const QPointF to = pixel(words.at(2));
+        lineTo(from, to - 6 * unit(to - from), pen(2.4, Blue));
+        arrowHead(to, from, Blue);
+        if (words.size() > 3)
+            label(rest(words, 3), to, unit(to - from), 5);
+    };
+    m_commands[u"dimension"_qs] = [this](const Words& words) { dimension(words); };
+}
+
+void Figure::angle(const Words& words)
+{
+    const QPointF corner = pixel(words.at(2));
+    const QPointF one = pixel(words.at(1)) - corner;
+    const QPointF two = pixel(words.at(3)) - corner;
+    const auto degrees = [](QPointF vector) { return QLineF(QPointF(), vector).angle(); };
+    double sweep = degrees(two) - degrees(one);
+    while (sweep < 0)
+        sweep += 360;
+    const QString text = rest(words, 4);
+    // A narrow angle gets a wider arc, so that its label finds room inside.
+    const double radius = sweep < 35 ? 38 : sweep < 60 ? 28 : 21;
+    const QRectF box(corner - QPointF(radius, radius), corner + QPointF(radius, radius));
+    QPainterPath path;
+    path.arcMoveTo(box, degrees(one));
+    path.arcTo(box, degrees(one), sweep);
+    stroke(path, Thin);
+    if (!text.isEmpty()) {
+        const double middle = (degrees(one) + sweep / 2) * std::numbers::pi / 180;
+        label(text, corner, QPointF(std::cos(middle), -std::sin(middle)), radius + 4);
+    }
+}
+
+void Figure::dimension(const Words& words)
+{
+    const QPointF from = pixel(words.at(1));
+    const QPointF to = pixel(words.at(2));
+    lineTo(from + 6 * unit(to - from), to + 6 * unit(from - to), Thin);
+    arrowHead(from, to, Black);
+    arrowHead(to, from, Black);
+    label(rest(words, 3), (from + to) / 2, {}, 0, true);
+}
+
+void Figure::registerGraphs()
+{
+    m_commands[u"axes"_qs] = [this](const Words& words) { axes(words); };
+    m_commands[u"numberline"_qs] = [this](const Words& words) { numberLine(words); };
+    m_commands[u"plot"_qs] = [this](const Words& words) { plot(words); };
+    m_commands[u"bar"_qs] = [this](const Words& words) {
+        QPainterPath path;
+        path.addRect(QRectF(map({number(words.at(1)), number(words.at(3))}),
+                            map({number(words.at(2)), 0})));
+        stroke(path, pen(1.4), DarkShade);
+    };
+}
+
+void Figure::axes(const Words& words)
+{
+    const double left = number(words.at(1));
+    const double right = number(words.at(2));
+    const double stepX = number(words.at(3));
+    const double bottom = number(words.at(4));
+    const double top = number(words.at(5));
+    const double stepY = number(words.at(6));
+    const bool chart = words.contains(u"bars"_qs); // No numbers along x, no vertical grid lines.
+    const auto countOf = [](double low, double high, double step) {
+        return static_cast<int>(std::lround((high - low) / step));
+    };
+    if (words.contains(u"grid"_qs) || chart) {
+        for (int index = 0; !chart && index <= countOf(left, right, stepX); ++index)
+            lineTo(map({left + index * stepX, bottom}), map({left + index * stepX, top}),
+                   pen(1, GridGrey));
+        for (int index = 0; index <= countOf(bottom, top, stepY); ++index)
+            lineTo(map({left, bottom + index * stepY}), map({right, bottom + index * stepY}),
+                   pen(1, GridGrey));
+    }
+    const double originX = left > 0 ? left : 0;
+    const double originY = bottom > 0 ? bottom : 0;
+    const QPointF xEnd = map({right, originY}) + QPointF(14, 0);
+    const QPointF yEnd = map({originX, top}) - QPointF(0, 14);
+    lineTo(map({left, originY}), xEnd - QPointF(chart ? 0 : 6, 0), pen(1.6));
+    lineTo(map({originX, bottom}), yEnd + QPointF(0, 6), pen(1.6));
+    if (!chart)
+        arrowHead(xEnd, map({left, originY}), Black);
+    arrowHead(yEnd, map({originX, bottom}), Black);
+    m_points[u"xend"_qs] = {xEnd.x() / m_scaleX, -xEnd.y() / m_scaleY};
+    m_points[u"yend"_qs] = {yEnd.x() / m_scaleX, -yEnd.y() / m_scaleY};
+
+    const double size = std::exchange(m_textSize, 0.8 * m_textSize);
+    const bool cornerShared = left < 0 || bottom < 0; // Then one 0 is written beside the corner.
+    const auto plain = !words.contains(u"bare"_qs);
+    for (int index = 0; plain && !chart && index <= countOf(left, right, stepX); ++index) {
+        const double x = left + index * stepX;
+        if (cornerShared && std::abs(x) < 1e-9)
+            continue;
+        lineTo(map({x, originY}), map({x, originY}) + QPointF(0, 4), Thin);
+        label(u"$%1$"_qs.arg(plainNumber(x)), map({x, originY}), {0, 1}, 7);
+    }
+    for (int index = 0; plain && index <= countOf(bottom, top, stepY); ++index) {
+        const double y = bottom + index * stepY;
+        if (cornerShared && std::abs(y) < 1e-9)
+            continue;
+        lineTo(map({originX, y}), map({originX, y}) - QPointF(4, 0), Thin);
+        label(u"$%1$"_qs.arg(plainNumber(y)), map({originX, y}), {-1, 0}, 8);
+    }
+    if (cornerShared)
+        label(u"$O$"_qs, map({0, 0}), unit({-1, 1}), 6);
+    m_textSize = size;
+}
+
+void Figure::numberLine(const Words& words)
+{
+    const double left = number(words.at(1));
+    const double right = number(words.at(2));
+    const double step = number(words.at(3));
+    const QPointF start = map({left, 0}) - QPointF(20, 0);
+    const QPointF end = map({right, 0}) + QPointF(20, 0);
+    lineTo(start, end - QPointF(6, 0), pen(1.6));
+    arrowHead(end, start, Black);
+    for (double x = left; x <= right + step / 2; x += step) {
+        lineTo(map({x, 0}) - QPointF(0, 5), map({x, 0}) + QPointF(0, 5), pen(1.4));
+        label(u"$%1$"_qs.arg(plainNumber(x)), map({x, 0}), {0, 1}, 11);
+    }
+}
+
+void Figure::plot(const Words& words)
+{
+    const double from = number(words.at(1));
+    const double to = number(words.at(2));
+    constexpr int Steps = 160;
+    QPainterPath path;
+    for (int step = 0; step <= Steps; ++step) {
+        const double x = from + (to - from) * step / Steps;
+        const auto y = m_expression.evaluate(rest(words, 3), {{u"x"_qs, x}});
+        if (!y)
+            throw std::runtime_error(u"\"%1\" cannot be plotted"_qs.arg(rest(words, 3)).toStdString());
+        const QPointF at = map({x, *y});
+        step == 0 ? path.moveTo(at) : path.lineTo(at);
+    }
+    stroke(path, pen(2.2, Blue));
+}
+
+void Figure::component(const Words& words, double gap,
+                       const std::function<void(QPainterPath&, QPainterPath&)>& symbol,
+                       const QString& letter)
+{
+    const QPointF from = pixel(words.at(1));
+    const QPointF to = pixel(words.at(2));
+    const QPointF along = unit(to - from);
+    const QPointF middle = (from + to) / 2;
+    lineTo(from, middle - gap / 2 * along, Outline);
+    lineTo(middle + gap / 2 * along, to, Outline);
+    QPainterPath outline;
+    QPainterPath solid;
+    symbol(outline, solid);
+    QTransform place;
+    place.translate(middle.x(), middle.y());
+    place.rotateRadians(std::atan2(along.y(), along.x()));
+    stroke(place.map(outline), Outline);
+    if (!solid.isEmpty())
+        fill(place.map(solid), Black);
+    if (!letter.isEmpty())
+        label(letter, middle, {}, 0);
+    if (words.size() > 3)
+        label(rest(words, 3), middle, QPointF(-along.y(), along.x()), 17);
+}
+
+void Figure::registerCircuit()
+{
+    m_commands[u"resistor"_qs] = [this](const Words& words) {
+        component(words, 44, [](QPainterPath& outline, QPainterPath&) {
+            outline.addRect(-22, -8, 44, 16);
+        });
+    };
+    // The long thin stroke is the positive side.
+    m_commands[u"cell"_qs] = [this](const Words& words) {
+        component(words, 8, [](QPainterPath& outline, QPainterPath& solid) {
+            outline.moveTo(4, -14);
+            outline.lineTo(4, 14);
+            solid.addRect(-6, -7, 3.6, 14);
+        });
+    };
+    m_commands[u"battery"_qs] = [this](const Words& words) {
+        component(words, 42, [](QPainterPath& outline, QPainterPath& solid) {
+            for (const double x : {-17.0, 17.0}) {
+                outline.moveTo(x + 4, -14);
+                outline.lineTo(x + 4, 14);
+                solid.addRect(x - 6, -7, 3.6, 14);
+            }
+            for (const double x : {-13.0, -4.5, 4.0}) {
+                outline.moveTo(x + 2, 0);
+                outline.lineTo(x + 6, 0);
+            }
+        });
+    };
+    m_commands[u"lamp"_qs] = [this](const Words& words) {
+        component(words, 30, [](QPainterPath& outline, QPainterPath&) {
+            outline.addEllipse(QPointF(), 15, 15);
+            const double reach = 15 / std::numbers::sqrt2;
+            outline.moveTo(-reach, -reach);
+            outline.lineTo(reach, reach);
+            outline.moveTo(-reach, reach);
+            outline.lineTo(reach, -reach);
+        });
+    };
+    for (const auto& [name, letter] :
+         {std::pair{u"ammeter"_qs, u"A"_qs}, {u"voltmeter"_qs, u"V"_qs}})
+        m_commands[name] = [this, sign = letter](const Words& words) {
+            component(
+                words, 30,
+                [](QPainterPath& outline, QPainterPath&) { outline.addEllipse(QPointF(), 15, 15); },
+                sign);
+        };
+    m_commands[u"switch"_qs] = [this](const Words& words) {
+        component(words, 34, [](QPainterPath& outline, QPainterPath& solid) {
+            outline.moveTo(-17, 0);
+            outline.lineTo(12, -14);
+            solid.addEllipse(QPointF(-17, 0), 3, 3);
+            solid.addEllipse(QPointF(17, 0), 3, 3);
+        });
+    };
+}
+
+} // namespace varnholt
