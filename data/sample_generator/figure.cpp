@@ -5,6 +5,8 @@
 #include <QRegularExpression>
 #include <QTransform>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <stdexcept>
@@ -60,7 +62,10 @@ QPen styled(const QStringList& words)
 
 QColor shadeIn(const QStringList& words)
 {
-    return words.contains(u"dark"_qs) ? DarkShade : words.contains(u"fill"_qs) ? Shade : QColor();
+    return words.contains(u"dark"_qs)    ? DarkShade
+           : words.contains(u"fill"_qs)  ? Shade
+           : words.contains(u"white"_qs) ? QColor(Qt::white)
+                                         : QColor();
 }
 
 QPointF compass(const QString& word)
@@ -77,6 +82,28 @@ QPointF compass(const QString& word)
         }
     }
     return unit(direction);
+}
+
+/// Distance of a point from a rectangle, 0 inside.
+double distanceTo(const QRectF& rectangle, QPointF point)
+{
+    const double x = std::max({rectangle.left() - point.x(), 0.0, point.x() - rectangle.right()});
+    const double y = std::max({rectangle.top() - point.y(), 0.0, point.y() - rectangle.bottom()});
+    return std::hypot(x, y);
+}
+
+std::array<QPointF, 4> cornersOf(const QRectF& rectangle)
+{
+    return {rectangle.topLeft(), rectangle.topRight(), rectangle.bottomLeft(),
+            rectangle.bottomRight()};
+}
+
+/// How far a point lies to the left of a line, seen along it on the screen.
+double distanceLeft(const QLineF& line, QPointF point)
+{
+    const QPointF along = unit(line.p2() - line.p1());
+    const QPointF offset = point - line.p1();
+    return along.y() * offset.x() - along.x() * offset.y();
 }
 
 QString plainNumber(double value)
@@ -121,11 +148,12 @@ void Figure::draw(QPainter& painter, QPointF corner) const
 {
     painter.save();
     painter.translate(corner - m_bounds.topLeft());
-    for (const Item& item : m_items) {
-        painter.setPen(item.pen);
-        painter.setBrush(item.brush);
-        painter.drawPath(item.path);
-    }
+    for (const auto* items : {&m_items, &m_topItems})
+        for (const Item& item : *items) {
+            painter.setPen(item.pen);
+            painter.setBrush(item.brush);
+            painter.drawPath(item.path);
+        }
     painter.restore();
 }
 
@@ -183,21 +211,31 @@ void Figure::arrowHead(QPointF tip, QPointF from, const QColor& colour)
     fill(path, colour);
 }
 
-void Figure::label(const QString& text, QPointF at, QPointF direction, double distance,
-                   bool onWhite)
+void Figure::label(const QString& text, QPointF at, QPointF direction,
+                   const std::function<bool(const QRectF&)>& clear)
 {
     const Box box = m_typesetter.line(text, m_textSize);
-    const QRectF ink = box.ink.boundingRect();
-    // The label's rectangle touches the circle of radius `distance` round the point.
-    const QPointF half(ink.width() / 2, ink.height() / 2);
-    const QPointF centre = at + distance * direction +
-                           QPointF(direction.x() * half.x(), direction.y() * half.y());
-    if (onWhite) {
-        QPainterPath ground;
-        ground.addRect(QRectF(centre - half, centre + half).adjusted(-5, -2, 5, 2));
-        fill(ground, Qt::white);
-    }
-    fill(box.ink.translated(centre - ink.center()), Black);
+    QRectF ink = box.ink.boundingRect();
+    if (-ink.top() > 0.6 * m_textSize) // Capitals and "d" are taken as equally high.
+        ink.setTop(-0.69 * m_textSize);
+    QRectF place(at - QPointF(ink.width() / 2, ink.height() / 2), ink.size());
+    constexpr double Step = 0.5;
+    constexpr int Farthest = 300;
+    for (int step = 0; step < Farthest && !clear(place); ++step)
+        place.translate(direction * Step);
+    const QPainterPath path = box.ink.translated(place.center() - ink.center());
+    m_bounds |= path.boundingRect();
+    auto& items = m_haloed ? m_topItems : m_items;
+    if (m_haloed)
+        items.push_back({path, pen(3.5, Qt::white), Qt::NoBrush});
+    items.push_back({path, Qt::NoPen, Black});
+}
+
+void Figure::label(const QString& text, QPointF at, QPointF direction, double distance)
+{
+    label(text, at, direction, [&](const QRectF& place) {
+        return direction.isNull() || distanceTo(place, at) >= distance;
+    });
 }
 
 void Figure::registerDrawing()
@@ -282,13 +320,18 @@ void Figure::registerDrawing()
 void Figure::registerLabels()
 {
     m_commands[u"text"_qs] = [this](const Words& words) {
-        label(rest(words, 3), pixel(words.at(1)), compass(words.at(2)), 6);
+        label(rest(words, 3), pixel(words.at(1)), compass(words.at(2)), 8);
     };
     m_commands[u"side"_qs] = [this](const Words& words) {
         const QPointF from = pixel(words.at(1));
         const QPointF to = pixel(words.at(2));
         const QPointF along = unit(to - from);
-        label(rest(words, 3), (from + to) / 2, QPointF(-along.y(), along.x()), 7);
+        const QLineF line(from, to);
+        label(rest(words, 3), line.center(), {-along.y(), along.x()}, [&line](const QRectF& place) {
+            return std::ranges::all_of(cornersOf(place), [&line](QPointF corner) {
+                return distanceLeft(line, corner) < -6;
+            });
+        });
     };
     m_commands[u"angle"_qs] = [this](const Words& words) { angle(words); };
     m_commands[u"right"_qs] = [this](const Words& words) {
@@ -350,7 +393,16 @@ void Figure::angle(const Words& words)
     stroke(path, Thin);
     if (!text.isEmpty()) {
         const double middle = (degrees(one) + sweep / 2) * std::numbers::pi / 180;
-        label(text, corner, QPointF(std::cos(middle), -std::sin(middle)), radius + 4);
+        const QLineF sides[] = {{corner, corner + one}, {corner, corner + two}};
+        // The label stands beyond the arc and, in a narrow angle, where the sides let it pass.
+        const auto clear = [&](const QRectF& place) {
+            if (distanceTo(place, corner) < radius + 4)
+                return false;
+            return sweep >= 180 || std::ranges::all_of(cornersOf(place), [&sides](QPointF at) {
+                       return distanceLeft(sides[0], at) > 4 && distanceLeft(sides[1], at) < -4;
+                   });
+        };
+        label(text, corner, {std::cos(middle), -std::sin(middle)}, clear);
     }
 }
 
@@ -361,7 +413,12 @@ void Figure::dimension(const Words& words)
     lineTo(from + 6 * unit(to - from), to + 6 * unit(from - to), Thin);
     arrowHead(from, to, Black);
     arrowHead(to, from, Black);
-    label(rest(words, 3), (from + to) / 2, {}, 0, true);
+    const QString text = rest(words, 3);
+    QPainterPath ground;
+    const QRectF ink = m_typesetter.line(text, m_textSize).ink.boundingRect().adjusted(-5, -2, 5, 2);
+    ground.addRect(ink.translated((from + to) / 2 - ink.center()));
+    fill(ground, Qt::white);
+    label(text, (from + to) / 2, {}, 0);
 }
 
 void Figure::registerGraphs()
@@ -409,25 +466,34 @@ void Figure::axes(const Words& words)
     m_points[u"xend"_qs] = {xEnd.x() / m_scaleX, -xEnd.y() / m_scaleY};
     m_points[u"yend"_qs] = {yEnd.x() / m_scaleX, -yEnd.y() / m_scaleY};
 
+    const bool cornerShared = left < 0 || bottom < 0; // Then one O is written beside the corner.
+    const int every = words.contains(u"even"_qs) ? 2 : 1;
+    const auto numbers = [&](double low, double high, double step, auto&& place) {
+        for (int index = 0; index <= countOf(low, high, step); ++index) {
+            const double value = low + index * step;
+            if ((cornerShared && std::abs(value) < 1e-9) || std::lround(value / step) % every != 0)
+                continue;
+            place(value);
+        }
+    };
     const double size = std::exchange(m_textSize, 0.8 * m_textSize);
-    const bool cornerShared = left < 0 || bottom < 0; // Then one 0 is written beside the corner.
-    const auto plain = !words.contains(u"bare"_qs);
-    for (int index = 0; plain && !chart && index <= countOf(left, right, stepX); ++index) {
-        const double x = left + index * stepX;
-        if (cornerShared && std::abs(x) < 1e-9)
-            continue;
-        lineTo(map({x, originY}), map({x, originY}) + QPointF(0, 4), Thin);
-        label(u"$%1$"_qs.arg(plainNumber(x)), map({x, originY}), {0, 1}, 7);
-    }
-    for (int index = 0; plain && index <= countOf(bottom, top, stepY); ++index) {
-        const double y = bottom + index * stepY;
-        if (cornerShared && std::abs(y) < 1e-9)
-            continue;
-        lineTo(map({originX, y}), map({originX, y}) - QPointF(4, 0), Thin);
-        label(u"$%1$"_qs.arg(plainNumber(y)), map({originX, y}), {-1, 0}, 8);
+    m_haloed = true;
+    if (!words.contains(u"bare"_qs)) {
+        if (!chart)
+            numbers(left, right, stepX, [&](double x) {
+                const QPointF at = map({x, originY});
+                lineTo(at, at + QPointF(0, 4), Thin);
+                label(u"$%1$"_qs.arg(plainNumber(x)), at, {0, 1}, 7);
+            });
+        numbers(bottom, top, stepY, [&](double y) {
+            const QPointF at = map({originX, y});
+            lineTo(at, at - QPointF(4, 0), Thin);
+            label(u"$%1$"_qs.arg(plainNumber(y)), at, {-1, 0}, 8);
+        });
     }
     if (cornerShared)
         label(u"$O$"_qs, map({0, 0}), unit({-1, 1}), 6);
+    m_haloed = false;
     m_textSize = size;
 }
 

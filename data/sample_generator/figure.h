@@ -53,9 +53,12 @@ private:
     void fill(const QPainterPath& path, const QColor& colour);
     void lineTo(QPointF from, QPointF to, const QPen& pen);
     void arrowHead(QPointF tip, QPointF from, const QColor& colour);
-    /// Puts a text beside `at`: `direction` is a unit vector (y downwards) or null for centred.
-    void label(const QString& text, QPointF at, QPointF direction, double distance,
-               bool onWhite = false);
+    /// Puts a text as near to `at` as `clear` allows, given the rectangle of its ink, on the way
+    /// along `direction` (a unit vector, y downwards).
+    void label(const QString& text, QPointF at, QPointF direction,
+               const std::function<bool(const QRectF&)>& clear);
+    /// Puts a text `distance` away from `at`; centred on it where `direction` is null.
+    void label(const QString& text, QPointF at, QPointF direction, double distance);
     void axes(const Words& words);
     void numberLine(const Words& words);
     void plot(const Words& words);
@@ -75,6 +78,8 @@ private:
     QMap<QString, QPointF> m_points;
     QMap<QString, std::function<void(const Words&)>> m_commands;
     std::vector<Item> m_items;
+    std::vector<Item> m_topItems; ///< The numbers of axes, drawn over curves and grid.
+    bool m_haloed = false;        ///< Labels go to m_topItems, with a white rim.
     QRectF m_bounds;
 };
 

@@ -62,7 +62,7 @@ Box textBox(const QString& text, Face face, double size)
     box.ascent = text.trimmed().isEmpty() ? 0 : std::max(0.0, -bounds.top());
     box.descent = text.trimmed().isEmpty() ? 0 : std::max(0.0, bounds.bottom());
     if (face == Face::Italic) // An italic letter leans out of its advance width.
-        box.width = std::max(box.width, bounds.right() + 0.03 * size);
+        box.width = std::max(box.width, bounds.right() - 0.03 * size);
     return box;
 }
 
@@ -94,7 +94,7 @@ QPainterPath rectangle(double x, double y, double width, double height)
 Box fraction(const Box& numerator, const Box& denominator, double size)
 {
     const double rule = ruleThickness(size);
-    const double gap = 0.13 * size;
+    const double gap = 0.2 * size;
     const double side = 0.08 * size;
     const double inner = std::max(numerator.width, denominator.width) + 0.16 * size;
     const double axis = axisHeight(size);
@@ -178,7 +178,7 @@ Box bracketed(const Box& inner, double size)
 Box columnVector(const Box& upper, const Box& lower, double size)
 {
     const double inner = std::max(upper.width, lower.width);
-    const double gap = 0.24 * size;
+    const double gap = 0.42 * size;
     const double axis = axisHeight(size);
     Box stack;
     stack.width = inner;
@@ -219,7 +219,8 @@ enum class Kind { Ordinary, Binary, Relation, Open, Close, Punctuation, Function
 struct Atom {
     Box box;
     Kind kind = Kind::Ordinary;
-    bool leans = false; ///< An italic letter: an exponent moves away from it.
+    bool leans = false; ///< An italic letter, which an exponent need not keep away from.
+    bool fraction = false;
 };
 
 /// Recursive descent over one formula.
@@ -324,7 +325,7 @@ private:
         if (upper.width > 0) {
             const double raise =
                 std::max(base.box.ascent - 0.30 * m_size, 0.36 * m_size) + upper.descent;
-            box.add(upper, base.box.width + (base.leans ? 0.06 : 0.03) * m_size, -raise);
+            box.add(upper, base.box.width + (base.leans ? 0.01 : 0.04) * m_size, -raise);
         }
         if (lower.width > 0)
             box.add(lower, base.box.width - (base.leans ? 0.02 : 0) * m_size,
@@ -378,7 +379,7 @@ private:
             const double scale = m_display ? 1 : InlineFractionScale;
             const Box numerator = group(scale);
             const Box denominator = group(scale);
-            return {fraction(numerator, denominator, m_size), Kind::Ordinary};
+            return {fraction(numerator, denominator, m_size), Kind::Ordinary, false, true};
         }
         if (take(u"\\sqrt")) {
             Box index;
@@ -435,6 +436,8 @@ private:
                 gap = 0.23;
             else if (before == Kind::Punctuation)
                 gap = 0.2;
+            else if (atom.fraction && before == Kind::Ordinary)
+                gap = 0.06; // A mixed number.
             else if ((before == Kind::Function && kind != Kind::Open) ||
                      (kind == Kind::Function && operandBefore))
                 gap = 0.14;
@@ -527,6 +530,9 @@ Box Typesetter::paragraph(const QString& source, double size, double width) cons
         lines.back().add(word, lines.back().width > 0 ? lines.back().width + blank : 0);
     }
     Box box;
+    // A line is as high as its letters may be, so that the space between blocks is even.
+    box.ascent = 0.69 * size;
+    box.descent = 0.21 * size;
     double baseline = 0;
     for (std::size_t index = 0; index < lines.size(); ++index) {
         if (index > 0) {
@@ -534,6 +540,7 @@ Box Typesetter::paragraph(const QString& source, double size, double width) cons
             baseline += std::max(LineSpacing * size, needed);
         }
         box.add(lines[index], 0, baseline);
+        box.descent = std::max(box.descent, baseline + 0.21 * size);
     }
     return box;
 }

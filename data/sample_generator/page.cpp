@@ -16,11 +16,11 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr double TextSize = 24;
-constexpr double FormulaSize = 27;
-constexpr double LabelSize = 21;
+constexpr double TextSize = 27;
+constexpr double FormulaSize = 32;
+constexpr double LabelSize = 22;
 constexpr double FigureGap = 26;
-constexpr double BlockGap = 19;
+constexpr double BlockGap = 20;
 // A line pitch of 96 dots an inch: 600 pixels are 6.25 inches on a slide.
 constexpr int DotsPerMetre = 3780;
 
@@ -47,7 +47,7 @@ Block optionsBlock(const Typesetter& typesetter, const QStringList& options, dou
     double descent = 0;
     for (qsizetype index = 0; index < options.size(); ++index) {
         Box box = typesetter.line(u"*%1*"_qs.arg(QChar(u'A' + static_cast<char16_t>(index))), TextSize);
-        box.add(typesetter.line(options.at(index), TextSize), 30);
+        box.add(typesetter.line(options.at(index), TextSize), 34);
         widest = std::max(widest, box.width);
         ascent = std::max(ascent, box.ascent);
         descent = std::max(descent, box.descent);
@@ -55,7 +55,7 @@ Block optionsBlock(const Typesetter& typesetter, const QStringList& options, dou
     }
     const int columns = 4 * widest + 3 * 24 <= width ? 4 : 2 * widest + 24 <= width ? 2 : 1;
     const double columnWidth = width / columns;
-    const double rowHeight = std::max(1.4 * TextSize, ascent + descent + 0.45 * TextSize);
+    const double rowHeight = std::max(1.55 * TextSize, ascent + descent + 0.5 * TextSize);
     Box all;
     for (int index = 0; index < 4; ++index)
         all.add(boxes[static_cast<std::size_t>(index)], index % columns * columnWidth,
@@ -77,7 +77,7 @@ Block tableBlock(const Typesetter& typesetter, const QStringList& rows)
             descent = std::max(descent, line.back().descent);
             widths.resize(std::max(widths.size(), line.size()));
             auto& width = widths[line.size() - 1];
-            width = std::max(width, line.back().width + 26);
+            width = std::max(width, line.back().width + 30);
         }
     }
     // The columns of values are equally wide.
@@ -119,8 +119,12 @@ Block figureBlock(const Typesetter& typesetter, const QStringList& commands)
 Block blockFor(const Typesetter& typesetter, const ContentLine& line, const QStringList& options,
                double width)
 {
-    if (line.keyword == u"math")
-        return blockOf(typesetter.formula(line.text, FormulaSize, true), true);
+    if (line.keyword == u"math") {
+        Box box = typesetter.formula(line.text, FormulaSize, true);
+        box.ascent = std::max(box.ascent, 0.8 * FormulaSize);
+        box.descent = std::max(box.descent, 0.28 * FormulaSize);
+        return blockOf(box, true);
+    }
     if (line.keyword == u"options")
         return optionsBlock(typesetter, options, width);
     if (line.keyword == u"table")
@@ -162,7 +166,8 @@ try {
     image.setDotsPerMeterY(DotsPerMetre);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    double y = (PageHeight - height - gap * gaps) / 2;
+    // A little above the middle looks like the middle.
+    double y = PageMargin + (Room - height - gap * gaps) * 0.45;
     for (const Block& block : blocks) {
         block.draw(painter, {PageMargin + (block.centred ? (width - block.width) / 2 : 0), y});
         y += block.height + gap;
