@@ -20,12 +20,13 @@ QStringList linesOf(const QString& path)
     return QString::fromUtf8(file.readAll()).split(u'\n');
 }
 
-class TopicReader {
+class TopicReader
+{
 public:
     TopicReader(SampleContent& content, const QString& path)
-        : m_content(content), m_path(path)
-    {
-    }
+        : m_content(content)
+        , m_path(path)
+    {}
 
     void read()
     {

@@ -25,6 +25,10 @@ void rewrite(QString& text, const Rule& rule)
 
 QString toSql(QString text)
 {
+    // "12 cm" and "16π cm^2": a unit is what follows a number and a blank.
+    static const Rule unit{
+        QRegularExpression(uR"(^([-−£\d.×^() π]*[\dπ)])[ ~]+[A-Za-z][A-Za-z²³^2/]*$)"_qs),
+        u"\\1"_qs};
     static const std::array<Rule, 5> notation{{
         {QRegularExpression(uR"(\^\{([^{}]*)\})"_qs), u"^(\\1)"_qs},
         {QRegularExpression(uR"(\\sqrt\[(\d)\]\{([^{}]*)\})"_qs), u"pow(\\2,1/\\1)"_qs},
@@ -32,9 +36,7 @@ QString toSql(QString text)
         {QRegularExpression(uR"(\\frac\{([^{}]*)\}\{([^{}]*)\})"_qs), u"((\\1)/(\\2))"_qs},
         {QRegularExpression(uR"(\\text\{([^{}]*)\})"_qs), u" \\1"_qs},
     }};
-    static const std::array<Rule, 6> arithmetic{{
-        // "12 cm" and "3.5 × 10^4 m/s": a unit is what follows a number and a blank.
-        {QRegularExpression(uR"(^([-−£\d.×^() ]*[\d)])\s+[A-Za-zΩμ°][A-Za-zΩ²³/ ]*$)"_qs), u"\\1"_qs},
+    static const std::array<Rule, 5> arithmetic{{
         {QRegularExpression(uR"((?<![a-z])([a-z])([a-z])(?![a-z(]))"_qs), u"\\1*\\2"_qs},
         {QRegularExpression(uR"((\d|\)) *(?=[a-z]))"_qs), u"\\1*"_qs},
         {QRegularExpression(uR"((\d|\)|(?<![a-z])[a-z])\()"_qs), u"\\1*("_qs},
@@ -43,8 +45,8 @@ QString toSql(QString text)
          u"pow(\\1,\\2)"_qs},
         {QRegularExpression(uR"((?<![\d.\w])(\d+)(?![\d.]))"_qs), u"\\1.0"_qs},
     }};
-    for (const auto& [from, to] : {std::pair{u"$"_qs, u""_qs},
-                                   {u"\\left"_qs, u""_qs},
+    rewrite(text.remove(u'$'), unit);
+    for (const auto& [from, to] : {std::pair{u"\\left"_qs, u""_qs},
                                    {u"\\right"_qs, u""_qs},
                                    {u"\\,"_qs, u""_qs},
                                    {u"%"_qs, u""_qs},
@@ -61,8 +63,8 @@ QString toSql(QString text)
     text = text.trimmed();
     for (const Rule& rule : arithmetic)
         rewrite(text, rule);
-    for (const auto& [from, to] : {std::pair{u'×', u'*'}, {u'÷', u'/'}, {u'−', u'-'}, {u':', u'/'},
-                                   {u'£', u' '}})
+    for (const auto& [from, to] :
+         {std::pair{u'×', u'*'}, {u'÷', u'/'}, {u'−', u'-'}, {u':', u'/'}, {u'£', u' '}})
         text.replace(from, to);
     return text;
 }

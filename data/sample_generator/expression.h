@@ -17,7 +17,8 @@ using Variables = QMap<QString, double>;
 /// (`\frac{1}{2}`, `\sqrt{5}`, `x^2`, `3x(x - 1)`, ×, ÷, π) and of plain answers
 /// ("12 cm", "3x + 2"). SQLite does the arithmetic, on real numbers throughout;
 /// angles of functions are in radians, `radians()` converts.
-class Expression {
+class Expression
+{
 public:
     Expression();
     ~Expression();
@@ -28,7 +29,8 @@ public:
     std::optional<double> evaluate(const QString& text, const Variables& variables = {}) const;
 
 private:
-    struct Close {
+    struct Close
+    {
         void operator()(sqlite3* database) const;
     };
     std::unique_ptr<sqlite3, Close> m_database;

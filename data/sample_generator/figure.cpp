@@ -73,12 +73,22 @@ QPointF compass(const QString& word)
     QPointF direction;
     for (const QChar letter : word) {
         switch (letter.unicode()) {
-        case u'n': direction += {0, -1}; break;
-        case u's': direction += {0, 1}; break;
-        case u'e': direction += {1, 0}; break;
-        case u'w': direction += {-1, 0}; break;
-        case u'c': break;
-        default: throw std::runtime_error(u"\"%1\" is no direction"_qs.arg(word).toStdString());
+        case u'n':
+            direction += {0, -1};
+            break;
+        case u's':
+            direction += {0, 1};
+            break;
+        case u'e':
+            direction += {1, 0};
+            break;
+        case u'w':
+            direction += {-1, 0};
+            break;
+        case u'c':
+            break;
+        default:
+            throw std::runtime_error(u"\"%1\" is no direction"_qs.arg(word).toStdString());
         }
     }
     return unit(direction);
@@ -114,7 +124,8 @@ QString plainNumber(double value)
 } // namespace
 
 Figure::Figure(const Typesetter& typesetter, double textSize)
-    : m_typesetter(typesetter), m_textSize(textSize)
+    : m_typesetter(typesetter)
+    , m_textSize(textSize)
 {
     m_commands[u"scale"_qs] = [this](const Words& words) {
         m_scaleX = number(words.at(1));
@@ -138,7 +149,7 @@ void Figure::run(const QString& command)
     if (found == m_commands.cend())
         throw std::runtime_error(u"unknown figure command \"%1\""_qs.arg(command).toStdString());
     static const QMap<QString, int> fewest{{u"point"_qs, 3}, {u"line"_qs, 3}, {u"angle"_qs, 4},
-                                           {u"side"_qs, 4}, {u"text"_qs, 4}, {u"axes"_qs, 7}};
+                                           {u"side"_qs, 4},  {u"text"_qs, 4}, {u"axes"_qs, 7}};
     if (words.size() < fewest.value(words.front(), 2))
         throw std::runtime_error(u"\"%1\" is too short"_qs.arg(command).toStdString());
     (*found)(words);
@@ -244,9 +255,9 @@ void Figure::registerDrawing()
         QPainterPath path(pixel(words.at(1)));
         QPointF last = pixel(words.at(1));
         QPointF before = last;
-        for (qsizetype index = 2; index < words.size() &&
-                                  (words.at(index).contains(u',') || words.at(index).contains(u'@') ||
-                                   m_points.contains(words.at(index)));
+        for (qsizetype index = 2; index < words.size() && (words.at(index).contains(u',') ||
+                                                           words.at(index).contains(u'@') ||
+                                                           m_points.contains(words.at(index)));
              ++index) {
             before = std::exchange(last, pixel(words.at(index)));
             path.lineTo(last);
@@ -415,7 +426,8 @@ void Figure::dimension(const Words& words)
     arrowHead(to, from, Black);
     const QString text = rest(words, 3);
     QPainterPath ground;
-    const QRectF ink = m_typesetter.line(text, m_textSize).ink.boundingRect().adjusted(-5, -2, 5, 2);
+    const QRectF ink =
+        m_typesetter.line(text, m_textSize).ink.boundingRect().adjusted(-5, -2, 5, 2);
     ground.addRect(ink.translated((from + to) / 2 - ink.center()));
     fill(ground, Qt::white);
     label(text, (from + to) / 2, {}, 0);
@@ -428,8 +440,8 @@ void Figure::registerGraphs()
     m_commands[u"plot"_qs] = [this](const Words& words) { plot(words); };
     m_commands[u"bar"_qs] = [this](const Words& words) {
         QPainterPath path;
-        path.addRect(QRectF(map({number(words.at(1)), number(words.at(3))}),
-                            map({number(words.at(2)), 0})));
+        path.addRect(
+            QRectF(map({number(words.at(1)), number(words.at(3))}), map({number(words.at(2)), 0})));
         stroke(path, pen(1.4), DarkShade);
     };
 }
@@ -522,7 +534,8 @@ void Figure::plot(const Words& words)
         const double x = from + (to - from) * step / Steps;
         const auto y = m_expression.evaluate(rest(words, 3), {{u"x"_qs, x}});
         if (!y)
-            throw std::runtime_error(u"\"%1\" cannot be plotted"_qs.arg(rest(words, 3)).toStdString());
+            throw std::runtime_error(
+                u"\"%1\" cannot be plotted"_qs.arg(rest(words, 3)).toStdString());
         const QPointF at = map({x, *y});
         step == 0 ? path.moveTo(at) : path.lineTo(at);
     }
@@ -557,9 +570,8 @@ void Figure::component(const Words& words, double gap,
 void Figure::registerCircuit()
 {
     m_commands[u"resistor"_qs] = [this](const Words& words) {
-        component(words, 44, [](QPainterPath& outline, QPainterPath&) {
-            outline.addRect(-22, -8, 44, 16);
-        });
+        component(words, 44,
+                  [](QPainterPath& outline, QPainterPath&) { outline.addRect(-22, -8, 44, 16); });
     };
     // The long thin stroke is the positive side.
     m_commands[u"cell"_qs] = [this](const Words& words) {

@@ -18,7 +18,8 @@ namespace varnholt {
 /// A figure drawn from the commands below a `figure` line (list: data/sample/README.md).
 /// Positions are in the figure's own units, y upwards; `scale` says how many pixels a unit has.
 /// Labels and line widths are in pixels.
-class Figure {
+class Figure
+{
 public:
     Figure(const Typesetter& typesetter, double textSize);
 
@@ -31,7 +32,8 @@ public:
     void draw(QPainter& painter, QPointF corner) const;
 
 private:
-    struct Item {
+    struct Item
+    {
         QPainterPath path;
         QPen pen;
         QBrush brush;
@@ -43,7 +45,10 @@ private:
     void registerGraphs();
     void registerCircuit();
 
-    QPointF map(QPointF position) const { return {position.x() * m_scaleX, -position.y() * m_scaleY}; }
+    QPointF map(QPointF position) const
+    {
+        return {position.x() * m_scaleX, -position.y() * m_scaleY};
+    }
     QPointF position(const QString& word) const;
     double number(const QString& word) const;
     QPointF pixel(const QString& word) const { return map(position(word)); }

@@ -14,7 +14,8 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-struct CloseDatabase {
+struct CloseDatabase
+{
     void operator()(sqlite3* database) const { sqlite3_close(database); }
 };
 using Database = std::unique_ptr<sqlite3, CloseDatabase>;
@@ -33,8 +34,7 @@ qlonglong insert(sqlite3* database, const char* sql, const QString& text,
     const QByteArray utf8 = text.toUtf8();
     if (sqlite3_prepare_v2(database, sql, -1, &statement, nullptr) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(database));
-    sqlite3_bind_text(statement, 1, utf8.constData(), static_cast<int>(utf8.size()),
-                      SQLITE_STATIC);
+    sqlite3_bind_text(statement, 1, utf8.constData(), static_cast<int>(utf8.size()), SQLITE_STATIC);
     int column = 2;
     for (const qlonglong number : numbers)
         sqlite3_bind_int64(statement, column++, number);
@@ -58,10 +58,10 @@ void insertContent(sqlite3* database, const SampleContent& content)
         if (question.topic != topic) {
             topic = question.topic;
             subtopic.clear();
-            topicId = insert(
-                database,
-                "insert into Topics (Topic, AssessmentNum, Available) values (?, ?, true)", topic,
-                {assessment});
+            topicId =
+                insert(database,
+                       "insert into Topics (Topic, AssessmentNum, Available) values (?, ?, true)",
+                       topic, {assessment});
         }
         if (question.subtopic != subtopic) {
             subtopic = question.subtopic;

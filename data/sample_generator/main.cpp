@@ -66,7 +66,8 @@ int main(int argc, char* argv[])
     const QGuiApplication application(argc, argv);
     const QStringList arguments = QGuiApplication::arguments();
     if (arguments.size() != 4) {
-        std::fputs("usage: varnholt_sample_generator CONTENT-FOLDER SCHEMA-FILE OUTPUT-FOLDER\n", stderr);
+        std::fputs("usage: varnholt_sample_generator CONTENT-FOLDER SCHEMA-FILE OUTPUT-FOLDER\n",
+                   stderr);
         return 2;
     }
     try {

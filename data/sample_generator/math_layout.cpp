@@ -19,7 +19,12 @@ constexpr double ScriptScale = 0.72;
 constexpr double InlineFractionScale = 0.8;
 constexpr double LineSpacing = 1.32;
 
-enum class Face { Upright, Italic, Bold };
+enum class Face
+{
+    Upright,
+    Italic,
+    Bold
+};
 
 // Liberation Serif has all but a few signs, which DejaVu Serif then lends.
 QFont fontFor(Face face, const QString& text)
@@ -42,7 +47,8 @@ QFont fontFor(Face face, const QString& text)
         font.setFamily(u"DejaVu Serif"_qs);
         font.setItalic(false);
         if (!holds(font))
-            throw std::runtime_error(u"no font holds every character of \"%1\""_qs.arg(text).toStdString());
+            throw std::runtime_error(
+                u"no font holds every character of \"%1\""_qs.arg(text).toStdString());
     }
     return font;
 }
@@ -132,7 +138,8 @@ Box root(const Box& radicand, const Box& index, double size)
     sign.closeSubpath();
     box.ink.addPath(sign);
     const double barLength = wedge + 0.05 * size + radicand.width + 0.06 * size;
-    box.ink.addPath(rectangle(shift + wedge - rule * 0.5, -top, barLength - wedge + rule * 0.5, rule));
+    box.ink.addPath(
+        rectangle(shift + wedge - rule * 0.5, -top, barLength - wedge + rule * 0.5, rule));
     box.ascent = top;
     box.descent = bottom;
     if (index.width > 0)
@@ -214,9 +221,19 @@ Box dotAbove(const Box& inner, double size)
     return box;
 }
 
-enum class Kind { Ordinary, Binary, Relation, Open, Close, Punctuation, Function };
+enum class Kind
+{
+    Ordinary,
+    Binary,
+    Relation,
+    Open,
+    Close,
+    Punctuation,
+    Function
+};
 
-struct Atom {
+struct Atom
+{
     Box box;
     Kind kind = Kind::Ordinary;
     bool leans = false; ///< An italic letter, which an exponent need not keep away from.
@@ -224,12 +241,14 @@ struct Atom {
 };
 
 /// Recursive descent over one formula.
-class FormulaParser {
+class FormulaParser
+{
 public:
     FormulaParser(const QString& source, double size, bool display)
-        : m_source(source), m_size(size), m_display(display)
-    {
-    }
+        : m_source(source)
+        , m_size(size)
+        , m_display(display)
+    {}
 
     Box whole()
     {
@@ -243,7 +262,9 @@ private:
     [[noreturn]] void fail() const
     {
         throw std::runtime_error(
-            u"the formula \"%1\" cannot be read at character %2"_qs.arg(m_source).arg(m_at + 1).toStdString());
+            u"the formula \"%1\" cannot be read at character %2"_qs.arg(m_source)
+                .arg(m_at + 1)
+                .toStdString());
     }
 
     bool atEnd() const { return m_at >= m_source.size() || m_source.at(m_at) == u'}'; }
@@ -473,7 +494,8 @@ Typesetter::Typesetter()
                                           {u"DejaVu Serif"_qs, u"fonts-dejavu-core"_qs}})
         if (!installed.contains(family))
             throw std::runtime_error(
-                u"the font %1 is not installed (Debian package %2)"_qs.arg(family, package).toStdString());
+                u"the font %1 is not installed (Debian package %2)"_qs.arg(family, package)
+                    .toStdString());
 }
 
 Box Typesetter::formula(const QString& source, double size, bool display) const

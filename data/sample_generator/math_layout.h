@@ -9,7 +9,8 @@ namespace varnholt {
 
 /// A typeset piece. `ink` is filled with the text colour; its origin is the left end of the
 /// baseline, y grows downwards, units are pixels of the finished picture.
-struct Box {
+struct Box
+{
     double width = 0;
     double ascent = 0;  ///< Above the baseline.
     double descent = 0; ///< Below the baseline.
@@ -29,7 +30,8 @@ struct Box {
 /// A formula knows letters (italic), numbers, operators, `^`, `_`, braces, `\frac{}{}`,
 /// `\sqrt{}`, `\sqrt[3]{}`, `\vec{}` (arrow above), `\bold{}`, `\text{}`, `\dot{}`, `\col{}{}`
 /// (column vector), `\left( \right)`, `\sin` and the like, `\,` and `\quad`.
-class Typesetter {
+class Typesetter
+{
 public:
     /// Throws std::runtime_error naming the font and its package when one is not installed.
     Typesetter();

@@ -25,7 +25,8 @@ constexpr double BlockGap = 20;
 constexpr int DotsPerMetre = 3780;
 
 /// A block of the page: its size, and how to draw it with its upper left corner at a point.
-struct Block {
+struct Block
+{
     double width = 0;
     double height = 0;
     bool centred = false;
@@ -46,7 +47,8 @@ Block optionsBlock(const Typesetter& typesetter, const QStringList& options, dou
     double ascent = 0;
     double descent = 0;
     for (qsizetype index = 0; index < options.size(); ++index) {
-        Box box = typesetter.line(u"*%1*"_qs.arg(QChar(u'A' + static_cast<char16_t>(index))), TextSize);
+        Box box =
+            typesetter.line(u"*%1*"_qs.arg(QChar(u'A' + static_cast<char16_t>(index))), TextSize);
         box.add(typesetter.line(options.at(index), TextSize), 34);
         widest = std::max(widest, box.width);
         ascent = std::max(ascent, box.ascent);
@@ -89,7 +91,8 @@ Block tableBlock(const Typesetter& typesetter, const QStringList& rows)
     block.height = rowHeight * static_cast<double>(cells.size());
     block.centred = true;
     block.draw = [=](QPainter& painter, QPointF corner) {
-        painter.fillRect(QRectF(corner, QSizeF(widths.front(), block.height)), QColor(232, 239, 248));
+        painter.fillRect(QRectF(corner, QSizeF(widths.front(), block.height)),
+                         QColor(232, 239, 248));
         painter.setPen(QPen(Qt::black, 1.2));
         double y = corner.y();
         for (const auto& row : cells) {
@@ -152,7 +155,8 @@ try {
         blocks.push_back(blockFor(typesetter, line, question.options, width));
         height += blocks.back().height;
         if (blocks.back().width > width + 0.5)
-            throw std::runtime_error(u"\"%1\" is wider than its column"_qs.arg(line.text).toStdString());
+            throw std::runtime_error(
+                u"\"%1\" is wider than its column"_qs.arg(line.text).toStdString());
     }
     const double gaps = static_cast<double>(blocks.size() - 1);
     constexpr double Room = PageHeight - 2.0 * PageMargin;
@@ -173,7 +177,8 @@ try {
         y += block.height + gap;
     }
     if (beside)
-        beside->draw(painter, {PageMargin + Inner - beside->width, (PageHeight - beside->height) / 2});
+        beside->draw(painter,
+                     {PageMargin + Inner - beside->width, (PageHeight - beside->height) / 2});
     return image;
 } catch (const std::runtime_error& error) {
     throw std::runtime_error(
