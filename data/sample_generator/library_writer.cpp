@@ -88,6 +88,7 @@ void writeLibrary(const QString& path, const QString& schemaPath, const SampleCo
         throw std::runtime_error(u"%1 cannot be read"_qs.arg(schemaPath).toStdString());
     const QString unfinished = path + u".new"_qs;
     QFile::remove(unfinished);
+    QFile::remove(unfinished + u"-journal"_qs); // Of a build that was killed.
     sqlite3* opened = nullptr;
     const int result = sqlite3_open(unfinished.toUtf8(), &opened);
     Database database(opened);

@@ -1,27 +1,10 @@
 #pragma once
 
-#include <QPainterPath>
-#include <QString>
+#include "math_boxes.h"
 
 #include <vector>
 
 namespace varnholt {
-
-/// A typeset piece. `ink` is filled with the text colour; its origin is the left end of the
-/// baseline, y grows downwards, units are pixels of the finished picture.
-struct Box
-{
-    double width = 0;
-    double ascent = 0;  ///< Above the baseline.
-    double descent = 0; ///< Below the baseline.
-    QPainterPath ink;
-
-    double height() const { return ascent + descent; }
-    /// Puts `other` into this box with its origin at (x, y) and grows to hold it.
-    void add(const Box& other, double x, double y = 0);
-    /// Appends `other` on the same baseline.
-    void append(const Box& other) { add(other, width); }
-};
 
 /// Sets text and formulas with fonts named outright, as outlines, so that the result does not
 /// depend on a machine's font settings.
