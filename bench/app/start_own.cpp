@@ -1,4 +1,4 @@
-// The program itself, ended after its first paint.
+// The program itself, ended right after its first paint.
 
 #include "app/frmAssessment.h"
 #include "app/run_program.h"
@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QEvent>
 #include <QTimer>
+
+#include <unistd.h>
 
 namespace {
 
@@ -15,7 +17,7 @@ public:
     bool eventFilter(QObject*, QEvent* event) override
     {
         if (event->type() == QEvent::Paint) {
-            QTimer::singleShot(0, qApp, &QApplication::closeAllWindows);
+            QTimer::singleShot(0, [] { _exit(0); });
         }
         return false;
     }

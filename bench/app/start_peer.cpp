@@ -4,6 +4,8 @@
 #include <QMainWindow>
 #include <QTimer>
 
+#include <unistd.h>
+
 #include <sqlite3.h>
 
 namespace {
@@ -14,7 +16,7 @@ protected:
     void paintEvent(QPaintEvent* event) override
     {
         QMainWindow::paintEvent(event);
-        QTimer::singleShot(0, qApp, &QApplication::quit);
+        QTimer::singleShot(0, [] { _exit(0); });
     }
 };
 

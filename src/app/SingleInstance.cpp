@@ -2,54 +2,73 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QLocalSocket>
+#include <QStandardPaths>
 
 namespace varnholt {
 
 namespace {
 
-constexpr int answerTimeoutMs = 2000;
-
-} // namespace
-
-SingleInstance::SingleInstance(const QString& libraryPath)
+QString basePath(const QString& libraryPath)
 {
     QString path = QFileInfo(libraryPath).canonicalFilePath();
     if (path.isEmpty()) {
         path = libraryPath;
     }
-    const QByteArray user = QDir::homePath().toUtf8();
-    const QByteArray hash =
-        QCryptographicHash::hash(path.toUtf8() + '\n' + user, QCryptographicHash::Sha1).toHex();
-    name_ = QStringLiteral("varnholt-") + QString::fromLatin1(hash);
-    server_.setSocketOptions(QLocalServer::UserAccessOption);
-    connect(&server_, &QLocalServer::newConnection, this, [this] {
-        while (QLocalSocket* socket = server_.nextPendingConnection()) {
-            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-            socket->write("shown");
-            socket->flush();
-            Q_EMIT activationRequested();
-        }
-    });
+    const QByteArray hash = QCryptographicHash::hash((path + u'\n' + QDir::homePath()).toUtf8(),
+                                                     QCryptographicHash::Sha1)
+                                .toHex();
+    QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (folder.isEmpty() || !QFileInfo(folder).isWritable()) {
+        folder = QDir::tempPath();
+    }
+    return folder + QStringLiteral("/varnholt-") + QString::fromLatin1(hash.left(16));
+}
+
+} // namespace
+
+SingleInstance::SingleInstance(const QString& libraryPath)
+    : notePath_(basePath(libraryPath) + QStringLiteral(".show"))
+    , lock_(basePath(libraryPath) + QStringLiteral(".lock"))
+{
+    // However long it runs, a program that lives is not stale.
+    lock_.setStaleLockTime(0);
 }
 
 bool SingleInstance::handOver()
 {
-    QLocalSocket socket;
-    socket.connectToServer(name_);
-    if (socket.waitForConnected(answerTimeoutMs)) {
-        // A connection alone may be the backlog of a program that has hung; it still owns
-        // the library, so this start ends either way.
-        socket.waitForReadyRead(answerTimeoutMs);
-        return true;
+    if (lock_.tryLock() || lock_.error() != QLockFile::LockFailedError) {
+        // Without a place for locks the program still runs; only the courtesy is lost.
+        return false;
     }
-    if (!server_.listen(name_)) {
-        // A killed program leaves its socket behind.
-        QLocalServer::removeServer(name_);
-        server_.listen(name_);
+    QFile note(notePath_);
+    if (note.open(QIODevice::WriteOnly | QIODevice::Append)) {
+        note.write("show\n");
     }
-    return false;
+    return true;
+}
+
+void SingleInstance::listen()
+{
+    QFile::remove(notePath_);
+    QFile note(notePath_);
+    if (!note.open(QIODevice::WriteOnly)) {
+        return;
+    }
+    note.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    note.close();
+    watcher_ = std::make_unique<QFileSystemWatcher>(QStringList{notePath_});
+    connect(watcher_.get(), &QFileSystemWatcher::fileChanged, this, &SingleInstance::takeNote);
+}
+
+void SingleInstance::takeNote()
+{
+    QFile note(notePath_);
+    if (note.size() > 0 && note.open(QIODevice::ReadWrite)) {
+        note.resize(0);
+        Q_EMIT activationRequested();
+    }
 }
 
 } // namespace varnholt

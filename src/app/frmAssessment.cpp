@@ -80,7 +80,8 @@ void frmAssessment::buildMenu()
     addEntry("mnAbout", QStringLiteral("A&bout"), &frmAssessment::mnAbout_Click);
 
     auto* closeChildWindow = new QAction(QStringLiteral("Close window"), this);
-    closeChildWindow->setShortcut(QKeySequence::Close);
+    closeChildWindow->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::Key_F4)});
     connect(closeChildWindow, &QAction::triggered, this, &frmAssessment::closeChild);
     addAction(closeChildWindow);
 }

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QIcon>
 #include <QStandardPaths>
+#include <QTimer>
 
 namespace varnholt {
 
@@ -64,6 +65,8 @@ int run(QApplication& application, MessageBoxes& messages,
     });
     frame.show();
     frame.mnuCreate_Click();
+    // Other starts can wait until this window stands.
+    QTimer::singleShot(0, &frame, [&instance] { instance.listen(); });
     if (opened) {
         opened(frame);
     }
@@ -78,8 +81,11 @@ void NameApplication()
     QApplication::setApplicationName(QStringLiteral("Varnholt"));
     QApplication::setApplicationVersion(QStringLiteral(VARNHOLT_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("org.varnholt.Varnholt"));
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.varnholt.Varnholt"),
-                                                 QIcon(QStringLiteral(":/varnholt.svg"))));
+    QIcon icon;
+    for (const char* size : {"32", "64", "128"}) {
+        icon.addFile(QStringLiteral(":/icons/varnholt-%1.png").arg(QLatin1String(size)));
+    }
+    QApplication::setWindowIcon(icon);
 }
 
 int RunProgram(QApplication& application, const std::function<void(frmAssessment&)>& opened)
