@@ -57,7 +57,7 @@ public:
 
         PrintedMessages messages;
         SystemClock clock;
-        MersenneTwister random;
+        SplitMix64 random;
         PresentationSettings settings;
         settings.program = QStringLiteral("pptx");
         settings.open = [this](const QString& path) {

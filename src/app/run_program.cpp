@@ -43,7 +43,7 @@ int run(QApplication& application, MessageBoxes& messages,
 
     DesktopFileDialogs fileDialogs;
     SystemClock clock;
-    MersenneTwister random;
+    SplitMix64 random;
     DefaultPresentationPrograms presentations(messages, programFolder);
     Services services;
     services.messageBoxes = &messages;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 
 class QImage;
 
@@ -70,6 +71,13 @@ public:
     virtual void seed(std::uint64_t value) = 0;
     /// Uniform in [0, 1).
     [[nodiscard]] virtual double next() = 0;
+    /// The next numbers of the same sequence, for who needs very many.
+    virtual void fill(std::span<double> numbers)
+    {
+        for (double& number : numbers) {
+            number = next();
+        }
+    }
 };
 
 /// Gives out a fresh object of the presentation port for each build.

@@ -101,7 +101,7 @@ TEST(Draw, PoolHoldsTheSelectedQuestionsOnceInTheGeneratorsOrder)
 
 TEST(Draw, EveryOrderIsEquallyLikely)
 {
-    MersenneTwister random;
+    SplitMix64 random;
     random.seed(20'240);
     std::map<std::vector<int>, int> seen;
     constexpr int rounds = 24'000;
