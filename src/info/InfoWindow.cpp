@@ -26,7 +26,6 @@ InfoWindow::InfoWindow(const QString& title, const QString& text, const QString&
     auto* lblText = makeLabel("lblText", text);
     lblText->setWordWrap(true);
     lblText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    lblText->setMaximumWidth(fontMetrics().averageCharWidth() * 80);
 
     auto* lblLink = makeLabel("lblLink", linkCaption);
     auto* txtLink = named(new QLineEdit(link), "txtLink", linkCaption.chopped(1));
