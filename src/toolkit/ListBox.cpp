@@ -5,10 +5,33 @@
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 #include <QStyledItemDelegate>
+#include <QTextDocument>
 
 #include <utility>
 
 namespace varnholt {
+
+namespace {
+
+/// More cannot be seen in a row, and laying it out would cost time at every paint.
+constexpr qsizetype longestShown = 500;
+constexpr qsizetype longestToolTip = 2000;
+
+/// A text as one row of the list can show it: on one line.
+QString shown(const QString& text)
+{
+    QString line = text.left(longestShown);
+    for (QChar& character : line) {
+        if (character.category() == QChar::Other_Control ||
+            character.category() == QChar::Separator_Line ||
+            character.category() == QChar::Separator_Paragraph) {
+            character = u' ';
+        }
+    }
+    return line;
+}
+
+} // namespace
 
 class ListBoxModel : public QAbstractListModel
 {
@@ -28,8 +51,9 @@ public:
         const ListBox::Row& row = rows.at(static_cast<std::size_t>(index.row()));
         switch (role) {
         case Qt::DisplayRole:
+            return shown(row.text);
         case Qt::ToolTipRole:
-            return row.text;
+            return Qt::convertFromPlainText(row.text.left(longestToolTip));
         case Qt::UserRole:
             return row.itemData;
         case Qt::CheckStateRole:

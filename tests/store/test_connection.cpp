@@ -1,6 +1,7 @@
 #include "store/connection.h"
 #include "store/statements.h"
 #include "support/test_library.h"
+#include "support/unprivileged.h"
 
 #include <QDir>
 #include <QFile>
@@ -87,6 +88,36 @@ TEST(Connection, AcceptsAnyDatabaseWithTheTablesInAnyCase)
     EXPECT_EQ(rows.text(rows.field("Answer")), QString());
     EXPECT_THROW((void)rows.field("Missing"), DatabaseError);
     EXPECT_FALSE(rows.next());
+}
+
+TEST(Connection, ReadsWhatItMayNotWrite)
+{
+    TestLibrary library;
+    library.addAssessment(QStringLiteral("A"));
+    const auto names = [](Connection& connection) {
+        Recordset rows = connection.read(statements::SelectAssessments());
+        QStringList found;
+        while (rows.next()) {
+            found.append(rows.text(rows.field("AssessmentName")));
+        }
+        return found;
+    };
+    // Once as supplied, once as the program leaves it.
+    for (const char* mode : {"DELETE", "WAL"}) {
+        library.sql(QStringLiteral("PRAGMA journal_mode = ") + QLatin1String(mode));
+        QFile(library.databasePath())
+            .setPermissions(QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+        const test::Unprivileged unprivileged(library.folder());
+        Connection connection;
+        connection.open(library.databasePath());
+        EXPECT_TRUE(connection.isReadOnly()) << mode;
+        EXPECT_EQ(names(connection), QStringList{QStringLiteral("A")}) << mode;
+        EXPECT_THROW(connection.execute(statements::UpdateHistory(1)), DatabaseError) << mode;
+    }
+    QFile(library.databasePath()).setPermissions(QFile::WriteOwner);
+    const test::Unprivileged unprivileged(library.folder());
+    EXPECT_EQ(openingError(library.databasePath()),
+              "You do not have the right to read the question library:");
 }
 
 TEST(Connection, WritesFailLoudlyOnceTheFileHasGone)

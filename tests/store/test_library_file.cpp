@@ -2,6 +2,7 @@
 #include "store/library_file.h"
 #include "store/picture_files.h"
 #include "support/test_library.h"
+#include "support/unprivileged.h"
 
 #include <QDir>
 #include <QFile>
@@ -58,6 +59,21 @@ TEST(ProgramFolder, IsTheExecutablesOrACopyOfTheSuppliedLibrary)
     touch(marker);
     EXPECT_EQ(ChooseProgramFolder({empty, user, supplied.folder()}), user);
     EXPECT_EQ(QFileInfo(marker).size(), 1);
+
+    // A folder that cannot be written: the library beside the program is copied.
+    TestLibrary locked;
+    locked.addQuestion(1, 1, 1, QStringLiteral("A"));
+    QTemporaryDir home;
+    const QString copy = home.filePath(QStringLiteral("data"));
+    QFile(home.path()).setPermissions(QFile::Permissions(0x7777));
+    QFile(locked.folder()).setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    {
+        const test::Unprivileged unprivileged(locked.folder());
+        EXPECT_EQ(ChooseProgramFolder({locked.folder(), copy, supplied.folder()}), copy);
+    }
+    QFile(locked.folder()).setPermissions(QFile::Permissions(0x7700));
+    EXPECT_TRUE(QFile::exists(LibraryPath(copy)));
+    EXPECT_TRUE(QFile::exists(FindPictureFile(copy, 1)));
 
     // A lost library file is reported, not papered over with the supplied one.
     QDir(empty).mkdir(QStringLiteral("Files"));

@@ -91,6 +91,18 @@ TEST_P(ListBoxTest, CurrentRowFiresOnceForUserAndProgramAlike)
     EXPECT_FALSE(list.selected(0));
 }
 
+TEST_P(ListBoxTest, OddTextsStayWholeAndShowOnOneLine)
+{
+    const QString odd = QStringLiteral("a <b>&amp;\nb\t\u2028😀 ") + QString(10'000, u'x');
+    list.addItem(odd, 1);
+    EXPECT_EQ(list.itemText(3), odd);
+    const QString line = list.model()->index(3, 0).data().toString();
+    EXPECT_TRUE(line.startsWith(QStringLiteral("a <b>&amp; b  😀 xxx"))) << line.toStdString();
+    EXPECT_LT(line.size(), 1000);
+    EXPECT_EQ(list.visualRect(list.model()->index(3, 0)).height(),
+              list.visualRect(list.model()->index(0, 0)).height());
+}
+
 INSTANTIATE_TEST_SUITE_P(Both, ListBoxTest,
                          testing::Values(ListBox::Mode::Single, ListBox::Mode::Multi));
 
