@@ -1,6 +1,7 @@
 #include "store/connection.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -137,7 +138,7 @@ void Connection::open(const QString& path)
             QStringLiteral("The question library should be a file, but this is a folder:\n%1")
                 .arg(shown(path)));
     }
-    if (!file.isReadable()) {
+    if (!QFile(path).open(QIODevice::ReadOnly)) {
         throw DatabaseError(
             QStringLiteral("You do not have the right to read the question library:\n%1")
                 .arg(shown(path)));
