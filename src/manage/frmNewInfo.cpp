@@ -30,12 +30,13 @@ void frmNewInfo::buildControls()
     auto* lblNewTopic = makeLabel("lblNewTopic", QStringLiteral("New &Topic:"));
     txtNewTopic_ = named(new QLineEdit, "txtNewTopic", QStringLiteral("New topic"));
     lblNewTopic->setBuddy(txtNewTopic_);
-    auto* lblTopicHint = new HintLabel("lblTopicHint", txtNewTopic_);
+    auto* lblTopicHint = new HintLabel("lblTopicHint", txtNewTopic_, HintLabel::Place::Kept);
 
     auto* lblNewSubtopic = makeLabel("lblNewSubtopic", QStringLiteral("New S&ubtopic:"));
     txtNewSubtopic_ = named(new QLineEdit, "txtNewSubtopic", QStringLiteral("New subtopic"));
     lblNewSubtopic->setBuddy(txtNewSubtopic_);
-    auto* lblSubtopicHint = new HintLabel("lblSubtopicHint", txtNewSubtopic_);
+    auto* lblSubtopicHint =
+        new HintLabel("lblSubtopicHint", txtNewSubtopic_, HintLabel::Place::Kept);
 
     auto* cmdSave = makeButton("cmdSave", QStringLiteral("&Save"));
     auto* cmdCancel = makeButton("cmdCancel", QStringLiteral("&Cancel"));

@@ -6,7 +6,7 @@
 
 namespace varnholt {
 
-HintLabel::HintLabel(const char* objectName, QWidget* field)
+HintLabel::HintLabel(const char* objectName, QWidget* field, Place place)
     : field_(field)
 {
     setObjectName(QLatin1String(objectName));
@@ -17,7 +17,7 @@ HintLabel::HintLabel(const char* objectName, QWidget* field)
     setAutoFillBackground(true);
     setMargin(fontMetrics().height() / 5);
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
-    policy.setRetainSizeWhenHidden(true);
+    policy.setRetainSizeWhenHidden(place == Place::Kept);
     setSizePolicy(policy);
     hide();
 }

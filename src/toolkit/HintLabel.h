@@ -6,15 +6,21 @@ class QLineEdit;
 
 namespace varnholt {
 
-/// A line beside a field that says beforehand why what it holds will be refused. It keeps its
-/// place in the layout while there is nothing to say, so that nothing jumps. What it says is
-/// also the field's accessible description. The field must outlive it or share its window.
+/// A line beside a field that says beforehand why what it holds will be refused. What it says
+/// is also the field's accessible description. The field must share its window.
 class HintLabel : public QLabel
 {
     Q_OBJECT
 
 public:
-    HintLabel(const char* objectName, QWidget* field);
+    enum class Place
+    {
+        /// Stays free while there is nothing to say, so that nothing jumps while typing.
+        Kept,
+        Given
+    };
+
+    HintLabel(const char* objectName, QWidget* field, Place place);
 
     /// Shows a sentence, or nothing when it is empty.
     void say(const QString& sentence);
