@@ -59,7 +59,7 @@ void frmEditQuestion::buildControls()
     buttons->addWidget(cmdSave);
     buttons->addWidget(cmdCancel);
     grid->addLayout(buttons, 6, 0, 1, 2);
-    grid->setColumnMinimumWidth(1, fontMetrics().averageCharWidth() * 56);
+    grid->setColumnMinimumWidth(1, fontMetrics().averageCharWidth() * 66);
     grid->setColumnStretch(1, 1);
 
     QWidget* previous = cboTopics_;
@@ -130,18 +130,17 @@ void frmEditQuestion::cboTopics_Click()
 
 void frmEditQuestion::updateFilingHint()
 {
-    const QString refusal = QStringLiteral("cannot be used for saving");
-    QString hint = LargeKeyHint(QStringLiteral("This question"),
+    const QString refusal = QStringLiteral("cannot take a question");
+    QString hint = LargeKeyHint(QStringLiteral("Question"),
                                 state_.BrowseQuestions(state_.QuestionPosition).SOLIndex,
                                 QStringLiteral("cannot be saved"));
     if (hint.isEmpty()) {
-        hint = LargeKeyHint(QStringLiteral("This topic"), SelectedTopicID_, refusal);
+        hint = LargeKeyHint(QStringLiteral("Topic"), SelectedTopicID_, refusal);
     }
     if (hint.isEmpty() && cboSubtopics_->listIndex() < 0) {
-        hint = QStringLiteral("This topic has no subtopics, so nothing can be saved under it. "
-                              "Choose another topic.");
+        hint = QStringLiteral("This topic has no subtopics; choose another topic.");
     } else if (hint.isEmpty()) {
-        hint = LargeKeyHint(QStringLiteral("This subtopic"),
+        hint = LargeKeyHint(QStringLiteral("Subtopic"),
                             cboSubtopics_->entryData(cboSubtopics_->listIndex()), refusal);
     }
     lblFilingHint_->say(hint);

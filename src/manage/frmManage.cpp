@@ -96,6 +96,7 @@ void frmManage::Form_Load()
         cmdAddNewQuestion_->setEnabled(false);
         cmdNewTopic_->setEnabled(false);
         cmdNewSubtopic_->setEnabled(false);
+        showBrowser(false);
         return;
     }
     openAssessment();
@@ -186,7 +187,7 @@ void frmManage::lstTopics_Click()
 {
     lblQuestions_->clear();
     const std::optional<std::int32_t> topicId = currentData(*lstTopics_);
-    lblTopicHint_->say(LargeKeyHint(QStringLiteral("This topic"), topicId.value_or(0),
+    lblTopicHint_->say(LargeKeyHint(QStringLiteral("Topic"), topicId.value_or(0),
                                     QStringLiteral("cannot be deleted or take new subtopics")));
     cmdDeleteTopic_->setEnabled(topicId.has_value());
     cmdNewSubtopic_->setEnabled(topicId.has_value());
@@ -195,6 +196,7 @@ void frmManage::lstTopics_Click()
 
 void frmManage::FillSubtopicList()
 {
+    lstSubtopics_->clear();
     cmdDeleteSubtopic_->setEnabled(false);
     lblQuestions_->clear();
     lblSubtopicHint_->say({});
@@ -218,7 +220,7 @@ void frmManage::lstSubtopics_Click()
     if (!topicId || !subtopicNum) {
         return;
     }
-    lblSubtopicHint_->say(LargeKeyHint(QStringLiteral("This subtopic"), *subtopicNum,
+    lblSubtopicHint_->say(LargeKeyHint(QStringLiteral("Subtopic"), *subtopicNum,
                                        QStringLiteral("cannot be deleted")));
     ChooseSubtopic(state_.SubTopicList, *topicId, *subtopicNum);
     ShowSubtopicQuestions();
@@ -283,8 +285,25 @@ void frmManage::HandlePictureButtons()
 
 void frmManage::showBrowser(bool shown)
 {
+    if (!shown) {
+        lblNoQuestions_->setText(whyNoQuestions());
+    }
     fraQuestions_->setVisible(shown);
     lblNoQuestions_->setVisible(!shown);
+}
+
+QString frmManage::whyNoQuestions() const
+{
+    if (state_.CurrentAssessmentNum < 1) {
+        return QStringLiteral("There is no assessment yet. Create one to begin.");
+    }
+    if (state_.TopicList.isEmpty()) {
+        return QStringLiteral("This assessment has no topics yet. Create one to go on.");
+    }
+    if (lstTopics_->listIndex() >= 0 && lstSubtopics_->listIndex() >= 0) {
+        return QStringLiteral("This subtopic has no questions yet.");
+    }
+    return QStringLiteral("Choose a topic and a subtopic to see its questions.");
 }
 
 void frmManage::cmdLeft_Click()

@@ -78,6 +78,8 @@ private:
     void loadReporting(const std::function<void()>& load);
     void showPicture();
     void showBrowser(bool shown);
+    /// What stands in the browser's place while it is hidden.
+    [[nodiscard]] QString whyNoQuestions() const;
     /// Runs a handler's work; any failure in it is reported with this text.
     void attempt(const QString& failure, const std::function<void()>& work);
     void inform(const QString& title, const QString& text);

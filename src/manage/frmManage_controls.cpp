@@ -116,8 +116,7 @@ QWidget* frmManage::buildSubtopics()
 
 QWidget* frmManage::buildBrowser()
 {
-    lblNoQuestions_ = makeLabel(
-        "lblNoQuestions", QStringLiteral("Choose a topic and a subtopic to see its questions."));
+    lblNoQuestions_ = makeLabel("lblNoQuestions");
     lblNoQuestions_->setAlignment(Qt::AlignCenter);
     lblNoQuestions_->setWordWrap(true);
     lblNoQuestions_->setForegroundRole(QPalette::PlaceholderText);

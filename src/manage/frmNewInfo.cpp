@@ -54,7 +54,7 @@ void frmNewInfo::buildControls()
     buttons->addWidget(cmdSave);
     buttons->addWidget(cmdCancel);
     grid->addLayout(buttons, 5, 0, 1, 2);
-    grid->setColumnMinimumWidth(1, fontMetrics().averageCharWidth() * 50);
+    grid->setColumnMinimumWidth(1, fontMetrics().averageCharWidth() * 60);
     grid->setColumnStretch(1, 1);
 
     setTabOrder(txtNewTopic_, txtNewSubtopic_);

@@ -75,8 +75,7 @@ QString LargeKeyHint(const QString& subject, std::int32_t key, const QString& co
 {
     constexpr int largest = std::numeric_limits<std::int16_t>::max();
     return key <= largest ? QString()
-                          : QStringLiteral("%1 has the number %2. Numbers above %3 are too large: "
-                                           "it %4.")
+                          : QStringLiteral("%1 number %2 is above %3 and %4.")
                                 .arg(subject)
                                 .arg(key)
                                 .arg(largest)

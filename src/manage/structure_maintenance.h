@@ -46,8 +46,8 @@ void DeleteSubtopic(ProgramState& state, Connection& connection, MessageBoxes& m
 /// `std::out_of_range` when it shows none. The picture file stays.
 void DeleteShownQuestion(ProgramState& state, Connection& connection);
 
-/// A sentence for a key that these changes cannot use ("This topic" is its subject,
-/// "cannot be deleted" what does not work); empty for one they can.
+/// "Topic number 40000 is above 32767 and cannot be deleted." for the subject "Topic" and the
+/// consequence "cannot be deleted"; empty for a key within 16 bits.
 [[nodiscard]] QString LargeKeyHint(const QString& subject, std::int32_t key,
                                    const QString& consequence);
 
