@@ -1,6 +1,7 @@
 #include "app/frmAssessment.h"
 
 #include "info/InfoWindow.h"
+#include "manage/frmManage.h"
 #include "selection/frmMain.h"
 #include "store/library_file.h"
 #include "store/services.h"
@@ -73,7 +74,8 @@ void frmAssessment::buildMenu()
         }
     };
     addEntry("mnuCreate", QStringLiteral("&Create PowerPoints"), &frmAssessment::mnuCreate_Click);
-    addEntry("mnuManageAssessments", QStringLiteral("&Manage Assessments"), nullptr);
+    addEntry("mnuManageAssessments", QStringLiteral("&Manage Assessments"),
+             &frmAssessment::mnuManageAssessments_Click);
     addEntry("mnuExport", QStringLiteral("E&xport Assessment"), nullptr);
     addEntry("mnuImport", QStringLiteral("&Import Assessment"), nullptr);
     addEntry("mnuTutorial", QStringLiteral("Tutorial &Videos"), &frmAssessment::mnuTutorial_Click);
@@ -111,6 +113,11 @@ void frmAssessment::openChild(const Maker& make)
 void frmAssessment::mnuCreate_Click()
 {
     openChild([this] { return new frmMain(services_, state_, connection_); });
+}
+
+void frmAssessment::mnuManageAssessments_Click()
+{
+    openChild([this] { return new frmManage(services_, state_, connection_, nullptr); });
 }
 
 void frmAssessment::mnuTutorial_Click()

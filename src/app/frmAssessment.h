@@ -32,6 +32,7 @@ public:
 
 public Q_SLOTS:
     void mnuCreate_Click();
+    void mnuManageAssessments_Click();
     void mnuTutorial_Click();
     void mnAbout_Click();
 

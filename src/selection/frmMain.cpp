@@ -1,6 +1,7 @@
 #include "selection/frmMain.h"
 
 #include "selection/build_run.h"
+#include "selection/frmSelect.h"
 #include "selection/question_draw.h"
 #include "store/connection.h"
 #include "store/services.h"
@@ -342,8 +343,24 @@ void frmMain::cmdCreate_Click()
         }
         return;
     }
+    const SlideOptions options{optTopicYes_->isChecked(), optKeyYes_->isChecked()};
+    if (optSelectYes_->isChecked()) {
+        openReview(options);
+        return;
+    }
     MarkFirst(state_.DrawPool, state_.RequestedQuestionCount);
-    RunBuild(window(), services_, state_, {optTopicYes_->isChecked(), optKeyYes_->isChecked()});
+    RunBuild(window(), services_, state_, options);
+}
+
+void frmMain::openReview(const SlideOptions& options)
+{
+    setEnabled(false);
+    review_ = new frmSelect(services_, state_, options, window());
+    connect(review_, &frmSelect::unloaded, this, [this] {
+        setEnabled(true);
+        txtQuestions_->setFocus();
+    });
+    review_->Form_Load();
 }
 
 void frmMain::closeEvent(QCloseEvent* event)
@@ -353,6 +370,9 @@ void frmMain::closeEvent(QCloseEvent* event)
         return;
     }
     unloaded_ = true;
+    if (review_) {
+        review_->close();
+    }
     try {
         SaveLastAssessment(state_, connection_);
     } catch (const DatabaseError&) {

@@ -3,6 +3,7 @@
 #include "selection/question_selection.h"
 #include "store/catalogue.h"
 
+#include <QPointer>
 #include <QWidget>
 
 class QGroupBox;
@@ -16,7 +17,9 @@ namespace varnholt {
 class ComboBox;
 class Connection;
 class ListBox;
+class frmSelect;
 struct Services;
+struct SlideOptions;
 
 /// The selection window: an assessment, its topics and subtopics, the options of the
 /// presentation and the number of questions. Opening it loads the catalogue; closing it
@@ -46,6 +49,8 @@ private:
     void cmdSelectAllSub_Click();
     void selectShownSubTopics(bool selected);
     void cmdCreate_Click();
+    /// Opens the review window; this window is switched off until it closes.
+    void openReview(const SlideOptions& options);
 
     void FillAssessmentCombo();
     void FillTopicList();
@@ -62,6 +67,8 @@ private:
     /// False while the subtopic list is being refilled.
     bool SubTopicEventsEnabled_ = true;
     bool unloaded_ = false;
+    /// Closed along with this window.
+    QPointer<frmSelect> review_;
 
     ComboBox* cboAssessment_ = nullptr;
     ListBox* lstTopics_ = nullptr;

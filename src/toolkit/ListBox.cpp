@@ -7,6 +7,7 @@
 #include <QStyledItemDelegate>
 #include <QTextDocument>
 
+#include <algorithm>
 #include <utility>
 
 namespace varnholt {
@@ -149,6 +150,7 @@ void ListBox::setRows(std::vector<Row> rows)
 {
     const QScopedValueRollback quiet(quiet_, quiet_ + 1);
     model_->setRows(std::move(rows));
+    revealed_ = -1;
     setCurrentIndex({});
 }
 
@@ -200,6 +202,12 @@ void ListBox::setListIndex(int row)
         setCurrentIndex(row < 0 ? QModelIndex() : model_->index(row));
     }
     Q_EMIT Click();
+}
+
+void ListBox::reveal(int row)
+{
+    revealed_ = std::min(row, listCount() - 1);
+    scrollTo(model_->index(revealed_));
 }
 
 bool ListBox::selected(int row) const
@@ -297,6 +305,17 @@ void ListBox::keyPressEvent(QKeyEvent* event)
         return;
     }
     QListView::keyPressEvent(event);
+}
+
+QModelIndex ListBox::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    if (!currentIndex().isValid() && (action == MoveUp || action == MoveDown)) {
+        const QModelIndex start = model_->index(revealed_);
+        if (start.isValid()) {
+            return start;
+        }
+    }
+    return QListView::moveCursor(action, modifiers);
 }
 
 } // namespace varnholt

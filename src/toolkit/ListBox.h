@@ -60,6 +60,10 @@ public:
     /// Makes a row current, or none with -1; fires `Click` also when it was current before.
     void setListIndex(int row);
 
+    /// Scrolls a row, or the last when there are fewer, into view without making it current.
+    /// While no row is current, the arrow keys begin at it.
+    void reveal(int row);
+
     [[nodiscard]] bool selected(int row) const;
     void setSelected(int row, bool selected);
     /// Selects or unselects every row of a multi-selection list and, where `focusRow` is not
@@ -76,6 +80,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
 private:
     void pressed(QMouseEvent* event);
@@ -86,6 +91,7 @@ private:
     /// While positive, a change of the current row is part of something bigger that fires
     /// once itself.
     int quiet_ = 0;
+    int revealed_ = -1;
 };
 
 } // namespace varnholt

@@ -1,12 +1,17 @@
 #include "toolkit/desktop_services.h"
 
+#include "toolkit/HintLabel.h"
+#include "toolkit/controls.h"
+
 #include <QApplication>
 #include <QDateTime>
+#include <QDialogButtonBox>
 #include <QFileDialog>
-#include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QVBoxLayout>
 
 namespace varnholt {
 
@@ -85,11 +90,24 @@ QString DesktopMessageBoxes::inputText(const QString& title, const QString& prom
                                        const QString& defaultText)
 {
     const PlainPointer pointer;
-    QInputDialog dialog(QApplication::activeWindow());
+    QDialog dialog(QApplication::activeWindow());
     dialog.setWindowTitle(title);
-    dialog.setLabelText(prompt);
-    dialog.setTextValue(defaultText);
-    return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
+    auto* lblPrompt = makeLabel("lblPrompt", prompt);
+    auto* txtAnswer = named(new QLineEdit(defaultText), "txtAnswer", prompt);
+    txtAnswer->selectAll();
+    auto* lblHint = new HintLabel("lblHint", txtAnswer, HintLabel::Place::Kept);
+    lblHint->watchForApostrophes(txtAnswer);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+
+    auto* column = new QVBoxLayout(&dialog);
+    column->addWidget(lblPrompt);
+    column->addWidget(txtAnswer);
+    column->addWidget(lblHint);
+    column->addWidget(buttons);
+    txtAnswer->setMinimumWidth(dialog.fontMetrics().averageCharWidth() * 66);
+    return dialog.exec() == QDialog::Accepted ? txtAnswer->text() : QString();
 }
 
 std::optional<QString> DesktopFileDialogs::saveFile(const QString& filter,

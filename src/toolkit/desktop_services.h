@@ -4,7 +4,8 @@
 
 namespace varnholt {
 
-/// The real message boxes: modal to the active window, plain text, without an icon.
+/// The real message boxes: modal to the active window, plain text, without an icon. The text
+/// prompt warns while its text cannot be saved in the library; it takes it all the same.
 class DesktopMessageBoxes : public MessageBoxes
 {
 public:

@@ -1,0 +1,374 @@
+#include "manage/frmManage.h"
+
+#include "manage/frmEditQuestion.h"
+#include "manage/question_browser.h"
+#include "manage/structure_maintenance.h"
+#include "store/catalogue.h"
+#include "store/connection.h"
+#include "store/picture_files.h"
+#include "store/services.h"
+#include "toolkit/ComboBox.h"
+#include "toolkit/HintLabel.h"
+#include "toolkit/ListBox.h"
+#include "toolkit/PictureView.h"
+#include "toolkit/controls.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+
+#include <algorithm>
+#include <limits>
+
+namespace varnholt {
+
+namespace {
+
+std::optional<std::int32_t> currentData(const ListBox& list)
+{
+    return list.listIndex() < 0 ? std::nullopt : std::optional(list.itemData(list.listIndex()));
+}
+
+class BusyPointer
+{
+public:
+    BusyPointer() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+    ~BusyPointer() { QApplication::restoreOverrideCursor(); }
+};
+
+} // namespace
+
+frmManage::frmManage(Services& services, ProgramState& state, Connection& connection,
+                     OpenAuthoring openAuthoring, QWidget* parent)
+    : QWidget(parent)
+    , services_(services)
+    , state_(state)
+    , connection_(connection)
+    , openAuthoring_(std::move(openAuthoring))
+{
+    setObjectName(QStringLiteral("frmManage"));
+    setWindowTitle(QStringLiteral("Manage Assessments"));
+    buildControls();
+    connectControls();
+    loadReporting([this] { Form_Load(); });
+    if (state_.CurrentAssessmentNum < 1) {
+        setFocusProxy(cmdAddAssessment_);
+    } else {
+        setFocusProxy(state_.TopicList.isEmpty() ? static_cast<QWidget*>(cmdNewTopic_)
+                                                 : lstTopics_);
+    }
+}
+
+frmManage::~frmManage()
+{
+    if (!unloaded_) {
+        close();
+    }
+}
+
+void frmManage::closeEvent(QCloseEvent* event)
+{
+    QWidget::closeEvent(event);
+    if (!unloaded_ && event->isAccepted()) {
+        unloaded_ = true;
+        Form_Unload();
+    }
+}
+
+void frmManage::Form_Load()
+{
+    lstTopics_->clear();
+    lstSubtopics_->clear();
+    showBrowser(false);
+    cmdDeleteAssessment_->setEnabled(true);
+    cmdAddNewQuestion_->setEnabled(openAuthoring_ != nullptr);
+    cmdNewTopic_->setEnabled(true);
+    cmdNewSubtopic_->setEnabled(false);
+    cmdDeleteTopic_->setEnabled(false);
+    cmdDeleteSubtopic_->setEnabled(false);
+    HandlePictureButtons();
+    lblQuestions_->clear();
+    LoadAssessments(state_, connection_, *services_.messageBoxes);
+    FillAssessmentCombo();
+    if (state_.CurrentAssessmentNum < 1) {
+        cmdDeleteAssessment_->setEnabled(false);
+        cmdAddNewQuestion_->setEnabled(false);
+        cmdNewTopic_->setEnabled(false);
+        cmdNewSubtopic_->setEnabled(false);
+        showBrowser(false);
+        return;
+    }
+    openAssessment();
+}
+
+void frmManage::Form_Unload()
+{
+    try {
+        SaveLastAssessment(state_, connection_);
+    } catch (const DatabaseError&) {
+        // A library that takes no changes still opens; it only forgets where we were.
+    }
+}
+
+void frmManage::FillAssessmentCombo()
+{
+    cboAssessment_->clear();
+    int chosen = 0;
+    std::int32_t last = 0;
+    for (const AssessmentRecord& record : state_.AssessmentList) {
+        if (record.AssessmentNum == state_.LastAssessmentNum && state_.LastAssessmentNum > 0) {
+            chosen = cboAssessment_->listCount();
+        }
+        cboAssessment_->addEntry(record.AssessmentName, record.AssessmentNum);
+        last = record.AssessmentNum;
+    }
+    const bool full = last >= std::numeric_limits<std::int16_t>::max();
+    lblAssessmentHint_->say(full ? QStringLiteral("The assessments' numbers have reached %1, the "
+                                                  "largest possible: adding one ends in an error.")
+                                       .arg(last)
+                                 : QString());
+    if (!state_.AssessmentList.isEmpty()) {
+        // Without the reaction: the caller opens the assessment, once.
+        cboAssessment_->showEntry(chosen);
+        state_.CurrentAssessmentNum = cboAssessment_->entryData(chosen);
+    }
+}
+
+void frmManage::cboAssessment_Click()
+{
+    loadReporting([this] { openAssessment(); });
+}
+
+void frmManage::loadReporting(const std::function<void()>& load)
+{
+    try {
+        load();
+    } catch (const Error&) {
+        inform(QStringLiteral("Database Error"),
+               QStringLiteral("There was an error loading the questions."));
+        FillTopicList();
+    }
+}
+
+void frmManage::openAssessment()
+{
+    if (cboAssessment_->listIndex() >= 0) {
+        state_.CurrentAssessmentNum = cboAssessment_->entryData(cboAssessment_->listIndex());
+    }
+    lstTopics_->clear();
+    lstSubtopics_->clear();
+    lblQuestions_->clear();
+    lblSubtopicHint_->say({});
+    if (state_.CurrentAssessmentNum > 0) {
+        const BusyPointer busy;
+        LoadCurrentAssessment(state_, connection_, *services_.messageBoxes);
+        FillTopicList();
+    }
+}
+
+void frmManage::FillTopicList()
+{
+    std::vector<ListBox::Row> rows;
+    rows.reserve(static_cast<std::size_t>(state_.TopicList.upperBound()));
+    for (const TopicRecord& topic : state_.TopicList) {
+        rows.push_back({topic.Topic, topic.TopicID, false});
+    }
+    lstTopics_->setRows(std::move(rows));
+    lblTopicHint_->say({});
+    cmdDeleteTopic_->setEnabled(false);
+    cmdDeleteSubtopic_->setEnabled(false);
+    cmdNewSubtopic_->setEnabled(false);
+    state_.QuestionPosition = 0;
+    showBrowser(false);
+}
+
+void frmManage::lstTopics_Click()
+{
+    lblQuestions_->clear();
+    const std::optional<std::int32_t> topicId = currentData(*lstTopics_);
+    lblTopicHint_->say(LargeKeyHint(QStringLiteral("Topic"), topicId.value_or(0),
+                                    QStringLiteral("cannot be deleted or take new subtopics")));
+    cmdDeleteTopic_->setEnabled(topicId.has_value());
+    cmdNewSubtopic_->setEnabled(topicId.has_value());
+    FillSubtopicList();
+}
+
+void frmManage::FillSubtopicList()
+{
+    lstSubtopics_->clear();
+    cmdDeleteSubtopic_->setEnabled(false);
+    lblQuestions_->clear();
+    lblSubtopicHint_->say({});
+    showBrowser(false);
+    state_.QuestionPosition = 0;
+    HandlePictureButtons();
+    const std::optional<std::int32_t> topicId = currentData(*lstTopics_);
+    std::vector<ListBox::Row> rows;
+    for (SubTopicRecord& record : state_.SubTopicList) {
+        if (record.TopicID == topicId) {
+            rows.push_back({record.SubTopic, record.SubtopicNum, false});
+            record.Selected = false;
+        }
+    }
+    lstSubtopics_->setRows(std::move(rows));
+}
+
+void frmManage::lstSubtopics_Click()
+{
+    const auto [topicId, subtopicNum] = currentRows();
+    if (!topicId || !subtopicNum) {
+        return;
+    }
+    lblSubtopicHint_->say(LargeKeyHint(QStringLiteral("Subtopic"), *subtopicNum,
+                                       QStringLiteral("cannot be deleted")));
+    ChooseSubtopic(state_.SubTopicList, *topicId, *subtopicNum);
+    ShowSubtopicQuestions();
+    cmdDeleteSubtopic_->setEnabled(true);
+}
+
+void frmManage::ShowSubtopicQuestions()
+{
+    CollectBrowseQuestions(state_, currentData(*lstTopics_));
+    lblQuestions_->setText(QStringLiteral("Questions: ") + QString::number(state_.QuestionCount));
+    showBrowser(state_.QuestionCount > 0);
+    if (state_.QuestionCount > 0) {
+        state_.QuestionPosition = 1;
+        showPicture();
+    } else {
+        HandlePictureButtons();
+    }
+}
+
+void frmManage::showPicture()
+{
+    const auto path = [this](int position) {
+        return FindPictureFile(services_.programFolder, state_.BrowseQuestions(position).SOLIndex);
+    };
+    const QImage picture = pictures_.load(path(state_.QuestionPosition));
+    if (!picture.isNull()) {
+        imgQuestion_->setPicture(picture);
+    }
+    const bool borrowed = picture.isNull() && !imgQuestion_->picture().isNull();
+    lblPictureHint_->say(borrowed ? QStringLiteral("The picture above belongs to another question: "
+                                                   "this one's picture file is missing.")
+                                  : QString());
+    if (picture.isNull()) {
+        inform(QStringLiteral("File Missing"),
+               QStringLiteral(
+                   "The picture file is missing from this picture.  Please delete this question."));
+    }
+    lblQuestionCount_->setText(PositionText(state_));
+    HandlePictureButtons();
+    for (const int next : {state_.QuestionPosition - 1, state_.QuestionPosition + 1}) {
+        if (next >= 1 && next <= state_.QuestionCount) {
+            pictures_.prefetch(path(next));
+        }
+    }
+}
+
+void frmManage::HandlePictureButtons()
+{
+    const PictureButtons enabled =
+        EnabledPictureButtons(state_.QuestionPosition, state_.QuestionCount);
+    // A button that had the focus hands it to its neighbour when it ends its use.
+    if (enabled.left && !enabled.right && cmdRight_->hasFocus()) {
+        cmdLeft_->setEnabled(true);
+        cmdLeft_->setFocus();
+    } else if (enabled.right && !enabled.left && cmdLeft_->hasFocus()) {
+        cmdRight_->setEnabled(true);
+        cmdRight_->setFocus();
+    }
+    cmdLeft_->setEnabled(enabled.left);
+    cmdRight_->setEnabled(enabled.right);
+}
+
+void frmManage::showBrowser(bool shown)
+{
+    if (!shown) {
+        lblNoQuestions_->setText(whyNoQuestions());
+    }
+    fraQuestions_->setVisible(shown);
+    lblNoQuestions_->setVisible(!shown);
+}
+
+QString frmManage::whyNoQuestions() const
+{
+    if (state_.CurrentAssessmentNum < 1) {
+        return QStringLiteral("There is no assessment yet. Create one to begin.");
+    }
+    if (state_.TopicList.isEmpty()) {
+        return QStringLiteral("This assessment has no topics yet. Create one to go on.");
+    }
+    if (lstTopics_->listIndex() >= 0 && lstSubtopics_->listIndex() >= 0) {
+        return QStringLiteral("This subtopic has no questions yet.");
+    }
+    return QStringLiteral("Choose a topic and a subtopic to see its questions.");
+}
+
+void frmManage::cmdLeft_Click()
+{
+    StepLeft(state_);
+    showPicture();
+}
+
+void frmManage::cmdRight_Click()
+{
+    StepRight(state_);
+    showPicture();
+}
+
+void frmManage::cmdAddNewQuestion_Click()
+{
+    if (state_.TopicList.isEmpty() || state_.SubTopicList.isEmpty()) {
+        inform(
+            QStringLiteral("Add Error"),
+            QStringLiteral("Cannot add a question until a topic and subtopic has been created."));
+        return;
+    }
+    const int row = lstTopics_->listIndex();
+    openAuthoring_(window(), currentRows());
+    if (state_.QuestionSaved || state_.StructureChanged) {
+        ShowSubtopicQuestions();
+        cboAssessment_Click();
+        lstTopics_->reveal(row);
+    }
+}
+
+void frmManage::cmdEditQuestion_Click()
+{
+    if (state_.QuestionPosition > 0) {
+        frmEditQuestion(services_, state_, connection_, currentRows(), window()).exec();
+    }
+    if (!state_.QuestionSaved) {
+        return;
+    }
+    loadReporting([&] {
+        const int row = lstSubtopics_->listIndex();
+        LoadQuestions(state_, connection_);
+        lstTopics_Click();
+        lstSubtopics_->reveal(row);
+        lstSubtopics_->setFocus();
+    });
+}
+
+void frmManage::attempt(const QString& failure, const std::function<void()>& work)
+{
+    try {
+        work();
+    } catch (const std::exception&) {
+        inform(QStringLiteral("Error"), failure);
+    }
+}
+
+void frmManage::inform(const QString& title, const QString& text)
+{
+    services_.messageBoxes->inform(title, text);
+}
+
+FilingPreselection frmManage::currentRows() const
+{
+    return {currentData(*lstTopics_), currentData(*lstSubtopics_)};
+}
+
+} // namespace varnholt

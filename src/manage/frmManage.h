@@ -1,0 +1,120 @@
+#pragma once
+
+#include "manage/filing_preselection.h"
+#include "toolkit/picture_loader.h"
+
+#include <QWidget>
+
+#include <functional>
+
+class QGroupBox;
+class QLabel;
+class QPushButton;
+
+namespace varnholt {
+
+class ComboBox;
+class Connection;
+class HintLabel;
+class ListBox;
+class PictureView;
+struct ProgramState;
+struct Services;
+
+/// The library manager: browses the questions of a subtopic, and adds, refiles and deletes
+/// assessments, topics, subtopics and questions. Opening it loads the catalogue; closing it
+/// remembers the assessment.
+class frmManage : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Shows the window that makes new questions, modal to `parent`, and returns when it
+    /// closes. What it did stands in `QuestionSaved` and `StructureChanged`.
+    using OpenAuthoring = std::function<void(QWidget* parent, const FilingPreselection&)>;
+
+    /// Without `openAuthoring` no questions can be added.
+    frmManage(Services& services, ProgramState& state, Connection& connection,
+              OpenAuthoring openAuthoring, QWidget* parent = nullptr);
+    ~frmManage() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildControls();
+    QWidget* buildAssessments();
+    QWidget* buildTopics();
+    QWidget* buildSubtopics();
+    QWidget* buildBrowser();
+    void connectControls();
+    void Form_Load();
+    void Form_Unload();
+
+    void cboAssessment_Click();
+    void lstTopics_Click();
+    void lstSubtopics_Click();
+    void cmdAddAssessment_Click();
+    void cmdDeleteAssessment_Click();
+    void cmdAddNewQuestion_Click();
+    void cmdNewTopic_Click();
+    void cmdDeleteTopic_Click();
+    void cmdNewSubtopic_Click();
+    void cmdDeleteSubtopic_Click();
+    void cmdLeft_Click();
+    void cmdRight_Click();
+    void cmdEditQuestion_Click();
+    void cmdDeleteQuestion_Click();
+
+    void FillAssessmentCombo();
+    void FillTopicList();
+    void FillSubtopicList();
+    void ShowSubtopicQuestions();
+    void HandlePictureButtons();
+
+    /// Throws where the questions cannot be loaded.
+    void openAssessment();
+    /// Runs a reload outside the handlers that report a failure in words of their own.
+    void loadReporting(const std::function<void()>& load);
+    void showPicture();
+    void showBrowser(bool shown);
+    /// What stands in the browser's place while it is hidden.
+    [[nodiscard]] QString whyNoQuestions() const;
+    /// Runs a handler's work; any failure in it is reported with this text.
+    void attempt(const QString& failure, const std::function<void()>& work);
+    void inform(const QString& title, const QString& text);
+    [[nodiscard]] FilingPreselection currentRows() const;
+
+    Services& services_;
+    ProgramState& state_;
+    Connection& connection_;
+    OpenAuthoring openAuthoring_;
+    PictureLoader pictures_;
+    bool unloaded_ = false;
+
+    ComboBox* cboAssessment_ = nullptr;
+    HintLabel* lblAssessmentHint_ = nullptr;
+    QPushButton* cmdAddAssessment_ = nullptr;
+    QPushButton* cmdDeleteAssessment_ = nullptr;
+    QPushButton* cmdAddNewQuestion_ = nullptr;
+    ListBox* lstTopics_ = nullptr;
+    HintLabel* lblTopicHint_ = nullptr;
+    QPushButton* cmdNewTopic_ = nullptr;
+    QPushButton* cmdDeleteTopic_ = nullptr;
+    ListBox* lstSubtopics_ = nullptr;
+    HintLabel* lblSubtopicHint_ = nullptr;
+    QLabel* lblQuestions_ = nullptr;
+    QPushButton* cmdNewSubtopic_ = nullptr;
+    QPushButton* cmdDeleteSubtopic_ = nullptr;
+    QLabel* lblNoQuestions_ = nullptr;
+    QGroupBox* fraQuestions_ = nullptr;
+    PictureView* imgQuestion_ = nullptr;
+    HintLabel* lblPictureHint_ = nullptr;
+    QLabel* lblQuestionCount_ = nullptr;
+    QPushButton* cmdLeft_ = nullptr;
+    QPushButton* cmdRight_ = nullptr;
+    QPushButton* cmdEditQuestion_ = nullptr;
+    QPushButton* cmdDeleteQuestion_ = nullptr;
+};
+
+} // namespace varnholt

@@ -1,0 +1,178 @@
+// How the library manager looks; what it does stands in frmManage.cpp.
+#include "manage/frmManage.h"
+
+#include "toolkit/ComboBox.h"
+#include "toolkit/HintLabel.h"
+#include "toolkit/ListBox.h"
+#include "toolkit/PictureView.h"
+#include "toolkit/controls.h"
+
+#include <QBoxLayout>
+#include <QGridLayout>
+#include <QSplitter>
+
+namespace varnholt {
+
+namespace {
+
+/// A button that Enter presses while it has the focus. Those that delete are not made by
+/// this: a stray Enter leaves them alone.
+QPushButton* makeEnterButton(const char* objectName, const QString& caption)
+{
+    QPushButton* button = makeButton(objectName, caption);
+    button->setAutoDefault(true);
+    return button;
+}
+
+} // namespace
+
+void frmManage::buildControls()
+{
+    auto* lists = new QWidget;
+    auto* listColumn = new QVBoxLayout(lists);
+    listColumn->setContentsMargins(0, 0, 0, 0);
+    listColumn->addWidget(buildTopics(), 1);
+    listColumn->addWidget(buildSubtopics(), 1);
+
+    auto* splitter = new QSplitter(Qt::Horizontal);
+    splitter->setObjectName(QStringLiteral("splitter"));
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(lists);
+    splitter->addWidget(buildBrowser());
+    splitter->setStretchFactor(0, 2);
+    splitter->setStretchFactor(1, 3);
+
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(buildAssessments());
+    column->addWidget(splitter, 1);
+
+    QWidget* previous = cboAssessment_;
+    for (QWidget* next : std::initializer_list<QWidget*>{
+             cmdAddAssessment_, cmdDeleteAssessment_, cmdAddNewQuestion_, lstTopics_, cmdNewTopic_,
+             cmdDeleteTopic_, lstSubtopics_, cmdNewSubtopic_, cmdDeleteSubtopic_, cmdLeft_,
+             cmdRight_, cmdEditQuestion_, cmdDeleteQuestion_}) {
+        setTabOrder(previous, next);
+        previous = next;
+    }
+}
+
+QWidget* frmManage::buildAssessments()
+{
+    cboAssessment_ = named(new ComboBox, "cboAssessment", QStringLiteral("Assessment"));
+    cboAssessment_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    cmdAddAssessment_ =
+        makeEnterButton("cmdAddAssessment", QStringLiteral("Create Ne&w Assessment"));
+    lblAssessmentHint_ =
+        new HintLabel("lblAssessmentHint", cmdAddAssessment_, HintLabel::Place::Given);
+    cmdDeleteAssessment_ = makeButton("cmdDeleteAssessment", QStringLiteral("&Delete Assessment"));
+    cmdAddNewQuestion_ = makeEnterButton("cmdAddNewQuestion", QStringLiteral("Add New &Question"));
+
+    auto* fraAssessments = makeFrame("fraAssessments", QStringLiteral("&Assessments"));
+    auto* grid = new QGridLayout(fraAssessments);
+    grid->addWidget(cboAssessment_, 0, 0);
+    grid->addWidget(cmdAddAssessment_, 0, 1);
+    grid->addWidget(cmdDeleteAssessment_, 0, 2);
+    grid->setColumnMinimumWidth(3, fontMetrics().averageCharWidth() * 4);
+    grid->addWidget(cmdAddNewQuestion_, 0, 4);
+    grid->addWidget(lblAssessmentHint_, 1, 0, 1, 5);
+    grid->setColumnStretch(0, 1);
+    return fraAssessments;
+}
+
+QWidget* frmManage::buildTopics()
+{
+    lstTopics_ = named(new ListBox(ListBox::Mode::Single), "lstTopics", QStringLiteral("Topics"));
+    lblTopicHint_ = new HintLabel("lblTopicHint", lstTopics_, HintLabel::Place::Given);
+    cmdNewTopic_ = makeEnterButton("cmdNewTopic", QStringLiteral("Create New To&pic"));
+    cmdDeleteTopic_ = makeButton("cmdDeleteTopic", QStringLiteral("De&lete Topic"));
+
+    auto* fraTopics = makeFrame("fraTopics", QStringLiteral("&Topics"));
+    auto* grid = new QGridLayout(fraTopics);
+    grid->addWidget(lstTopics_, 0, 0, 1, 2);
+    grid->addWidget(lblTopicHint_, 1, 0, 1, 2);
+    grid->addWidget(cmdNewTopic_, 2, 0);
+    grid->addWidget(cmdDeleteTopic_, 2, 1);
+    return fraTopics;
+}
+
+QWidget* frmManage::buildSubtopics()
+{
+    lstSubtopics_ =
+        named(new ListBox(ListBox::Mode::Single), "lstSubtopics", QStringLiteral("Subtopics"));
+    lblSubtopicHint_ = new HintLabel("lblSubtopicHint", lstSubtopics_, HintLabel::Place::Given);
+    lblQuestions_ = makeLabel("lblQuestions");
+    cmdNewSubtopic_ = makeEnterButton("cmdNewSubtopic", QStringLiteral("Create New S&ubtopic"));
+    cmdDeleteSubtopic_ = makeButton("cmdDeleteSubtopic", QStringLiteral("Delete Subt&opic"));
+
+    auto* fraSubtopics = makeFrame("fraSubtopics", QStringLiteral("&Subtopics"));
+    auto* grid = new QGridLayout(fraSubtopics);
+    grid->addWidget(lstSubtopics_, 0, 0, 1, 2);
+    grid->addWidget(lblSubtopicHint_, 1, 0, 1, 2);
+    grid->addWidget(lblQuestions_, 2, 0, 1, 2);
+    grid->addWidget(cmdNewSubtopic_, 3, 0);
+    grid->addWidget(cmdDeleteSubtopic_, 3, 1);
+    return fraSubtopics;
+}
+
+QWidget* frmManage::buildBrowser()
+{
+    lblNoQuestions_ = makeLabel("lblNoQuestions");
+    lblNoQuestions_->setAlignment(Qt::AlignCenter);
+    lblNoQuestions_->setWordWrap(true);
+    lblNoQuestions_->setForegroundRole(QPalette::PlaceholderText);
+
+    imgQuestion_ = named(new PictureView, "imgQuestion", QStringLiteral("Picture of the question"));
+    lblPictureHint_ = new HintLabel("lblPictureHint", imgQuestion_, HintLabel::Place::Given);
+    lblQuestionCount_ = makeLabel("lblQuestionCount");
+    lblQuestionCount_->setAlignment(Qt::AlignCenter);
+    cmdLeft_ = makeEnterButton("cmdLeft", QStringLiteral("P&revious Questions"));
+    cmdRight_ = makeEnterButton("cmdRight", QStringLiteral("&Next Question"));
+    cmdEditQuestion_ = makeEnterButton("cmdEditQuestion", QStringLiteral("&Edit Question"));
+    cmdDeleteQuestion_ = makeButton("cmdDeleteQuestion", QStringLiteral("Delete Question"));
+    const QKeySequence deleteKeys(Qt::CTRL | Qt::Key_Delete);
+    cmdDeleteQuestion_->setShortcut(deleteKeys);
+    cmdDeleteQuestion_->setToolTip(deleteKeys.toString(QKeySequence::NativeText));
+
+    fraQuestions_ = makeFrame("fraQuestions", {});
+    fraQuestions_->setAccessibleName(QStringLiteral("Questions"));
+    auto* grid = new QGridLayout(fraQuestions_);
+    grid->addWidget(imgQuestion_, 0, 0, 1, 3);
+    grid->addWidget(lblPictureHint_, 1, 0, 1, 3);
+    grid->addWidget(cmdLeft_, 2, 0);
+    grid->addWidget(lblQuestionCount_, 2, 1);
+    grid->addWidget(cmdRight_, 2, 2);
+    grid->addWidget(cmdEditQuestion_, 3, 0);
+    grid->addWidget(cmdDeleteQuestion_, 3, 2);
+    grid->setRowStretch(0, 1);
+    grid->setColumnStretch(1, 1);
+
+    auto* room = new QWidget;
+    auto* column = new QVBoxLayout(room);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(lblNoQuestions_, 1);
+    column->addWidget(fraQuestions_, 1);
+    return room;
+}
+
+void frmManage::connectControls()
+{
+    connect(cboAssessment_, &ComboBox::Click, this, &frmManage::cboAssessment_Click);
+    connect(lstTopics_, &ListBox::Click, this, &frmManage::lstTopics_Click);
+    connect(lstSubtopics_, &ListBox::Click, this, &frmManage::lstSubtopics_Click);
+    const auto pressed = [this](QPushButton* button, void (frmManage::*handler)()) {
+        connect(button, &QPushButton::clicked, this, handler);
+    };
+    pressed(cmdAddAssessment_, &frmManage::cmdAddAssessment_Click);
+    pressed(cmdDeleteAssessment_, &frmManage::cmdDeleteAssessment_Click);
+    pressed(cmdAddNewQuestion_, &frmManage::cmdAddNewQuestion_Click);
+    pressed(cmdNewTopic_, &frmManage::cmdNewTopic_Click);
+    pressed(cmdDeleteTopic_, &frmManage::cmdDeleteTopic_Click);
+    pressed(cmdNewSubtopic_, &frmManage::cmdNewSubtopic_Click);
+    pressed(cmdDeleteSubtopic_, &frmManage::cmdDeleteSubtopic_Click);
+    pressed(cmdLeft_, &frmManage::cmdLeft_Click);
+    pressed(cmdRight_, &frmManage::cmdRight_Click);
+    pressed(cmdEditQuestion_, &frmManage::cmdEditQuestion_Click);
+    pressed(cmdDeleteQuestion_, &frmManage::cmdDeleteQuestion_Click);
+}
+
+} // namespace varnholt

@@ -1,0 +1,172 @@
+// The library manager's seven handlers that change the library's structure.
+#include "manage/frmManage.h"
+
+#include "manage/structure_maintenance.h"
+#include "store/services.h"
+#include "toolkit/ComboBox.h"
+#include "toolkit/ListBox.h"
+
+#include <QLabel>
+#include <QPushButton>
+
+namespace varnholt {
+
+void frmManage::cmdAddAssessment_Click()
+{
+    attempt(QStringLiteral("There was an error adding this assessment."), [this] {
+        const QString name = services_.messageBoxes->inputText(
+            QStringLiteral("New Assessment Name"),
+            QStringLiteral("Please enter the name of the new assessment."));
+        if (name.isEmpty()) {
+            return;
+        }
+        AddAssessment(connection_, name);
+        cboAssessment_->clear();
+        RememberAssessment(state_, connection_, LastListedAssessment(connection_));
+        Form_Load();
+        inform(QStringLiteral("New Assessment Added"),
+               name + QStringLiteral(" successfully added."));
+        cmdNewTopic_->setFocus();
+    });
+}
+
+void frmManage::cmdDeleteAssessment_Click()
+{
+    attempt(QStringLiteral("There was an error deleting this assessment."), [this] {
+        if (!services_.messageBoxes->yesNo(
+                QStringLiteral("Delete Assessment?"),
+                QStringLiteral("Are you sure that you want to delete this assessment library.  "
+                               "Selecting Yes will completely remove this assessment from the "
+                               "system."))) {
+            return;
+        }
+        DeleteAssessment(state_, connection_);
+        cboAssessment_->clear();
+        RememberAssessment(state_, connection_, 0);
+        Form_Load();
+        inform(QStringLiteral("Assessment Deleted"),
+               QStringLiteral("The assessment was successfully deleted."));
+        (state_.CurrentAssessmentNum < 1 ? static_cast<QWidget*>(cmdAddAssessment_)
+                                         : cboAssessment_)
+            ->setFocus();
+    });
+}
+
+void frmManage::cmdNewTopic_Click()
+{
+    attempt(QStringLiteral("There was an error adding this topic."), [this] {
+        if (state_.CurrentAssessmentNum == 0) {
+            inform(QStringLiteral("Error"),
+                   QStringLiteral("Cannot add a Topic until an Assessment has been created."));
+            return;
+        }
+        const QString name =
+            services_.messageBoxes
+                ->inputText(QStringLiteral("New Topic Name"),
+                            QStringLiteral("Please enter the name of the new topic."))
+                .trimmed();
+        if (name.isEmpty()) {
+            return;
+        }
+        AddTopic(state_, connection_, *services_.messageBoxes, name);
+        FillTopicList();
+        lstSubtopics_->clear();
+        lblQuestions_->clear();
+        lstTopics_->reveal(lstTopics_->listCount() - 1);
+        inform(QStringLiteral("New Topic Added"), name + QStringLiteral(" successfully added."));
+        lstTopics_->setFocus();
+    });
+}
+
+void frmManage::cmdDeleteTopic_Click()
+{
+    if (lstSubtopics_->listCount() > 0) {
+        inform(QStringLiteral("Delete Error"),
+               QStringLiteral("Cannot delete a topic that has subtopics.  You must delete delete "
+                              "all subtopics first."));
+        return;
+    }
+    if (!services_.messageBoxes->yesNo(
+            QStringLiteral("Delete Topic?"),
+            QStringLiteral("Are you sure that you want to delete this topic?"))) {
+        return;
+    }
+    attempt(QStringLiteral("There was an error deleting this topic."), [this] {
+        const int row = lstTopics_->listIndex();
+        DeleteTopic(state_, connection_, *services_.messageBoxes, lstTopics_->itemData(row));
+        FillTopicList();
+        lstTopics_->reveal(row);
+        inform(QStringLiteral("Topic Deleted"),
+               QStringLiteral("The topic was deleted successfully."));
+        lstTopics_->setFocus();
+    });
+}
+
+void frmManage::cmdNewSubtopic_Click()
+{
+    attempt(QStringLiteral("There was an error adding this topic."), [this] {
+        if (state_.CurrentAssessmentNum == 0) {
+            inform(QStringLiteral("Error"),
+                   QStringLiteral("Cannot add a Subtopic until an Assessment has been created."));
+            return;
+        }
+        const QString name =
+            services_.messageBoxes
+                ->inputText(QStringLiteral("New Topic Name"),
+                            QStringLiteral("Please enter the name of the new subtopic."))
+                .trimmed();
+        if (name.isEmpty()) {
+            return;
+        }
+        AddSubtopic(state_, connection_, *services_.messageBoxes,
+                    lstTopics_->itemData(lstTopics_->listIndex()), name);
+        lstTopics_Click();
+        lstSubtopics_->reveal(lstSubtopics_->listCount() - 1);
+        inform(QStringLiteral("New Topic Added"), name + QStringLiteral(" successfully added."));
+    });
+}
+
+void frmManage::cmdDeleteSubtopic_Click()
+{
+    if (state_.QuestionCount >= 1) {
+        inform(QStringLiteral("Delete Error"),
+               QStringLiteral("You cannot delete a subtopic that has questions associated with "
+                              "it.  The questions for this subtopic need to be changed to another "
+                              "subtopic or deleted."));
+        return;
+    }
+    if (!services_.messageBoxes->yesNo(
+            QStringLiteral("Delete Subtopic?"),
+            QStringLiteral("Are you sure that you want to delete this subtopic?"))) {
+        return;
+    }
+    attempt(QStringLiteral("There was an error deleting this subtopic."), [this] {
+        const int row = lstSubtopics_->listIndex();
+        DeleteSubtopic(state_, connection_, *services_.messageBoxes, lstSubtopics_->itemData(row));
+        FillSubtopicList();
+        lstSubtopics_->reveal(row);
+        inform(QStringLiteral("Subtopic Deleted"),
+               QStringLiteral("The Subtopic was deleted successfully."));
+        lstSubtopics_->setFocus();
+    });
+}
+
+void frmManage::cmdDeleteQuestion_Click()
+{
+    if (!services_.messageBoxes->yesNo(
+            QStringLiteral("Delete Question?"),
+            QStringLiteral("Are you sure that you want to delete this question?"))) {
+        return;
+    }
+    attempt(QStringLiteral("There was an error in deleting the question."), [this] {
+        const int row = lstSubtopics_->listIndex();
+        DeleteShownQuestion(state_, connection_);
+        lstTopics_Click();
+        lstSubtopics_->reveal(row);
+        inform(QStringLiteral("Question Deleted"),
+               QStringLiteral("Question deleted successfully."));
+        lstSubtopics_->setFocus();
+    });
+}
+
+} // namespace varnholt

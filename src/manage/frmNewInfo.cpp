@@ -1,0 +1,118 @@
+#include "manage/frmNewInfo.h"
+
+#include "store/connection.h"
+#include "store/services.h"
+#include "toolkit/HintLabel.h"
+#include "toolkit/controls.h"
+
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLineEdit>
+
+namespace varnholt {
+
+frmNewInfo::frmNewInfo(Services& services, ProgramState& state, Connection& connection,
+                       std::optional<NamedTopic> chosenTopic, QWidget* parent)
+    : QDialog(parent)
+    , services_(services)
+    , state_(state)
+    , connection_(connection)
+    , chosenTopic_(std::move(chosenTopic))
+{
+    setObjectName(QStringLiteral("frmNewInfo"));
+    setWindowTitle(QStringLiteral("New Topic and Subtopic"));
+    buildControls();
+    Form_Load();
+}
+
+void frmNewInfo::buildControls()
+{
+    auto* lblNewTopic = makeLabel("lblNewTopic", QStringLiteral("New &Topic:"));
+    txtNewTopic_ = named(new QLineEdit, "txtNewTopic", QStringLiteral("New topic"));
+    lblNewTopic->setBuddy(txtNewTopic_);
+    auto* lblTopicHint = new HintLabel("lblTopicHint", txtNewTopic_, HintLabel::Place::Kept);
+
+    auto* lblNewSubtopic = makeLabel("lblNewSubtopic", QStringLiteral("New S&ubtopic:"));
+    txtNewSubtopic_ = named(new QLineEdit, "txtNewSubtopic", QStringLiteral("New subtopic"));
+    lblNewSubtopic->setBuddy(txtNewSubtopic_);
+    auto* lblSubtopicHint =
+        new HintLabel("lblSubtopicHint", txtNewSubtopic_, HintLabel::Place::Kept);
+
+    auto* cmdSave = makeButton("cmdSave", QStringLiteral("&Save"));
+    auto* cmdCancel = makeButton("cmdCancel", QStringLiteral("&Cancel"));
+
+    auto* grid = new QGridLayout(this);
+    grid->addWidget(lblNewTopic, 0, 0);
+    grid->addWidget(txtNewTopic_, 0, 1);
+    grid->addWidget(lblTopicHint, 1, 1);
+    grid->addWidget(lblNewSubtopic, 2, 0);
+    grid->addWidget(txtNewSubtopic_, 2, 1);
+    grid->addWidget(lblSubtopicHint, 3, 1);
+    grid->setRowStretch(4, 1);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdSave);
+    buttons->addWidget(cmdCancel);
+    grid->addLayout(buttons, 5, 0, 1, 2);
+    grid->setColumnMinimumWidth(1, fontMetrics().averageCharWidth() * 60);
+    grid->setColumnStretch(1, 1);
+
+    setTabOrder(txtNewTopic_, txtNewSubtopic_);
+    setTabOrder(txtNewSubtopic_, cmdSave);
+    setTabOrder(cmdSave, cmdCancel);
+
+    if (!state_.SubtopicOnly) {
+        lblTopicHint->watchForApostrophes(txtNewTopic_);
+    }
+    lblSubtopicHint->watchForApostrophes(txtNewSubtopic_);
+    connect(txtNewSubtopic_, &QLineEdit::returnPressed, this, &frmNewInfo::cmdSave_Click);
+    connect(cmdSave, &QPushButton::clicked, this, &frmNewInfo::cmdSave_Click);
+    connect(cmdCancel, &QPushButton::clicked, this, &frmNewInfo::reject);
+}
+
+void frmNewInfo::Form_Load()
+{
+    state_.NewInfoSaved = false;
+    if (state_.SubtopicOnly) {
+        txtNewTopic_->setText(chosenTopic_ ? chosenTopic_->Topic : QString());
+        txtNewTopic_->setEnabled(false);
+        txtNewSubtopic_->setFocus();
+    } else {
+        txtNewTopic_->setFocus();
+    }
+}
+
+void frmNewInfo::cmdSave_Click()
+{
+    const QString topic = txtNewTopic_->text().trimmed();
+    const QString subtopic = txtNewSubtopic_->text().trimmed();
+    if (topic.isEmpty() || subtopic.isEmpty()) {
+        services_.messageBoxes->inform(
+            QStringLiteral("Save Error"),
+            QStringLiteral("You need to enter a topic and subtopic before saving."));
+        (topic.isEmpty() && txtNewTopic_->isEnabled() ? txtNewTopic_ : txtNewSubtopic_)->setFocus();
+        return;
+    }
+    try {
+        SaveNewInfo(state_, connection_, topic, subtopic,
+                    state_.SubtopicOnly ? std::optional(chosenTopic_.value().TopicID)
+                                        : std::nullopt);
+        services_.messageBoxes->inform(QStringLiteral("New Info Added"),
+                                       QStringLiteral("Saved successfully."));
+        accept();
+    } catch (const std::exception&) {
+        services_.messageBoxes->inform(QStringLiteral("Error"),
+                                       QStringLiteral("There was an error adding this topic."));
+    }
+}
+
+void frmNewInfo::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QDialog::keyPressEvent(event);
+    } else if (auto* button = qobject_cast<QPushButton*>(focusWidget())) {
+        button->click();
+    }
+}
+
+} // namespace varnholt

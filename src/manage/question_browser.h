@@ -1,0 +1,47 @@
+#pragma once
+
+#include "store/modMain.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace varnholt {
+
+// The browser shows the questions of one subtopic one at a time. It works through the
+// `Selected` flags of the catalogue's subtopics and questions and overwrites them; what it
+// shows are `BrowseQuestions`, `QuestionCount` and `QuestionPosition` of the state.
+
+/// Sets the flag of the subtopic's record and clears all others.
+void ChooseSubtopic(List1<SubTopicRecord>& subTopicList, std::int32_t topicId,
+                    std::int32_t subtopicNum);
+
+/// Sets each question's flag: those of the topic selected in the topic list (none without
+/// one) that are filed under a subtopic with its flag set, or under one that is not in the
+/// list. Counts them, and copies them in catalogue order into `BrowseQuestions`.
+/// `QuestionPosition` becomes 0 when there are none and stays otherwise.
+void CollectBrowseQuestions(ProgramState& state, std::optional<std::int32_t> selectedTopicId);
+
+/// `QuestionCount` becomes the number of questions with their flag set.
+void UpdateCount2(ProgramState& state);
+
+/// One question back or on; at an end the position stays.
+void StepLeft(ProgramState& state);
+void StepRight(ProgramState& state);
+
+/// "3 of 12".
+[[nodiscard]] QString PositionText(const ProgramState& state);
+
+/// Which of the stepping buttons work.
+struct PictureButtons
+{
+    bool left = false;
+    bool right = false;
+
+    bool operator==(const PictureButtons&) const = default;
+};
+
+[[nodiscard]] PictureButtons EnabledPictureButtons(std::int32_t questionPosition,
+                                                   std::int32_t questionCount);
+
+} // namespace varnholt

@@ -1,0 +1,207 @@
+#include "selection/frmSelect.h"
+
+#include "store/catalogue.h"
+#include "store/picture_files.h"
+#include "store/services.h"
+#include "toolkit/PictureView.h"
+#include "toolkit/controls.h"
+#include "toolkit/key_icon.h"
+
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QSettings>
+#include <QShortcut>
+
+namespace varnholt {
+
+namespace {
+
+const QString geometryKey = QStringLiteral("frmSelect/geometry");
+
+/// A button that a single key presses as well; the key is shown on it.
+QPushButton* makeKeyButton(const char* objectName, const QString& caption, Qt::Key key)
+{
+    QPushButton* button = makeButton(objectName, caption);
+    button->setAutoDefault(true);
+    const QString letter = QKeySequence(key).toString(QKeySequence::NativeText);
+    button->setIcon(keyIcon(letter));
+    button->setToolTip(QStringLiteral("Press the key %1").arg(letter));
+    auto* shortcut = new QShortcut(key, button);
+    // A key held down must not judge questions that nobody has seen.
+    shortcut->setAutoRepeat(false);
+    QObject::connect(shortcut, &QShortcut::activated, button, [button] { button->click(); });
+    return button;
+}
+
+} // namespace
+
+frmSelect::frmSelect(Services& services, ProgramState& state, const SlideOptions& options,
+                     QWidget* parent)
+    : QWidget(parent, Qt::Window)
+    , services_(services)
+    , state_(state)
+    , options_(options)
+    , review_(state.DrawPool, state.RequestedQuestionCount)
+{
+    setObjectName(QStringLiteral("frmSelect"));
+    setWindowTitle(QStringLiteral("Select Questions"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    buildControls();
+}
+
+void frmSelect::buildControls()
+{
+    imgQuestion_ = named(new PictureView, "imgQuestion", QStringLiteral("Picture of the question"));
+    lblTopicDescription_ = makeLabel("lblTopicDescription");
+    lblTopicDescription_->setWordWrap(true);
+    QFont bold = lblTopicDescription_->font();
+    bold.setBold(true);
+    lblTopicDescription_->setFont(bold);
+    lblAnswer_ = makeLabel("lblAnswer");
+    lblAnswer_->setWordWrap(true);
+    lblCount1_ = makeLabel("lblCount1");
+    lblCount2_ = makeLabel("lblCount2");
+
+    auto* cmdInclude = makeKeyButton("cmdInclude", QStringLiteral("&Include"), Qt::Key_I);
+    auto* cmdExclude = makeKeyButton("cmdExclude", QStringLiteral("&Exclude"), Qt::Key_E);
+    auto* cmdCreate = makeButton("cmdCreate", QStringLiteral("&Create"));
+    cmdCreate->setAutoDefault(true);
+    cmdCreate->setToolTip(QStringLiteral("Makes the slides of the questions included so far."));
+    auto* cmdCancel = makeButton("cmdCancel", QStringLiteral("C&ancel"));
+    cmdCancel->setAutoDefault(true);
+    cmdCancel->setToolTip(QStringLiteral("Makes no slides (Esc)."));
+
+    auto* counts = new QVBoxLayout;
+    counts->addWidget(lblCount1_, 0, Qt::AlignRight);
+    counts->addWidget(lblCount2_, 0, Qt::AlignRight);
+    auto* texts = new QVBoxLayout;
+    texts->addWidget(lblTopicDescription_);
+    texts->addWidget(lblAnswer_);
+    auto* heading = new QHBoxLayout;
+    heading->addLayout(texts, 1);
+    heading->addLayout(counts);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdInclude);
+    buttons->addWidget(cmdExclude);
+    buttons->addStretch();
+    buttons->addWidget(cmdCreate);
+    buttons->addWidget(cmdCancel);
+    auto* column = new QVBoxLayout(this);
+    column->addLayout(heading);
+    column->addWidget(imgQuestion_, 1);
+    column->addLayout(buttons);
+
+    QWidget* previous = cmdInclude;
+    for (QWidget* next : {cmdExclude, cmdCreate, cmdCancel}) {
+        setTabOrder(previous, next);
+        previous = next;
+    }
+    cmdInclude->setFocus();
+
+    connect(cmdInclude, &QPushButton::clicked, this, &frmSelect::cmdInclude_Click);
+    connect(cmdExclude, &QPushButton::clicked, this, &frmSelect::cmdExclude_Click);
+    connect(cmdCreate, &QPushButton::clicked, this, &frmSelect::cmdCreate_Click);
+    connect(cmdCancel, &QPushButton::clicked, this, &frmSelect::close);
+
+    resize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 38);
+    restoreGeometry(QSettings().value(geometryKey).toByteArray());
+}
+
+void frmSelect::Form_Load()
+{
+    showCounts();
+    ShowReviewQuestion();
+    if (!unloaded_) {
+        show();
+    }
+}
+
+void frmSelect::ShowReviewQuestion()
+{
+    const auto path = [this](int position) {
+        return FindPictureFile(services_.programFolder, state_.DrawPool(position).PictureIndex);
+    };
+    const QuestionRecord& question = review_.question();
+    const QImage picture = pictures_.load(path(review_.position()));
+    if (picture.isNull()) {
+        services_.messageBoxes->inform(
+            QStringLiteral("File Missing"),
+            QStringLiteral("One of the questions you have selected is missing the picture file.  "
+                           "Please go to Manage Assessments and delete the question that is "
+                           "missing the picture file."));
+        close();
+        return;
+    }
+    imgQuestion_->setPicture(picture);
+    lblTopicDescription_->setText(GetTopicText(state_, question));
+    lblAnswer_->setText(QStringLiteral("Answer: ") + question.Answer);
+    if (review_.position() < state_.DrawPool.upperBound()) {
+        pictures_.prefetch(path(review_.position() + 1));
+    }
+}
+
+void frmSelect::showCounts()
+{
+    lblCount1_->setText(review_.selectedText());
+    lblCount2_->setText(review_.leftText());
+}
+
+void frmSelect::cmdInclude_Click()
+{
+    goOn(review_.include());
+}
+
+void frmSelect::cmdExclude_Click()
+{
+    goOn(review_.exclude());
+}
+
+void frmSelect::cmdCreate_Click()
+{
+    review_.excludeRest();
+    build();
+}
+
+void frmSelect::goOn(Review::Next next)
+{
+    showCounts();
+    switch (next) {
+    case Review::Next::Show:
+        ShowReviewQuestion();
+        break;
+    case Review::Next::Build:
+        build();
+        break;
+    case Review::Next::Close:
+        close();
+        break;
+    }
+}
+
+void frmSelect::build()
+{
+    RunBuild(this, services_, state_, options_);
+    close();
+}
+
+void frmSelect::closeEvent(QCloseEvent* event)
+{
+    QWidget::closeEvent(event);
+    if (!unloaded_ && event->isAccepted()) {
+        unloaded_ = true;
+        QSettings().setValue(geometryKey, saveGeometry());
+        Q_EMIT unloaded();
+    }
+}
+
+void frmSelect::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        close();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+} // namespace varnholt
