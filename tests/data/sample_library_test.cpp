@@ -3,6 +3,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFontInfo>
+#include <QFontMetricsF>
 #include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
@@ -241,6 +243,18 @@ TEST(SampleAnswers, AreRight)
     // What no formula can say: an interval's picture, a scatter graph, lamps that light up.
     EXPECT_THAT(judged, testing::ElementsAre(u"Charts and diagrams"_qs, u"Circuits"_qs,
                                              u"Inequalities"_qs));
+}
+
+TEST(SampleAnswers, FitOnOneLineOfTheAnswerKey)
+{
+    QFont font(u"Liberation Sans"_qs);
+    font.setPixelSize(18); // A point is a pixel at 72 dots an inch.
+    font.setHintingPreference(QFont::PreferNoHinting);
+    ASSERT_EQ(QFontInfo(font).family(), font.family());
+    constexpr double Room = 100 - 2 * 7.2; // The text box without its margins.
+    for (const SampleQuestion& question : content().questions)
+        EXPECT_LE(QFontMetricsF(font).horizontalAdvance(u"99) "_qs + question.answer), Room)
+            << describe(question);
 }
 
 TEST(SampleAnswers, ExpressionsMeanWhatTheyShow)
