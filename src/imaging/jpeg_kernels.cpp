@@ -10,18 +10,20 @@ namespace {
 
 struct PlainBlock
 {
-    std::uint64_t mask = 0;
+    int dc;
+    std::uint64_t mask;
     int coefficients[64]; // transposed: 8·u + v
 
-    static int quantiseDc(float value) { return static_cast<int>(std::lrintf(value)); }
+    static bool isFlat(const std::int8_t* samples) { return allAlike(samples); }
+    static int quantised(float value) { return static_cast<int>(std::lrintf(value)); }
 
-    int transform(const std::int8_t* samples, std::size_t stride, const float* scale)
+    void transform(const std::int8_t* samples, const float* scale)
     {
         float columns[8][8];
         for (std::size_t x = 0; x < 8; ++x) {
             float line[8];
             for (std::size_t y = 0; y < 8; ++y)
-                line[y] = static_cast<float>(samples[y * stride + x]);
+                line[y] = static_cast<float>(samples[y * 8 + x]);
             transformEight(line);
             for (std::size_t v = 0; v < 8; ++v)
                 columns[v][x] = line[v];
@@ -29,13 +31,14 @@ struct PlainBlock
         for (std::size_t v = 0; v < 8; ++v) {
             transformEight(columns[v]);
             for (std::size_t u = 0; u < 8; ++u)
-                coefficients[8 * u + v] = quantiseDc(columns[v][u] * scale[8 * u + v]);
+                coefficients[8 * u + v] = quantised(columns[v][u] * scale[8 * u + v]);
         }
+        mask = 0;
         for (int k = 1; k < 64; ++k) {
             if (value(k) != 0)
                 mask |= std::uint64_t{1} << k;
         }
-        return coefficients[0];
+        dc = coefficients[0];
     }
 
     int value(int k) const

@@ -32,8 +32,7 @@ inline constexpr int kBlockTokens = 129;
 /// One component's part of an MCU row.
 struct ScanComponent
 {
-    const std::int8_t* samples = nullptr; ///< level-shifted (T.81 A.3.1), first row of the MCU row
-    std::size_t stride = 0;
+    const std::int8_t* samples = nullptr; ///< the MCU row's first block, see ComponentPlane
     std::int32_t blocksWide = 0; ///< blocks there are; those to the right of them are made up
     std::int32_t blockRows = 0;  ///< the same downwards, within this MCU row
     int h = 1;                   ///< blocks of an MCU across

@@ -84,18 +84,29 @@ constexpr Shuffles kShuffles = makeShuffles();
 
 struct Avx2Block
 {
+    int dc;
     std::uint64_t mask;
     alignas(32) std::int16_t words[64]; // as packed
     alignas(32) std::uint8_t bytes[64]; // in zigzag order, limited to −128…127
 
-    static int quantiseDc(float value) { return _mm_cvtss_si32(_mm_set_ss(value)); }
+    static bool isFlat(const std::int8_t* samples)
+    {
+        const auto* halves = reinterpret_cast<const __m256i*>(samples);
+        const __m256i first = _mm256_set1_epi8(samples[0]);
+        const __m256i alike =
+            _mm256_and_si256(_mm256_cmpeq_epi8(_mm256_loadu_si256(halves), first),
+                             _mm256_cmpeq_epi8(_mm256_loadu_si256(halves + 1), first));
+        return _mm256_movemask_epi8(alike) == -1;
+    }
 
-    int transform(const std::int8_t* samples, std::size_t stride, const float* scale)
+    static int quantised(float value) { return _mm_cvtss_si32(_mm_set_ss(value)); }
+
+    void transform(const std::int8_t* samples, const float* scale)
     {
         Eight x[8];
         for (std::size_t y = 0; y < 8; ++y) {
             x[y] = _mm256_cvtepi32_ps(_mm256_cvtepi8_epi32(
-                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(samples + y * stride))));
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(samples + y * 8))));
         }
         transformEight(x);
         transpose(x);
@@ -118,7 +129,7 @@ struct Avx2Block
         };
         mask = ~(std::uint64_t{order(quarters, 0)} | (std::uint64_t{order(quarters, 32)} << 32));
         mask &= ~std::uint64_t{1};
-        return _mm_cvtsi128_si32(_mm_cvtepi16_epi32(_mm256_castsi256_si128(packed[0])));
+        dc = _mm_cvtsi128_si32(_mm_cvtepi16_epi32(_mm256_castsi256_si128(packed[0])));
     }
 
     int value(int k) const { return words[kShuffles.word[k]]; }

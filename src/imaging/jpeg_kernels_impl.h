@@ -141,6 +141,20 @@ inline void transformEight(V (&x)[8])
     x[7] = plus - high;
 }
 
+/// Whether 64 samples are all alike.
+inline bool allAlike(const std::int8_t* samples)
+{
+    std::uint64_t first;
+    std::memcpy(&first, samples, 8);
+    std::uint64_t differences = first ^ ((first << 8) | (first >> 56));
+    for (int i = 8; i < 64; i += 8) {
+        std::uint64_t row;
+        std::memcpy(&row, samples + i, 8);
+        differences |= row ^ first;
+    }
+    return differences == 0;
+}
+
 /// The low 11 bits of an AC token (size and value bits) for the values −126 to 126 as bytes;
 /// 0 for the others, which need more care.
 struct SmallTokens
@@ -189,43 +203,32 @@ inline Token* putDc(unsigned table, int difference, std::uint64_t* counts, Token
                     out);
 }
 
-/// All 64 samples alike: then the transform has a first coefficient only.
-inline bool isFlat(const std::int8_t* samples, std::size_t stride)
-{
-    std::uint64_t first;
-    std::memcpy(&first, samples, 8);
-    std::uint64_t differences = first ^ ((first << 8) | (first >> 56));
-    for (std::size_t i = 1; i < 8; ++i) {
-        std::uint64_t row;
-        std::memcpy(&row, samples + i * stride, 8);
-        differences |= row ^ first;
-    }
-    return differences == 0;
-}
-
-/// `Block` transforms and quantises one block and gives the results in zigzag order:
-///   int transform(samples, stride, scale)  the DC coefficient
-///   static int quantiseDc(float)           a DC coefficient by itself, rounded the same
+/// What a `Block` does: transforms and quantises 64 samples and gives the results.
+///   static bool isFlat(samples)            all are alike
+///   void transform(samples, scale)         sets dc and mask
+///   static int quantised(float)            one coefficient, rounded in the same way
+///   int dc
 ///   std::uint64_t mask                     bit k set when AC coefficient k is not 0
 ///   Token small(int k), int value(int k)   coefficient k as in kSmallTokens, and as it is
+///
+/// Flat blocks are frequent in drawn pictures; their transform has a first coefficient only.
 template <class Block>
-inline Token* tokeniseBlock(const ScanComponent& component, const std::int8_t* samples,
-                            std::int32_t& prediction, std::uint64_t* counts, Token* out)
+inline void transformBlock(const std::int8_t* samples, const float* scale, Block& block)
 {
-    const auto table = static_cast<unsigned>(component.table) << 8;
-    if (isFlat(samples, component.stride)) {
-        const int dc =
-            Block::quantiseDc(64.0F * static_cast<float>(samples[0]) * component.scale[0]);
-        out = putDc(table, dc - prediction, counts, out);
-        prediction = dc;
-        return putToken(table, 0, counts, out);
+    if (Block::isFlat(samples)) {
+        block.dc = Block::quantised(64.0F * static_cast<float>(samples[0]) * scale[0]);
+        block.mask = 0;
+        return;
     }
-    Block block;
-    const int dc = block.transform(samples, component.stride, component.scale);
-    out = putDc(table, dc - prediction, counts, out);
-    prediction = dc;
+    block.transform(samples, scale);
+}
 
-    const bool ended = (block.mask >> 63) != 0;
+template <class Block>
+inline Token* tokeniseBlock(const Block& block, unsigned table, std::int32_t& prediction,
+                            std::uint64_t* counts, Token* out)
+{
+    out = putDc(table, block.dc - prediction, counts, out);
+    prediction = block.dc;
     int before = 0;
     for (std::uint64_t mask = block.mask; mask != 0; mask &= mask - 1) {
         const int k = lowestBit(mask);
@@ -244,34 +247,60 @@ inline Token* tokeniseBlock(const ScanComponent& component, const std::int8_t* s
             out = putValue(begin | static_cast<unsigned>(size), size, value, counts, out);
         }
     }
-    return ended ? out : putToken(table, 0, counts, out);
+    return before == 63 ? out : putToken(table, 0, counts, out);
+}
+
+constexpr int kMostBlocksInMcu = 10;
+
+/// Calls `real(component number, component, samples)` or `made(component number, component)`
+/// for each block of an MCU.
+template <class Real, class Made>
+inline void forEachBlock(const McuRow& row, std::int32_t mcu, Real real, Made made)
+{
+    for (int c = 0; c < row.count; ++c) {
+        const ScanComponent& component = row.components[c];
+        for (int v = 0; v < component.v; ++v) {
+            for (int h = 0; h < component.h; ++h) {
+                const std::int32_t x = mcu * component.h + h;
+                if (v < component.blockRows && x < component.blocksWide) {
+                    const auto block = static_cast<std::ptrdiff_t>(v) * component.blocksWide + x;
+                    real(c, component, component.samples + 64 * block);
+                } else {
+                    made(c, component);
+                }
+            }
+        }
+    }
 }
 
 template <class Block>
 Token* tokeniseMcus(const McuRow& row, std::int32_t first, std::int32_t last, ScanState& state,
                     std::uint64_t* counts, Token* out)
 {
+    // All of an MCU's transforms first: they do not wait for each other, as the tokens'
+    // branches would make them.
+    Block blocks[kMostBlocksInMcu];
     for (std::int32_t mcu = first; mcu < last; ++mcu) {
-        for (int c = 0; c < row.count; ++c) {
-            const ScanComponent& component = row.components[c];
-            for (int v = 0; v < component.v; ++v) {
-                const std::int8_t* samples =
-                    component.samples + static_cast<std::size_t>(v) * 8 * component.stride;
-                for (int h = 0; h < component.h; ++h) {
-                    const std::int32_t x = mcu * component.h + h;
-                    if (v < component.blockRows && x < component.blocksWide) {
-                        out = tokeniseBlock<Block>(component,
-                                                   samples + static_cast<std::size_t>(x) * 8,
-                                                   state.prediction[c], counts, out);
-                    } else {
-                        // Outside the picture any block will do; the cheapest repeats the DC.
-                        const auto table = static_cast<unsigned>(component.table) << 8;
-                        out = putDc(table, 0, counts, out);
-                        out = putToken(table, 0, counts, out);
-                    }
-                }
-            }
-        }
+        Block* next = blocks;
+        forEachBlock(
+            row, mcu,
+            [&](int, const ScanComponent& component, const std::int8_t* samples) {
+                transformBlock(samples, component.scale, *next++);
+            },
+            [](int, const ScanComponent&) {});
+        next = blocks;
+        forEachBlock(
+            row, mcu,
+            [&](int c, const ScanComponent& component, const std::int8_t*) {
+                out = tokeniseBlock(*next++, static_cast<unsigned>(component.table) << 8,
+                                    state.prediction[c], counts, out);
+            },
+            [&](int, const ScanComponent& component) {
+                // Outside the picture any block will do; the cheapest repeats the DC.
+                const auto table = static_cast<unsigned>(component.table) << 8;
+                out = putDc(table, 0, counts, out);
+                out = putToken(table, 0, counts, out);
+            });
     }
     return out;
 }

@@ -70,18 +70,20 @@ constexpr ZigzagPlaces kPlaces = makePlaces();
 
 struct Sse2Block
 {
-    std::uint64_t mask = 0;
+    int dc;
+    std::uint64_t mask;
     alignas(16) std::int16_t coefficients[64]; // transposed: 8·u + v
 
-    static int quantiseDc(float value) { return _mm_cvtss_si32(_mm_set_ss(value)); }
+    static bool isFlat(const std::int8_t* samples) { return allAlike(samples); }
+    static int quantised(float value) { return _mm_cvtss_si32(_mm_set_ss(value)); }
 
-    int transform(const std::int8_t* samples, std::size_t stride, const float* scale)
+    void transform(const std::int8_t* samples, const float* scale)
     {
         Four left[8];
         Four right[8];
         for (std::size_t y = 0; y < 8; ++y) {
             const __m128i bytes =
-                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(samples + y * stride));
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(samples + y * 8));
             const __m128i words = _mm_srai_epi16(_mm_unpacklo_epi8(bytes, bytes), 8);
             left[y] = _mm_cvtepi32_ps(_mm_srai_epi32(_mm_unpacklo_epi16(words, words), 16));
             right[y] = _mm_cvtepi32_ps(_mm_srai_epi32(_mm_unpackhi_epi16(words, words), 16));
@@ -112,9 +114,10 @@ struct Sse2Block
             const auto bits = static_cast<std::uint64_t>(~_mm_movemask_epi8(empty) & 0xFFFF);
             present |= bits << (8 * u);
         }
+        mask = 0;
         for (present &= ~std::uint64_t{1}; present != 0; present &= present - 1)
             mask |= std::uint64_t{1} << kPlaces.ofTransposed[lowestBit(present)];
-        return coefficients[0];
+        dc = coefficients[0];
     }
 
     int value(int k) const { return coefficients[kPlaces.transposed[k]]; }

@@ -17,13 +17,61 @@ enum class Method
     Full,     ///< one sample for each pixel
     HalfWide, ///< means of two pixels in a row
     Half,     ///< means of two by two pixels
-    Stretched,
+    Scaled,
+};
+
+/// Collects the rows of a plane and stores them as blocks, eight at a time.
+class PlaneWriter
+{
+public:
+    explicit PlaneWriter(const ComponentPlane& plane)
+        : m_plane(plane)
+        , m_stride(static_cast<std::size_t>(plane.blocksWide) * 8)
+        , m_band(std::make_unique_for_overwrite<std::int8_t[]>(m_stride * 8))
+    {}
+
+    std::int32_t width() const { return m_plane.width; }
+
+    /// Where the plane's width of samples goes; then call rowDone.
+    std::int8_t* row() { return m_band.get() + m_stride * m_rows; }
+
+    void rowDone()
+    {
+        std::int8_t* samples = row();
+        std::fill(samples + m_plane.width, samples + m_stride, samples[m_plane.width - 1]);
+        ++m_rows;
+        ++m_done;
+        if (m_done == m_plane.height) {
+            for (; m_rows < 8; ++m_rows)
+                std::memcpy(row(), row() - m_stride, m_stride);
+        }
+        if (m_rows == 8)
+            storeBlocks();
+    }
+
+private:
+    void storeBlocks()
+    {
+        std::int8_t* out = m_plane.blockRow((m_done - 1) / 8);
+        const std::int8_t* in = m_band.get();
+        for (std::int32_t x = 0; x < m_plane.blocksWide; ++x, in += 8) {
+            for (std::size_t y = 0; y < 8; ++y, out += 8)
+                std::memcpy(out, in + y * m_stride, 8);
+        }
+        m_rows = 0;
+    }
+
+    const ComponentPlane& m_plane;
+    std::size_t m_stride;
+    std::unique_ptr<std::int8_t[]> m_band;
+    std::size_t m_rows = 0; // in the band
+    std::int32_t m_done = 0;
 };
 
 class Sampler
 {
 public:
-    Sampler(const BitmapView& view, const PixelRect& area, SampledPicture& picture)
+    Sampler(const BitmapView& view, const PixelRect& area, const SampledPicture& picture)
         : m_view(view)
         , m_area(area)
         , m_picture(picture)
@@ -32,41 +80,32 @@ public:
     void run()
     {
         const std::vector<ComponentPlane>& planes = m_picture.components;
-        const Method luma = methodFor(planes[0]);
-        // Cb and Cr come from the same pixels: where they are of one size, in one go.
+        // Cb and Cr come from the same pixels: where they are of one size, in one go, and
+        // together with Y while the rows are at hand.
+        const bool fullLuma = methodFor(planes[0]) == Method::Full;
         const bool coloured = planes.size() > 1;
-        const bool paired =
-            coloured && planes[1].width == planes[2].width && planes[1].height == planes[2].height;
-        const Method chroma = paired ? methodFor(planes[1]) : Method::Stretched;
-        for (std::int32_t y = 0; y < m_area.height; ++y) {
-            if (luma == Method::Full)
-                finishRow(planes[0], y, [&](std::int8_t* out) {
-                    m_kernels.lumaRow(pixels(y), m_area.width, out);
-                });
-            if (chroma != Method::Stretched)
-                sampleChroma(chroma, y);
-        }
-        if (luma == Method::Stretched)
-            stretch(planes[0], [&](const std::uint8_t* colours, std::int32_t row) {
-                m_kernels.lumaRow(colours, planes[0].width, planes[0].row(row));
-            });
-        if (coloured && chroma == Method::Stretched)
-            stretchChroma(paired);
-        for (const ComponentPlane& plane : planes)
-            repeatLastRow(plane);
+        const bool paired = coloured && planes[1].factors == planes[2].factors;
+        const Method chroma = paired ? methodFor(planes[1]) : Method::Scaled;
+        if (fullLuma || chroma != Method::Scaled)
+            convertRows(fullLuma, chroma);
+        if (!fullLuma)
+            scaleLuma();
+        if (coloured && chroma == Method::Scaled)
+            scaleChroma(paired);
     }
 
 private:
     Method methodFor(const ComponentPlane& plane) const
     {
-        const bool sameHeight = plane.height == m_area.height;
-        if (plane.width == m_area.width && sameHeight)
+        const int across = m_picture.most.h / plane.factors.h;
+        const int down = m_picture.most.v / plane.factors.v;
+        const bool whole = across * plane.factors.h == m_picture.most.h &&
+                           down * plane.factors.v == m_picture.most.v;
+        if (whole && across == 1 && down == 1)
             return Method::Full;
-        if (&plane == m_picture.components.data() || plane.width * 2 != m_area.width)
-            return Method::Stretched;
-        if (sameHeight)
-            return Method::HalfWide;
-        return plane.height * 2 == m_area.height ? Method::Half : Method::Stretched;
+        if (whole && across == 2 && down <= 2)
+            return down == 1 ? Method::HalfWide : Method::Half;
+        return Method::Scaled;
     }
 
     const std::uint8_t* pixels(std::int32_t y) const
@@ -74,80 +113,94 @@ private:
         return m_view.row(m_area.y + y) + static_cast<std::size_t>(m_area.x) * 3;
     }
 
-    void sampleChroma(Method method, std::int32_t y)
+    void convertRows(bool withLuma, Method chroma)
     {
-        const ComponentPlane& cb = m_picture.components[1];
-        const ComponentPlane& cr = m_picture.components[2];
-        std::int32_t row = y;
-        if (method == Method::Full) {
-            m_kernels.chromaRow(pixels(y), cb.width, cb.row(y), cr.row(y));
-        } else if (method == Method::HalfWide) {
-            m_kernels.chromaRow2x2(pixels(y), pixels(y), cb.width, cb.row(y), cr.row(y));
-        } else {
-            if (y % 2 == 0)
-                return;
-            row = y / 2;
-            m_kernels.chromaRow2x2(pixels(y - 1), pixels(y), cb.width, cb.row(row), cr.row(row));
+        std::vector<PlaneWriter> writers;
+        for (const ComponentPlane& plane : m_picture.components)
+            writers.emplace_back(plane);
+        for (std::int32_t y = 0; y < m_area.height; ++y) {
+            if (withLuma) {
+                m_kernels.lumaRow(pixels(y), m_area.width, writers[0].row());
+                writers[0].rowDone();
+            }
+            const bool complete = y % 2 != 0 || y == m_area.height - 1;
+            if (chroma == Method::Scaled || (chroma == Method::Half && !complete))
+                continue;
+            if (chroma == Method::Full)
+                m_kernels.chromaRow(pixels(y), m_area.width, writers[1].row(), writers[2].row());
+            else
+                halveRows(pixels(chroma == Method::Half ? y - y % 2 : y), pixels(y), writers);
+            writers[1].rowDone();
+            writers[2].rowDone();
         }
-        repeatLastColumn(cb, row);
-        repeatLastColumn(cr, row);
+    }
+
+    void halveRows(const std::uint8_t* upper, const std::uint8_t* lower,
+                   std::vector<PlaneWriter>& writers)
+    {
+        std::int8_t* cb = writers[1].row();
+        std::int8_t* cr = writers[2].row();
+        const std::int32_t pairs = m_area.width / 2;
+        m_kernels.chromaRow2x2(upper, lower, pairs, cb, cr);
+        if (m_area.width % 2 == 0)
+            return;
+        const auto last = static_cast<std::size_t>(m_area.width - 1) * 3;
+        std::uint8_t twice[2][6];
+        for (std::size_t i = 0; i < 6; ++i) {
+            twice[0][i] = upper[last + i % 3];
+            twice[1][i] = lower[last + i % 3];
+        }
+        m_kernels.chromaRow2x2(twice[0], twice[1], 1, cb + pairs, cr + pairs);
     }
 
     template <class Convert>
-    void stretch(const ComponentPlane& plane, Convert convert)
+    void scale(const ComponentPlane& plane, Convert convert)
     {
-        RowScaler scaler(m_view, m_area, plane.width, plane.height, Scaling::AreaOrLinear);
+        RowScaler scaler(m_view, m_area, plane.width, plane.height,
+                         {m_picture.most.h, plane.factors.h}, {m_picture.most.v, plane.factors.v});
         std::vector<std::uint8_t> colours(static_cast<std::size_t>(plane.width) * 3);
         for (std::int32_t row = 0; row < plane.height; ++row) {
             scaler.row(row, colours.data());
-            convert(colours.data(), row);
-            repeatLastColumn(plane, row);
+            convert(colours.data());
         }
     }
 
-    void stretchChroma(bool paired)
+    void scaleLuma()
     {
-        const ComponentPlane& cb = m_picture.components[1];
-        const ComponentPlane& cr = m_picture.components[2];
+        PlaneWriter luma(m_picture.components[0]);
+        scale(m_picture.components[0], [&](const std::uint8_t* colours) {
+            m_kernels.lumaRow(colours, luma.width(), luma.row());
+            luma.rowDone();
+        });
+    }
+
+    void scaleChroma(bool paired)
+    {
+        PlaneWriter cb(m_picture.components[1]);
+        PlaneWriter cr(m_picture.components[2]);
         if (paired) {
-            stretch(cb, [&](const std::uint8_t* colours, std::int32_t row) {
-                m_kernels.chromaRow(colours, cb.width, cb.row(row), cr.row(row));
-                repeatLastColumn(cr, row);
+            scale(m_picture.components[1], [&](const std::uint8_t* colours) {
+                m_kernels.chromaRow(colours, cb.width(), cb.row(), cr.row());
+                cb.rowDone();
+                cr.rowDone();
             });
             return;
         }
         std::vector<std::int8_t> unused(static_cast<std::size_t>(m_area.width));
-        stretch(cb, [&](const std::uint8_t* colours, std::int32_t row) {
-            m_kernels.chromaRow(colours, cb.width, cb.row(row), unused.data());
+        scale(m_picture.components[1], [&](const std::uint8_t* colours) {
+            m_kernels.chromaRow(colours, cb.width(), cb.row(), unused.data());
+            cb.rowDone();
         });
-        stretch(cr, [&](const std::uint8_t* colours, std::int32_t row) {
-            m_kernels.chromaRow(colours, cr.width, unused.data(), cr.row(row));
+        scale(m_picture.components[2], [&](const std::uint8_t* colours) {
+            m_kernels.chromaRow(colours, cr.width(), unused.data(), cr.row());
+            cr.rowDone();
         });
-    }
-
-    template <class Convert>
-    static void finishRow(const ComponentPlane& plane, std::int32_t row, Convert convert)
-    {
-        convert(plane.row(row));
-        repeatLastColumn(plane, row);
-    }
-
-    static void repeatLastColumn(const ComponentPlane& plane, std::int32_t row)
-    {
-        std::int8_t* samples = plane.row(row);
-        std::fill(samples + plane.width, samples + plane.stride(), samples[plane.width - 1]);
-    }
-
-    static void repeatLastRow(const ComponentPlane& plane)
-    {
-        for (std::int32_t row = plane.height; row < plane.blocksHigh * 8; ++row)
-            std::memcpy(plane.row(row), plane.row(row - 1), plane.stride());
     }
 
     const jpeg::Kernels& m_kernels = jpeg::kernels();
     BitmapView m_view;
     PixelRect m_area;
-    SampledPicture& m_picture;
+    const SampledPicture& m_picture;
 };
 
 std::int32_t proportion(std::int32_t size, int factor, int most)

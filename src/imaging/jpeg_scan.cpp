@@ -10,9 +10,10 @@ namespace {
 constexpr std::size_t kWriterBytes = 16 * 1024;
 /// A group of MCUs is tokenised at a time; this holds one of the largest MCUs at least.
 constexpr std::ptrdiff_t kWorkTokens = 4096;
-constexpr std::size_t kLeastCapacity = 16 * 1024;
+constexpr std::size_t kLeastCapacity = 8 * 1024;
 /// Bytes of kept tokens against bytes of samples.
-constexpr std::size_t kSamplesPerTokenByte = 8;
+constexpr std::size_t kCapacityFactor = 2;
+constexpr std::size_t kCapacityDivisor = 13;
 constexpr int kMostBlocksInMcu = 10;
 
 } // namespace
@@ -95,10 +96,11 @@ EntropyCoder::EntropyCoder(const SampledPicture& picture, std::span<const DctSca
     std::size_t samples = 0;
     int blocks = 0;
     for (const ComponentPlane& plane : picture.components) {
-        samples += plane.stride() * static_cast<std::size_t>(plane.blocksHigh) * 8;
+        samples += 64 * static_cast<std::size_t>(plane.blocksWide) *
+                   static_cast<std::size_t>(plane.blocksHigh);
         blocks += plane.factors.h * plane.factors.v;
     }
-    m_capacity = std::max(kLeastCapacity, samples / kSamplesPerTokenByte) / sizeof(Token);
+    m_capacity = (kLeastCapacity + samples / kCapacityDivisor * kCapacityFactor) / sizeof(Token);
     m_tokens = std::make_unique_for_overwrite<Token[]>(m_capacity);
 
     const int count = static_cast<int>(picture.components.size());
@@ -157,8 +159,7 @@ McuRow EntropyCoder::mcuRow(const Scan& scan, std::int32_t row) const
         const std::int32_t blockRow = row * component.v;
         component.blocksWide = plane.blocksWide;
         component.blockRows = std::clamp(plane.blocksHigh - blockRow, 0, component.v);
-        component.stride = plane.stride();
-        component.samples = component.blockRows > 0 ? plane.row(blockRow * 8) : nullptr;
+        component.samples = component.blockRows > 0 ? plane.blockRow(blockRow) : nullptr;
         component.table = tableOf(number);
         component.scale = m_scales[static_cast<std::size_t>(component.table)].data();
     }

@@ -1,61 +1,93 @@
 #include "imaging/row_scaler.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace varnholt {
 
-RowScaler::Axis::Axis(std::int32_t sourceSize, std::int32_t size, Scaling scaling)
+RowScaler::Axis::Axis(std::int32_t sourceSize, std::int32_t size, ScaleRatio ratio, Scaling scaling)
 {
-    const std::int64_t from = sourceSize;
-    const std::int64_t to = size;
     taps.reserve(static_cast<std::size_t>(size));
-    const auto add = [this](std::int64_t first) {
-        taps.push_back({static_cast<std::int32_t>(first), 0, weights.size()});
-    };
-    const auto weigh = [this](std::int64_t weight) {
-        weights.push_back(static_cast<std::uint32_t>(weight));
-        ++taps.back().count;
-    };
-    if (scaling == Scaling::Nearest || from == to) {
-        for (std::int64_t i = 0; i < to; ++i) {
-            add((2 * i + 1) * from / (2 * to));
-            weigh(1);
+    if (scaling == Scaling::Nearest || ratio.from == ratio.to)
+        pickNearest(size, ratio.from, ratio.to);
+    else if (ratio.from > ratio.to)
+        averageAreas(size, ratio.from, ratio.to, sourceSize);
+    else
+        interpolate(size, ratio.from, ratio.to, sourceSize);
+}
+
+void RowScaler::Axis::begin(std::int64_t first)
+{
+    taps.push_back({static_cast<std::int32_t>(first), 0, weights.size()});
+}
+
+void RowScaler::Axis::weigh(std::int64_t weight)
+{
+    weights.push_back(static_cast<std::uint32_t>(weight));
+    ++taps.back().count;
+}
+
+void RowScaler::Axis::pickNearest(std::int64_t size, std::int64_t from, std::int64_t to)
+{
+    for (std::int64_t i = 0; i < size; ++i) {
+        begin((2 * i + 1) * from / (2 * to));
+        weigh(1);
+    }
+}
+
+void RowScaler::Axis::averageAreas(std::int64_t size, std::int64_t from, std::int64_t to,
+                                   std::int64_t sourceSize)
+{
+    // In units of 1/to: source pixel j covers [j·to, (j+1)·to), destination pixel i
+    // [i·from, (i+1)·from).
+    total = static_cast<std::uint64_t>(from);
+    const std::int64_t last = sourceSize - 1;
+    for (std::int64_t i = 0; i < size; ++i) {
+        std::int64_t at = i * from;
+        const std::int64_t end = at + from;
+        begin(std::min(at / to, last));
+        while (at < end) {
+            const std::int64_t pixel = at / to;
+            const std::int64_t next = pixel < last ? std::min(end, (pixel + 1) * to) : end;
+            weigh(next - at);
+            at = next;
         }
-    } else if (from > to) {
-        // In units of 1/to: source pixel j covers [j·to, (j+1)·to), destination pixel i
-        // [i·from, (i+1)·from).
-        total = static_cast<std::uint64_t>(from);
-        for (std::int64_t i = 0; i < to; ++i) {
-            std::int64_t at = i * from;
-            const std::int64_t end = at + from;
-            add(at / to);
-            while (at < end) {
-                const std::int64_t next = std::min(end, (at / to + 1) * to);
-                weigh(next - at);
-                at = next;
-            }
-        }
-    } else {
-        // In units of 1/(2·to), counted from the centre of source pixel 0.
-        total = 2 * static_cast<std::uint64_t>(to);
-        const std::int64_t last = (from - 1) * 2 * to;
-        for (std::int64_t i = 0; i < to; ++i) {
-            const std::int64_t at = std::clamp<std::int64_t>((2 * i + 1) * from - to, 0, last);
-            const std::int64_t part = at % (2 * to);
-            add(at / (2 * to));
-            weigh(2 * to - part);
-            if (part != 0)
-                weigh(part);
-        }
+    }
+}
+
+void RowScaler::Axis::interpolate(std::int64_t size, std::int64_t from, std::int64_t to,
+                                  std::int64_t sourceSize)
+{
+    // In units of 1/(2·to), counted from the centre of source pixel 0.
+    total = 2 * static_cast<std::uint64_t>(to);
+    const std::int64_t last = (sourceSize - 1) * 2 * to;
+    for (std::int64_t i = 0; i < size; ++i) {
+        const std::int64_t at = std::clamp<std::int64_t>((2 * i + 1) * from - to, 0, last);
+        const std::int64_t part = at % (2 * to);
+        begin(at / (2 * to));
+        weigh(2 * to - part);
+        if (part != 0)
+            weigh(part);
     }
 }
 
 RowScaler::RowScaler(const BitmapView& source, const PixelRect& area, std::int32_t width,
                      std::int32_t height, Scaling scaling)
+    : RowScaler(source, area, Axis(area.width, width, {area.width, width}, scaling),
+                Axis(area.height, height, {area.height, height}, scaling))
+{}
+
+RowScaler::RowScaler(const BitmapView& source, const PixelRect& area, std::int32_t width,
+                     std::int32_t height, ScaleRatio across, ScaleRatio down)
+    : RowScaler(source, area, Axis(area.width, width, across, Scaling::AreaOrLinear),
+                Axis(area.height, height, down, Scaling::AreaOrLinear))
+{}
+
+RowScaler::RowScaler(const BitmapView& source, const PixelRect& area, Axis across, Axis down)
     : m_source(source)
     , m_area(area)
-    , m_across(area.width, width, scaling)
-    , m_down(area.height, height, scaling)
+    , m_across(std::move(across))
+    , m_down(std::move(down))
     , m_valid(m_down.total < (UINT64_C(1) << 24) && m_across.total < (UINT64_C(1) << 31))
     , m_line(static_cast<std::size_t>(area.width) * 3)
     , m_sums(m_line.size())
