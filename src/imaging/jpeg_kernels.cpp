@@ -11,13 +11,20 @@ namespace {
 struct PlainBlock
 {
     int dc;
+    bool large;
     std::uint64_t mask;
     int coefficients[64]; // transposed: 8·u + v
 
     static bool isFlat(const std::int8_t* samples) { return allAlike(samples); }
     static int quantised(float value) { return static_cast<int>(std::lrintf(value)); }
 
-    void transform(const std::int8_t* samples, const float* scale)
+    static void transform(const Pending* pending, PlainBlock* const* blocks, int count)
+    {
+        for (int i = 0; i < count; ++i)
+            blocks[i]->transformOne(pending[i].samples, pending[i].scale);
+    }
+
+    void transformOne(const std::int8_t* samples, const float* scale)
     {
         float columns[8][8];
         for (std::size_t x = 0; x < 8; ++x) {
@@ -34,9 +41,11 @@ struct PlainBlock
                 coefficients[8 * u + v] = quantised(columns[v][u] * scale[8 * u + v]);
         }
         mask = 0;
+        large = false;
         for (int k = 1; k < 64; ++k) {
             if (value(k) != 0)
                 mask |= std::uint64_t{1} << k;
+            large = large || value(k) < -126 || value(k) > 126;
         }
         dc = coefficients[0];
     }
@@ -47,15 +56,12 @@ struct PlainBlock
         return coefficients[8 * (place % 8) + place / 8];
     }
 
-    Token small(int k) const
-    {
-        const int v = value(k);
-        return v >= -126 && v <= 126 ? kSmallTokens.of[v & 255] : Token{0};
-    }
+    Token small(int k) const { return kSmallTokens.of[value(k) & 255]; }
 };
 
-const Kernels kPlain = {
-    "plain", lumaSpan, chromaSpan, chromaSpan2x2, tokeniseMcus<PlainBlock>, writeTokenBits};
+const Kernels kPlain = {"plain",       lumaSpan,      chromaSpan,
+                        chromaSpan2x2, storeBlockRow, tokeniseMcus<PlainBlock>,
+                        writeTokenBits};
 
 KernelList detect()
 {

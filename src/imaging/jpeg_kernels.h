@@ -26,8 +26,9 @@ constexpr int valueBits(int symbol)
     return size == kDcMark ? (symbol >> 4) & 15 : size;
 }
 
-/// No block takes more tokens and words than this: 64 of each, and the end of block.
-inline constexpr int kBlockTokens = 129;
+/// No block takes more tokens and words than this: 64 of each, the end of block, and room to
+/// work in.
+inline constexpr int kBlockTokens = 132;
 
 /// One component's part of an MCU row.
 struct ScanComponent
@@ -80,6 +81,10 @@ struct Kernels
     /// whole number with halves rounded up.
     void (*chromaRow2x2)(const std::uint8_t* upper, const std::uint8_t* lower, std::int32_t count,
                          std::int8_t* cb, std::int8_t* cr);
+
+    /// Turns eight rows of 8·blocks samples into blocks of 64. For large planes, which are not
+    /// read again soon.
+    void (*storeBlocks)(const std::int8_t* rows, std::int32_t blocks, std::int8_t* out);
 
     /// Transforms, quantises and tokenises the MCUs from `first` to before `last`, and counts
     /// the symbols. Returns the end of the tokens.

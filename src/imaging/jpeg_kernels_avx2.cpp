@@ -85,6 +85,7 @@ constexpr Shuffles kShuffles = makeShuffles();
 struct Avx2Block
 {
     int dc;
+    bool large;
     std::uint64_t mask;
     alignas(32) std::int16_t words[64]; // as packed
     alignas(32) std::uint8_t bytes[64]; // in zigzag order, limited to −128…127
@@ -101,53 +102,94 @@ struct Avx2Block
 
     static int quantised(float value) { return _mm_cvtss_si32(_mm_set_ss(value)); }
 
-    void transform(const std::int8_t* samples, const float* scale)
+    /// In steps, each for all the blocks: within a step they are independent, and short
+    /// enough for the processor to look ahead into the next.
+    static void transform(const Pending* pending, Avx2Block* const* blocks, int count)
     {
-        Eight x[8];
-        for (std::size_t y = 0; y < 8; ++y) {
-            x[y] = _mm256_cvtepi32_ps(_mm256_cvtepi8_epi32(
-                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(samples + y * 8))));
-        }
-        transformEight(x);
-        transpose(x);
-        transformEight(x);
-
-        __m256i packed[4];
-        for (std::size_t u = 0; u < 8; u += 2) {
-            const __m256 a = _mm256_mul_ps(x[u].lanes, _mm256_loadu_ps(scale + 8 * u));
-            const __m256 b = _mm256_mul_ps(x[u + 1].lanes, _mm256_loadu_ps(scale + 8 * u + 8));
-            packed[u / 2] = _mm256_packs_epi32(_mm256_cvtps_epi32(a), _mm256_cvtps_epi32(b));
-            _mm256_store_si256(reinterpret_cast<__m256i*>(words + 8 * u), packed[u / 2]);
-        }
-        const __m256i left = _mm256_packs_epi16(packed[0], packed[1]);
-        const __m256i right = _mm256_packs_epi16(packed[2], packed[3]);
-        const __m256i quarters[4] = {
-            _mm256_permute2x128_si256(left, left, 0x00),
-            _mm256_permute2x128_si256(left, left, 0x11),
-            _mm256_permute2x128_si256(right, right, 0x00),
-            _mm256_permute2x128_si256(right, right, 0x11),
-        };
-        mask = ~(std::uint64_t{order(quarters, 0)} | (std::uint64_t{order(quarters, 32)} << 32));
-        mask &= ~std::uint64_t{1};
-        dc = _mm_cvtsi128_si32(_mm_cvtepi16_epi32(_mm256_castsi256_si128(packed[0])));
+        alignas(32) float columns[kBatch][64];
+        for (int i = 0; i < count; ++i)
+            transformColumns(pending[i].samples, columns[i]);
+        for (int i = 0; i < count; ++i)
+            blocks[i]->transformRows(columns[i], pending[i].scale);
+        for (int i = 0; i < count; ++i)
+            blocks[i]->sort();
     }
 
     int value(int k) const { return words[kShuffles.word[k]]; }
     Token small(int k) const { return kSmallTokens.of[bytes[k]]; }
 
 private:
-    /// Puts 32 bytes from `first` on into zigzag order; returns a bit for each that is 0.
-    std::uint32_t order(const __m256i (&quarters)[4], std::size_t first)
+    static void transformColumns(const std::int8_t* samples, float* out)
     {
-        __m256i sorted = _mm256_setzero_si256();
+        Eight x[8];
+        for (std::size_t y = 0; y < 8; ++y) {
+            x[y] = _mm256_cvtepi32_ps(_mm256_cvtepi8_epi32(
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(samples + 8 * y))));
+        }
+        transformEight(x);
+        for (std::size_t v = 0; v < 8; ++v)
+            _mm256_store_ps(out + 8 * v, x[v].lanes);
+    }
+
+    void transformRows(const float* columns, const float* scale)
+    {
+        Eight x[8];
+        for (std::size_t v = 0; v < 8; ++v)
+            x[v] = _mm256_load_ps(columns + 8 * v);
+        transpose(x);
+        transformEight(x);
+        for (std::size_t u = 0; u < 8; u += 2) {
+            const __m256 a = _mm256_mul_ps(x[u].lanes, _mm256_loadu_ps(scale + 8 * u));
+            const __m256 b = _mm256_mul_ps(x[u + 1].lanes, _mm256_loadu_ps(scale + 8 * u + 8));
+            _mm256_store_si256(reinterpret_cast<__m256i*>(words + 8 * u),
+                               _mm256_packs_epi32(_mm256_cvtps_epi32(a), _mm256_cvtps_epi32(b)));
+        }
+    }
+
+    void sort()
+    {
+        const auto* packed = reinterpret_cast<const __m256i*>(words);
+        const __m256i left =
+            _mm256_packs_epi16(_mm256_load_si256(packed), _mm256_load_si256(packed + 1));
+        const __m256i right =
+            _mm256_packs_epi16(_mm256_load_si256(packed + 2), _mm256_load_si256(packed + 3));
+        const __m256i quarters[4] = {
+            _mm256_permute2x128_si256(left, left, 0x00),
+            _mm256_permute2x128_si256(left, left, 0x11),
+            _mm256_permute2x128_si256(right, right, 0x00),
+            _mm256_permute2x128_si256(right, right, 0x11),
+        };
+        const __m256i low = sorted(quarters, 0);
+        const __m256i high = sorted(quarters, 32);
+        dc = words[0];
+        mask = ~(std::uint64_t{zeros(low)} | (std::uint64_t{zeros(high)} << 32));
+        mask &= ~std::uint64_t{1};
+        const __m256i limit = _mm256_set1_epi8(126);
+        const __m256i notFirst = _mm256_setr_epi32(~255, -1, -1, -1, -1, -1, -1, -1);
+        // −128 has no absolute value: as an unsigned byte it is above the limit too.
+        const __m256i most = _mm256_max_epu8(_mm256_abs_epi8(high),
+                                             _mm256_and_si256(_mm256_abs_epi8(low), notFirst));
+        large = _mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_max_epu8(most, limit), limit)) != -1;
+    }
+
+    /// Puts 32 bytes from `first` on into zigzag order.
+    __m256i sorted(const __m256i (&quarters)[4], std::size_t first)
+    {
+        __m256i result = _mm256_setzero_si256();
         for (std::size_t q = 0; q < 4; ++q) {
             const __m256i places = _mm256_load_si256(
                 reinterpret_cast<const __m256i*>(kShuffles.fromQuarter[q] + first));
-            sorted = _mm256_or_si256(sorted, _mm256_shuffle_epi8(quarters[q], places));
+            result = _mm256_or_si256(result, _mm256_shuffle_epi8(quarters[q], places));
         }
-        _mm256_store_si256(reinterpret_cast<__m256i*>(bytes + first), sorted);
+        _mm256_store_si256(reinterpret_cast<__m256i*>(bytes + first), result);
+        return result;
+    }
+
+    /// A bit for each byte that is 0.
+    static std::uint32_t zeros(__m256i value)
+    {
         return static_cast<std::uint32_t>(
-            _mm256_movemask_epi8(_mm256_cmpeq_epi8(sorted, _mm256_setzero_si256())));
+            _mm256_movemask_epi8(_mm256_cmpeq_epi8(value, _mm256_setzero_si256())));
     }
 };
 
@@ -265,7 +307,23 @@ void chromaRow2x2(const std::uint8_t* upper, const std::uint8_t* lower, std::int
     chromaSpan2x2(upper, lower, count - i, cb + i, cr + i);
 }
 
-const Kernels kAvx2 = {"avx2",        lumaRow, chromaRow, chromaRow2x2, tokeniseMcus<Avx2Block>,
+/// Past the caches: there is no use in reading what was there before.
+void streamBlockRow(const std::int8_t* rows, std::int32_t blocks, std::int8_t* out)
+{
+    const auto stride = static_cast<std::size_t>(blocks) * 8;
+    for (std::int32_t x = 0; x < blocks; ++x, rows += 8) {
+        for (std::size_t y = 0; y < 8; y += 2, out += 16) {
+            const __m128i upper =
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + y * stride));
+            const __m128i lower =
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + (y + 1) * stride));
+            _mm_stream_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi64(upper, lower));
+        }
+    }
+}
+
+const Kernels kAvx2 = {"avx2",        lumaRow,        chromaRow,
+                       chromaRow2x2,  streamBlockRow, tokeniseMcus<Avx2Block>,
                        writeTokenBits};
 
 } // namespace

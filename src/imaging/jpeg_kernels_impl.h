@@ -96,6 +96,18 @@ inline int lowestBit(std::uint64_t value)
 #endif
 }
 
+inline int bitCount(std::uint64_t value)
+{
+#if defined(__GNUC__)
+    return __builtin_popcountll(value);
+#else
+    int count = 0;
+    for (; value != 0; value &= value - 1)
+        ++count;
+    return count;
+#endif
+}
+
 /// The bits that follow a code of size `size` (T.81 F.1.2.1): a negative value less one.
 inline unsigned valueWord(int value, int size)
 {
@@ -156,7 +168,7 @@ inline bool allAlike(const std::int8_t* samples)
 }
 
 /// The low 11 bits of an AC token (size and value bits) for the values −126 to 126 as bytes;
-/// 0 for the others, which need more care.
+/// nothing for the others.
 struct SmallTokens
 {
     Token of[256];
@@ -203,24 +215,49 @@ inline Token* putDc(unsigned table, int difference, std::uint64_t* counts, Token
                     out);
 }
 
+/// A block to be transformed: 64 samples, and how to quantise them.
+struct Pending
+{
+    const std::int8_t* samples;
+    const float* scale;
+};
+
 /// What a `Block` does: transforms and quantises 64 samples and gives the results.
 ///   static bool isFlat(samples)            all are alike
-///   void transform(samples, scale)         sets dc and mask
+///   static void transform(const Pending*, Block* const*, int count)   sets dc, large, mask
 ///   static int quantised(float)            one coefficient, rounded in the same way
 ///   int dc
+///   bool large                             some AC coefficient is beyond kSmallTokens
 ///   std::uint64_t mask                     bit k set when AC coefficient k is not 0
 ///   Token small(int k), int value(int k)   coefficient k as in kSmallTokens, and as it is
-///
-/// Flat blocks are frequent in drawn pictures; their transform has a first coefficient only.
-template <class Block>
-inline void transformBlock(const std::int8_t* samples, const float* scale, Block& block)
+
+/// Some non-zero coefficient comes after more than 15 zeros.
+inline bool hasLongRun(std::uint64_t mask)
 {
-    if (Block::isFlat(samples)) {
-        block.dc = Block::quantised(64.0F * static_cast<float>(samples[0]) * scale[0]);
-        block.mask = 0;
-        return;
+    std::uint64_t near = mask | 1U;
+    for (int i = 1; i <= 8; i *= 2)
+        near |= near << i;
+    return (mask & ~(near << 1)) != 0;
+}
+
+/// The AC coefficients of any block.
+template <class Block>
+Token* tokeniseCarefully(const Block& block, unsigned table, std::uint64_t* counts, Token* out)
+{
+    int before = 0;
+    for (std::uint64_t mask = block.mask; mask != 0; mask &= mask - 1) {
+        const int k = lowestBit(mask);
+        int run = k - before - 1;
+        before = k;
+        for (; run > 15; run -= 16)
+            out = putToken(table | kZeroRun, 0, counts, out);
+        const int value = block.value(k);
+        const int size = bitLength(static_cast<unsigned>(value < 0 ? -value : value));
+        const unsigned symbol =
+            table | (static_cast<unsigned>(run) << 4) | static_cast<unsigned>(size);
+        out = putValue(symbol, size, value, counts, out);
     }
-    block.transform(samples, scale);
+    return before == 63 ? out : putToken(table, 0, counts, out);
 }
 
 template <class Block>
@@ -229,28 +266,36 @@ inline Token* tokeniseBlock(const Block& block, unsigned table, std::int32_t& pr
 {
     out = putDc(table, block.dc - prediction, counts, out);
     prediction = block.dc;
-    int before = 0;
-    for (std::uint64_t mask = block.mask; mask != 0; mask &= mask - 1) {
-        const int k = lowestBit(mask);
-        int run = k - before - 1;
-        before = k;
-        for (; run > 15; run -= 16)
-            out = putToken(table | kZeroRun, 0, counts, out);
-        const unsigned begin = table | (static_cast<unsigned>(run) << 4);
-        const unsigned token = (begin << kInlineBits) + block.small(k);
-        if ((token & (15U << kInlineBits)) != 0) {
-            ++counts[token >> kInlineBits];
-            *out++ = static_cast<Token>(token);
-        } else {
-            const int value = block.value(k);
-            const int size = bitLength(static_cast<unsigned>(value < 0 ? -value : value));
-            out = putValue(begin | static_cast<unsigned>(size), size, value, counts, out);
+    if (block.large || hasLongRun(block.mask))
+        return tokeniseCarefully(block, table, counts, out);
+
+    // How many coefficients there are is hard to foresee for the processor. So they are taken
+    // four at a time, and what is too many is overwritten and not counted.
+    constexpr int kAtATime = 4;
+    constexpr std::uint64_t kLast = std::uint64_t{1} << 63;
+    const int coefficients = bitCount(block.mask);
+    std::uint64_t mask = block.mask;
+    unsigned before = 1;
+    for (int i = 0; i < coefficients; i += kAtATime) {
+        for (int j = 0; j < kAtATime; ++j) {
+            const auto k = static_cast<unsigned>(lowestBit(mask | kLast));
+            mask &= mask - 1;
+            const unsigned run = k - before;
+            before = k + 1;
+            const unsigned token =
+                (((table | (run << 4)) << kInlineBits) + block.small(static_cast<int>(k))) & 0xFFFF;
+            counts[token >> kInlineBits] += i + j < coefficients ? 1U : 0U;
+            out[i + j] = static_cast<Token>(token);
         }
     }
-    return before == 63 ? out : putToken(table, 0, counts, out);
+    out += coefficients;
+    const unsigned end = (block.mask & kLast) == 0 ? 1 : 0;
+    counts[table] += end;
+    *out = static_cast<Token>(table << kInlineBits);
+    return out + end;
 }
 
-constexpr int kMostBlocksInMcu = 10;
+constexpr int kBatch = 12; // at least the ten blocks an MCU may have
 
 /// Calls `real(component number, component, samples)` or `made(component number, component)`
 /// for each block of an MCU.
@@ -277,32 +322,61 @@ template <class Block>
 Token* tokeniseMcus(const McuRow& row, std::int32_t first, std::int32_t last, ScanState& state,
                     std::uint64_t* counts, Token* out)
 {
-    // All of an MCU's transforms first: they do not wait for each other, as the tokens'
+    // Some blocks' transforms together first: they do not wait for each other, as the tokens'
     // branches would make them.
-    Block blocks[kMostBlocksInMcu];
-    for (std::int32_t mcu = first; mcu < last; ++mcu) {
+    Block blocks[kBatch];
+    int blocksInMcu = 0;
+    for (int c = 0; c < row.count; ++c)
+        blocksInMcu += row.components[c].h * row.components[c].v;
+    const std::int32_t mcusAtATime = kBatch / blocksInMcu;
+    for (; first < last; first += mcusAtATime) {
+        const std::int32_t end = first + mcusAtATime < last ? first + mcusAtATime : last;
+        Pending pending[kBatch];
+        Block* targets[kBatch];
+        int count = 0;
         Block* next = blocks;
-        forEachBlock(
-            row, mcu,
-            [&](int, const ScanComponent& component, const std::int8_t* samples) {
-                transformBlock(samples, component.scale, *next++);
-            },
-            [](int, const ScanComponent&) {});
+        const auto transform = [&](int, const ScanComponent& component,
+                                   const std::int8_t* samples) {
+            // Flat blocks are frequent in drawn pictures; they have a first coefficient only.
+            if (Block::isFlat(samples)) {
+                next->dc =
+                    Block::quantised(64.0F * static_cast<float>(samples[0]) * component.scale[0]);
+                next->mask = 0;
+                next->large = false;
+            } else {
+                pending[count] = {samples, component.scale};
+                targets[count++] = next;
+            }
+            ++next;
+        };
+        for (std::int32_t mcu = first; mcu < end; ++mcu)
+            forEachBlock(row, mcu, transform, [](int, const ScanComponent&) {});
+        Block::transform(pending, targets, count);
+
         next = blocks;
-        forEachBlock(
-            row, mcu,
-            [&](int c, const ScanComponent& component, const std::int8_t*) {
-                out = tokeniseBlock(*next++, static_cast<unsigned>(component.table) << 8,
-                                    state.prediction[c], counts, out);
-            },
-            [&](int, const ScanComponent& component) {
-                // Outside the picture any block will do; the cheapest repeats the DC.
-                const auto table = static_cast<unsigned>(component.table) << 8;
-                out = putDc(table, 0, counts, out);
-                out = putToken(table, 0, counts, out);
-            });
+        const auto tokenise = [&](int c, const ScanComponent& component, const std::int8_t*) {
+            out = tokeniseBlock(*next++, static_cast<unsigned>(component.table) << 8,
+                                state.prediction[c], counts, out);
+        };
+        const auto makeUp = [&](int, const ScanComponent& component) {
+            // Outside the picture any block will do; the cheapest repeats the DC.
+            const auto table = static_cast<unsigned>(component.table) << 8;
+            out = putDc(table, 0, counts, out);
+            out = putToken(table, 0, counts, out);
+        };
+        for (std::int32_t mcu = first; mcu < end; ++mcu)
+            forEachBlock(row, mcu, tokenise, makeUp);
     }
     return out;
+}
+
+inline void storeBlockRow(const std::int8_t* rows, std::int32_t blocks, std::int8_t* out)
+{
+    const auto stride = static_cast<std::size_t>(blocks) * 8;
+    for (std::int32_t x = 0; x < blocks; ++x, rows += 8) {
+        for (std::size_t y = 0; y < 8; ++y, out += 8)
+            std::memcpy(out, rows + y * stride, 8);
+    }
 }
 
 inline void storeBigEndian(std::uint8_t* out, std::uint64_t value)

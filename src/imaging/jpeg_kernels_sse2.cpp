@@ -71,13 +71,20 @@ constexpr ZigzagPlaces kPlaces = makePlaces();
 struct Sse2Block
 {
     int dc;
+    bool large;
     std::uint64_t mask;
     alignas(16) std::int16_t coefficients[64]; // transposed: 8·u + v
 
     static bool isFlat(const std::int8_t* samples) { return allAlike(samples); }
     static int quantised(float value) { return _mm_cvtss_si32(_mm_set_ss(value)); }
 
-    void transform(const std::int8_t* samples, const float* scale)
+    static void transform(const Pending* pending, Sse2Block* const* blocks, int count)
+    {
+        for (int i = 0; i < count; ++i)
+            blocks[i]->transformOne(pending[i].samples, pending[i].scale);
+    }
+
+    void transformOne(const std::int8_t* samples, const float* scale)
     {
         Four left[8];
         Four right[8];
@@ -115,18 +122,18 @@ struct Sse2Block
             present |= bits << (8 * u);
         }
         mask = 0;
-        for (present &= ~std::uint64_t{1}; present != 0; present &= present - 1)
-            mask |= std::uint64_t{1} << kPlaces.ofTransposed[lowestBit(present)];
+        large = false;
+        for (present &= ~std::uint64_t{1}; present != 0; present &= present - 1) {
+            const int place = lowestBit(present);
+            mask |= std::uint64_t{1} << kPlaces.ofTransposed[place];
+            large = large || coefficients[place] < -126 || coefficients[place] > 126;
+        }
         dc = coefficients[0];
     }
 
     int value(int k) const { return coefficients[kPlaces.transposed[k]]; }
 
-    Token small(int k) const
-    {
-        const int v = value(k);
-        return v >= -126 && v <= 126 ? kSmallTokens.of[v & 255] : Token{0};
-    }
+    Token small(int k) const { return kSmallTokens.of[value(k) & 255]; }
 };
 
 /// Four colours as pairs of 16 bits: blue and red, green and nothing. Reads 16 bytes.
@@ -228,7 +235,23 @@ void chromaRow2x2(const std::uint8_t* upper, const std::uint8_t* lower, std::int
     chromaSpan2x2(upper, lower, count - i, cb + i, cr + i);
 }
 
-const Kernels kSse2 = {"sse2",        lumaRow, chromaRow, chromaRow2x2, tokeniseMcus<Sse2Block>,
+/// Past the caches: there is no use in reading what was there before.
+void streamBlockRow(const std::int8_t* rows, std::int32_t blocks, std::int8_t* out)
+{
+    const auto stride = static_cast<std::size_t>(blocks) * 8;
+    for (std::int32_t x = 0; x < blocks; ++x, rows += 8) {
+        for (std::size_t y = 0; y < 8; y += 2, out += 16) {
+            const __m128i upper =
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + y * stride));
+            const __m128i lower =
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + (y + 1) * stride));
+            _mm_stream_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi64(upper, lower));
+        }
+    }
+}
+
+const Kernels kSse2 = {"sse2",        lumaRow,        chromaRow,
+                       chromaRow2x2,  streamBlockRow, tokeniseMcus<Sse2Block>,
                        writeTokenBits};
 
 } // namespace

@@ -52,12 +52,8 @@ public:
 private:
     void storeBlocks()
     {
-        std::int8_t* out = m_plane.blockRow((m_done - 1) / 8);
-        const std::int8_t* in = m_band.get();
-        for (std::int32_t x = 0; x < m_plane.blocksWide; ++x, in += 8) {
-            for (std::size_t y = 0; y < 8; ++y, out += 8)
-                std::memcpy(out, in + y * m_stride, 8);
-        }
+        jpeg::kernels().storeBlocks(m_band.get(), m_plane.blocksWide,
+                                    m_plane.blockRow((m_done - 1) / 8));
         m_rows = 0;
     }
 
