@@ -67,7 +67,7 @@ struct BitState
 };
 
 /// Samples are level-shifted by 128. Colours are rows of blue, green, red bytes. With
-/// 15-bit fractions, halves rounded up:
+/// 16-bit fractions, halves rounded up:
 /// Y = 0.299 R + 0.587 G + 0.114 B, Cb = 128 − 0.16874 R − 0.33126 G + 0.5 B,
 /// Cr = 128 + 0.5 R − 0.41869 G − 0.08131 B.
 struct Kernels

@@ -207,8 +207,8 @@ inline ColourPairs loadTwiceFour(const std::uint8_t* low, const std::uint8_t* hi
         _mm256_setr_epi8(0, -1, 2, -1, 3, -1, 5, -1, 6, -1, 8, -1, 9, -1, 11, -1, 0, -1, 2, -1, 3,
                          -1, 5, -1, 6, -1, 8, -1, 9, -1, 11, -1);
     const __m256i green =
-        _mm256_setr_epi8(1, -1, -1, -1, 4, -1, -1, -1, 7, -1, -1, -1, 10, -1, -1, -1, 1, -1, -1, -1,
-                         4, -1, -1, -1, 7, -1, -1, -1, 10, -1, -1, -1);
+        _mm256_setr_epi8(1, -1, 1, -1, 4, -1, 4, -1, 7, -1, 7, -1, 10, -1, 10, -1, //
+                         1, -1, 1, -1, 4, -1, 4, -1, 7, -1, 7, -1, 10, -1, 10, -1);
     const __m256i v = _mm256_inserti128_si256(
         _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(low))),
         _mm_loadu_si128(reinterpret_cast<const __m128i*>(high)), 1);
@@ -224,13 +224,13 @@ inline __m256i convert(const ColourPairs& colours, __m256i blueRed, __m256i gree
 {
     const __m256i sum = _mm256_add_epi32(_mm256_madd_epi16(colours.blueRed, blueRed),
                                          _mm256_madd_epi16(colours.green, green));
-    return _mm256_srai_epi32(_mm256_add_epi32(sum, offset), kColourShift);
+    return _mm256_srai_epi32(_mm256_sub_epi32(offset, sum), kColourShift);
 }
 
 void lumaRow(const std::uint8_t* in, std::int32_t count, std::int8_t* y)
 {
     const __m256i blueRed = pairOf(kLumaBlue, kLumaRed);
-    const __m256i green = pairOf(kLumaGreen, 0);
+    const __m256i green = pairOf(kLumaGreen[0], kLumaGreen[1]);
     const __m256i offset = _mm256_set1_epi32(kLumaOffset);
     std::int32_t i = 0;
     // The low half of a vector takes the first 16 pixels, the high half the next 16.
@@ -250,10 +250,10 @@ inline void storeChroma(const ColourPairs& first, const ColourPairs& second, std
                         std::int8_t* cr)
 {
     const __m256i cbBlueRed = pairOf(kCbBlue, kCbRed);
-    const __m256i cbGreen = pairOf(kCbGreen, 0);
+    const __m256i cbGreen = pairOf(kCbGreen[0], kCbGreen[1]);
     const __m256i crBlueRed = pairOf(kCrBlue, kCrRed);
-    const __m256i crGreen = pairOf(kCrGreen, 0);
-    const __m256i offset = _mm256_set1_epi32(kColourRound);
+    const __m256i crGreen = pairOf(kCrGreen[0], kCrGreen[1]);
+    const __m256i offset = _mm256_set1_epi32(kChromaOffset);
     const __m256i cbWords = _mm256_packs_epi32(convert(first, cbBlueRed, cbGreen, offset),
                                                convert(second, cbBlueRed, cbGreen, offset));
     const __m256i crWords = _mm256_packs_epi32(convert(first, crBlueRed, crGreen, offset),
@@ -305,21 +305,6 @@ void chromaRow2x2(const std::uint8_t* upper, const std::uint8_t* lower, std::int
         storeChroma(meanOfTwiceEight(upper, lower), meanOfTwiceEight(upper + 24, lower + 24),
                     cb + i, cr + i);
     chromaSpan2x2(upper, lower, count - i, cb + i, cr + i);
-}
-
-/// Past the caches: there is no use in reading what was there before.
-void streamBlockRow(const std::int8_t* rows, std::int32_t blocks, std::int8_t* out)
-{
-    const auto stride = static_cast<std::size_t>(blocks) * 8;
-    for (std::int32_t x = 0; x < blocks; ++x, rows += 8) {
-        for (std::size_t y = 0; y < 8; y += 2, out += 16) {
-            const __m128i upper =
-                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + y * stride));
-            const __m128i lower =
-                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + (y + 1) * stride));
-            _mm_stream_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi64(upper, lower));
-        }
-    }
 }
 
 const Kernels kAvx2 = {"avx2",        lumaRow,        chromaRow,

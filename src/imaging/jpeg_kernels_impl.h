@@ -9,41 +9,50 @@
 
 #include <cstring>
 
+#if defined(__GNUC__) && defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace varnholt::jpeg {
 namespace {
 
-// 15-bit fractions of the conversion's factors; each triple adds to 1 or 0 exactly.
-constexpr int kLumaBlue = 3735;
-constexpr int kLumaGreen = 19235;
-constexpr int kLumaRed = 9798;
-constexpr int kCbBlue = 16384;
-constexpr int kCbGreen = -10855;
-constexpr int kCbRed = -5529;
-constexpr int kCrBlue = -2664;
-constexpr int kCrGreen = -13720;
-constexpr int kCrRed = 16384;
-constexpr int kColourShift = 15;
-constexpr int kColourRound = 1 << (kColourShift - 1);
-constexpr int kLumaOffset = kColourRound - (128 << kColourShift);
+// 16-bit fractions of the conversion's factors, negated: −32768 fits the 16 bits that the
+// vector multiplications take, 32768 would not. Green's are halved for the same reason, as it
+// is multiplied twice. Each four add to −1 or 0 exactly.
+constexpr int kLumaBlue = -7471;
+constexpr int kLumaGreen[2] = {-19235, -19235};
+constexpr int kLumaRed = -19595;
+constexpr int kCbBlue = -32768;
+constexpr int kCbGreen[2] = {10855, 10855};
+constexpr int kCbRed = 11058;
+constexpr int kCrBlue = 5329;
+constexpr int kCrGreen[2] = {13720, 13719};
+constexpr int kCrRed = -32768;
+constexpr int kColourShift = 16;
+constexpr int kChromaOffset = 1 << (kColourShift - 1);
+constexpr int kLumaOffset = kChromaOffset - (128 << kColourShift);
 
 inline std::int8_t lumaOf(int blue, int green, int red)
 {
-    const int sum = kLumaBlue * blue + kLumaGreen * green + kLumaRed * red + kLumaOffset;
-    return static_cast<std::int8_t>(sum >> kColourShift);
+    const int sum = kLumaBlue * blue + (kLumaGreen[0] + kLumaGreen[1]) * green + kLumaRed * red;
+    return static_cast<std::int8_t>((kLumaOffset - sum) >> kColourShift);
+}
+
+inline std::int8_t limited(int value)
+{
+    return static_cast<std::int8_t>(value > 127 ? 127 : value);
 }
 
 inline std::int8_t cbOf(int blue, int green, int red)
 {
-    const int sum = kCbBlue * blue + kCbGreen * green + kCbRed * red + kColourRound;
-    const int value = sum >> kColourShift;
-    return static_cast<std::int8_t>(value > 127 ? 127 : value);
+    const int sum = kCbBlue * blue + (kCbGreen[0] + kCbGreen[1]) * green + kCbRed * red;
+    return limited((kChromaOffset - sum) >> kColourShift);
 }
 
 inline std::int8_t crOf(int blue, int green, int red)
 {
-    const int sum = kCrBlue * blue + kCrGreen * green + kCrRed * red + kColourRound;
-    const int value = sum >> kColourShift;
-    return static_cast<std::int8_t>(value > 127 ? 127 : value);
+    const int sum = kCrBlue * blue + (kCrGreen[0] + kCrGreen[1]) * green + kCrRed * red;
+    return limited((kChromaOffset - sum) >> kColourShift);
 }
 
 inline void lumaSpan(const std::uint8_t* in, std::int32_t count, std::int8_t* y)
@@ -378,6 +387,23 @@ inline void storeBlockRow(const std::int8_t* rows, std::int32_t blocks, std::int
             std::memcpy(out, rows + y * stride, 8);
     }
 }
+
+#if defined(__GNUC__) && defined(__SSE2__)
+/// The same past the caches: there is no use in reading what was there before.
+inline void streamBlockRow(const std::int8_t* rows, std::int32_t blocks, std::int8_t* out)
+{
+    const auto stride = static_cast<std::size_t>(blocks) * 8;
+    for (std::int32_t x = 0; x < blocks; ++x, rows += 8) {
+        for (std::size_t y = 0; y < 8; y += 2, out += 16) {
+            const __m128i upper =
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + y * stride));
+            const __m128i lower =
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + (y + 1) * stride));
+            _mm_stream_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi64(upper, lower));
+        }
+    }
+}
+#endif
 
 inline void storeBigEndian(std::uint8_t* out, std::uint64_t value)
 {

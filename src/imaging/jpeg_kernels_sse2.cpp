@@ -136,7 +136,7 @@ struct Sse2Block
     Token small(int k) const { return kSmallTokens.of[value(k) & 255]; }
 };
 
-/// Four colours as pairs of 16 bits: blue and red, green and nothing. Reads 16 bytes.
+/// Four colours as pairs of 16 bits: blue and red, green twice. Reads 16 bytes.
 struct ColourPairs
 {
     __m128i blueRed;
@@ -149,8 +149,9 @@ inline ColourPairs loadFour(const std::uint8_t* in)
     const __m128i low = _mm_unpacklo_epi32(v, _mm_srli_si128(v, 3));
     const __m128i high = _mm_unpacklo_epi32(_mm_srli_si128(v, 6), _mm_srli_si128(v, 9));
     const __m128i dwords = _mm_unpacklo_epi64(low, high);
+    const __m128i green = _mm_and_si128(_mm_srli_epi32(dwords, 8), _mm_set1_epi32(0xFF));
     return {_mm_and_si128(dwords, _mm_set1_epi32(0x00FF00FF)),
-            _mm_and_si128(_mm_srli_epi32(dwords, 8), _mm_set1_epi32(0xFF))};
+            _mm_or_si128(green, _mm_slli_epi32(green, 16))};
 }
 
 inline __m128i pairOf(int low, int high)
@@ -162,13 +163,13 @@ inline __m128i convert(const ColourPairs& colours, __m128i blueRed, __m128i gree
 {
     const __m128i sum = _mm_add_epi32(_mm_madd_epi16(colours.blueRed, blueRed),
                                       _mm_madd_epi16(colours.green, green));
-    return _mm_srai_epi32(_mm_add_epi32(sum, offset), kColourShift);
+    return _mm_srai_epi32(_mm_sub_epi32(offset, sum), kColourShift);
 }
 
 void lumaRow(const std::uint8_t* in, std::int32_t count, std::int8_t* y)
 {
     const __m128i blueRed = pairOf(kLumaBlue, kLumaRed);
-    const __m128i green = pairOf(kLumaGreen, 0);
+    const __m128i green = pairOf(kLumaGreen[0], kLumaGreen[1]);
     const __m128i offset = _mm_set1_epi32(kLumaOffset);
     std::int32_t i = 0;
     for (; i + 10 <= count; i += 8, in += 24) {
@@ -183,10 +184,10 @@ inline void storeChroma(const ColourPairs& first, const ColourPairs& second, std
                         std::int8_t* cr)
 {
     const __m128i cbBlueRed = pairOf(kCbBlue, kCbRed);
-    const __m128i cbGreen = pairOf(kCbGreen, 0);
+    const __m128i cbGreen = pairOf(kCbGreen[0], kCbGreen[1]);
     const __m128i crBlueRed = pairOf(kCrBlue, kCrRed);
-    const __m128i crGreen = pairOf(kCrGreen, 0);
-    const __m128i offset = _mm_set1_epi32(kColourRound);
+    const __m128i crGreen = pairOf(kCrGreen[0], kCrGreen[1]);
+    const __m128i offset = _mm_set1_epi32(kChromaOffset);
     const __m128i cbWords = _mm_packs_epi32(convert(first, cbBlueRed, cbGreen, offset),
                                             convert(second, cbBlueRed, cbGreen, offset));
     const __m128i crWords = _mm_packs_epi32(convert(first, crBlueRed, crGreen, offset),
@@ -233,21 +234,6 @@ void chromaRow2x2(const std::uint8_t* upper, const std::uint8_t* lower, std::int
     for (; i + 9 <= count; i += 8, upper += 48, lower += 48)
         storeChroma(meanOfEight(upper, lower), meanOfEight(upper + 24, lower + 24), cb + i, cr + i);
     chromaSpan2x2(upper, lower, count - i, cb + i, cr + i);
-}
-
-/// Past the caches: there is no use in reading what was there before.
-void streamBlockRow(const std::int8_t* rows, std::int32_t blocks, std::int8_t* out)
-{
-    const auto stride = static_cast<std::size_t>(blocks) * 8;
-    for (std::int32_t x = 0; x < blocks; ++x, rows += 8) {
-        for (std::size_t y = 0; y < 8; y += 2, out += 16) {
-            const __m128i upper =
-                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + y * stride));
-            const __m128i lower =
-                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(rows + (y + 1) * stride));
-            _mm_stream_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi64(upper, lower));
-        }
-    }
 }
 
 const Kernels kSse2 = {"sse2",        lumaRow,        chromaRow,
