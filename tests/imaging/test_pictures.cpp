@@ -38,12 +38,14 @@ DeviceContext makePicture(Kind kind, int width, int height, unsigned seed)
     switch (kind) {
     case Kind::Noise:
         fill(context, [&](int, int) {
-            const auto bits = random();
-            return Bgr{byteOf(bits & 255), byteOf((bits >> 8) & 255), byteOf((bits >> 16) & 255)};
+            const auto bits = static_cast<int>(random() & 0xFFFFFF);
+            return Bgr{byteOf(bits & 255), byteOf((bits >> 8) & 255), byteOf(bits >> 16)};
         });
         break;
     case Kind::Flat:
-        fill(context, [&](int, int) { return Bgr{byteOf(seed * 70), byteOf(seed * 31), 200}; });
+        fill(context, [shade = static_cast<int>(seed)](int, int) {
+            return Bgr{byteOf(shade * 70), byteOf(shade * 31), 200};
+        });
         break;
     case Kind::Smooth:
         fill(context, [w = std::max(width, 128), h = std::max(height, 128)](int x, int y) {
@@ -70,10 +72,11 @@ DeviceContext makeIndexed(int width, int height, int bitCount, unsigned seed)
     context.Create(width, height, bitCount);
     std::mt19937 random(seed);
     for (std::size_t i = 0; i < context.BytesPerScanLine() * static_cast<std::size_t>(height); ++i)
-        context.DIBits()[i] = byteOf(random() & 255);
+        context.DIBits()[i] = byteOf(static_cast<int>(random() & 255));
     Bgr table[256];
     for (Bgr& entry : table)
-        entry = {byteOf(random() & 255), byteOf(random() & 255), byteOf(random() & 255)};
+        entry = {byteOf(static_cast<int>(random() & 255)), byteOf(static_cast<int>(random() & 255)),
+                 byteOf(static_cast<int>(random() & 255))};
     context.SetDIBColorTable(0, 1 << bitCount, table);
     return context;
 }
