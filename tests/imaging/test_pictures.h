@@ -1,0 +1,25 @@
+#pragma once
+
+#include "imaging/DeviceContext.h"
+
+namespace varnholt::test {
+
+enum class Kind
+{
+    Noise,
+    Flat,
+    Smooth, ///< slow changes of colour
+    Drawn,  ///< black and coloured strokes on white
+};
+
+/// A 24-bit picture of whole-number arithmetic only, the same in every build.
+DeviceContext makePicture(Kind kind, int width, int height, unsigned seed = 1);
+
+/// Noise at any bit count, below 24 bits with a colour table of its own.
+DeviceContext makeIndexed(int width, int height, int bitCount, unsigned seed = 1);
+
+/// A pixel's place in its row's bytes is worked out afresh here, from the format's definition.
+int indexAt(const BitmapView& view, int x, int y);
+Bgr colourAt(const BitmapView& view, int x, int y);
+
+} // namespace varnholt::test
