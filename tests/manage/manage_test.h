@@ -53,10 +53,8 @@ protected:
     QString text(const char* label) { return control<QLabel>(window.get(), label)->text(); }
     bool enabled(const char* name) { return control<QWidget>(window.get(), name)->isEnabled(); }
     bool shown(const char* name) { return control<QWidget>(window.get(), name)->isVisible(); }
-    QString focus()
-    {
-        return QApplication::focusWidget() ? QApplication::focusWidget()->objectName() : QString();
-    }
+    /// The control that has the focus whenever the window is active.
+    QString focus() { return window->focusWidget()->objectName(); }
 
     QStringList rows(const ListBox& list)
     {
