@@ -1,8 +1,6 @@
 #include "manage/frmNewInfo.h"
 #include "manage_test.h"
 
-#include <memory>
-
 namespace varnholt {
 namespace {
 

@@ -1,0 +1,219 @@
+#include "selection/frmMain.h"
+#include "selection/frmSelect.h"
+#include "support/gui.h"
+#include "support/test_services.h"
+#include "toolkit/PictureView.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include <gtest/gtest.h>
+
+namespace varnholt {
+namespace {
+
+using test::click;
+using test::control;
+
+TEST(ReviewCounts, RunUntilTheNumberAskedForOrTheEndOfThePool)
+{
+    List1<QuestionRecord> pool(4);
+    for (QuestionRecord& question : pool) {
+        question.Selected = false;
+    }
+    Review enough(pool, 2);
+    EXPECT_EQ(enough.leftText(), QStringLiteral("Questions Left to View: 4"));
+    EXPECT_EQ(enough.include(), Review::Next::Show);
+    EXPECT_EQ(enough.exclude(), Review::Next::Show);
+    EXPECT_EQ(enough.selectedText(), QStringLiteral("Questions Selected: 1"));
+    EXPECT_EQ(enough.leftText(), QStringLiteral("Questions Left to View: 2"));
+    EXPECT_EQ(enough.include(), Review::Next::Build);
+    EXPECT_TRUE(pool(1).Selected && !pool(2).Selected && pool(3).Selected && !pool(4).Selected);
+
+    Review few(pool, 4);
+    EXPECT_EQ(few.exclude(), Review::Next::Show);
+    EXPECT_FALSE(pool(1).Selected);
+    few.include();
+    few.exclude();
+    EXPECT_EQ(few.exclude(), Review::Next::Build);
+    EXPECT_EQ(few.leftText(), QStringLiteral("Questions Left to View: 0"));
+    EXPECT_THROW((void)few.question(), std::out_of_range);
+
+    Review none(pool, 1);
+    for (int i = 1; i <= 3; ++i) {
+        EXPECT_EQ(none.exclude(), Review::Next::Show);
+    }
+    EXPECT_EQ(none.exclude(), Review::Next::Close);
+
+    Review cut(pool, 4);
+    cut.include();
+    pool(3).Selected = true;
+    cut.excludeRest();
+    EXPECT_TRUE(pool(1).Selected && !pool(2).Selected && !pool(3).Selected);
+}
+
+/// The selection window with the review on, and the review window it opens for five
+/// questions of which `number` are wanted.
+class ReviewWindow : public testing::Test, protected test::TestWorld
+{
+protected:
+    ReviewWindow()
+    {
+        library.addGenerated(QStringLiteral("A"), 1, 1, 5, true);
+        connection.open(library.databasePath());
+        selection = std::make_unique<frmMain>(services, state, connection);
+        selection->show();
+    }
+
+    void create(int number)
+    {
+        control<QLineEdit>(selection.get(), "txtQuestions")->setText(QString::number(number));
+        click(selection.get(), "cmdCreate");
+        review = nullptr;
+        for (auto* found : selection->findChildren<frmSelect*>()) {
+            if (found->isVisible()) {
+                review = found;
+            }
+        }
+        if (review) {
+            review->activateWindow();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(review));
+        }
+    }
+
+    void key(Qt::Key which) { QTest::keyClick(review->focusWidget(), which); }
+    QString text(const char* label) { return control<QLabel>(review, label)->text(); }
+    /// Shows the question at this position of the pool with everything that belongs to it.
+    bool shows(int position)
+    {
+        const QuestionRecord& question = state.DrawPool(position);
+        return control<PictureView>(review, "imgQuestion")->picture() ==
+                   QImage(library.picturePath(question.PictureIndex)) &&
+               text("lblTopicDescription") == QStringLiteral("Topic 1 - Subtopic 1.1") &&
+               text("lblAnswer") == QStringLiteral("Answer: ") + question.Answer;
+    }
+    void expectClosed(int started)
+    {
+        EXPECT_TRUE(!review || !review->isVisible());
+        EXPECT_TRUE(selection->isEnabled());
+        EXPECT_EQ(presentations.started, started);
+    }
+    QStringList pictures() { return presentations.calls.filter(QStringLiteral("addPicture")); }
+
+    std::unique_ptr<frmMain> selection;
+    QPointer<frmSelect> review;
+};
+
+TEST_F(ReviewWindow, IncludingTheNumberAskedForBuildsInPoolOrder)
+{
+    create(2);
+    ASSERT_NE(review, nullptr);
+    EXPECT_EQ(review->windowTitle(), QStringLiteral("Select Questions"));
+    EXPECT_FALSE(review->isModal());
+    EXPECT_FALSE(selection->isEnabled());
+    EXPECT_EQ(text("lblCount1"), QStringLiteral("Questions Selected: 0"));
+    EXPECT_EQ(text("lblCount2"), QStringLiteral("Questions Left to View: 5"));
+    EXPECT_TRUE(shows(1));
+    key(Qt::Key_I);
+    EXPECT_EQ(text("lblCount1"), QStringLiteral("Questions Selected: 1"));
+    EXPECT_EQ(text("lblCount2"), QStringLiteral("Questions Left to View: 4"));
+    EXPECT_TRUE(shows(2));
+    key(Qt::Key_E);
+    EXPECT_TRUE(shows(3));
+    EXPECT_EQ(text("lblCount1"), QStringLiteral("Questions Selected: 1"));
+    click(review, "cmdInclude");
+    expectClosed(1);
+    ASSERT_EQ(pictures().size(), 2);
+    for (const int position : {1, 3}) {
+        EXPECT_TRUE(pictures()[position / 2].contains(
+            library.picturePath(state.DrawPool(position).PictureIndex)));
+    }
+
+    // Each opening starts afresh.
+    create(1);
+    EXPECT_EQ(text("lblCount2"), QStringLiteral("Questions Left to View: 5"));
+    key(Qt::Key_Return); // the focus is on Include
+    expectClosed(2);
+    EXPECT_EQ(pictures().size(), 1);
+}
+
+TEST_F(ReviewWindow, ExcludingEverythingBuildsNothing)
+{
+    create(5);
+    for (int i = 1; i <= 5; ++i) {
+        EXPECT_TRUE(shows(i));
+        click(review, "cmdExclude");
+    }
+    expectClosed(0);
+}
+
+TEST_F(ReviewWindow, CreateBuildsWhatIsIncludedSoFar)
+{
+    control<QRadioButton>(selection.get(), "optTopicNo")->setChecked(true);
+    create(5);
+    click(review, "cmdInclude");
+    click(review, "cmdCreate");
+    expectClosed(1);
+    EXPECT_EQ(pictures().size(), 1);
+    EXPECT_TRUE(presentations.calls.contains(QStringLiteral("setShapeText 1 #1")));
+
+    // With nothing included there is only the answer key's title, or nothing to show.
+    create(5);
+    click(review, "cmdCreate");
+    expectClosed(2);
+    EXPECT_EQ(presentations.calls.filter(QStringLiteral("addBlankSlide")).size(), 1);
+    control<QRadioButton>(selection.get(), "optKeyNo")->setChecked(true);
+    messages.expectInform(QStringLiteral("Error"), QStringLiteral("no such slide"));
+    create(5);
+    click(review, "cmdCreate");
+    expectClosed(3);
+}
+
+TEST_F(ReviewWindow, CancelEscapeAndClosingBuildNothing)
+{
+    const std::vector<std::function<void()>> ways{[&] { click(review, "cmdCancel"); },
+                                                  [&] { key(Qt::Key_Escape); },
+                                                  [&] { review->close(); }};
+    for (const auto& way : ways) {
+        create(3);
+        key(Qt::Key_I);
+        way();
+        expectClosed(0);
+    }
+    // Leaving the selection window takes the review with it.
+    create(3);
+    selection->close();
+    EXPECT_FALSE(review && review->isVisible());
+}
+
+TEST_F(ReviewWindow, AMissingPictureClosesTheReview)
+{
+    const auto expectMissing = [this] {
+        messages.expectInform(
+            QStringLiteral("File Missing"),
+            QStringLiteral("One of the questions you have selected is missing the picture file.  "
+                           "Please go to Manage Assessments and delete the question that is "
+                           "missing the picture file."));
+    };
+    // Decoded ahead already, but gone when its turn comes.
+    create(5);
+    QFile::remove(library.picturePath(state.DrawPool(2).PictureIndex));
+    expectMissing();
+    key(Qt::Key_I);
+    expectClosed(0);
+
+    for (int key = 1; key <= 5; ++key) {
+        QFile::remove(library.picturePath(key));
+    }
+    expectMissing();
+    create(5);
+    expectClosed(0);
+}
+
+} // namespace
+} // namespace varnholt
