@@ -218,8 +218,8 @@ std::int64_t allowedBytes(qint64 archiveBytes, const QString& folder, const Unpa
 
 } // namespace
 
-QString UnpackArchive(const QString& archivePath, const QString& folder,
-                      const UnpackLimits& limits, const UnpackProgress& progress)
+QString UnpackArchive(const QString& archivePath, const QString& folder, const UnpackLimits& limits,
+                      const UnpackProgress& progress)
 {
     QFile file(archivePath);
     if (!QFileInfo(archivePath).isFile() || !file.open(QIODevice::ReadOnly)) {

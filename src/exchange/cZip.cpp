@@ -25,7 +25,7 @@ constexpr std::array<char, 22> emptyArchive{'P', 'K', 5, 6};
 zip_int32_t compressionOf(const QString& name)
 {
     return name.endsWith(QStringLiteral(".txt"), Qt::CaseInsensitive) ? ZIP_CM_DEFLATE
-                                                                       : ZIP_CM_STORE;
+                                                                      : ZIP_CM_STORE;
 }
 
 /// Adds the files to an open archive; libzip reads them when the archive is closed.
@@ -38,14 +38,14 @@ bool addMembers(zip_t* archive, const List1<QString>& files)
         if (!source) {
             return false;
         }
-        const zip_int64_t index = zip_file_add(archive, name.toUtf8().constData(), source.get(),
-                                               ZIP_FL_ENC_UTF_8);
+        const zip_int64_t index =
+            zip_file_add(archive, name.toUtf8().constData(), source.get(), ZIP_FL_ENC_UTF_8);
         if (index < 0) {
             return false;
         }
         static_cast<void>(source.release());
-        if (zip_set_file_compression(archive, static_cast<zip_uint64_t>(index),
-                                     compressionOf(name), 0) != 0) {
+        if (zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), compressionOf(name),
+                                     0) != 0) {
             return false;
         }
     }
@@ -133,8 +133,7 @@ bool cZip::pack(ArchiveFile& target, const List1<QString>& files, ProgressLabel&
                                 static_cast<zip_uint16_t>(comment.size())) != 0) {
         return false;
     }
-    FileCounter counter{files.upperBound(),
-                        [&](int file) { UpdateProgress(file, back, face); },
+    FileCounter counter{files.upperBound(), [&](int file) { UpdateProgress(file, back, face); },
                         [&] { face.processEvents(); }};
     zip_register_progress_callback_with_state(archive.get(), 0, &FileCounter::report, nullptr,
                                               &counter);
@@ -163,8 +162,7 @@ void cZip::CreateEmptyZip(const QString& path)
     }
 }
 
-void cZip::InitProgress(std::int32_t first, std::int32_t last, ProgressLabel& back,
-                        ProgressLabel&)
+void cZip::InitProgress(std::int32_t first, std::int32_t last, ProgressLabel& back, ProgressLabel&)
 {
     ProgressWidth_ = back.width();
     ProgressFirst_ = first;
@@ -178,8 +176,7 @@ void cZip::UpdateProgress(std::int32_t current, ProgressLabel&, ProgressLabel& f
     ProgressCurrent_ = std::abs(current - ProgressFirst_) + 1;
     face.setWidth(ProgressWidth_ * static_cast<float>(ProgressCurrent_) /
                   static_cast<float>(ProgressTotal_));
-    face.setCaption(
-        QString::number(std::int64_t{ProgressCurrent_} * 100 / ProgressTotal_) + u'%');
+    face.setCaption(QString::number(std::int64_t{ProgressCurrent_} * 100 / ProgressTotal_) + u'%');
     face.processEvents();
 }
 

@@ -60,11 +60,10 @@ void LoadAssessmentInfo(ProgramState& state, Connection& connection, MessageBoxe
 bool holdsDoubleQuote(const ProgramState& state)
 {
     const auto holds = [](const QString& text) { return text.contains(u'"'); };
-    const auto current = std::find_if(
-        state.AssessmentList.begin(), state.AssessmentList.end(),
-        [&](const AssessmentRecord& record) {
-            return record.AssessmentNum == state.CurrentAssessmentNum;
-        });
+    const auto current = std::find_if(state.AssessmentList.begin(), state.AssessmentList.end(),
+                                      [&](const AssessmentRecord& record) {
+                                          return record.AssessmentNum == state.CurrentAssessmentNum;
+                                      });
     return anyText(state, holds) ||
            (current != state.AssessmentList.end() && holds(current->AssessmentName));
 }

@@ -47,9 +47,8 @@ QByteArray encodeText(QStringView text, TextEncoding encoding)
         return text.toUtf8();
     }
     QByteArray bytes(text.size(), Qt::Uninitialized);
-    std::transform(text.begin(), text.end(), bytes.begin(), [](QChar character) {
-        return toByte(character.unicode()).value_or('?');
-    });
+    std::transform(text.begin(), text.end(), bytes.begin(),
+                   [](QChar character) { return toByte(character.unicode()).value_or('?'); });
     return bytes;
 }
 

@@ -114,9 +114,8 @@ void SyncFileSystem(const QString& folder)
         ::close(descriptor);
     }
     if (!done) {
-        throw Error(
-            QStringLiteral("The pictures could not be put on the disk (%1).")
-                .arg(QString::fromStdString(std::generic_category().message(reason))));
+        throw Error(QStringLiteral("The pictures could not be put on the disk (%1).")
+                        .arg(QString::fromStdString(std::generic_category().message(reason))));
     }
 #else
     const QDir dir(folder);
