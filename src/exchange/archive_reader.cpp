@@ -178,7 +178,7 @@ private:
                 throw damaged(member, zip_file_strerror(source));
             }
             if (got == 0) {
-                return;
+                break;
             }
             size += got;
             left_ -= got;
@@ -189,6 +189,11 @@ private:
                 throw Error(target.errorString());
             }
             pulse();
+        }
+        zip_stat_t declared;
+        if (zip_stat_index(archive_, member.index, 0, &declared) != 0 ||
+            declared.size != static_cast<zip_uint64_t>(size)) {
+            throw damaged(member, "its size is not the one declared");
         }
     }
 
