@@ -1,5 +1,7 @@
 #include "app/frmAssessment.h"
 
+#include "exchange/frmExport.h"
+#include "exchange/frmImport.h"
 #include "info/InfoWindow.h"
 #include "manage/frmManage.h"
 #include "selection/frmMain.h"
@@ -76,8 +78,8 @@ void frmAssessment::buildMenu()
     addEntry("mnuCreate", QStringLiteral("&Create PowerPoints"), &frmAssessment::mnuCreate_Click);
     addEntry("mnuManageAssessments", QStringLiteral("&Manage Assessments"),
              &frmAssessment::mnuManageAssessments_Click);
-    addEntry("mnuExport", QStringLiteral("E&xport Assessment"), nullptr);
-    addEntry("mnuImport", QStringLiteral("&Import Assessment"), nullptr);
+    addEntry("mnuExport", QStringLiteral("E&xport Assessment"), &frmAssessment::mnuExport_Click);
+    addEntry("mnuImport", QStringLiteral("&Import Assessment"), &frmAssessment::mnuImport_Click);
     addEntry("mnuTutorial", QStringLiteral("Tutorial &Videos"), &frmAssessment::mnuTutorial_Click);
     addEntry("mnAbout", QStringLiteral("A&bout"), &frmAssessment::mnAbout_Click);
 
@@ -104,6 +106,9 @@ void frmAssessment::openChild(const Maker& make)
         return;
     }
     child_ = make();
+    // A child may also close by itself.
+    child_->setAttribute(Qt::WA_DeleteOnClose);
+    connect(child_, &QObject::destroyed, lblEmpty_, &QWidget::show);
     lblEmpty_->hide();
     childArea_->addWidget(child_, 1);
     child_->show();
@@ -118,6 +123,16 @@ void frmAssessment::mnuCreate_Click()
 void frmAssessment::mnuManageAssessments_Click()
 {
     openChild([this] { return new frmManage(services_, state_, connection_, nullptr); });
+}
+
+void frmAssessment::mnuExport_Click()
+{
+    openChild([this] { return new frmExport(services_, state_, connection_); });
+}
+
+void frmAssessment::mnuImport_Click()
+{
+    openChild([this] { return new frmImport(services_, connection_); });
 }
 
 void frmAssessment::mnuTutorial_Click()

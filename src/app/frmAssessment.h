@@ -33,6 +33,8 @@ public:
 public Q_SLOTS:
     void mnuCreate_Click();
     void mnuManageAssessments_Click();
+    void mnuExport_Click();
+    void mnuImport_Click();
     void mnuTutorial_Click();
     void mnAbout_Click();
 

@@ -49,6 +49,16 @@ LongWork::LongWork(QWidget* window, const QString& label, Cancel cancel)
         dialog_->setCancelButton(nullptr);
         dialog_->setWindowFlag(Qt::WindowCloseButtonHint, false);
     }
+    takeOver();
+}
+
+LongWork::LongWork()
+{
+    takeOver();
+}
+
+void LongWork::takeOver()
+{
     QApplication::setOverrideCursor(Qt::WaitCursor);
     qApp->installEventFilter(this);
 }

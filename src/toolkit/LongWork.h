@@ -27,16 +27,20 @@ public:
 
     /// `label` says what is being done. The window may be null.
     LongWork(QWidget* window, const QString& label, Cancel cancel);
+    /// For a window that shows the progress itself.
+    LongWork();
     ~LongWork() override;
 
     /// Step `step` of `steps` is being done now. Throws `Cancelled` when the user has asked
-    /// to stop.
+    /// to stop. Not for a window that shows the progress itself.
     void progress(int step, int steps);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void takeOver();
+
     std::unique_ptr<QProgressDialog> dialog_;
 };
 

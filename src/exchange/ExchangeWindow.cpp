@@ -1,0 +1,254 @@
+#include "exchange/ExchangeWindow.h"
+
+#include "toolkit/LongWork.h"
+#include "toolkit/controls.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace varnholt {
+
+namespace {
+
+constexpr int patienceMs = 500;
+/// Often enough for a smooth bar, and no cost beside the work.
+constexpr int eventsEveryMs = 15;
+
+/// The bar's fill. Its caption is printed where the back prints its own, in the colour that
+/// reads on the fill, so that one number runs across both.
+class FaceLabel : public QLabel
+{
+public:
+    explicit FaceLabel(QLabel* back)
+        : QLabel(back)
+        , back_(back)
+    {}
+
+    void setShare(float share)
+    {
+        share_ = share;
+        const QRect area = back_->contentsRect();
+        setGeometry(area.x(), area.y(), qRound(share_ * static_cast<float>(area.width())),
+                    area.height());
+    }
+    [[nodiscard]] float share() const { return share_; }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.fillRect(rect(), palette().highlight());
+        painter.setPen(palette().color(QPalette::HighlightedText));
+        painter.drawText(QRect(QPoint(), back_->contentsRect().size()), Qt::AlignCenter, text());
+    }
+
+private:
+    QLabel* back_;
+    float share_ = 0;
+};
+
+class BackLabel : public QLabel
+{
+public:
+    FaceLabel* face = nullptr;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override
+    {
+        QLabel::resizeEvent(event);
+        face->setShare(face->share());
+    }
+};
+
+} // namespace
+
+/// `lblBack` and `lblFace`, as the packing sees them.
+class ProgressBarLabels
+{
+public:
+    ProgressBarLabels()
+        : lblBack_(named(new BackLabel, "lblBack"))
+        , lblFace_(named(new FaceLabel(lblBack_), "lblFace", QStringLiteral("Progress")))
+        , back_(*this)
+        , face_(*this)
+    {
+        lblBack_->face = lblFace_;
+        lblBack_->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+        lblBack_->setBackgroundRole(QPalette::Base);
+        lblBack_->setForegroundRole(QPalette::Text);
+        lblBack_->setAutoFillBackground(true);
+        lblBack_->setAlignment(Qt::AlignCenter);
+        lblBack_->setMinimumHeight(lblBack_->fontMetrics().height() * 3 / 2);
+        QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+        policy.setRetainSizeWhenHidden(true);
+        lblBack_->setSizePolicy(policy);
+        setVisible(false);
+    }
+
+    [[nodiscard]] QLabel* widget() const { return lblBack_; }
+    [[nodiscard]] ProgressLabel& back() { return back_; }
+    [[nodiscard]] ProgressLabel& face() { return face_; }
+
+    void setVisible(bool visible)
+    {
+        if (!visible) {
+            show(0, QString());
+        }
+        lblBack_->setVisible(visible);
+        lblFace_->setVisible(visible);
+    }
+
+    void show(float share, const QString& caption)
+    {
+        lblFace_->setShare(share);
+        setCaption(caption);
+    }
+
+    void processEvents()
+    {
+        if (!sinceEvents_.isValid() || sinceEvents_.elapsed() >= eventsEveryMs) {
+            QCoreApplication::processEvents();
+            sinceEvents_.start();
+        }
+    }
+
+private:
+    class Label : public ProgressLabel
+    {
+    public:
+        explicit Label(ProgressBarLabels& bar)
+            : bar_(bar)
+        {}
+        [[nodiscard]] float width() const override
+        {
+            return static_cast<float>(bar_.lblBack_->contentsRect().width());
+        }
+        void setWidth(float faceWidth) override { bar_.lblFace_->setShare(faceWidth / width()); }
+        void setCaption(const QString& caption) override { bar_.setCaption(caption); }
+        void processEvents() override { bar_.processEvents(); }
+
+    private:
+        ProgressBarLabels& bar_;
+    };
+
+    void setCaption(const QString& caption)
+    {
+        lblFace_->setText(caption);
+        lblBack_->setText(caption);
+    }
+
+    BackLabel* lblBack_;
+    FaceLabel* lblFace_;
+    Label back_;
+    Label face_;
+    QElapsedTimer sinceEvents_;
+};
+
+ExchangeWindow::ExchangeWindow(const char* objectName, const QString& title)
+    : bar_(std::make_unique<ProgressBarLabels>())
+{
+    setObjectName(QLatin1String(objectName));
+    setWindowTitle(title);
+}
+
+ExchangeWindow::~ExchangeWindow() = default;
+
+void ExchangeWindow::buildColumn(const QList<QWidget*>& controls, QPushButton* startButton)
+{
+    startButton_ = startButton;
+    auto* lblTitle = makeLabel("lblTitle", windowTitle());
+    QFont large = lblTitle->font();
+    large.setPointSizeF(large.pointSizeF() * 1.5);
+    large.setBold(true);
+    lblTitle->setFont(large);
+
+    auto* column = new QWidget;
+    column->setMaximumWidth(fontMetrics().averageCharWidth() * 80);
+    auto* rows = new QVBoxLayout(column);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->addWidget(lblTitle);
+    rows->addSpacing(fontMetrics().height());
+    for (QWidget* control : controls) {
+        rows->addWidget(control);
+    }
+    rows->addSpacing(fontMetrics().height() / 2);
+    rows->addWidget(bar_->widget());
+    rows->addSpacing(fontMetrics().height() / 2);
+    rows->addWidget(startButton, 0, Qt::AlignRight);
+    rows->addStretch();
+
+    auto* middle = new QHBoxLayout(this);
+    const int space = 2 * fontMetrics().height();
+    middle->setContentsMargins(space, space, space, space);
+    middle->addStretch(1);
+    middle->addWidget(column, 1000);
+    middle->addStretch(1);
+}
+
+void ExchangeWindow::closeEvent(QCloseEvent* event)
+{
+    event->setAccepted(!running_);
+}
+
+void ExchangeWindow::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        startButton_->click();
+        break;
+    case Qt::Key_Escape:
+        close();
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void ExchangeWindow::beginWork()
+{
+    work_ = std::make_unique<LongWork>();
+    sinceBegin_.start();
+}
+
+void ExchangeWindow::endWork()
+{
+    work_.reset();
+}
+
+void ExchangeWindow::showBar()
+{
+    bar_->setVisible(true);
+}
+
+void ExchangeWindow::hideBar()
+{
+    bar_->setVisible(false);
+}
+
+ProgressLabel& ExchangeWindow::backLabel()
+{
+    return bar_->back();
+}
+
+ProgressLabel& ExchangeWindow::faceLabel()
+{
+    return bar_->face();
+}
+
+void ExchangeWindow::progress(const QString& what, std::int64_t done, std::int64_t all)
+{
+    if (!bar_->widget()->isVisible() && sinceBegin_.elapsed() >= patienceMs) {
+        showBar();
+    }
+    if (bar_->widget()->isVisible() && all > 0) {
+        bar_->show(static_cast<float>(done) / static_cast<float>(all),
+                   what + QString::number(done * 100 / all) + u'%');
+    }
+    bar_->processEvents();
+}
+
+} // namespace varnholt

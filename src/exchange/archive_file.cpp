@@ -1,0 +1,138 @@
+#include "exchange/archive_file.h"
+
+#include "exchange/work_folder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace varnholt {
+
+namespace {
+
+constexpr qsizetype bufferSize = 256 * 1024;
+
+} // namespace
+
+ArchiveFile::ArchiveFile(const QString& path)
+    : file_(path)
+{
+    buffer_.reserve(bufferSize);
+    zip_error_init(&error_);
+}
+
+bool ArchiveFile::open()
+{
+    return file_.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+}
+
+ZipSourceHandle ArchiveFile::source()
+{
+    return ZipSourceHandle(zip_source_function_create(&ArchiveFile::command, this, &error_));
+}
+
+bool ArchiveFile::write(const char* bytes, qint64 size)
+{
+    while (size > 0) {
+        const qint64 offset = position_ - bufferStart_;
+        if (offset == bufferSize) {
+            if (!flush()) {
+                return false;
+            }
+            continue;
+        }
+        const qint64 part = std::min<qint64>(size, bufferSize - offset);
+        if (offset + part > buffer_.size()) {
+            buffer_.resize(offset + part);
+        }
+        std::memcpy(buffer_.data() + offset, bytes, static_cast<std::size_t>(part));
+        position_ += part;
+        bytes += part;
+        size -= part;
+    }
+    return true;
+}
+
+bool ArchiveFile::flush()
+{
+    const bool done =
+        file_.seek(bufferStart_) && file_.write(buffer_) == static_cast<qint64>(buffer_.size());
+    buffer_.resize(0);
+    bufferStart_ = position_;
+    return done;
+}
+
+bool ArchiveFile::commit()
+{
+    if (!flush() || !SyncFile(file_)) {
+        file_.cancelWriting();
+        file_.commit();
+        return false;
+    }
+    return file_.commit();
+}
+
+zip_int64_t ArchiveFile::command(void* self, void* data, zip_uint64_t length,
+                                 zip_source_cmd_t command)
+{
+    return static_cast<ArchiveFile*>(self)->perform(data, length, command);
+}
+
+zip_int64_t ArchiveFile::perform(void* data, zip_uint64_t length, zip_source_cmd_t command)
+{
+    const auto fail = [this](int code, int system) {
+        zip_error_set(&error_, code, system);
+        return zip_int64_t{-1};
+    };
+    switch (command) {
+    case ZIP_SOURCE_STAT:
+        // To libzip there is no archive yet.
+        return fail(ZIP_ER_READ, ENOENT);
+    case ZIP_SOURCE_BEGIN_WRITE:
+    case ZIP_SOURCE_FREE:
+        return 0;
+    case ZIP_SOURCE_WRITE:
+        return write(static_cast<const char*>(data), static_cast<qint64>(length))
+                   ? static_cast<zip_int64_t>(length)
+                   : fail(ZIP_ER_WRITE, ENOSPC);
+    case ZIP_SOURCE_SEEK_WRITE: {
+        const zip_int64_t target = zip_source_seek_compute_offset(
+            static_cast<zip_uint64_t>(position_),
+            static_cast<zip_uint64_t>(
+                std::max(file_.size(), bufferStart_ + qint64{buffer_.size()})),
+            data, length, &error_);
+        if (target < 0) {
+            return -1;
+        }
+        const bool buffered = target >= bufferStart_ && target <= bufferStart_ + buffer_.size();
+        if (!buffered && !flush()) {
+            return fail(ZIP_ER_WRITE, ENOSPC);
+        }
+        position_ = target;
+        if (!buffered) {
+            bufferStart_ = target;
+        }
+        return 0;
+    }
+    case ZIP_SOURCE_TELL_WRITE:
+        return position_;
+    case ZIP_SOURCE_COMMIT_WRITE:
+        return commit() ? 0 : fail(ZIP_ER_WRITE, ENOSPC);
+    case ZIP_SOURCE_ROLLBACK_WRITE:
+    case ZIP_SOURCE_REMOVE:
+        file_.cancelWriting();
+        return 0;
+    case ZIP_SOURCE_ERROR:
+        return zip_error_to_data(&error_, data, length);
+    case ZIP_SOURCE_SUPPORTS:
+        return zip_source_make_command_bitmap(
+            ZIP_SOURCE_OPEN, ZIP_SOURCE_READ, ZIP_SOURCE_CLOSE, ZIP_SOURCE_STAT, ZIP_SOURCE_ERROR,
+            ZIP_SOURCE_FREE, ZIP_SOURCE_SEEK, ZIP_SOURCE_TELL, ZIP_SOURCE_BEGIN_WRITE,
+            ZIP_SOURCE_COMMIT_WRITE, ZIP_SOURCE_ROLLBACK_WRITE, ZIP_SOURCE_WRITE,
+            ZIP_SOURCE_SEEK_WRITE, ZIP_SOURCE_TELL_WRITE, ZIP_SOURCE_REMOVE, -1);
+    default:
+        return fail(ZIP_ER_OPNOTSUPP, 0);
+    }
+}
+
+} // namespace varnholt

@@ -1,0 +1,269 @@
+#include "exchange/archive_reader.h"
+
+#include "exchange/libzip_handles.h"
+#include "exchange/package_fields.h"
+#include "store/errors.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+#include <QStorageInfo>
+#include <QtEndian>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace varnholt {
+
+namespace {
+
+struct Member
+{
+    zip_uint64_t index;
+    /// The name it gets in the folder.
+    QString name;
+};
+
+/// Refuses an archive whose directory would take too much memory to read. libzip holds the
+/// whole of it, but never believes in more entries than the directory's size has room for.
+void checkDirectorySize(QFile& archive, std::int64_t members)
+{
+    constexpr qint64 endRecord = 22;
+    constexpr qint64 longestComment = 0xffff;
+    constexpr qint64 locator = 20;
+    constexpr qint64 endRecord64 = 56;
+    constexpr qint64 generousEntry = 1024;
+
+    const qint64 size = archive.size();
+    const qint64 start = std::max<qint64>(0, size - endRecord - longestComment - locator);
+    archive.seek(start);
+    const QByteArray tail = archive.read(size - start);
+    const auto refuseAbove = [&](quint64 directoryBytes) {
+        if (directoryBytes > static_cast<quint64>(members * generousEntry)) {
+            throw Error(QStringLiteral("The archive holds far too many files."));
+        }
+    };
+    for (qsizetype at = tail.indexOf("PK\5\6"); at >= 0; at = tail.indexOf("PK\5\6", at + 1)) {
+        if (tail.size() - at < endRecord) {
+            break;
+        }
+        const char* record = tail.constData() + at;
+        if (at + endRecord + qFromLittleEndian<quint16>(record + 20) > tail.size()) {
+            continue;
+        }
+        if (at < locator || !tail.sliced(at - locator).startsWith("PK\6\7")) {
+            refuseAbove(qFromLittleEndian<quint32>(record + 12));
+            continue;
+        }
+        const auto offset = qFromLittleEndian<quint64>(record - locator + 8);
+        if (offset < static_cast<quint64>(size) && archive.seek(static_cast<qint64>(offset))) {
+            const QByteArray bytes = archive.read(endRecord64);
+            if (bytes.size() == endRecord64) {
+                refuseAbove(qFromLittleEndian<quint64>(bytes.constData() + 40));
+            }
+        }
+    }
+}
+
+bool isOrdinaryFile(zip_t* archive, zip_uint64_t index)
+{
+    zip_uint8_t system = 0;
+    zip_uint32_t attributes = 0;
+    if (zip_file_get_external_attributes(archive, index, 0, &system, &attributes) != 0) {
+        return false;
+    }
+    constexpr zip_uint32_t msdosVolumeOrFolder = 0x18;
+    if ((attributes & msdosVolumeOrFolder) != 0) {
+        return false;
+    }
+    // Links and devices say so here, whatever system the archive claims to come from.
+    constexpr zip_uint32_t kindMask = 0170000;
+    constexpr zip_uint32_t ordinary = 0100000;
+    const zip_uint32_t kind = (attributes >> 16) & kindMask;
+    return kind == 0 || kind == ordinary;
+}
+
+bool isPlainCharacter(QChar character)
+{
+    return character == u' ' ||
+           (character.isPrint() && !QStringLiteral("/\\:*?\"<>|").contains(character));
+}
+
+/// The name under which a member is written; none when it is left out.
+std::optional<QString> ownName(const QString& name)
+{
+    constexpr qsizetype longest = 100;
+    if (name.isEmpty() || name.size() > longest || name.startsWith(u'.') || name.endsWith(u'.') ||
+        name.endsWith(u' ') || !std::all_of(name.begin(), name.end(), isPlainCharacter)) {
+        return std::nullopt;
+    }
+    for (const QString& known : {topicsFile, subTopicsFile, questionsFile, assessmentInfoFile}) {
+        if (name.compare(known, Qt::CaseInsensitive) == 0) {
+            return known;
+        }
+    }
+    bool isKey = false;
+    const std::int32_t key = name.section(u'.', 0, 0).toInt(&isKey);
+    if (isKey && name.compare(pictureMember(key), Qt::CaseInsensitive) == 0) {
+        return pictureMember(key);
+    }
+    return name;
+}
+
+std::vector<Member> membersToTake(zip_t* archive)
+{
+    std::vector<Member> members;
+    QSet<QString> names;
+    const zip_int64_t count = zip_get_num_entries(archive, 0);
+    for (zip_uint64_t i = 0; i < static_cast<zip_uint64_t>(count); ++i) {
+        const char* given = zip_get_name(archive, i, ZIP_FL_ENC_GUESS);
+        const std::optional<QString> name = ownName(QString::fromUtf8(given ? given : ""));
+        if (!name || !isOrdinaryFile(archive, i)) {
+            continue;
+        }
+        // Folded, because file systems may not tell the two apart.
+        const QString folded = name->toCaseFolded();
+        if (names.contains(folded)) {
+            throw Error(QStringLiteral("The archive holds two files named %1.").arg(*name));
+        }
+        names.insert(folded);
+        members.push_back({i, *name});
+    }
+    return members;
+}
+
+/// Takes members out of an archive and keeps count of what they cost.
+class Unpacking
+{
+public:
+    Unpacking(zip_t* archive, const QString& folder, std::int64_t memberBytes,
+              std::int64_t allBytes)
+        : archive_(archive)
+        , folder_(folder)
+        , memberBytes_(memberBytes)
+        , left_(allBytes)
+        , buffer_(256 * 1024)
+    {}
+
+    template <typename Pulse>
+    void take(const Member& member, Pulse pulse)
+    {
+        const ZipFileHandle source(zip_fopen_index(archive_, member.index, 0));
+        if (!source) {
+            throw damaged(member, zip_strerror(archive_));
+        }
+        QFile target(folder_ + u'/' + member.name);
+        if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
+            throw Error(target.errorString());
+        }
+        try {
+            copy(member, source.get(), target, pulse);
+        } catch (...) {
+            target.remove();
+            throw;
+        }
+    }
+
+private:
+    template <typename Pulse>
+    void copy(const Member& member, zip_file_t* source, QFile& target, Pulse pulse)
+    {
+        std::int64_t size = 0;
+        for (;;) {
+            const zip_int64_t got = zip_fread(source, buffer_.data(), buffer_.size());
+            if (got < 0) {
+                throw damaged(member, zip_file_strerror(source));
+            }
+            if (got == 0) {
+                break;
+            }
+            size += got;
+            left_ -= got;
+            if (size > memberBytes_ || left_ < 0) {
+                throw Error(QStringLiteral("The archive unpacks to far more than a package."));
+            }
+            if (target.write(buffer_.data(), got) != got) {
+                throw Error(target.errorString());
+            }
+            pulse();
+        }
+        zip_stat_t declared;
+        if (zip_stat_index(archive_, member.index, 0, &declared) != 0 ||
+            declared.size != static_cast<zip_uint64_t>(size)) {
+            throw damaged(member, "its size is not the one declared");
+        }
+    }
+
+    static Error damaged(const Member& member, const char* reason)
+    {
+        return Error(QStringLiteral("The file %1 in the archive cannot be read (%2).")
+                         .arg(member.name, QString::fromUtf8(reason)));
+    }
+
+    zip_t* archive_;
+    QString folder_;
+    std::int64_t memberBytes_;
+    std::int64_t left_;
+    std::vector<char> buffer_;
+};
+
+std::int64_t allowedBytes(qint64 archiveBytes, const QString& folder, const UnpackLimits& limits)
+{
+    std::int64_t allowed = limits.freeBytes + limits.growth * archiveBytes;
+    const QStorageInfo disk(folder);
+    if (disk.isValid() && disk.bytesAvailable() >= 0) {
+        allowed = std::min(allowed,
+                           std::max<std::int64_t>(0, disk.bytesAvailable() - limits.diskReserve));
+    }
+    return allowed;
+}
+
+} // namespace
+
+QString UnpackArchive(const QString& archivePath, const QString& folder, const UnpackLimits& limits,
+                      const UnpackProgress& progress)
+{
+    QFile file(archivePath);
+    if (!QFileInfo(archivePath).isFile() || !file.open(QIODevice::ReadOnly)) {
+        throw Error(QStringLiteral("The archive cannot be read: %1")
+                        .arg(QDir::toNativeSeparators(archivePath)));
+    }
+    checkDirectorySize(file, limits.members);
+    const qint64 archiveBytes = file.size();
+    file.close();
+
+    int code = 0;
+    const ZipArchiveHandle archive(
+        zip_open(QFile::encodeName(archivePath).constData(), ZIP_RDONLY, &code));
+    if (!archive) {
+        throw Error(QStringLiteral("This is not a readable zip archive (%1).").arg(code));
+    }
+    if (zip_get_num_entries(archive.get(), 0) > limits.members) {
+        throw Error(QStringLiteral("The archive holds far too many files."));
+    }
+
+    const std::vector<Member> members = membersToTake(archive.get());
+    Unpacking unpacking(archive.get(), folder, limits.memberBytes,
+                        allowedBytes(archiveBytes, folder, limits));
+    const int count = static_cast<int>(members.size());
+    int done = 0;
+    const auto report = [&] {
+        if (progress) {
+            progress(done, count);
+        }
+    };
+    for (const Member& member : members) {
+        unpacking.take(member, report);
+        ++done;
+        report();
+    }
+
+    int length = 0;
+    const char* comment = zip_get_archive_comment(archive.get(), &length, ZIP_FL_ENC_RAW);
+    return QString::fromLatin1(comment, comment ? length : 0);
+}
+
+} // namespace varnholt

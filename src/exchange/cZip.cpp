@@ -1,0 +1,183 @@
+#include "exchange/cZip.h"
+
+#include "exchange/archive_file.h"
+#include "exchange/archive_reader.h"
+#include "exchange/progress_label.h"
+#include "store/errors.h"
+#include "store/services.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <exception>
+
+namespace varnholt {
+
+namespace {
+
+/// The end record of an archive with no members and no comment.
+constexpr std::array<char, 22> emptyArchive{'P', 'K', 5, 6};
+
+/// Compression of a member, decided by its name: pictures are packed already.
+zip_int32_t compressionOf(const QString& name)
+{
+    return name.endsWith(QStringLiteral(".txt"), Qt::CaseInsensitive) ? ZIP_CM_DEFLATE
+                                                                      : ZIP_CM_STORE;
+}
+
+/// Adds the files to an open archive; libzip reads them when the archive is closed.
+bool addMembers(zip_t* archive, const List1<QString>& files)
+{
+    for (const QString& path : files) {
+        const QString name = QFileInfo(path).fileName();
+        ZipSourceHandle source(
+            zip_source_file_create(QFile::encodeName(path).constData(), 0, -1, nullptr));
+        if (!source) {
+            return false;
+        }
+        const zip_int64_t index =
+            zip_file_add(archive, name.toUtf8().constData(), source.get(), ZIP_FL_ENC_UTF_8);
+        if (index < 0) {
+            return false;
+        }
+        static_cast<void>(source.release());
+        if (zip_set_file_compression(archive, static_cast<zip_uint64_t>(index), compressionOf(name),
+                                     0) != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Turns libzip's reports (the fraction done of all files, each counting the same) into one
+/// call a file.
+struct FileCounter
+{
+    int files;
+    std::function<void(int file)> fileDone;
+    std::function<void()> pulse;
+    int done = 0;
+    /// Must not travel through libzip.
+    std::exception_ptr failure = nullptr;
+
+    static void report(zip_t*, double fraction, void* self)
+    {
+        static_cast<FileCounter*>(self)->advance(fraction);
+    }
+
+    void advance(double fraction)
+    {
+        constexpr double rounding = 1e-6;
+        try {
+            const int reached = static_cast<int>(fraction * files + rounding);
+            if (done >= reached) {
+                pulse();
+            }
+            while (done < reached) {
+                fileDone(++done);
+            }
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+};
+
+} // namespace
+
+cZip::cZip(MessageBoxes& messages)
+    : messages_(messages)
+{}
+
+bool cZip::AddFilesToZip(const List1<QString>& files, ProgressLabel& back, ProgressLabel& face)
+{
+    ArchiveFile target(ZipFileName_);
+    if (!target.open()) {
+        messages_.inform(QStringLiteral("Varnholt"),
+                         QStringLiteral("Error %1 (%2) in procedure AddFilesToZip of Modulo di "
+                                        "classe clsZip")
+                             .arg(static_cast<int>(target.file().error()))
+                             .arg(target.file().errorString()));
+        return false;
+    }
+    InitProgress(1, files.upperBound(), back, face);
+    if (!pack(target, files, back, face)) {
+        messages_.inform(
+            QStringLiteral("Export Error"),
+            QStringLiteral("There is a problem creating this export file.  Please try again."));
+        return false;
+    }
+    return true;
+}
+
+bool cZip::pack(ArchiveFile& target, const List1<QString>& files, ProgressLabel& back,
+                ProgressLabel& face)
+{
+    if (files.isEmpty()) {
+        // libzip writes no archive without members.
+        return target.write(emptyArchive.data(), emptyArchive.size()) && target.commit();
+    }
+    ZipSourceHandle sink = target.source();
+    ZipArchiveHandle archive(
+        sink ? zip_open_from_source(sink.get(), ZIP_CREATE | ZIP_TRUNCATE, nullptr) : nullptr);
+    if (!archive) {
+        return false;
+    }
+    static_cast<void>(sink.release());
+
+    const QByteArray comment = comment_.toLatin1();
+    if (!addMembers(archive.get(), files) ||
+        zip_set_archive_comment(archive.get(), comment.constData(),
+                                static_cast<zip_uint16_t>(comment.size())) != 0) {
+        return false;
+    }
+    FileCounter counter{files.upperBound(), [&](int file) { UpdateProgress(file, back, face); },
+                        [&] { face.processEvents(); }};
+    zip_register_progress_callback_with_state(archive.get(), 0, &FileCounter::report, nullptr,
+                                              &counter);
+    const bool closed = zip_close(archive.get()) == 0;
+    if (closed) {
+        static_cast<void>(archive.release());
+    }
+    if (counter.failure) {
+        std::rethrow_exception(counter.failure);
+    }
+    return closed;
+}
+
+bool cZip::UnzipToFolder(const QString& sFolderName)
+{
+    comment_ = UnpackArchive(ZipFileName_, sFolderName, {}, unzipProgress);
+    return false;
+}
+
+void cZip::CreateEmptyZip(const QString& path)
+{
+    ArchiveFile target(path);
+    if (!target.open() || !target.write(emptyArchive.data(), emptyArchive.size()) ||
+        !target.commit()) {
+        throw Error(target.file().errorString());
+    }
+}
+
+void cZip::InitProgress(std::int32_t first, std::int32_t last, ProgressLabel& back, ProgressLabel&)
+{
+    ProgressWidth_ = back.width();
+    ProgressFirst_ = first;
+    const std::int32_t total = first == 1 ? last : std::abs(last - first) + (first < 1 ? 1 : 0);
+    ProgressTotal_ = std::max(total, 1);
+    ProgressCurrent_ = 1;
+}
+
+void cZip::UpdateProgress(std::int32_t current, ProgressLabel&, ProgressLabel& face)
+{
+    ProgressCurrent_ = std::abs(current - ProgressFirst_) + 1;
+    face.setWidth(ProgressWidth_ * static_cast<float>(ProgressCurrent_) /
+                  static_cast<float>(ProgressTotal_));
+    face.setCaption(QString::number(std::int64_t{ProgressCurrent_} * 100 / ProgressTotal_) + u'%');
+    face.processEvents();
+}
+
+} // namespace varnholt

@@ -1,0 +1,273 @@
+#include "exchange/package_import.h"
+
+#include "exchange/cZip.h"
+#include "exchange/package_export.h"
+#include "exchange/package_fields.h"
+#include "exchange/work_folder.h"
+#include "exchange/work_view.h"
+#include "store/connection.h"
+#include "store/picture_files.h"
+#include "store/services.h"
+#include "store/statements.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <optional>
+
+namespace varnholt {
+
+PackageImport::PackageImport(Services& services, Connection& connection)
+    : services_(services)
+    , connection_(connection)
+{}
+
+QString PackageImport::inWorkFolder(const QString& file) const
+{
+    return services_.programFolder + QStringLiteral("/Import/") + file;
+}
+
+QString PackageImport::GetAssessmentInfo(const QString& strFile)
+{
+    try {
+        return FieldReader(strFile, encoding).text();
+    } catch (const Error&) {
+        services_.messageBoxes->inform(
+            QStringLiteral("Import Error"),
+            QStringLiteral("This file does not appear to be a compatiable export file.  Import "
+                           "will be aborted."));
+        return {};
+    }
+}
+
+bool PackageImport::CheckAssessmentName(const QString& strAssessment)
+{
+    return !connection_.read(statements::SelectAssessmentsNamed(strAssessment)).next();
+}
+
+std::int32_t PackageImport::newKey(const QString& statement, const char* field)
+{
+    Recordset rows = connection_.read(statement);
+    const int position = rows.field(field);
+    rows.next();
+    return rows.integer(position);
+}
+
+std::int32_t PackageImport::AddAssessment(const QString& strAssessment)
+{
+    connection_.execute(statements::InsertAssessment(strAssessment));
+    return newKey(statements::SelectMaxAssessmentNum(), "NewAssessmentNum");
+}
+
+void PackageImport::LoadImportTopics(std::int32_t AssessmentNum, const QString& file)
+{
+    ImportTopics.clear();
+    newTopicIds_.clear();
+    TopicsImported = 0;
+    FieldReader reader(file, encoding);
+    while (!reader.atEnd()) {
+        ImportTopicRecord& record = ImportTopics.append({});
+        TopicsImported = toInt16(ImportTopics.upperBound());
+        record.OldTopicID = reader.number();
+        record.Topic = reader.text();
+        record.AssessmentNum = AssessmentNum;
+        connection_.execute(statements::InsertTopic(record.Topic, AssessmentNum));
+        record.MappedTopicID = newKey(statements::SelectMaxTopicID(), "maxvalue");
+        newTopicIds_.insert(record.OldTopicID, record.MappedTopicID);
+    }
+}
+
+void PackageImport::LoadImportSubTopics(std::int32_t AssessmentNum, const QString& file)
+{
+    ImportSubTopics.clear();
+    newSubTopicIds_.clear();
+    SubtopicsImported = 0;
+    FieldReader reader(file, encoding);
+    while (!reader.atEnd()) {
+        ImportSubTopicRecord& record = ImportSubTopics.append({});
+        SubtopicsImported = toInt16(ImportSubTopics.upperBound());
+        record.OldTopicID = reader.number();
+        record.SubTopic = reader.text();
+        record.OldSubTopicNum = reader.number();
+        record.AssessmentNum = AssessmentNum;
+        record.MappedTopicID = GetNewTopicID(record.OldTopicID);
+        connection_.execute(
+            statements::InsertSubtopic(record.MappedTopicID, record.SubTopic, AssessmentNum));
+        record.MappedSubTopicNum = newKey(statements::SelectMaxSubTopicNum(), "maxvalue");
+        newSubTopicIds_.insert(record.OldSubTopicNum, record.MappedSubTopicNum);
+    }
+}
+
+void PackageImport::LoadImportQuestions(std::int32_t AssessmentNum, const QString& file)
+{
+    ImportQuestions.clear();
+    placedOldKeys_.clear();
+    placedPictures_.clear();
+    QuestionsImported = 0;
+    FieldReader reader(file, encoding);
+    while (!reader.atEnd()) {
+        ImportQuestionRecord& record = ImportQuestions.append({});
+        QuestionsImported = toInt16(ImportQuestions.upperBound());
+        record.OldSOLIndex = reader.number();
+        record.OldTopicID = reader.number();
+        record.Answer = reader.text();
+        record.OldSubTopicNum = reader.number();
+        record.AssessmentNum = AssessmentNum;
+        record.MappedTopicID = GetNewTopicID(record.OldTopicID);
+        record.MappedSubTopicNum = GetNewSubTopicID(record.OldSubTopicNum);
+        connection_.execute(statements::InsertQuestion(record.MappedTopicID, record.Answer,
+                                                       AssessmentNum, record.MappedSubTopicNum));
+        record.MappedSOLIndex = newKey(statements::SelectMaxSOLIndex(), "maxvalue");
+        placePicture(record);
+        if (questionProgress) {
+            questionProgress(reader.position(), reader.size());
+        }
+    }
+}
+
+void PackageImport::placePicture(const ImportQuestionRecord& question)
+{
+    const QString target = NewPictureFile(services_.programFolder, question.MappedSOLIndex);
+    // Two questions may name one picture; each gets its own bytes.
+    const bool first = !placedOldKeys_.contains(question.OldSOLIndex);
+    placedOldKeys_.insert(question.OldSOLIndex);
+    PlaceFile(inWorkFolder(pictureMember(question.OldSOLIndex)), target,
+              first ? Placing::MayShare : Placing::Copy);
+    placedPictures_.push_back(target);
+}
+
+void PackageImport::removePlacedPictures()
+{
+    for (const QString& path : placedPictures_) {
+        QFile::remove(path);
+    }
+    placedPictures_.clear();
+}
+
+std::int32_t PackageImport::GetNewTopicID(std::int32_t intOldID) const
+{
+    return newTopicIds_.value(intOldID, 0);
+}
+
+std::int32_t PackageImport::GetNewSubTopicID(std::int32_t intOldID) const
+{
+    return newSubTopicIds_.value(intOldID, 0);
+}
+
+void PackageImport::reportFailure()
+{
+    services_.messageBoxes->inform(QStringLiteral("Import Error"),
+                                   QStringLiteral("There was an error importing the file."));
+}
+
+void PackageImport::unpack(WorkView& view, const QString& archivePath)
+{
+    const BusyStretch busy(view);
+    cZip zip(*services_.messageBoxes);
+    zip.setZipFileName(archivePath);
+    zip.unzipProgress = [&view](int member, int members) {
+        view.progress(QStringLiteral("Unpacking: "), member, members);
+    };
+    zip.UnzipToFolder(services_.programFolder + QStringLiteral("/Import"));
+    encoding = zip.comment().contains(QStringLiteral("UTF-8"), Qt::CaseInsensitive)
+                   ? TextEncoding::Utf8
+                   : TextEncoding::Windows1252;
+}
+
+QString PackageImport::askForName(QString name)
+{
+    const QString title = QStringLiteral("Assessment Name");
+    MessageBoxes& messages = *services_.messageBoxes;
+    name = messages
+               .inputText(title, QStringLiteral("What do you want to call the import assessment?"),
+                          name)
+               .trimmed();
+    while (!name.isEmpty() && !CheckAssessmentName(name)) {
+        name = messages
+                   .inputText(title,
+                              QStringLiteral("That assessment name already exists.  Please enter "
+                                             "another assessment name."),
+                              name)
+                   .trimmed();
+    }
+    return name;
+}
+
+void PackageImport::loadLists(WorkView& view, std::int32_t assessmentNum)
+{
+    const BusyStretch busy(view);
+    questionProgress = [&view](std::int64_t done, std::int64_t all) {
+        view.progress(QStringLiteral("Importing: "), done, all);
+    };
+    LoadImportTopics(assessmentNum, inWorkFolder(topicsFile));
+    LoadImportSubTopics(assessmentNum, inWorkFolder(subTopicsFile));
+    LoadImportQuestions(assessmentNum, inWorkFolder(questionsFile));
+    if (!placedPictures_.empty()) {
+        SyncFileSystem(QFileInfo(placedPictures_.front()).absolutePath());
+    }
+}
+
+void PackageImport::insertAll(WorkView& view, const QString& name)
+{
+    placedPictures_.clear();
+    Transaction transaction(connection_);
+    std::int32_t assessmentNum = 0;
+    try {
+        assessmentNum = AddAssessment(name);
+    } catch (...) {
+        transaction.commit();
+        throw;
+    }
+    try {
+        loadLists(view, assessmentNum);
+        transaction.commit();
+    } catch (const std::exception&) {
+        reportFailure();
+        try {
+            connection_.execute(statements::DeleteAssessment(assessmentNum));
+            transaction.commit();
+        } catch (const Error&) {
+            // The rows went with the transaction, and their keys will be given out again.
+            removePlacedPictures();
+        }
+        return;
+    }
+    services_.messageBoxes->inform(QStringLiteral("Import Complete"),
+                                   QStringLiteral("Import was successful.\r\n\r\n"
+                                                  "Topics Imported: %1\r\n"
+                                                  "Subtopics Imported: %2\r\n"
+                                                  "Questions Imported: %3")
+                                       .arg(TopicsImported)
+                                       .arg(SubtopicsImported)
+                                       .arg(QuestionsImported));
+    EmptyWorkFolder(services_.programFolder + QStringLiteral("/Import"));
+}
+
+void PackageImport::run(WorkView& view)
+{
+    const QString workFolder = services_.programFolder + QStringLiteral("/Import");
+    EmptyWorkFolder(workFolder);
+    const std::optional<QString> archivePath =
+        services_.fileDialogs->openFile(QStringLiteral("Zip Files (*.zip)"));
+    if (!archivePath) {
+        return;
+    }
+    try {
+        unpack(view, *archivePath);
+        view.hideBar();
+        QString name = GetAssessmentInfo(inWorkFolder(assessmentInfoFile));
+        if (!name.isEmpty()) {
+            name = askForName(name);
+        }
+        if (name.isEmpty()) {
+            EmptyWorkFolder(workFolder);
+            return;
+        }
+        insertAll(view, name);
+    } catch (const std::exception&) {
+        reportFailure();
+    }
+    view.hideBar();
+}
+
+} // namespace varnholt

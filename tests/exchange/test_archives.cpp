@@ -1,0 +1,348 @@
+#include "exchange/archive_reader.h"
+#include "exchange/cZip.h"
+#include "exchange/exchange_world.h"
+#include "exchange/zip_maker.h"
+#include "store/errors.h"
+
+#include <zip.h>
+
+#include <QStandardPaths>
+
+#include <sys/stat.h>
+
+namespace varnholt {
+namespace {
+
+using namespace test;
+
+class Archive : public testing::Test
+{
+protected:
+    Archive() { QDir(folder.path()).mkdir(QStringLiteral("out")); }
+
+    [[nodiscard]] QString at(const char* name) const
+    {
+        return folder.filePath(QLatin1String(name));
+    }
+    [[nodiscard]] std::string unpacked() const { return listing(at("out")); }
+
+    /// Unpacks the bytes; the comment, or "refused".
+    QString unpack(const QByteArray& archive, const UnpackLimits& limits = {})
+    {
+        writeFile(at("a.zip"), archive);
+        try {
+            return UnpackArchive(at("a.zip"), at("out"), limits);
+        } catch (const Error& error) {
+            EXPECT_FALSE(error.message().isEmpty());
+            return QStringLiteral("refused");
+        }
+    }
+
+    bool add(const List1<QString>& files)
+    {
+        zip.setZipFileName(at("a.zip"));
+        return zip.AddFilesToZip(files, back, face);
+    }
+
+    void expectPackingProblem()
+    {
+        messages.expectInform(
+            QStringLiteral("Export Error"),
+            QStringLiteral("There is a problem creating this export file.  Please try again."));
+    }
+
+    QTemporaryDir folder;
+    ScriptedMessageBoxes messages;
+    cZip zip{messages};
+    FakeLabel back;
+    FakeLabel face;
+};
+
+List1<QString> listOf(std::initializer_list<QString> paths)
+{
+    List1<QString> list;
+    for (const QString& path : paths) {
+        list.append(path);
+    }
+    return list;
+}
+
+TEST_F(Archive, KeepsOrderPacksTextsAndShowsProgressOnceAFile)
+{
+    List1<QString> files;
+    for (const char* name : {"b.txt", "a.txt", "9.jpg", "10.jpg"}) {
+        writeFile(at(name), QByteArray(300'000, *name));
+        files.append(at(name));
+    }
+    writeFile(at("a.zip"), "an older package");
+    zip.setComment(QStringLiteral("a comment"));
+    ASSERT_TRUE(add(files));
+
+    EXPECT_EQ(face.captions.join(u' ').toStdString(), "25% 50% 75% 100%");
+    EXPECT_EQ(face.widths, (std::vector<float>{200, 50, 100, 150, 200}));
+    EXPECT_GE(face.events, 4);
+    EXPECT_TRUE(back.captions.isEmpty());
+    zip_t* archive =
+        zip_open(at("a.zip").toUtf8().constData(), ZIP_RDONLY | ZIP_CHECKCONS, nullptr);
+    ASSERT_NE(archive, nullptr);
+    std::string members;
+    for (zip_uint64_t i = 0; i < 4; ++i) {
+        zip_stat_t member;
+        zip_stat_index(archive, i, 0, &member);
+        members += std::string(member.name) + (member.comp_method == ZIP_CM_STORE ? " " : "! ");
+    }
+    zip_discard(archive);
+    EXPECT_EQ(members, "b.txt! a.txt! 9.jpg 10.jpg ");
+
+    EXPECT_FALSE(zip.UnzipToFolder(at("out")));
+    EXPECT_EQ(zip.comment(), QStringLiteral("a comment"));
+    EXPECT_EQ(unpacked(), "10.jpg 9.jpg a.txt b.txt");
+    EXPECT_EQ(readFile(at("out/9.jpg")), QByteArray(300'000, '9'));
+    EXPECT_EQ(listing(folder.path()), "10.jpg 9.jpg a.txt a.zip b.txt out/");
+}
+
+TEST_F(Archive, OtherProgramsReadOursWithoutAWarning)
+{
+    writeFile(at("topics.txt"), "1,\"A\"\r\n");
+    writeFile(at("7.jpg"), QByteArray(100'000, 'x'));
+    zip.setComment(QStringLiteral("Text files: UTF-8"));
+    ASSERT_TRUE(add(listOf({at("topics.txt"), at("7.jpg")})));
+    int readers = 0;
+    for (const char* command : {"unzip -tqq a.zip", "bsdtar -xOf a.zip 7.jpg", "7z t -bso0 a.zip",
+                                "python3 -W error -m zipfile -t a.zip", "jar tf a.zip"}) {
+        QStringList words = QString::fromLatin1(command).split(u' ');
+        const QString program = words.takeFirst();
+        if (!QStandardPaths::findExecutable(program).isEmpty()) {
+            ++readers;
+            EXPECT_FALSE(runProgram(program, words, folder.path())
+                             .contains(QStringLiteral("warning"), Qt::CaseInsensitive));
+        }
+    }
+    EXPECT_GE(readers, 1);
+}
+
+TEST_F(Archive, ProgressFollowsItsArithmetic)
+{
+    struct Case
+    {
+        int first, last, current;
+        const char* caption;
+    };
+    for (const Case& c : {Case{1, 3, 1, "33%"}, Case{1, 3, 2, "66%"}, Case{0, 3, 3, "100%"},
+                          Case{5, 9, 7, "75%"}, Case{-1, 2, 0, "50%"}}) {
+        zip.InitProgress(c.first, c.last, back, face);
+        zip.UpdateProgress(c.current, back, face);
+        EXPECT_EQ(face.captions.back().toStdString(), c.caption);
+    }
+    EXPECT_FLOAT_EQ(face.widths.back(), 100);
+}
+
+TEST_F(Archive, FailuresAreToldAndLeaveTheOldPackage)
+{
+    writeFile(at("a.zip"), "an older package");
+    writeFile(at("1.jpg"), QByteArray(3'000'000, 'x'));
+
+    expectPackingProblem();
+    EXPECT_FALSE(add(listOf({at("1.jpg"), at("missing.jpg")})));
+    expectPackingProblem();
+    EXPECT_FALSE(add(listOf({at("1.jpg"), at("1.jpg")})));
+    {
+        const FileSizeLimit fullDisk(1'000'000);
+        expectPackingProblem();
+        EXPECT_FALSE(add(listOf({at("1.jpg")})));
+    }
+    messages.verify();
+    EXPECT_EQ(readFile(at("a.zip")), "an older package");
+    EXPECT_EQ(listing(folder.path()), "1.jpg a.zip out/");
+
+    for (const char* path : {"/proc/a.zip", "/nowhere/a.zip"}) {
+        zip.setZipFileName(QLatin1String(path));
+        messages.expectInform(QStringLiteral("Varnholt"),
+                              QStringLiteral("Error 5 (No such file or directory) in procedure "
+                                             "AddFilesToZip of Modulo di classe clsZip"));
+        EXPECT_FALSE(zip.AddFilesToZip(listOf({at("1.jpg")}), back, face));
+        EXPECT_THROW(cZip::CreateEmptyZip(QLatin1String(path)), Error);
+    }
+}
+
+TEST_F(Archive, EmptyArchiveIsTheEndRecordAlone)
+{
+    const QByteArray expected = "PK\5\6" + QByteArray(18, 0);
+    cZip::CreateEmptyZip(at("e.zip"));
+    EXPECT_EQ(readFile(at("e.zip")), expected);
+    EXPECT_TRUE(add({}));
+    EXPECT_EQ(readFile(at("a.zip")), expected);
+    EXPECT_EQ(unpack(expected), QString());
+}
+
+struct Refusal
+{
+    const char* name;
+    std::vector<RawMember> members;
+    /// What stands in the folder afterwards.
+    const char* left = "";
+    UnpackLimits limits = {};
+};
+
+const QByteArray someText = QByteArray("some text ").repeated(50);
+
+class Refused : public Archive, public testing::WithParamInterface<Refusal>
+{};
+
+TEST_P(Refused, WithAReasonAndNoHalfFile)
+{
+    EXPECT_EQ(unpack(makeZip(GetParam().members), GetParam().limits), QStringLiteral("refused"));
+    EXPECT_EQ(unpacked(), GetParam().left);
+}
+
+constexpr qint64 tenGigabytes = qint64{10} << 30;
+constexpr UnpackLimits small{1000, 1000, 1, 0, 3};
+
+INSTANTIATE_TEST_SUITE_P(
+    All, Refused,
+    testing::Values(
+        Refusal{"WrongCrcStored", {{.name = "1.jpg", .data = someText, .crcError = 1}}},
+        Refusal{"WrongCrcDeflated",
+                {{.name = "1.jpg", .data = "x"},
+                 {.name = "2.jpg", .data = someText, .deflated = true, .crcError = 1}},
+                "1.jpg"},
+        Refusal{"Encrypted", {{.name = "1.jpg", .data = someText, .flags = 1}}},
+        Refusal{"UnknownMethod", {{.name = "1.jpg", .data = someText, .method = 97}}},
+        Refusal{"NotDeflated",
+                {{.name = "1.jpg", .data = "\7garbage", .packedFrom = 20, .method = 8}}},
+        Refusal{"DeclaresLess",
+                {{.name = "1.jpg", .data = someText, .deflated = true, .sizeError = -100}}},
+        Refusal{"SameName", {{.name = "1.jpg", .data = "a"}, {.name = "1.jpg", .data = "b"}}},
+        Refusal{"SameNameInOtherCase",
+                {{.name = "1.jpg", .data = "a"}, {.name = "1.JPG", .data = "b"}}},
+        Refusal{"TenGigabytesOfZeros",
+                {{.name = "1.jpg",
+                  .data = deflatedZeros(tenGigabytes),
+                  .packedFrom = tenGigabytes,
+                  .method = 8}}},
+        Refusal{"TenGigabytesDeclaredAsTen",
+                {{.name = "1.jpg",
+                  .data = deflatedZeros(tenGigabytes),
+                  .packedFrom = 10,
+                  .method = 8}}},
+        Refusal{"MemberTooLarge", {{.name = "1.jpg", .data = QByteArray(1001, 'x')}}, "", small},
+        Refusal{"OverlappingMembers",
+                {{.name = "1.jpg", .data = QByteArray(900, 'x')},
+                 {.name = "2.jpg", .data = QByteArray(900, 'x'), .overlaps = true},
+                 {.name = "3.jpg", .data = QByteArray(900, 'x'), .overlaps = true}},
+                "1.jpg",
+                {1000, 1000, 0, 0, 3}},
+        Refusal{"TooManyMembers",
+                {{.name = "1.jpg"}, {.name = "2.jpg"}, {.name = "3.jpg"}, {.name = "4.jpg"}},
+                "",
+                small},
+        Refusal{"DirectoryTooLarge", {{.name = QByteArray(5000, 'x')}}, "", small},
+        Refusal{"DiskTooFull",
+                {{.name = "1.jpg", .data = "x"}},
+                "",
+                {1000, 1000, 1, qint64{1} << 60, 3}}),
+    [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST_F(Archive, WhatIsNoArchiveIsRefused)
+{
+    for (const QByteArray& bytes :
+         {QByteArray(), QByteArray("PK"), QByteArray("PK\5\6"), QByteArray(100'000, 'x'),
+          makeZip({{.name = "1.jpg", .data = "x"}}).chopped(1)}) {
+        EXPECT_EQ(unpack(bytes), QStringLiteral("refused"));
+    }
+    for (const QString& path : {at("missing.zip"), at("out"), QStringLiteral("/dev/zero")}) {
+        EXPECT_THROW(static_cast<void>(UnpackArchive(path, at("out"))), Error);
+    }
+    // Nothing that exists is written to, and a full disk is an error.
+    writeFile(at("out/1.jpg"), "precious");
+    EXPECT_EQ(unpack(makeZip({{.name = "1.jpg", .data = "x"}})), QStringLiteral("refused"));
+    EXPECT_EQ(readFile(at("out/1.jpg")), "precious");
+    const QByteArray large = makeZip({{.name = "2.jpg", .data = QByteArray(500'000, 'x')}});
+    writeFile(at("a.zip"), large);
+    const FileSizeLimit fullDisk(100'000);
+    EXPECT_THROW(static_cast<void>(UnpackArchive(at("a.zip"), at("out"))), Error);
+    EXPECT_EQ(unpacked(), "1.jpg");
+}
+
+TEST_F(Archive, TruncatedAtAnyThousandthByteIsRefused)
+{
+    QByteArray noise(40'000, 0);
+    for (qsizetype i = 0; i < noise.size(); ++i) {
+        noise[i] = static_cast<char>((i * i * 7919) >> 8);
+    }
+    const QByteArray whole = makeZip({{.name = "topics.txt", .data = someText, .deflated = true},
+                                      {.name = "1.jpg", .data = noise},
+                                      {.name = "2.jpg", .data = noise}},
+                                     "Text files: UTF-8");
+    for (qsizetype size = 0; size < whole.size(); size += 1000) {
+        EXPECT_EQ(unpack(whole.first(size)), QStringLiteral("refused")) << size;
+    }
+    EXPECT_EQ(unpacked(), "");
+    EXPECT_EQ(unpack(whole), QStringLiteral("Text files: UTF-8"));
+}
+
+TEST_F(Archive, OnlyPlainNamesAtTheRootAreTaken)
+{
+    constexpr quint32 unixMode = 1u << 16;
+    std::vector<RawMember> members{
+        {.name = "5.JPG", .data = "5"},
+        {.name = "TOPICS.TXT", .data = "t"},
+        {.name = "assessmentinfo.txt", .data = "a"},
+        {.name = "0012.jpg", .data = "not key 12"},
+        {.name = "gr\xc3\xb6\xc3\x9f"
+                 "e.txt",
+         .data = "utf8",
+         .flags = 0x800},
+        {.name = "na\x8bve.txt", .data = "cp437"},
+        {.name = "6.jpg", .data = "/etc/passwd", .attributes = (S_IFLNK | 0777) * unixMode},
+        {.name = "7.jpg", .data = "device", .attributes = (S_IFBLK | 0666) * unixMode},
+        {.name = "8.jpg", .attributes = (S_IFDIR | 0777) * unixMode},
+        {.name = "9.jpg", .attributes = 0x10}};
+    for (const char* name : {"../1.jpg",
+                             "..",
+                             ".",
+                             "",
+                             "/1.jpg",
+                             "/etc/1.jpg",
+                             "C:1.jpg",
+                             "C:\\1.jpg",
+                             "..\\1.jpg",
+                             "sub/",
+                             "sub/1.jpg",
+                             "./1.jpg",
+                             "1.jpg/",
+                             ".1.jpg",
+                             "1.jpg ",
+                             "1.jpg.",
+                             "a\nb",
+                             "a\x7f"
+                             "b",
+                             "what?",
+                             "*"}) {
+        members.push_back({.name = name, .data = "bad"});
+    }
+    members.push_back({.name = QByteArray("1.jpg\0", 6), .data = "bad"});
+    members.push_back({.name = QByteArray(300, 'n'), .data = "bad"});
+    EXPECT_EQ(unpack(makeZip(members)), QString());
+    EXPECT_EQ(unpacked(), "0012.jpg 5.jpg AssessmentInfo.txt größe.txt naïve.txt topics.txt");
+    EXPECT_EQ(readFile(folder.filePath(QStringLiteral("out/naïve.txt"))), "cp437");
+    EXPECT_EQ(listing(folder.path()), "a.zip out/");
+}
+
+TEST_F(Archive, LargeFormatsAreRead)
+{
+    EXPECT_EQ(unpack(makeZip({{.name = "1.jpg", .data = someText}}, {}, Zip64::Yes)), QString());
+    EXPECT_EQ(readFile(at("out/1.jpg")), someText);
+    QFile::remove(at("out/1.jpg"));
+
+    std::vector<RawMember> many(65'535);
+    for (std::size_t i = 0; i < many.size(); ++i) {
+        many[i].name = "left out/" + QByteArray::number(qlonglong(i)) + ".jpg";
+    }
+    many.push_back({.name = "2.jpg", .data = someText});
+    EXPECT_EQ(unpack(makeZip(many, {}, Zip64::Yes)), QString());
+    EXPECT_EQ(unpacked(), "2.jpg");
+}
+
+} // namespace
+} // namespace varnholt

@@ -1,0 +1,159 @@
+#include "exchange/exchange_world.h"
+#include "exchange/frmExport.h"
+#include "exchange/frmImport.h"
+#include "exchange/zip_maker.h"
+#include "support/gui.h"
+#include "toolkit/ComboBox.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QTimer>
+
+namespace varnholt {
+namespace {
+
+using namespace test;
+
+class ExchangeWindows : public testing::Test, protected ExchangeWorld
+{
+protected:
+    void open(std::unique_ptr<ExchangeWindow> window)
+    {
+        form = std::move(window);
+        form->resize(700, 400);
+        form->show();
+        form->activateWindow();
+        form->setFocus();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
+    }
+    void openExport() { open(std::make_unique<frmExport>(services, state, connection)); }
+    void openImport() { open(std::make_unique<frmImport>(services, connection)); }
+
+    QLabel* label(const char* name) { return control<QLabel>(form.get(), name); }
+
+    std::unique_ptr<ExchangeWindow> form;
+};
+
+TEST_F(ExchangeWindows, ShowTheirTextsAndAreIdleAtFirst)
+{
+    openExport();
+    EXPECT_EQ(label("lblAssessment")->text().remove(u'&'), QStringLiteral("Assessment to Export:"));
+    EXPECT_EQ(label("lblMessage")->text(),
+              QStringLiteral("Exporting may take a couple of minutes."));
+    EXPECT_EQ(control<QPushButton>(form.get(), "cmdExport")->text().remove(u'&'),
+              QStringLiteral("Export"));
+    EXPECT_FALSE(label("lblBack")->isVisible() || label("lblFace")->isVisible());
+    // Nothing to export.
+    EXPECT_FALSE(control<QPushButton>(form.get(), "cmdExport")->isEnabled());
+    EXPECT_EQ(control<ComboBox>(form.get(), "cboAssessment")->listCount(), 0);
+
+    openImport();
+    EXPECT_EQ(label("lblMessage")->text(),
+              QStringLiteral("Importing may take a couple of minutes."));
+    EXPECT_EQ(control<QPushButton>(form.get(), "cmdImport")->text().remove(u'&'),
+              QStringLiteral("Import"));
+    EXPECT_TRUE(control<QPushButton>(form.get(), "cmdImport")->hasFocus());
+    QTest::keyClick(form->focusWidget(), Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
+}
+
+TEST_F(ExchangeWindows, ChoosingAnAssessmentMakesItCurrent)
+{
+    const auto first = library.addGenerated(QStringLiteral("A"), 1, 2, 3);
+    const auto second = library.addGenerated(QStringLiteral("B"), 2, 2, 3);
+    library.sql(QStringLiteral("UPDATE Topics SET Topic = '5\" nails' WHERE AssessmentNum = 2"));
+    openExport();
+    auto* combo = control<ComboBox>(form.get(), "cboAssessment");
+    EXPECT_TRUE(combo->hasFocus());
+    EXPECT_EQ(state.CurrentAssessmentNum, first);
+    EXPECT_EQ(state.QuestionList.upperBound(), 6);
+    EXPECT_FALSE(label("lblQuoteHint")->isVisible());
+    QTest::keyClick(combo, Qt::Key_Down);
+    EXPECT_EQ(state.CurrentAssessmentNum, second);
+    EXPECT_EQ(state.QuestionList.upperBound(), 12);
+    EXPECT_TRUE(label("lblQuoteHint")->isVisible());
+
+    // Half a catalogue is not exported.
+    connection.close();
+    for (const char* what : {"topics", "subtopics", "questions"}) {
+        messages.expectInform(
+            QStringLiteral("Database Error"),
+            QStringLiteral("There was an error loading the %1.").arg(QLatin1String(what)));
+    }
+    combo->setListIndex(0);
+    EXPECT_FALSE(control<QPushButton>(form.get(), "cmdExport")->isEnabled());
+}
+
+TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
+{
+    library.addGenerated(QStringLiteral("A"), 1, 1, 400, true);
+    for (int key = 1; key <= 400; ++key) {
+        writeFile(library.picturePath(key), QByteArray(200'000, 'x'));
+    }
+    openExport();
+    std::vector<int> widths;
+    bool busy = false;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (label("lblBack")->isVisible()) {
+            widths.push_back(label("lblFace")->width());
+            EXPECT_TRUE(label("lblFace")->text().endsWith(u'%'));
+            busy = QApplication::overrideCursor() != nullptr;
+        }
+        QTest::mouseClick(control<QPushButton>(form.get(), "cmdExport"), Qt::LeftButton);
+        static_cast<frmExport*>(form.get())->cmdExport_Click();
+        EXPECT_FALSE(form->close());
+    });
+    timer.start(0);
+    files.answers.emplace_back(package());
+    messages.expectInform(QStringLiteral("Export Complete"),
+                          QStringLiteral("Export was successful."));
+    messages.beforeAnswer = [&] {
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        EXPECT_EQ(label("lblFace")->text(), QStringLiteral("100%"));
+        EXPECT_EQ(label("lblFace")->width(), label("lblBack")->contentsRect().width());
+        EXPECT_FALSE(form->close());
+    };
+    QTest::keyClick(form->focusWidget(), Qt::Key_Return);
+    timer.stop();
+
+    EXPECT_TRUE(busy);
+    ASSERT_GE(widths.size(), 2u);
+    EXPECT_TRUE(std::is_sorted(widths.begin(), widths.end()));
+    EXPECT_LT(widths.front(), widths.back());
+    EXPECT_FALSE(label("lblBack")->isVisible());
+    EXPECT_EQ(files.calls.size(), 1u);
+    EXPECT_TRUE(form->close());
+}
+
+TEST_F(ExchangeWindows, MissingPictureClosesTheExport)
+{
+    library.addGenerated(QStringLiteral("A"), 1, 1, 1);
+    openExport();
+    messages.expectInform(
+        QStringLiteral("File Missing"),
+        QStringLiteral("Export was aborted because one of the questions is missing a picture "
+                       "file.  Please go to Manage Assessments and delete that question."));
+    click(form.get(), "cmdExport");
+    EXPECT_FALSE(form->isVisible());
+}
+
+TEST_F(ExchangeWindows, ImportRunsFromItsButton)
+{
+    writeFile(package(), makeZip({{.name = "AssessmentInfo.txt", .data = "\"P\""},
+                                  {.name = "topics.txt"},
+                                  {.name = "subtopics.txt"},
+                                  {.name = "questions.txt"}}));
+    openImport();
+    files.answers.emplace_back(package());
+    expectNameQuestion(QStringLiteral("P"), QStringLiteral("P"));
+    expectImported(0, 0, 0);
+    messages.beforeAnswer = [&] { EXPECT_FALSE(form->close()); };
+    click(form.get(), "cmdImport");
+    EXPECT_EQ(files.calls.at(0), QStringLiteral("open Zip Files (*.zip)"));
+    EXPECT_TRUE(form->close());
+}
+
+} // namespace
+} // namespace varnholt

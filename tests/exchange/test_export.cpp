@@ -1,0 +1,183 @@
+#include "exchange/archive_reader.h"
+#include "exchange/exchange_world.h"
+#include "exchange/package_export.h"
+#include "store/catalogue.h"
+#include "store/picture_files.h"
+
+namespace varnholt {
+namespace {
+
+using namespace test;
+
+class Export : public testing::Test, protected ExchangeWorld
+{
+protected:
+    Export()
+    {
+        assessment = library.addAssessment(QStringLiteral("Algebra/1"));
+        const auto topic = library.addTopic(assessment, QStringLiteral("Adding, subtracting"));
+        const auto sub = library.addSubTopic(assessment, topic, QStringLiteral("Fractions"));
+        first = library.addQuestion(assessment, topic, sub, QStringLiteral("½"));
+        second = library.addQuestion(assessment, topic, 999, QStringLiteral("b"));
+        library.sql(QStringLiteral("UPDATE Questions SET Answer = 'a' || char(13,10) || 'b' "
+                                   "WHERE SOLIndex = 2"));
+        // As the authoring window of another system may have left it.
+        QFile::rename(library.picturePath(first), FindOther());
+        state.CurrentAssessmentNum = assessment;
+        LoadAssessments(state, connection, messages);
+        LoadCurrentAssessment(state, connection, messages);
+    }
+
+    [[nodiscard]] QString FindOther() const
+    {
+        return library.picturePath(first).chopped(3) + QStringLiteral("JPG");
+    }
+
+    [[nodiscard]] QString work(const char* file = "") const
+    {
+        return library.folder() + QStringLiteral("/Export/") + QLatin1String(file);
+    }
+
+    PackageExport::End run()
+    {
+        view.calls.clear();
+        return PackageExport(services, state, QStringLiteral("Algebra/1")).run(view);
+    }
+
+    void expectSuccess()
+    {
+        files.answers.emplace_back(package());
+        messages.expectInform(QStringLiteral("Export Complete"),
+                              QStringLiteral("Export was successful."));
+    }
+
+    /// A member of the package, byte for byte; the others' names are noted.
+    QString contents(const char* member)
+    {
+        const QTemporaryDir out;
+        comment = UnpackArchive(package(), out.path());
+        members = listing(out.path());
+        return QString::fromLatin1(readFile(out.filePath(QLatin1String(member))));
+    }
+
+    std::int32_t assessment = 0;
+    std::int32_t first = 0;
+    std::int32_t second = 0;
+    QString comment;
+    std::string members;
+};
+
+TEST_F(Export, WritesThePackageAndCleansUp)
+{
+    QDir(library.folder()).mkdir(QStringLiteral("Export"));
+    writeFile(work("77.jpg"), "left by an aborted run");
+    const QByteArray picture = readFile(FindOther());
+    expectSuccess();
+    messages.beforeAnswer = [this] {
+        view.calls.append(QStringLiteral("message"));
+        EXPECT_EQ(listing(work()), QStringLiteral("%1.jpg %2.jpg AssessmentInfo.txt questions.txt "
+                                                  "subtopics.txt topics.txt")
+                                       .arg(first)
+                                       .arg(second)
+                                       .toStdString());
+    };
+    EXPECT_EQ(run(), PackageExport::End::WindowStays);
+
+    EXPECT_EQ(files.calls.at(0), QStringLiteral("save Zip Files (*.zip)|Algebra-1"));
+    EXPECT_EQ(view.calls.join(u' ').toStdString(),
+              "begin Collecting:  end hide begin show end message hide");
+    EXPECT_EQ(view.face.captions.join(u' ').toStdString(), "16% 33% 50% 66% 83% 100%");
+    EXPECT_EQ(listing(work()), "");
+    EXPECT_EQ(contents("topics.txt"), QStringLiteral("1,\"Adding, subtracting\"\r\n"));
+    EXPECT_EQ(contents("subtopics.txt"), QStringLiteral("1,\"Fractions\",1\r\n"));
+    EXPECT_EQ(contents("AssessmentInfo.txt"), QStringLiteral("\"Algebra/1\"\r\n"));
+    EXPECT_EQ(contents("questions.txt").toLatin1(),
+              QByteArray("1,1,\"\xbd\",1\r\n2,1,\"a\r\nb\",999\r\n"));
+    EXPECT_EQ(contents("1.jpg").toLatin1(), picture);
+    EXPECT_EQ(readFile(FindOther()), picture);
+}
+
+TEST_F(Export, TextsBeyondTheCodePageMakeTheWholePackageUtf8)
+{
+    expectSuccess();
+    run();
+    contents("topics.txt");
+    EXPECT_EQ(comment, QString());
+    library.sql(QStringLiteral("UPDATE SubTopics SET SubTopic = 'π ≤ 漢字'"));
+    LoadCurrentAssessment(state, connection, messages);
+    expectSuccess();
+    run();
+    EXPECT_EQ(contents("subtopics.txt").toLatin1(), "1,\"π ≤ 漢字\",1\r\n");
+    EXPECT_EQ(contents("questions.txt").toLatin1().left(9), "1,1,\"½\",");
+    EXPECT_EQ(comment, utf8Comment);
+}
+
+TEST_F(Export, EmptyAssessmentIsFourTextFiles)
+{
+    state.CurrentAssessmentNum = library.addAssessment(QStringLiteral("Empty"));
+    LoadCurrentAssessment(state, connection, messages);
+    expectSuccess();
+    run();
+    EXPECT_EQ(contents("questions.txt"), QString());
+    EXPECT_EQ(members, "AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
+}
+
+TEST_F(Export, MissingPictureAbortsBeforeTheDialog)
+{
+    QFile::remove(library.picturePath(second));
+    messages.expectInform(
+        QStringLiteral("File Missing"),
+        QStringLiteral("Export was aborted because one of the questions is missing a picture "
+                       "file.  Please go to Manage Assessments and delete that question."));
+    EXPECT_EQ(run(), PackageExport::End::WindowCloses);
+    EXPECT_TRUE(files.calls.empty());
+    EXPECT_EQ(listing(work()), "1.jpg AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
+}
+
+TEST_F(Export, FailuresEndAsDescribed)
+{
+    // Cancelled: silent, and the work folder stays.
+    files.answers.emplace_back(std::nullopt);
+    EXPECT_EQ(run(), PackageExport::End::WindowStays);
+    EXPECT_EQ(view.calls.back(), QStringLiteral("hide"));
+    EXPECT_NE(listing(work()), "");
+
+    // The packing has told; no success, and the work folder is emptied.
+    files.answers.emplace_back(QStringLiteral("/nowhere/p.zip"));
+    messages.expectInform(QStringLiteral("Varnholt"),
+                          QStringLiteral("Error 5 (No such file or directory) in procedure "
+                                         "AddFilesToZip of Modulo di classe clsZip"));
+    run();
+    EXPECT_EQ(listing(work()), "");
+
+    // No place for the text files.
+    QDir(work()).removeRecursively();
+    writeFile(work().chopped(1), "a file in the way");
+    messages.expectInform(QStringLiteral("Export Error"),
+                          QStringLiteral("There was an error creating this export file."));
+    EXPECT_EQ(run(), PackageExport::End::WindowStays);
+    EXPECT_EQ(view.calls.back(), QStringLiteral("hide"));
+}
+
+TEST_F(Export, PackageSavedIntoTheWorkFolderIsKept)
+{
+    files.answers.emplace_back(work("mine.zip"));
+    messages.expectInform(QStringLiteral("Export Complete"),
+                          QStringLiteral("Export was successful."));
+    run();
+    EXPECT_EQ(listing(work()), "mine.zip");
+}
+
+TEST_F(Export, ListingFailureShowsTwoMessages)
+{
+    connection.close();
+    messages.expectInform(QStringLiteral("Varnholt"),
+                          QStringLiteral("The question library is not open."));
+    messages.expectInform(QStringLiteral("Database Error"),
+                          QStringLiteral("There was an error loading the assessments."));
+    LoadAssessmentInfo(state, connection, messages);
+    EXPECT_TRUE(state.AssessmentList.isEmpty());
+}
+
+} // namespace
+} // namespace varnholt

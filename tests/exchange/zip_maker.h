@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <vector>
+
+namespace varnholt::test {
+
+/// One member of an archive made by hand, honest unless told otherwise.
+struct RawMember
+{
+    QByteArray name = {};
+    QByteArray data = {};
+    bool deflated = false;
+    /// `data` is what stands in the archive already, and unpacks to this many bytes.
+    qint64 packedFrom = -1;
+    /// General purpose flags: 1 encrypted, 0x800 name in UTF-8.
+    quint16 flags = 0;
+    /// Replaces the compression method when not negative.
+    int method = -1;
+    quint32 crcError = 0;
+    /// Upper half the Unix mode, lower half that of MS-DOS.
+    quint32 attributes = 0;
+    /// Added to the declared size.
+    qint64 sizeError = 0;
+    /// Shares the bytes of the member before.
+    bool overlaps = false;
+};
+
+enum class Zip64
+{
+    No,
+    Yes
+};
+
+[[nodiscard]] QByteArray makeZip(const std::vector<RawMember>& members,
+                                 const QByteArray& comment = {}, Zip64 zip64 = Zip64::No);
+
+/// `size` zero bytes, deflated; made in no time whatever the size (in steps of a megabyte).
+[[nodiscard]] QByteArray deflatedZeros(qint64 size);
+
+} // namespace varnholt::test
