@@ -131,8 +131,8 @@ bool PictureCanvas::Paste(const QImage& bitmap)
         return false;
     }
     // Before anything is lost: what cannot be scrolled over is not taken.
-    toInt16(bitmap.width() - picCropped.innerWidth());
-    toInt16(bitmap.height() - picCropped.innerHeight());
+    static_cast<void>(toInt16(bitmap.width() - picCropped.innerWidth()));
+    static_cast<void>(toInt16(bitmap.height() - picCropped.innerHeight()));
 
     picQuestion.setPicture(bitmap);
     picQuestion.growOuter(picCropped.outerWidth(), picCropped.outerHeight());

@@ -102,9 +102,8 @@ QStringList pictureFormats(const QMimeData& data)
                : format.endsWith(QStringLiteral("/jpeg")) ? 4
                                                           : 3;
     };
-    std::stable_sort(formats.begin(), formats.end(), [rank](const QString& a, const QString& b) {
-        return rank(a) < rank(b);
-    });
+    std::stable_sort(formats.begin(), formats.end(),
+                     [rank](const QString& a, const QString& b) { return rank(a) < rank(b); });
     return formats;
 }
 

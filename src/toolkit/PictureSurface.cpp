@@ -146,9 +146,10 @@ void PictureSurface::drawRegion(const QImage& source, std::int32_t sourceX, std:
                                 std::int32_t y)
 {
     // First what the source has of the region, then what of that falls on the image.
-    const auto overlap = [](std::int64_t from, std::int64_t length, int sourceSize,
-                            std::int64_t to, int size) {
-        const auto [inSource, available] = clipped(from, std::max<std::int64_t>(length, 0), sourceSize);
+    const auto overlap = [](std::int64_t from, std::int64_t length, int sourceSize, std::int64_t to,
+                            int size) {
+        const auto [inSource, available] =
+            clipped(from, std::max<std::int64_t>(length, 0), sourceSize);
         const auto [start, count] = clipped(to + (inSource - from), available, size);
         return std::array<int, 3>{static_cast<int>(start - to + from), start, count};
     };
