@@ -1,5 +1,6 @@
 #include "app/frmAssessment.h"
 
+#include "authoring/frmAddNewQuestion.h"
 #include "info/InfoWindow.h"
 #include "manage/frmManage.h"
 #include "selection/frmMain.h"
@@ -117,7 +118,12 @@ void frmAssessment::mnuCreate_Click()
 
 void frmAssessment::mnuManageAssessments_Click()
 {
-    openChild([this] { return new frmManage(services_, state_, connection_, nullptr); });
+    const auto openAuthoring = [this](QWidget* parent, const FilingPreselection& preselection) {
+        frmAddNewQuestion(services_, state_, connection_, preselection, parent).exec();
+    };
+    openChild([this, openAuthoring] {
+        return new frmManage(services_, state_, connection_, openAuthoring);
+    });
 }
 
 void frmAssessment::mnuTutorial_Click()

@@ -63,6 +63,8 @@ void frmAddNewQuestion::buildControls()
     }
     cmdSave_->setDefault(true);
     cmdPaste_->setFocus();
+    // Left alone, a dialog opens at two thirds of the screen at most.
+    resize(sizeHint().boundedTo(screen()->availableSize()));
 }
 
 QWidget* frmAddNewQuestion::buildCanvas()
@@ -101,6 +103,7 @@ QWidget* frmAddNewQuestion::buildCanvas()
 
     auto* top = new QHBoxLayout;
     top->addWidget(cmdPaste_);
+    top->addSpacing(fontMetrics().averageCharWidth());
     top->addWidget(lblPrintScreen);
     top->addStretch();
     auto* area = new QWidget;
@@ -112,7 +115,8 @@ QWidget* frmAddNewQuestion::buildCanvas()
     grid->addWidget(fraCanvas_, 2, 0);
     grid->addWidget(VScroll_, 2, 1);
     grid->addWidget(HScroll_, 3, 0);
-    grid->addWidget(lblHelp, 4, 0);
+    grid->setRowMinimumHeight(4, fontMetrics().height() / 4);
+    grid->addWidget(lblHelp, 5, 0);
     return area;
 }
 
