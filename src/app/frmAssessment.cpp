@@ -1,5 +1,6 @@
 #include "app/frmAssessment.h"
 
+#include "authoring/frmAddNewQuestion.h"
 #include "exchange/frmExport.h"
 #include "exchange/frmImport.h"
 #include "info/InfoWindow.h"
@@ -122,7 +123,12 @@ void frmAssessment::mnuCreate_Click()
 
 void frmAssessment::mnuManageAssessments_Click()
 {
-    openChild([this] { return new frmManage(services_, state_, connection_, nullptr); });
+    const auto openAuthoring = [this](QWidget* parent, const FilingPreselection& preselection) {
+        frmAddNewQuestion(services_, state_, connection_, preselection, parent).exec();
+    };
+    openChild([this, openAuthoring] {
+        return new frmManage(services_, state_, connection_, openAuthoring);
+    });
 }
 
 void frmAssessment::mnuExport_Click()

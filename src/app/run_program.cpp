@@ -5,6 +5,7 @@
 #include "presentation/default_programs.h"
 #include "store/library_file.h"
 #include "store/services.h"
+#include "toolkit/DesktopClipboard.h"
 #include "toolkit/desktop_services.h"
 
 #include <QApplication>
@@ -42,12 +43,14 @@ int run(QApplication& application, MessageBoxes& messages,
     }
 
     DesktopFileDialogs fileDialogs;
+    DesktopClipboard clipboard;
     SystemClock clock;
     SplitMix64 random;
     DefaultPresentationPrograms presentations(messages, programFolder);
     Services services;
     services.messageBoxes = &messages;
     services.fileDialogs = &fileDialogs;
+    services.clipboard = &clipboard;
     services.clock = &clock;
     services.random = &random;
     services.presentationPrograms = &presentations;

@@ -49,7 +49,7 @@ public:
 
     [[nodiscard]] virtual bool hasImage() const = 0;
     /// The picture on the clipboard at one image pixel per device-independent unit; null
-    /// when there is none or it cannot be decoded.
+    /// when there is none or it cannot be decoded. Throws `Error` for one too large to handle.
     [[nodiscard]] virtual QImage image() const = 0;
 };
 

@@ -1,0 +1,436 @@
+#include "authoring/frmAddNewQuestion.h"
+
+#include "authoring/frmPictureText.h"
+#include "authoring/question_save.h"
+#include "manage/frmNewInfo.h"
+#include "store/catalogue.h"
+#include "store/connection.h"
+#include "store/services.h"
+#include "toolkit/ComboBox.h"
+#include "toolkit/HintLabel.h"
+#include "toolkit/LongWork.h"
+#include "toolkit/PictureBox.h"
+
+#include <QCoreApplication>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QSettings>
+#include <QSignalBlocker>
+
+namespace varnholt {
+
+namespace {
+
+const QString saveError = QStringLiteral("Save Error");
+const QString geometryKey = QStringLiteral("frmAddNewQuestion/geometry");
+
+} // namespace
+
+frmAddNewQuestion::frmAddNewQuestion(Services& services, ProgramState& state,
+                                     Connection& connection, const FilingPreselection& preselection,
+                                     QWidget* parent, OpenNewInfo openNewInfo)
+    : QDialog(parent)
+    , services_(services)
+    , state_(state)
+    , connection_(connection)
+    , preselection_(preselection)
+    , openNewInfo_(std::move(openNewInfo))
+{
+    if (!openNewInfo_) {
+        openNewInfo_ = [this](QWidget* owner, std::optional<NamedTopic> chosen) {
+            frmNewInfo(services_, state_, connection_, std::move(chosen), owner).exec();
+        };
+    }
+    setObjectName(QStringLiteral("frmAddNewQuestion"));
+    setWindowTitle(QStringLiteral("Add New Question"));
+    buildControls();
+    connectControls();
+    Form_Load();
+    restoreGeometry(QSettings().value(geometryKey).toByteArray());
+}
+
+frmAddNewQuestion::~frmAddNewQuestion()
+{
+    QSettings().setValue(geometryKey, saveGeometry());
+}
+
+void frmAddNewQuestion::connectControls()
+{
+    connect(cboTopics_, &ComboBox::Click, this, &frmAddNewQuestion::cboTopics_Click);
+    connect(cboSubtopics_, &ComboBox::Click, this, &frmAddNewQuestion::showObstacle);
+    connect(cmdNewTopic_, &QPushButton::clicked, this, &frmAddNewQuestion::cmdNewTopic_Click);
+    connect(cmdNewSubtopic_, &QPushButton::clicked, this, &frmAddNewQuestion::cmdNewSubtopic_Click);
+    connect(txtAnswer_, &QLineEdit::textChanged, this, &frmAddNewQuestion::showObstacle);
+    connect(cmdPaste_, &QPushButton::clicked, this, &frmAddNewQuestion::cmdPaste_Click);
+    connect(HScroll_, &QScrollBar::valueChanged, this, &frmAddNewQuestion::HScroll_Change);
+    connect(VScroll_, &QScrollBar::valueChanged, this, &frmAddNewQuestion::VScroll_Change);
+    connect(cmdText_, &QPushButton::clicked, this, &frmAddNewQuestion::cmdText_Click);
+    connect(cmdSave_, &QPushButton::clicked, this, &frmAddNewQuestion::cmdSave_Click);
+    connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
+
+    connect(picQuestion_, &PictureBox::MouseDown, this,
+            [this](double X, double Y) { onCanvas({}, [&] { canvas_.MouseDown(X, Y); }); });
+    connect(picQuestion_, &PictureBox::MouseMove, this, [this](double X, double Y) {
+        onCanvas({}, [&] { canvas_.MouseMove(X, Y); });
+        showPointer(X, Y);
+    });
+    connect(picQuestion_, &PictureBox::MouseUp, this, [this](double X, double Y) {
+        onCanvas({}, [&] { canvas_.MouseUp(); });
+        showPointer(X, Y);
+    });
+    const auto moves = [this](QPushButton* button, SelectionMove mode) {
+        connect(button, &QPushButton::clicked, this,
+                [this, mode] { onCanvas({}, [&] { canvas_.MoveSelection(mode); }); });
+    };
+    moves(cmdUp_, SelectionMove::Up);
+    moves(cmdRight_, SelectionMove::Right);
+    moves(cmdDown_, SelectionMove::Down);
+    moves(cmdMoveLeft_, SelectionMove::Left);
+    moves(cmdErase_, SelectionMove::Erase);
+    for (QPushButton* button : {cmdCrop_, cmdCenter_}) {
+        connect(button, &QPushButton::clicked, this,
+                [this] { onCanvas({}, [&] { canvas_.Crop(); }); });
+    }
+}
+
+void frmAddNewQuestion::Form_Load()
+{
+    state_.QuestionSaved = false;
+    FillTopicCombo();
+    if (preselection_.topicId) {
+        SelectTopicById(*preselection_.topicId);
+    } else {
+        cboTopics_->setListIndex(0);
+    }
+    txtAnswer_->clear();
+    state_.StructureChanged = false;
+    showCanvas();
+}
+
+void frmAddNewQuestion::FillTopicCombo()
+{
+    topicChoices_ = TopicChoices(state_);
+    cboTopics_->clear();
+    for (const FilingChoice& choice : topicChoices_) {
+        cboTopics_->addEntry(choice.text, choice.key);
+    }
+}
+
+void frmAddNewQuestion::FillSubtopicCombo()
+{
+    subtopicChoices_ = SubtopicChoices(state_, CurrentTopicID_);
+    cboSubtopics_->clear();
+    for (const FilingChoice& choice : subtopicChoices_) {
+        cboSubtopics_->addEntry(choice.text, choice.key);
+    }
+    if (preselection_.subtopicNum) {
+        SelectSubtopicById(*preselection_.subtopicNum);
+    } else {
+        cboSubtopics_->setListIndex(0);
+    }
+}
+
+void frmAddNewQuestion::SelectTopicById(std::int32_t topicId)
+{
+    cboTopics_->setListIndex(PositionOf(topicChoices_, topicId));
+}
+
+void frmAddNewQuestion::SelectSubtopicById(std::int32_t subtopicNum)
+{
+    cboSubtopics_->setListIndex(PositionOf(subtopicChoices_, subtopicNum));
+}
+
+void frmAddNewQuestion::cboTopics_Click()
+{
+    const int index = cboTopics_->listIndex();
+    CurrentTopicID_ = index < 0 ? 0 : cboTopics_->entryData(index);
+    FillSubtopicCombo();
+}
+
+bool frmAddNewQuestion::openNewInfo(bool subtopicOnly, std::optional<NamedTopic> chosen)
+{
+    state_.SubtopicOnly = subtopicOnly;
+    openNewInfo_(this, std::move(chosen));
+    return state_.NewInfoSaved;
+}
+
+void frmAddNewQuestion::cmdNewTopic_Click()
+{
+    if (!openNewInfo(false, std::nullopt)) {
+        return;
+    }
+    cboTopics_->clear();
+    cboSubtopics_->clear();
+    LoadTopics(state_, connection_, *services_.messageBoxes);
+    LoadSubTopics(state_, connection_, *services_.messageBoxes);
+    FillTopicCombo();
+    SelectTopicById(state_.NewTopicID);
+    SelectSubtopicById(state_.NewSubtopicNum);
+    state_.StructureChanged = true;
+}
+
+void frmAddNewQuestion::cmdNewSubtopic_Click()
+{
+    std::optional<NamedTopic> chosen;
+    if (cboTopics_->listIndex() >= 0) {
+        chosen =
+            NamedTopic{cboTopics_->entryData(cboTopics_->listIndex()), cboTopics_->currentText()};
+    }
+    if (!openNewInfo(true, std::move(chosen))) {
+        return;
+    }
+    cboSubtopics_->clear();
+    LoadSubTopics(state_, connection_, *services_.messageBoxes);
+    FillSubtopicCombo();
+    SelectSubtopicById(state_.NewSubtopicNum);
+    state_.StructureChanged = true;
+}
+
+void frmAddNewQuestion::cmdPaste_Click()
+{
+    onCanvas(QStringLiteral("Paste Error"), [this] {
+        QImage picture;
+        {
+            const LongWork busy(this, QStringLiteral("Reading the clipboard..."),
+                                LongWork::Cancel::NotOffered);
+            picture = services_.clipboard->image();
+        }
+        try {
+            if (canvas_.Paste(picture)) {
+                picQuestion_->setFocus();
+                return;
+            }
+        } catch (const OverflowError&) {
+            throw Error(QStringLiteral("The copied picture is too large to work on: %1 by %2 "
+                                       "pixels. Please copy a smaller part of it.")
+                            .arg(picture.width())
+                            .arg(picture.height()));
+        }
+        showCanvas();
+        services_.messageBoxes->inform(
+            QStringLiteral("Paste Error"),
+            QStringLiteral("A question needs to be copied before it can be pasted."));
+    });
+}
+
+void frmAddNewQuestion::cmdText_Click()
+{
+    frmPictureText(canvas_.font, state_, *services_.messageBoxes, this).exec();
+    if (state_.TextToAdd.isEmpty()) {
+        return;
+    }
+    onCanvas({}, [this] { canvas_.StampText(state_.TextToAdd); });
+}
+
+void frmAddNewQuestion::cmdSave_Click()
+{
+    onCanvas({}, [this] { canvas_.CancelDrag(); });
+    if (txtAnswer_->text().isEmpty()) {
+        services_.messageBoxes->inform(
+            saveError, QStringLiteral("Cannot save because Answer is a required field."));
+        txtAnswer_->setFocus();
+        return;
+    }
+    if (!canvas_.picQuestion.hasPicture()) {
+        services_.messageBoxes->inform(
+            saveError, QStringLiteral("Cannot save because the picture of the question is "
+                                      "missing.  Please paste a picture before saving."));
+        return;
+    }
+    onCanvas({}, [this] { canvas_.DropSelection(); });
+    if (!services_.messageBoxes->yesNo(
+            QStringLiteral("Save?"),
+            QStringLiteral("Are you sure you want to save this  question?"))) {
+        return;
+    }
+    try {
+        const LongWork busy(this, QStringLiteral("Saving the question..."),
+                            LongWork::Cancel::NotOffered);
+        SaveQuestion(connection_, services_.programFolder,
+                     {state_.CurrentAssessmentNum, cboTopics_->entryData(cboTopics_->listIndex()),
+                      cboSubtopics_->entryData(cboSubtopics_->listIndex()),
+                      txtAnswer_->text().trimmed()},
+                     canvas_);
+    } catch (const Error& error) {
+        // No box: the window stays, with the reason where it says what stands in the way.
+        lblSaveHint_->say(QStringLiteral("Not saved. ") + error.message());
+        return;
+    } catch (const std::exception&) {
+        showObstacle();
+        return;
+    }
+    services_.messageBoxes->inform(QStringLiteral("Question Saved"),
+                                   QStringLiteral("The question was saved successfully."));
+    state_.QuestionSaved = true;
+    accept();
+}
+
+void frmAddNewQuestion::HScroll_Change(int value)
+{
+    onCanvas({}, [&] { canvas_.setHScroll(value); });
+}
+
+void frmAddNewQuestion::VScroll_Change(int value)
+{
+    onCanvas({}, [&] { canvas_.setVScroll(value); });
+}
+
+void frmAddNewQuestion::onCanvas(const QString& title, const std::function<void()>& work)
+{
+    QString failure;
+    try {
+        work();
+    } catch (const Error& error) {
+        failure = error.message();
+    } catch (const std::bad_alloc&) {
+        failure = QStringLiteral("There is not enough memory for this picture.");
+    }
+    showCanvas();
+    if (!failure.isEmpty()) {
+        services_.messageBoxes->inform(title.isEmpty() ? QStringLiteral("Error") : title, failure);
+    }
+}
+
+void frmAddNewQuestion::showCanvas()
+{
+    picQuestion_->refresh();
+    picQuestion_->move(canvas_.left(), canvas_.top());
+    const auto show = [](QScrollBar* bar, const PictureCanvas::ScrollBar& from) {
+        const QSignalBlocker quiet(bar);
+        bar->setRange(0, from.maximum);
+        bar->setValue(from.value);
+        bar->setVisible(from.visible);
+    };
+    show(HScroll_, canvas_.HScroll());
+    show(VScroll_, canvas_.VScroll());
+    fraPictureControls_->setVisible(canvas_.controlsShown());
+    if (!canvas_.isDragging()) {
+        showObstacle();
+    }
+}
+
+void frmAddNewQuestion::showPointer(double X, double Y)
+{
+    const Qt::CursorShape shape = canvas_.Moving || (!canvas_.Drawing && canvas_.grabs(X, Y))
+                                      ? Qt::SizeAllCursor
+                                      : Qt::CrossCursor;
+    if (picQuestion_->cursor().shape() != shape) {
+        picQuestion_->setCursor(shape);
+    }
+}
+
+void frmAddNewQuestion::showObstacle()
+{
+    lblSaveHint_->say(SaveObstacle({txtAnswer_->text(), canvas_.picQuestion.hasPicture(),
+                                    cboSubtopics_->listIndex() >= 0, connection_.isReadOnly()},
+                                   services_.programFolder));
+}
+
+bool frmAddNewQuestion::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::KeyPress: {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if ((watched == txtAnswer_ && answerKeyPress(key)) ||
+            (watched == picQuestion_ && canvasKeyPress(key))) {
+            return true;
+        }
+        break;
+    }
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        if (watched == picQuestion_) {
+            fraCanvas_->setForegroundRole(event->type() == QEvent::FocusIn ? QPalette::Highlight
+                                                                           : QPalette::Mid);
+        }
+        break;
+    case QEvent::Wheel:
+        if (watched == picCropped_) {
+            auto* wheel = static_cast<QWheelEvent*>(event);
+            const bool sideways =
+                wheel->angleDelta().x() != 0 || wheel->modifiers().testFlag(Qt::ShiftModifier);
+            QCoreApplication::sendEvent(sideways ? HScroll_ : VScroll_, event);
+            return true;
+        }
+        break;
+    default:
+        break;
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+bool frmAddNewQuestion::answerKeyPress(QKeyEvent* event)
+{
+    if (!event->matches(QKeySequence::Paste)) {
+        return false;
+    }
+    // A text goes into the answer, anything else is for the canvas.
+    const QString before = txtAnswer_->text();
+    txtAnswer_->paste();
+    if (txtAnswer_->text() == before && services_.clipboard->hasImage()) {
+        cmdPaste_Click();
+    }
+    return true;
+}
+
+bool frmAddNewQuestion::canvasKeyPress(QKeyEvent* event)
+{
+    const int step = event->modifiers().testFlag(Qt::ShiftModifier) ? 10 : 1;
+    const auto nudge = [this](int dx, int dy) {
+        onCanvas({}, [&] { canvas_.Nudge(dx, dy); });
+        return true;
+    };
+    if (event->matches(QKeySequence::SelectAll)) {
+        onCanvas({}, [this] {
+            canvas_.DropSelection();
+            canvas_.MouseDown(0, 0);
+            canvas_.MouseMove(canvas_.picQuestion.innerWidth(), canvas_.picQuestion.innerHeight());
+            canvas_.MouseUp();
+        });
+        return true;
+    }
+    switch (event->key()) {
+    case Qt::Key_Left:
+        return nudge(-step, 0);
+    case Qt::Key_Right:
+        return nudge(step, 0);
+    case Qt::Key_Up:
+        return nudge(0, -step);
+    case Qt::Key_Down:
+        return nudge(0, step);
+    case Qt::Key_Delete:
+    case Qt::Key_Backspace:
+        if (canvas_.SelectionShown && !canvas_.isDragging()) {
+            onCanvas({}, [this] { canvas_.MoveSelection(SelectionMove::Erase); });
+        }
+        return true;
+    default:
+        return false;
+    }
+}
+
+void frmAddNewQuestion::keyPressEvent(QKeyEvent* event)
+{
+    if (event->matches(QKeySequence::Paste)) {
+        cmdPaste_Click();
+    } else if (event->matches(QKeySequence::Save)) {
+        cmdSave_Click();
+    } else if (event->key() == Qt::Key_Escape) {
+        if (canvas_.isDragging()) {
+            onCanvas({}, [this] { canvas_.CancelDrag(); });
+        } else if (canvas_.SelectionShown) {
+            onCanvas({}, [this] { canvas_.DropSelection(); });
+        } else if (!canvas_.picQuestion.hasPicture() && txtAnswer_->text().isEmpty()) {
+            // With work to lose, Cancel or the close box it takes.
+            reject();
+        }
+    } else {
+        QDialog::keyPressEvent(event);
+    }
+}
+
+} // namespace varnholt

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "authoring/PictureCanvas.h"
+#include "authoring/filing.h"
+#include "manage/filing_preselection.h"
+#include "manage/new_info.h"
+
+#include <QDialog>
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+class QFrame;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QScrollBar;
+
+namespace varnholt {
+
+class ComboBox;
+class Connection;
+class HintLabel;
+class PictureBox;
+struct Services;
+
+/// The window that makes one new question: a picture pasted and arranged on the canvas, an
+/// answer, a topic and a subtopic. Modal; closes itself after a successful save, with
+/// `QuestionSaved` set. `StructureChanged` tells the opener that topics or subtopics were
+/// added from here.
+///
+/// The opening for the canvas always has the size of the page, so that what is seen is what
+/// is saved; in a larger window it stays as it is, in a smaller one the window scrolls.
+class frmAddNewQuestion : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// Shows the dialog for a new topic and subtopic; it leaves its results in the state.
+    using OpenNewInfo = std::function<void(QWidget* parent, std::optional<NamedTopic> chosen)>;
+
+    /// Without `openNewInfo` the program's own dialog is shown.
+    frmAddNewQuestion(Services& services, ProgramState& state, Connection& connection,
+                      const FilingPreselection& preselection, QWidget* parent = nullptr,
+                      OpenNewInfo openNewInfo = {});
+    ~frmAddNewQuestion() override;
+
+    [[nodiscard]] const PictureCanvas& canvas() const { return canvas_; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void buildControls();
+    QWidget* buildCanvas();
+    QWidget* buildPictureControls();
+    QLayout* buildFiling();
+    void connectControls();
+    void Form_Load();
+
+    void cboTopics_Click();
+    void cmdNewTopic_Click();
+    void cmdNewSubtopic_Click();
+    void cmdPaste_Click();
+    void cmdText_Click();
+    void cmdSave_Click();
+    void HScroll_Change(int value);
+    void VScroll_Change(int value);
+
+    void FillTopicCombo();
+    void FillSubtopicCombo();
+    void SelectTopicById(std::int32_t topicId);
+    void SelectSubtopicById(std::int32_t subtopicNum);
+    /// Opens the dialog for a new topic or subtopic; true when it saved.
+    bool openNewInfo(bool subtopicOnly, std::optional<NamedTopic> chosen);
+
+    /// Runs work on the canvas, shows the outcome and reports a failure in a box.
+    void onCanvas(const QString& title, const std::function<void()>& work);
+    void showCanvas();
+    void showPointer(double X, double Y);
+    void showObstacle();
+    [[nodiscard]] bool answerKeyPress(QKeyEvent* event);
+    [[nodiscard]] bool canvasKeyPress(QKeyEvent* event);
+
+    Services& services_;
+    ProgramState& state_;
+    Connection& connection_;
+    FilingPreselection preselection_;
+    OpenNewInfo openNewInfo_;
+    PictureCanvas canvas_;
+    std::int32_t CurrentTopicID_ = 0;
+    std::vector<FilingChoice> topicChoices_;
+    std::vector<FilingChoice> subtopicChoices_;
+
+    ComboBox* cboTopics_ = nullptr;
+    ComboBox* cboSubtopics_ = nullptr;
+    QPushButton* cmdNewTopic_ = nullptr;
+    QPushButton* cmdNewSubtopic_ = nullptr;
+    QLineEdit* txtAnswer_ = nullptr;
+    HintLabel* lblAnswerHint_ = nullptr;
+    QPushButton* cmdPaste_ = nullptr;
+    QFrame* fraCanvas_ = nullptr;
+    QWidget* picCropped_ = nullptr;
+    PictureBox* picQuestion_ = nullptr;
+    QScrollBar* HScroll_ = nullptr;
+    QScrollBar* VScroll_ = nullptr;
+    QGroupBox* fraPictureControls_ = nullptr;
+    QPushButton* cmdCrop_ = nullptr;
+    QPushButton* cmdUp_ = nullptr;
+    QPushButton* cmdDown_ = nullptr;
+    QPushButton* cmdMoveLeft_ = nullptr;
+    QPushButton* cmdRight_ = nullptr;
+    QPushButton* cmdCenter_ = nullptr;
+    QPushButton* cmdErase_ = nullptr;
+    QPushButton* cmdText_ = nullptr;
+    HintLabel* lblSaveHint_ = nullptr;
+    QPushButton* cmdSave_ = nullptr;
+    QPushButton* cmdCancel_ = nullptr;
+};
+
+} // namespace varnholt
