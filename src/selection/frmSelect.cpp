@@ -114,6 +114,7 @@ void frmSelect::Form_Load()
     ShowReviewQuestion();
     if (!unloaded_) {
         show();
+        activateWindow();
     }
 }
 

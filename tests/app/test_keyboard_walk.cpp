@@ -171,7 +171,7 @@ TEST_F(KeyboardWalk, FromAnEmptyLibraryToSlides)
     press(frame.get(), Qt::Key_Return);
     auto* review = frame->findChild<QWidget*>(QStringLiteral("frmSelect"));
     ASSERT_NE(review, nullptr);
-    ASSERT_TRUE(QTest::qWaitForWindowActive(review));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == review; }));
     press(review, Qt::Key_I);
     press(review, Qt::Key_E);
     press(review, Qt::Key_I);
