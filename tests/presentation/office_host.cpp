@@ -1,13 +1,17 @@
 #include "presentation/office_host.h"
 
+#include "presentation/impress/office_connection.h"
+
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QStandardPaths>
 #include <QThread>
 #include <QUrl>
 
+#include <com/sun/star/script/provider/XScriptProviderFactory.hpp>
+
 #include <csignal>
+#include <sys/prctl.h>
 
 using namespace Qt::StringLiterals;
 
@@ -15,15 +19,8 @@ namespace varnholt::test {
 
 namespace {
 
-/// %1 is the folder for what the macros write.
+/// %1 is the folder of this host. Functions only: what they return is the answer.
 const QString macros = uR"(
-Sub Finish(text)
-  Open "%1/part.txt" For Output As #1
-  Print #1, text
-  Close #1
-  Name "%1/part.txt" As "%1/result.txt"
-End Sub
-
 Function Presentation()
   Dim components, c
   components = StarDesktop.Components.createEnumeration()
@@ -39,7 +36,7 @@ Function Presentation()
 End Function
 
 REM One line for the document, then one for each slide and each shape.
-Sub Dump
+Function Dump
   Dim doc, page, s, i, k, text
   doc = Presentation()
   text = "document;" & doc.DrawPages.Count & ";" & doc.CurrentController.CurrentPage.Number & ";" & _
@@ -54,47 +51,46 @@ Sub Dump
         s.Size.Height & ";" & s.Description & ";" & Join(Split(s.String, Chr(10)), "|") & Chr(10)
     Next k
   Next i
-  Finish(text)
-End Sub
+  Dump = text
+End Function
 
-Sub StorePdf
+Function StorePdf
   Dim args(0) As New com.sun.star.beans.PropertyValue
   args(0).Name = "FilterName" : args(0).Value = "impress_pdf_Export"
   Presentation().storeToURL(ConvertToURL("%1/held.pdf"), args())
-  Finish("stored")
-End Sub
+  StorePdf = "stored"
+End Function
 
-Sub CloseAll
+Function CloseAll
   Dim doc
   doc = Presentation()
-  Do While Not IsEmpty(doc)
+  Do Until IsNull(doc) Or IsEmpty(doc)
     doc.close(True)
     doc = Presentation()
   Loop
-  Finish("closed")
-End Sub
+  CloseAll = "closed"
+End Function
 
-Function Box(doc, page, service, x, y, w, h)
-  Dim s, p As New com.sun.star.awt.Point, z As New com.sun.star.awt.Size
-  s = doc.createInstance(service)
+Sub Place(s, x, y, w, h)
+  Dim p As New com.sun.star.awt.Point, z As New com.sun.star.awt.Size
   p.X = x : p.Y = y : z.Width = w : z.Height = h
   s.Position = p
   s.Size = z
-  page.add(s)
-  Box = s
-End Function
+End Sub
 
 Sub TextBox(doc, page, x, y, w, h, text)
   Dim s
-  s = Box(doc, page, "com.sun.star.drawing.TextShape", x, y, w, h)
+  s = doc.createInstance("com.sun.star.drawing.TextShape")
+  page.add(s)
   s.TextAutoGrowHeight = False
   s.TextLeftDistance = 254 : s.TextRightDistance = 254
   s.TextUpperDistance = 127 : s.TextLowerDistance = 127
+  Place(s, x, y, w, h)
   s.String = text
 End Sub
 
 REM The same hundred slides as the benchmark builds, in the office's own language.
-Sub Build
+Function Build
   Dim started, doc, pages, page, graphics, i, s, source(0) As New com.sun.star.beans.PropertyValue
   started = GetSystemTicks()
   doc = StarDesktop.loadComponentFromURL("private:factory/simpress", "_blank", 0, Array())
@@ -108,20 +104,16 @@ Sub Build
     TextBox(doc, page, 0, 0, 35278, 3528, "Algebra - Roots")
     TextBox(doc, page, 0, 1411, 3528, 3528, "#" & i)
     source(0).Name = "URL" : source(0).Value = ConvertToURL("%1/" & i & ".jpg")
-    s = Box(doc, page, "com.sun.star.drawing.GraphicObjectShape", 71, 2469, 21167, 15875)
+    s = doc.createInstance("com.sun.star.drawing.GraphicObjectShape")
+    page.add(s)
     s.Graphic = graphics.queryGraphic(source())
     s.Description = "Question " & i
+    Place(s, 71, 2469, 21167, 15875)
   Next i
   doc.CurrentController.setCurrentPage(pages.getByIndex(0))
-  Finish(GetSystemTicks() - started)
-End Sub
+  Build = CStr(GetSystemTicks() - started)
+End Function
 )"_s;
-
-bool write(const QString& path, const QString& text)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) > 0;
-}
 
 } // namespace
 
@@ -149,6 +141,8 @@ OfficeHost::~OfficeHost()
 
 void OfficeHost::startDisplay()
 {
+    // The office ends with its display, and the display with us, however that comes about.
+    display_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
     display_.start(u"Xvfb"_s, {u"-noreset"_s, u"-nolisten"_s, u"tcp"_s, u"-displayfd"_s, u"1"_s,
                                u"-screen"_s, u"0"_s, u"1600x1000x24"_s});
     while (!display_.canReadLine()) {
@@ -168,35 +162,18 @@ QString OfficeHost::profileArgument(const QString& name) const
 
 void OfficeHost::writeMacros()
 {
-    const QString library = u"library:library"_s;
-    const QString head =
-        u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE %1 PUBLIC \"-//OpenOffice.org//DTD "
-        "OfficeDocument 1.0//EN\" \"%2.dtd\">\n"_s;
-    const QString libraries =
-        head.arg(u"library:libraries"_s, u"libraries"_s) +
-        u"<library:libraries xmlns:library=\"http://openoffice.org/2000/library\" "
-        "xmlns:xlink=\"http://www.w3.org/1999/xlink\"><library:library "
-        "library:name=\"Standard\" library:link=\"false\"/></library:libraries>"_s;
-    const QString standard =
-        head.arg(library, u"library"_s) +
-        u"<library:library xmlns:library=\"http://openoffice.org/2000/library\" "
-        "library:name=\"Standard\" library:readonly=\"false\" "
-        "library:passwordprotected=\"false\">%1</library:library>"_s;
-    const QString module = head.arg(u"script:module"_s, u"module"_s) +
-                           u"<script:module xmlns:script=\"http://openoffice.org/2000/script\" "
-                           "script:name=\"Varnholt\" script:language=\"StarBasic\">%1"
-                           "</script:module>"_s;
-    const QString basic = folder_.filePath(u"profile/user/basic/"_s);
-    const bool written =
-        QDir().mkpath(basic + u"Standard"_s) && write(basic + u"script.xlc"_s, libraries) &&
-        write(basic + u"dialog.xlc"_s, libraries) &&
-        write(basic + u"Standard/script.xlb"_s,
-              standard.arg(u"<library:element library:name=\"Varnholt\"/>"_s)) &&
-        write(basic + u"Standard/dialog.xlb"_s, standard.arg(QString())) &&
-        write(basic + u"Standard/Varnholt.xba"_s,
-              module.arg(QString(macros).replace(u"%1"_s, folder_.path()).toHtmlEscaped()));
-    if (!written) {
-        problem_ = u"the profile cannot be written"_s;
+    // A profile's first start writes over what is there, so that comes first.
+    QProcess::execute(u"soffice"_s, {profileArgument(u"profile"_s), u"--headless"_s,
+                                     u"--terminate_after_init"_s});
+    const QString module =
+        u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<script:module xmlns:script=\"http://openoffice.org/2000/script\" "
+        "script:name=\"Module1\" script:language=\"StarBasic\">%1</script:module>"_s;
+    QFile file(folder_.filePath(u"profile/user/basic/Standard/Module1.xba"_s));
+    if (!file.open(QIODevice::WriteOnly) ||
+        file.write(module.arg(QString(macros).replace(u"%1"_s, folder_.path()).toHtmlEscaped())
+                       .toUtf8()) <= 0) {
+        problem_ = u"the profile of the office cannot be written"_s;
     }
 }
 
@@ -210,23 +187,20 @@ ImpressSettings OfficeHost::settings() const
 
 QString OfficeHost::runMacro(const QString& name)
 {
-    const QString result = folder_.filePath(u"result.txt"_s);
-    QFile::remove(result);
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"DISPLAY"_s, displayName_);
-    process.setProcessEnvironment(environment);
-    process.start(u"soffice"_s,
-                  {profileArgument(u"profile"_s), u"macro:///Standard.Varnholt."_s + name});
-    QElapsedTimer waiting;
-    waiting.start();
-    constexpr int limitMs = 30'000;
-    while (!QFile::exists(result) && !waiting.hasExpired(limitMs)) {
-        QThread::msleep(10);
-    }
-    process.waitForFinished(5000);
-    QFile file(result);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    OfficeConnection connection;
+    connection.open(settings());
+    const css::uno::Reference<css::script::provider::XScriptProviderFactory> factory(
+        connection.context()->getValueByName(
+            "/singletons/com.sun.star.script.provider.theMasterScriptProviderFactory"),
+        css::uno::UNO_QUERY_THROW);
+    const auto script = factory->createScriptProvider(css::uno::Any(rtl::OUString()))
+                            ->getScript(toUno(u"vnd.sun.star.script:Standard.Module1.%1?"
+                                              "language=Basic&location=application"_s.arg(name)));
+    css::uno::Sequence<sal_Int16> places;
+    css::uno::Sequence<css::uno::Any> outputs;
+    rtl::OUString result;
+    script->invoke({}, places, outputs) >>= result;
+    return fromUno(result);
 }
 
 void OfficeHost::convertToPdf(const QString& file)

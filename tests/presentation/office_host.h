@@ -28,7 +28,7 @@ public:
 
     [[nodiscard]] QString filePath(const QString& name) const { return folder_.filePath(name); }
 
-    /// Runs one of the macros in the office and waits until it says it is done. What it wrote.
+    /// Runs one of the macros in the office, which is started when there is none.
     QString runMacro(const QString& name);
 
     /// Runs a one-shot, windowless office on a second profile.

@@ -13,6 +13,7 @@
 #include <com/sun/star/graphic/GraphicProvider.hpp>
 #include <com/sun/star/graphic/GraphicType.hpp>
 #include <com/sun/star/text/XText.hpp>
+#include <com/sun/star/view/DocumentZoomType.hpp>
 
 #include <cmath>
 
@@ -31,6 +32,14 @@ constexpr sal_Int32 pageHeight = 19'050;
 constexpr sal_Int32 marginAtSides = 254;
 constexpr sal_Int32 marginAboveAndBelow = 127;
 constexpr sal_Int16 blankLayout = 20;
+
+sal_Int16 layoutOf(const Reference<css::drawing::XDrawPage>& page)
+{
+    sal_Int16 layout = -1;
+    Reference<css::beans::XPropertySet>(page, UNO_QUERY_THROW)->getPropertyValue("Layout") >>=
+        layout;
+    return layout;
+}
 
 } // namespace
 
@@ -74,11 +83,14 @@ void ImpressDocument::addBlankSlide(int index)
 {
     newPage_ = pages_->insertNewByIndex(slideCount_ == 0 ? 1 : index - 1);
     newIndex_ = index;
-    Reference<css::beans::XPropertySet>(newPage_, UNO_QUERY_THROW)
-        ->setPropertyValue("Layout", Any(blankLayout));
     if (slideCount_ == 0) {
+        setsLayout_ = layoutOf(newPage_) != blankLayout;
         // A presentation cannot be without slides, so the one it came with goes only now.
         pages_->remove(Reference<css::drawing::XDrawPage>(pages_->getByIndex(0), UNO_QUERY_THROW));
+    }
+    if (setsLayout_) {
+        Reference<css::beans::XPropertySet>(newPage_, UNO_QUERY_THROW)
+            ->setPropertyValue("Layout", Any(blankLayout));
     }
     ++slideCount_;
 }
@@ -122,11 +134,13 @@ void ImpressDocument::addShape(const char* service, const HundredthMm& box, cons
     }
     const Reference<css::drawing::XShape> shape(
         factory_->createInstance(rtl::OUString::createFromAscii(service)), UNO_QUERY_THROW);
+    // All of it before the shape is on the slide: an empty text box that may still grow would
+    // shrink there to one line, and each later change would be painted.
+    Reference<css::beans::XMultiPropertySet>(shape, UNO_QUERY_THROW)
+        ->setPropertyValues(names, values);
     shape->setPosition({box.left, box.top});
     shape->setSize({box.width, box.height});
     page_->add(shape);
-    Reference<css::beans::XMultiPropertySet>(shape, UNO_QUERY_THROW)
-        ->setPropertyValues(names, values);
     const css::awt::Size size(box.width, box.height);
     shapes_.push_back({shape, size, size});
 }
@@ -188,6 +202,9 @@ void ImpressDocument::scaleWidth(int shape, double factor)
 void ImpressDocument::showCurrentSlide()
 {
     const Reference<css::frame::XController> controller = model_->getCurrentController();
+    // The page has another shape than the one the window was made for.
+    Reference<css::beans::XPropertySet>(controller, UNO_QUERY_THROW)
+        ->setPropertyValue("ZoomType", Any(css::view::DocumentZoomType::ENTIRE_PAGE));
     if (page_.is()) {
         Reference<css::drawing::XDrawView>(controller, UNO_QUERY_THROW)->setCurrentPage(page_);
     }

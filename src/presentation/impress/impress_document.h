@@ -76,6 +76,8 @@ private:
     css::uno::Reference<css::drawing::XDrawPage> newPage_;
     int newIndex_ = 0;
     int slideCount_ = 0;
+    /// Whether new slides come with a layout other than the blank one.
+    bool setsLayout_ = false;
 };
 
 } // namespace varnholt
