@@ -12,6 +12,7 @@
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/graphic/GraphicProvider.hpp>
 #include <com/sun/star/graphic/GraphicType.hpp>
+#include <com/sun/star/lang/DisposedException.hpp>
 #include <com/sun/star/text/XText.hpp>
 #include <com/sun/star/view/DocumentZoomType.hpp>
 
@@ -69,10 +70,19 @@ void ImpressDocument::create()
     first->setPropertyValue("Height", Any(pageHeight));
 }
 
+Reference<css::frame::XController> ImpressDocument::controller()
+{
+    Reference<css::frame::XController> controller = model_->getCurrentController();
+    if (!controller.is() || !controller->getFrame().is()) {
+        throw css::lang::DisposedException("no view", model_);
+    }
+    return controller;
+}
+
 void ImpressDocument::show()
 {
-    const Reference<css::awt::XWindow2> window(
-        model_->getCurrentController()->getFrame()->getContainerWindow(), UNO_QUERY_THROW);
+    const Reference<css::awt::XWindow2> window(controller()->getFrame()->getContainerWindow(),
+                                               UNO_QUERY_THROW);
     window->setVisible(true);
     if (!window->isVisible()) {
         throw Error(QStringLiteral("Impress runs without a screen to show the presentation on."));
@@ -201,14 +211,14 @@ void ImpressDocument::scaleWidth(int shape, double factor)
 
 void ImpressDocument::showCurrentSlide()
 {
-    const Reference<css::frame::XController> controller = model_->getCurrentController();
+    const Reference<css::frame::XController> view = controller();
     // The page has another shape than the one the window was made for.
-    Reference<css::beans::XPropertySet>(controller, UNO_QUERY_THROW)
+    Reference<css::beans::XPropertySet>(view, UNO_QUERY_THROW)
         ->setPropertyValue("ZoomType", Any(css::view::DocumentZoomType::ENTIRE_PAGE));
     if (page_.is()) {
-        Reference<css::drawing::XDrawView>(controller, UNO_QUERY_THROW)->setCurrentPage(page_);
+        Reference<css::drawing::XDrawView>(view, UNO_QUERY_THROW)->setCurrentPage(page_);
     }
-    Reference<css::awt::XTopWindow>(controller->getFrame()->getContainerWindow(), UNO_QUERY_THROW)
+    Reference<css::awt::XTopWindow>(view->getFrame()->getContainerWindow(), UNO_QUERY_THROW)
         ->toFront();
 }
 

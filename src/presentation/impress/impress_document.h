@@ -60,6 +60,7 @@ private:
 
     void addShape(const char* service, const HundredthMm& box, const Names& names,
                   const Values& values);
+    css::uno::Reference<css::frame::XController> controller();
     Shape& shapeAt(int shape);
     static void resize(Shape& shape, const css::awt::Size& size);
     css::uno::Reference<css::drawing::XDrawPage> pageAt(int index);

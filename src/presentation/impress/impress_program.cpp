@@ -26,10 +26,11 @@ sal_Int32 hundredthMm(double points)
 template <typename Task>
 void ImpressProgram::call(Task task)
 {
-    worker_.run([document = document_, task = std::move(task)] {
+    worker_.run([document = document_, gone = gone_, task = std::move(task)] {
         try {
             task(*document);
         } catch (const css::lang::DisposedException&) {
+            *gone = true;
             throw Error(QStringLiteral("Impress, or the presentation in it, was closed."));
         } catch (const css::uno::Exception& exception) {
             throw Error(QStringLiteral("Impress reported: %1").arg(fromUno(exception.Message)));
@@ -132,6 +133,10 @@ void ImpressProgram::scaleWidth(int shape, double factor)
 
 void ImpressProgram::finish()
 {
+    // The call that noticed it has told already.
+    if (*gone_) {
+        return;
+    }
     call([](ImpressDocument& document) { document.showCurrentSlide(); });
 }
 

@@ -6,6 +6,7 @@
 
 #include <QTemporaryDir>
 
+#include <atomic>
 #include <memory>
 
 namespace varnholt {
@@ -41,6 +42,8 @@ private:
 
     /// Shared with the worker, which may outlive this object when the office hangs.
     std::shared_ptr<ImpressDocument> document_;
+    /// Whether a call found the presentation closed; shared like the document.
+    std::shared_ptr<std::atomic<bool>> gone_ = std::make_shared<std::atomic<bool>>(false);
     OfficeWorker worker_;
     /// For pictures that had to be turned.
     std::unique_ptr<QTemporaryDir> scratch_;

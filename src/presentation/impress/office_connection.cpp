@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
 #include <QProcess>
@@ -30,9 +31,6 @@ namespace varnholt {
 namespace {
 
 constexpr int pollEveryMs = 50;
-/// A started program that has ended handed its command to a running office or failed; how
-/// long the office may take from there until it answers.
-constexpr int afterHandOverMs = 5000;
 
 /// The folder the office's own libraries were loaded from.
 QString officeFolder()
@@ -66,11 +64,23 @@ const QString& pipeName()
     return name;
 }
 
+/// A process that has ended, but that nobody has asked about yet, does not run either.
+bool isRunning(qint64 pid)
+{
+    QFile status(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!status.open(QIODevice::ReadOnly)) {
+        return kill(pid_t(pid), 0) == 0 && !QFile::exists(QStringLiteral("/proc/self/stat"));
+    }
+    const QByteArray text = status.readAll();
+    return text.mid(text.lastIndexOf(')') + 2, 1) != "Z";
+}
+
 /// The process of the command that starts the office, or hands over to one that runs.
 class Starter
 {
 public:
     explicit Starter(const ImpressSettings& settings)
+        : handOverMs_(settings.handOverMs)
     {
         process_.setProgram(settings.program.isEmpty() ? officeFolder() + QStringLiteral("/soffice")
                                                        : settings.program);
@@ -103,15 +113,16 @@ public:
     bool isSpent()
     {
         if (!sinceEnd_.isValid()) {
-            if (kill(pid_t(pid_), 0) != 0) {
+            if (!isRunning(pid_)) {
                 sinceEnd_.start();
             }
             return false;
         }
-        return sinceEnd_.hasExpired(afterHandOverMs);
+        return sinceEnd_.hasExpired(handOverMs_);
     }
 
 private:
+    const int handOverMs_;
     QProcess process_;
     qint64 pid_ = 0;
     QElapsedTimer sinceEnd_;
