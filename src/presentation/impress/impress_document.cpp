@@ -212,12 +212,12 @@ void ImpressDocument::scaleWidth(int shape, double factor)
 void ImpressDocument::showCurrentSlide()
 {
     const Reference<css::frame::XController> view = controller();
-    // The page has another shape than the one the window was made for.
-    Reference<css::beans::XPropertySet>(view, UNO_QUERY_THROW)
-        ->setPropertyValue("ZoomType", Any(css::view::DocumentZoomType::ENTIRE_PAGE));
     if (page_.is()) {
         Reference<css::drawing::XDrawView>(view, UNO_QUERY_THROW)->setCurrentPage(page_);
     }
+    // The page is larger than the one the window was made for. Last, or it has no effect.
+    Reference<css::beans::XPropertySet>(view, UNO_QUERY_THROW)
+        ->setPropertyValue("ZoomType", Any(css::view::DocumentZoomType::ENTIRE_PAGE));
     Reference<css::awt::XTopWindow>(view->getFrame()->getContainerWindow(), UNO_QUERY_THROW)
         ->toFront();
 }
