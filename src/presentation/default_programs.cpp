@@ -20,21 +20,6 @@ namespace {
 
 const QString messageTitle = QStringLiteral("Presentation");
 
-/// Whether a window of another program would be seen.
-bool hasDisplay()
-{
-#ifdef Q_OS_WIN
-    return true;
-#else
-    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) &&
-        QStringList{u"offscreen"_s, u"minimal"_s}.contains(QGuiApplication::platformName())) {
-        return false;
-    }
-    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
-           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-#endif
-}
-
 /// False only when the desktop says that no program is registered for .pptx files: what opens
 /// them starts anyway then and fails unseen.
 bool programIsRegistered()
@@ -56,8 +41,33 @@ bool programIsRegistered()
 
 bool PresentationSettings::openWithDesktop(const QString& path)
 {
-    return hasDisplay() && programIsRegistered() &&
+    return displayIsThere() && programIsRegistered() &&
            QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+bool PresentationSettings::displayIsThere()
+{
+#ifdef Q_OS_WIN
+    return true;
+#else
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance()) &&
+        QStringList{u"offscreen"_s, u"minimal"_s}.contains(QGuiApplication::platformName())) {
+        return false;
+    }
+    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+#endif
+}
+
+ImpressSettings PresentationSettings::impressFromEnvironment()
+{
+    ImpressSettings settings;
+    const QString profile = qEnvironmentVariable("VARNHOLT_OFFICE_PROFILE");
+    if (!profile.isEmpty()) {
+        settings.arguments = QStringList{u"-env:UserInstallation="_s +
+                                         QUrl::fromLocalFile(profile).toString(QUrl::FullyEncoded)};
+    }
+    return settings;
 }
 
 void PresentationSettings::processWaitingEvents()
@@ -86,7 +96,7 @@ std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::startPptx() co
 
 std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::startImpress() const
 {
-    ImpressSettings settings;
+    ImpressSettings settings = settings_.impress;
     settings.alive = settings_.alive;
     settings.keepWaiting = [this] {
         return messages_.yesNo(messageTitle,
@@ -113,7 +123,7 @@ std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start()
                                    "\"impress\" or \"pptx\".")
                         .arg(asked));
     }
-    if (!hasDisplay() || ImpressPlugin::instance().entry() == nullptr) {
+    if (!settings_.hasDisplay() || ImpressPlugin::instance().entry() == nullptr) {
         return startPptx();
     }
     QString reason;

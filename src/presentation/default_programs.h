@@ -1,5 +1,6 @@
 #pragma once
 
+#include "presentation/impress/impress_settings.h"
 #include "store/services.h"
 
 #include <QDateTime>
@@ -20,10 +21,19 @@ struct PresentationSettings
     /// Called while something outside is waited for. Must not throw.
     std::function<void()> alive = &processWaitingEvents;
 
+    /// Whether a window of another program would be seen.
+    std::function<bool()> hasDisplay = &displayIsThere;
+    /// How the office is started; `alive` and `keepWaiting` are filled in here.
+    ImpressSettings impress = impressFromEnvironment();
+
     /// The desktop's program for the file; false also where there is no display to show it on.
     static bool openWithDesktop(const QString& path);
     /// Lets windows repaint and dialogs react.
     static void processWaitingEvents();
+    static bool displayIsThere();
+    /// `VARNHOLT_OFFICE_PROFILE` names a folder to keep the office's profile in, apart from
+    /// the user's own.
+    static ImpressSettings impressFromEnvironment();
 };
 
 /// PowerPoint where the machine has it, else Impress where it is installed and there is a

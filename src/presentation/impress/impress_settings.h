@@ -27,6 +27,9 @@ struct ImpressSettings
     int patienceMs = 15'000;
     /// An office that has not answered after this does not start.
     int startLimitMs = 90'000;
+    /// The starting program ends at once where it hands over to an office that runs; how long
+    /// that one may take then.
+    int handOverMs = 5000;
 };
 
 /// The plug-in's one entry, exported as `impressEntryName`: a connected Impress. Throws `Error`

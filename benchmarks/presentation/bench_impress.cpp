@@ -1,0 +1,76 @@
+// Building a hundred question slides in Impress, against the office's own macro language
+// doing the same in the same office.
+
+#include "presentation/build_fixture.h"
+#include "presentation/impress/impress_plugin.h"
+#include "presentation/office_host.h"
+#include "presentation/slide_builder.h"
+#include "support/fakes.h"
+#include "support/report.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+
+#include <cstdio>
+
+using namespace varnholt;
+using namespace varnholt::test;
+
+namespace {
+
+constexpr int slides = 100;
+constexpr int runs = 5;
+
+double ours(const OfficeHost& host, const List1<QuestionRecord>& pool)
+{
+    ScriptedMessageBoxes boxes;
+    const auto program = ImpressPlugin::instance().start(host.settings());
+    const BuildInput input{
+        pool, true, false, [](const QuestionRecord&) { return QStringLiteral("Algebra - Roots"); },
+        [&host](const QuestionRecord& question) {
+            return host.filePath(QStringLiteral("%1.jpg").arg(question.SOLIndex));
+        }};
+    QElapsedTimer timer;
+    timer.start();
+    BuildPresentation(*program, input, boxes);
+    return double(timer.nsecsElapsed()) / 1e6;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    OfficeHost host;
+    if (!host.problem().isEmpty() || ImpressPlugin::instance().entry() == nullptr) {
+        std::fprintf(stderr, "no Impress to measure: %s %s\n", qPrintable(host.problem()),
+                     qPrintable(ImpressPlugin::instance().reason()));
+        return 1;
+    }
+    List1<QuestionRecord> pool;
+    for (int i = 1; i <= slides; ++i) {
+        pool.append({i, i, 1, 1, QStringLiteral("A"), true});
+        writePicture(host.filePath(QStringLiteral("%1.jpg").arg(i)), {800, 600}, 96);
+    }
+    std::vector<double> own;
+    std::vector<double> peer;
+    ours(host, pool);
+    for (int run = 0; run <= runs; ++run) {
+        host.runMacro(QStringLiteral("CloseAll"));
+        const double macro = host.runMacro(QStringLiteral("Build")).toDouble();
+        host.runMacro(QStringLiteral("CloseAll"));
+        const double built = ours(host, pool);
+        if (run > 0) { // the first round warms up
+            own.push_back(built);
+            peer.push_back(macro);
+        }
+    }
+    const double a = bench::median(own);
+    const double b = bench::median(peer);
+    std::printf("Impress, %d slides of 800 x 600 pictures, office running: %.0f ms (%.1f a slide); "
+                "its own macro %.0f ms (%.1f a slide)\n",
+                slides, a, a / slides, b, b / slides);
+    return bench::report({{"impress.100", a / b, 3.0, 1.5, "x", "the office's own macro language"}},
+                         argc, argv);
+}

@@ -1,0 +1,225 @@
+#include "presentation/impress/impress_document.h"
+
+#include "presentation/slide_text.h"
+#include "store/errors.h"
+
+#include <QUrl>
+
+#include <com/sun/star/awt/XTopWindow.hpp>
+#include <com/sun/star/awt/XWindow2.hpp>
+#include <com/sun/star/drawing/XDrawPagesSupplier.hpp>
+#include <com/sun/star/drawing/XDrawView.hpp>
+#include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/graphic/GraphicProvider.hpp>
+#include <com/sun/star/graphic/GraphicType.hpp>
+#include <com/sun/star/lang/DisposedException.hpp>
+#include <com/sun/star/text/XText.hpp>
+#include <com/sun/star/view/DocumentZoomType.hpp>
+
+#include <cmath>
+
+using css::uno::Any;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+namespace varnholt {
+
+namespace {
+
+/// 960 x 540 points.
+constexpr sal_Int32 pageWidth = 33'867;
+constexpr sal_Int32 pageHeight = 19'050;
+/// The margins that text boxes have in other presentation programs: 7.2 and 3.6 points.
+constexpr sal_Int32 marginAtSides = 254;
+constexpr sal_Int32 marginAboveAndBelow = 127;
+constexpr sal_Int16 blankLayout = 20;
+
+sal_Int16 layoutOf(const Reference<css::drawing::XDrawPage>& page)
+{
+    sal_Int16 layout = -1;
+    Reference<css::beans::XPropertySet>(page, UNO_QUERY_THROW)->getPropertyValue("Layout") >>=
+        layout;
+    return layout;
+}
+
+} // namespace
+
+void ImpressDocument::close()
+{
+    shapes_.clear();
+    newPage_.clear();
+    page_.clear();
+    pages_.clear();
+    graphics_.clear();
+    factory_.clear();
+    model_.clear();
+    connection_.close();
+}
+
+void ImpressDocument::create()
+{
+    const auto& context = connection_.context();
+    const Reference<css::frame::XDesktop2> desktop = css::frame::Desktop::create(context);
+    model_.set(desktop->loadComponentFromURL("private:factory/simpress", "_blank", 0, {}),
+               UNO_QUERY_THROW);
+    factory_.set(model_, UNO_QUERY_THROW);
+    graphics_ = css::graphic::GraphicProvider::create(context);
+    pages_ = Reference<css::drawing::XDrawPagesSupplier>(model_, UNO_QUERY_THROW)->getDrawPages();
+    const Reference<css::beans::XPropertySet> first(pages_->getByIndex(0), UNO_QUERY_THROW);
+    first->setPropertyValue("Width", Any(pageWidth));
+    first->setPropertyValue("Height", Any(pageHeight));
+}
+
+Reference<css::frame::XController> ImpressDocument::controller()
+{
+    Reference<css::frame::XController> controller = model_->getCurrentController();
+    if (!controller.is() || !controller->getFrame().is()) {
+        throw css::lang::DisposedException("no view", model_);
+    }
+    return controller;
+}
+
+void ImpressDocument::show()
+{
+    const Reference<css::awt::XWindow2> window(controller()->getFrame()->getContainerWindow(),
+                                               UNO_QUERY_THROW);
+    window->setVisible(true);
+    if (!window->isVisible()) {
+        throw Error(QStringLiteral("Impress runs without a screen to show the presentation on."));
+    }
+}
+
+void ImpressDocument::addBlankSlide(int index)
+{
+    newPage_ = pages_->insertNewByIndex(slideCount_ == 0 ? 1 : index - 1);
+    newIndex_ = index;
+    if (slideCount_ == 0) {
+        setsLayout_ = layoutOf(newPage_) != blankLayout;
+        // A presentation cannot be without slides, so the one it came with goes only now.
+        pages_->remove(Reference<css::drawing::XDrawPage>(pages_->getByIndex(0), UNO_QUERY_THROW));
+    }
+    if (setsLayout_) {
+        Reference<css::beans::XPropertySet>(newPage_, UNO_QUERY_THROW)
+            ->setPropertyValue("Layout", Any(blankLayout));
+    }
+    ++slideCount_;
+}
+
+Reference<css::drawing::XDrawPage> ImpressDocument::pageAt(int index)
+{
+    if (index == newIndex_) {
+        return newPage_;
+    }
+    if (index < 1 || index > slideCount_) {
+        throw Error(QStringLiteral("The presentation has no slide %1.").arg(index));
+    }
+    return {pages_->getByIndex(index - 1), UNO_QUERY_THROW};
+}
+
+void ImpressDocument::select(int index)
+{
+    page_ = pageAt(index);
+    shapes_.clear();
+    if (index != newIndex_) {
+        for (sal_Int32 i = 0; i < page_->getCount(); ++i) {
+            const Reference<css::drawing::XShape> shape(page_->getByIndex(i), UNO_QUERY_THROW);
+            shapes_.push_back({shape, shape->getSize(), shape->getSize()});
+        }
+    }
+}
+
+ImpressDocument::Shape& ImpressDocument::shapeAt(int shape)
+{
+    if (shape < 1 || size_t(shape) > shapes_.size()) {
+        throw Error(QStringLiteral("The slide has no shape %1.").arg(shape));
+    }
+    return shapes_[size_t(shape) - 1];
+}
+
+void ImpressDocument::addShape(const char* service, const HundredthMm& box, const Names& names,
+                               const Values& values)
+{
+    if (!page_.is()) {
+        throw Error(QStringLiteral("No slide is selected."));
+    }
+    const Reference<css::drawing::XShape> shape(
+        factory_->createInstance(rtl::OUString::createFromAscii(service)), UNO_QUERY_THROW);
+    // All of it before the shape is on the slide: an empty text box that may still grow would
+    // shrink there to one line, and each later change would be painted.
+    Reference<css::beans::XMultiPropertySet>(shape, UNO_QUERY_THROW)
+        ->setPropertyValues(names, values);
+    shape->setPosition({box.left, box.top});
+    shape->setSize({box.width, box.height});
+    page_->add(shape);
+    const css::awt::Size size(box.width, box.height);
+    shapes_.push_back({shape, size, size});
+}
+
+void ImpressDocument::addTextBox(const HundredthMm& box)
+{
+    // In the order of the alphabet, as a set of several properties has to be.
+    const Names names =
+        unoSequence<rtl::OUString>({"TextAutoGrowHeight", "TextLeftDistance", "TextLowerDistance",
+                                    "TextRightDistance", "TextUpperDistance"});
+    const Values values = unoSequence({Any(false), Any(marginAtSides), Any(marginAboveAndBelow),
+                                       Any(marginAtSides), Any(marginAboveAndBelow)});
+    addShape("com.sun.star.drawing.TextShape", box, names, values);
+}
+
+void ImpressDocument::setText(int shape, const QString& text)
+{
+    Reference<css::text::XText>(shapeAt(shape).shape, UNO_QUERY_THROW)
+        ->setString(toUno(slideParagraphs(text).join(u'\n')));
+}
+
+void ImpressDocument::addPicture(const QString& path, const HundredthMm& box,
+                                 const QString& description)
+{
+    const auto url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
+    const auto source = unoSequence<css::beans::PropertyValue>(
+        {{"URL", -1, Any(toUno(url)), css::beans::PropertyState_DIRECT_VALUE}});
+    const Reference<css::graphic::XGraphic> graphic = graphics_->queryGraphic(source);
+    // What cannot be read comes back as nothing or as an empty picture.
+    if (!graphic.is() || graphic->getType() == css::graphic::GraphicType::EMPTY) {
+        throw Error(QStringLiteral("Impress cannot read the picture \"%1\".").arg(path));
+    }
+    addShape("com.sun.star.drawing.GraphicObjectShape", box,
+             unoSequence<rtl::OUString>({"Description", "Graphic"}),
+             unoSequence({Any(toUno(description)), Any(graphic)}));
+}
+
+void ImpressDocument::resize(Shape& shape, const css::awt::Size& size)
+{
+    // Nearly always it has that size already, and a call is a round trip.
+    if (size.Width != shape.size.Width || size.Height != shape.size.Height) {
+        shape.shape->setSize(size);
+        shape.size = size;
+    }
+}
+
+void ImpressDocument::scaleHeight(int shape, double factor)
+{
+    Shape& target = shapeAt(shape);
+    resize(target, {target.size.Width, sal_Int32(std::lround(target.original.Height * factor))});
+}
+
+void ImpressDocument::scaleWidth(int shape, double factor)
+{
+    Shape& target = shapeAt(shape);
+    resize(target, {sal_Int32(std::lround(target.original.Width * factor)), target.size.Height});
+}
+
+void ImpressDocument::showCurrentSlide()
+{
+    const Reference<css::frame::XController> view = controller();
+    if (page_.is()) {
+        Reference<css::drawing::XDrawView>(view, UNO_QUERY_THROW)->setCurrentPage(page_);
+    }
+    // The page is larger than the one the window was made for. Last, or it has no effect.
+    Reference<css::beans::XPropertySet>(view, UNO_QUERY_THROW)
+        ->setPropertyValue("ZoomType", Any(css::view::DocumentZoomType::ENTIRE_PAGE));
+    Reference<css::awt::XTopWindow>(view->getFrame()->getContainerWindow(), UNO_QUERY_THROW)
+        ->toFront();
+}
+
+} // namespace varnholt

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "presentation/impress/office_connection.h"
+
+#include <com/sun/star/beans/XMultiPropertySet.hpp>
+#include <com/sun/star/drawing/XDrawPage.hpp>
+#include <com/sun/star/drawing/XDrawPages.hpp>
+#include <com/sun/star/drawing/XShape.hpp>
+#include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/graphic/XGraphicProvider.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+
+#include <vector>
+
+namespace varnholt {
+
+/// Positions and sizes as the office counts them: whole hundredths of a millimetre.
+struct HundredthMm
+{
+    sal_Int32 left = 0;
+    sal_Int32 top = 0;
+    sal_Int32 width = 0;
+    sal_Int32 height = 0;
+};
+
+/// A presentation in Impress, and all the calls that lead to it. Everything here blocks and
+/// throws UNO's exceptions; `ImpressProgram` calls it from a worker and translates them.
+class ImpressDocument
+{
+public:
+    void open(const ImpressSettings& settings) { connection_.open(settings); }
+    void close();
+    void breakOff() { connection_.breakOff(); }
+
+    void create();
+    /// Throws `Error` when there is no screen the window could be on.
+    void show();
+    [[nodiscard]] int slideCount() const { return slideCount_; }
+    void addBlankSlide(int index);
+    void select(int index);
+    void addTextBox(const HundredthMm& box);
+    void setText(int shape, const QString& text);
+    void addPicture(const QString& path, const HundredthMm& box, const QString& description);
+    /// Scales relative to the size the shape was made with.
+    void scaleHeight(int shape, double factor);
+    void scaleWidth(int shape, double factor);
+    /// Brings the slide selected last to the screen.
+    void showCurrentSlide();
+
+private:
+    using Names = css::uno::Sequence<rtl::OUString>;
+    using Values = css::uno::Sequence<css::uno::Any>;
+
+    struct Shape
+    {
+        css::uno::Reference<css::drawing::XShape> shape;
+        css::awt::Size original;
+        css::awt::Size size;
+    };
+
+    void addShape(const char* service, const HundredthMm& box, const Names& names,
+                  const Values& values);
+    css::uno::Reference<css::frame::XController> controller();
+    Shape& shapeAt(int shape);
+    static void resize(Shape& shape, const css::awt::Size& size);
+    css::uno::Reference<css::drawing::XDrawPage> pageAt(int index);
+
+    OfficeConnection connection_;
+    css::uno::Reference<css::frame::XModel> model_;
+    css::uno::Reference<css::lang::XMultiServiceFactory> factory_;
+    css::uno::Reference<css::graphic::XGraphicProvider> graphics_;
+    css::uno::Reference<css::drawing::XDrawPages> pages_;
+    css::uno::Reference<css::drawing::XDrawPage> page_;
+    /// Of the current slide, by position.
+    std::vector<Shape> shapes_;
+    /// The slide made last, which is nearly always the one that is selected next.
+    css::uno::Reference<css::drawing::XDrawPage> newPage_;
+    int newIndex_ = 0;
+    int slideCount_ = 0;
+    /// Whether new slides come with a layout other than the blank one.
+    bool setsLayout_ = false;
+};
+
+} // namespace varnholt

@@ -1,0 +1,149 @@
+#include "presentation/impress/impress_program.h"
+
+#include "presentation/picture_info.h"
+#include "store/errors.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <com/sun/star/lang/DisposedException.hpp>
+
+#include <cmath>
+
+namespace varnholt {
+
+namespace {
+
+constexpr int farewellMs = 3000;
+
+sal_Int32 hundredthMm(double points)
+{
+    return sal_Int32(std::lround(points * 2540 / 72));
+}
+
+} // namespace
+
+template <typename Task>
+void ImpressProgram::call(Task task)
+{
+    worker_.run([document = document_, gone = gone_, task = std::move(task)] {
+        try {
+            task(*document);
+        } catch (const css::lang::DisposedException&) {
+            *gone = true;
+            throw Error(QStringLiteral("Impress, or the presentation in it, was closed."));
+        } catch (const css::uno::Exception& exception) {
+            throw Error(QStringLiteral("Impress reported: %1").arg(fromUno(exception.Message)));
+        }
+    });
+}
+
+ImpressProgram::ImpressProgram(const ImpressSettings& settings)
+    : document_(std::make_shared<ImpressDocument>())
+    , worker_({settings.alive, settings.keepWaiting, settings.patienceMs},
+              [document = document_] { document->breakOff(); })
+{
+    ImpressSettings own = settings;
+    // The worker must not call back into windows.
+    own.alive = nullptr;
+    own.keepWaiting = nullptr;
+    call([own](ImpressDocument& document) { document.open(own); });
+}
+
+ImpressProgram::~ImpressProgram()
+{
+    worker_.runLast([document = document_] { document->close(); }, farewellMs);
+}
+
+void ImpressProgram::addPresentation()
+{
+    call([](ImpressDocument& document) { document.create(); });
+}
+
+void ImpressProgram::setVisible()
+{
+    call([](ImpressDocument& document) { document.show(); });
+}
+
+int ImpressProgram::slideCount()
+{
+    const auto count = std::make_shared<int>(0);
+    call([count](ImpressDocument& document) { *count = document.slideCount(); });
+    return *count;
+}
+
+void ImpressProgram::addBlankSlide(int index)
+{
+    call([index](ImpressDocument& document) { document.addBlankSlide(index); });
+}
+
+void ImpressProgram::selectSlide(int index)
+{
+    call([index](ImpressDocument& document) { document.select(index); });
+}
+
+void ImpressProgram::addTextBox(double left, double top, double width, double height)
+{
+    const HundredthMm box{hundredthMm(left), hundredthMm(top), hundredthMm(width),
+                          hundredthMm(height)};
+    call([box](ImpressDocument& document) { document.addTextBox(box); });
+}
+
+void ImpressProgram::setShapeText(int shape, const QString& text)
+{
+    call([shape, text](ImpressDocument& document) { document.setText(shape, text); });
+}
+
+QString ImpressProgram::scratchFile(const QByteArray& bytes)
+{
+    if (!scratch_) {
+        scratch_ = std::make_unique<QTemporaryDir>();
+    }
+    QFile file(scratch_->filePath(QStringLiteral("%1.jpg").arg(++scratchFiles_)));
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
+        throw Error(QStringLiteral("A turned picture could not be written to \"%1\": %2.")
+                        .arg(file.fileName(), file.errorString()));
+    }
+    return file.fileName();
+}
+
+void ImpressProgram::addPicture(const QString& path, double left, double top, double width,
+                                double height, const QString& description)
+{
+    const PictureInfo info = readPictureInfo(path);
+    const QString file = info.uprightJpeg.isEmpty() ? QFileInfo(path).absoluteFilePath()
+                                                    : scratchFile(info.uprightJpeg);
+    const HundredthMm box{hundredthMm(left), hundredthMm(top),
+                          hundredthMm(width == ownSize ? info.points.width() : width),
+                          hundredthMm(height == ownSize ? info.points.height() : height)};
+    call([file, box, description](ImpressDocument& document) {
+        document.addPicture(file, box, description);
+    });
+}
+
+void ImpressProgram::scaleHeight(int shape, double factor)
+{
+    call([shape, factor](ImpressDocument& document) { document.scaleHeight(shape, factor); });
+}
+
+void ImpressProgram::scaleWidth(int shape, double factor)
+{
+    call([shape, factor](ImpressDocument& document) { document.scaleWidth(shape, factor); });
+}
+
+void ImpressProgram::finish()
+{
+    // The call that noticed it has told already.
+    if (*gone_) {
+        return;
+    }
+    call([](ImpressDocument& document) { document.showCurrentSlide(); });
+}
+
+} // namespace varnholt
+
+extern "C" Q_DECL_EXPORT varnholt::PresentationProgram*
+varnholt_start_impress(const varnholt::ImpressSettings& settings)
+{
+    return new varnholt::ImpressProgram(settings);
+}

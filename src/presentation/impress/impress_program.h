@@ -1,0 +1,53 @@
+#pragma once
+
+#include "presentation/impress/impress_document.h"
+#include "presentation/impress/office_worker.h"
+#include "presentation/presentation_program.h"
+
+#include <QTemporaryDir>
+
+#include <atomic>
+#include <memory>
+
+namespace varnholt {
+
+/// The presentation port on top of Impress. The document is in Impress from the first call
+/// on; it stays open, unsaved and visible when this object goes.
+class ImpressProgram final : public PresentationProgram
+{
+public:
+    /// Starts or finds the office. Throws `Error` when it cannot be reached, `Cancelled` when
+    /// the user stops waiting.
+    explicit ImpressProgram(const ImpressSettings& settings);
+    ~ImpressProgram() override;
+
+    void addPresentation() override;
+    void setVisible() override;
+    int slideCount() override;
+    void addBlankSlide(int index) override;
+    void selectSlide(int index) override;
+    void addTextBox(double left, double top, double width, double height) override;
+    void setShapeText(int shape, const QString& text) override;
+    void addPicture(const QString& path, double left, double top, double width, double height,
+                    const QString& description) override;
+    void scaleHeight(int shape, double factor) override;
+    void scaleWidth(int shape, double factor) override;
+    void finish() override;
+
+private:
+    /// Runs on the worker with what UNO throws made an `Error`.
+    template <typename Task>
+    void call(Task task);
+    QString scratchFile(const QByteArray& bytes);
+
+    /// Shared with the worker, which may outlive this object when the office hangs.
+    std::shared_ptr<ImpressDocument> document_;
+    /// Whether a call found the presentation closed; shared like the document.
+    std::shared_ptr<std::atomic<bool>> gone_ = std::make_shared<std::atomic<bool>>(false);
+    OfficeWorker worker_;
+    /// For pictures that had to be turned.
+    std::unique_ptr<QTemporaryDir> scratch_;
+    int scratchFiles_ = 0;
+};
+
+} // namespace varnholt

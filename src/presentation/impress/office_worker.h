@@ -1,0 +1,55 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace varnholt {
+
+/// A thread that calls into the office suite, so that an office that never answers blocks it
+/// and not the caller. One task at a time; the caller waits, but with its windows alive.
+class OfficeWorker
+{
+public:
+    struct Patience
+    {
+        /// Called while a task runs, about 50 times a second.
+        std::function<void()> alive;
+        /// Asked after every `patienceMs` of one task; false gives up. May be empty.
+        std::function<bool()> keepWaiting;
+        int patienceMs = 15'000;
+    };
+
+    /// `breakOff` must make a call that hangs return soon; it is called from the caller's
+    /// thread when waiting is given up.
+    OfficeWorker(Patience patience, std::function<void()> breakOff);
+    /// Waits a few seconds for the thread and leaves it behind when it hangs even so.
+    ~OfficeWorker();
+    OfficeWorker(const OfficeWorker&) = delete;
+    OfficeWorker& operator=(const OfficeWorker&) = delete;
+
+    /// Runs the task on the thread and passes on what it throws. Throws `Cancelled` when
+    /// `keepWaiting` says no, and from then on always. A task that is given up may still be
+    /// running when this returns, so it must own all it touches.
+    void run(std::function<void()> task);
+
+    /// Runs a last task without asking anybody; what it throws is dropped. Gives up, and
+    /// breaks off, after `limitMs`.
+    void runLast(std::function<void()> task, int limitMs);
+
+private:
+    struct Shared;
+    static void work(const std::shared_ptr<Shared>& shared);
+
+    void give(std::function<void()> task);
+    bool wait(int limitMs);
+    void giveUp();
+
+    Patience patience_;
+    std::function<void()> breakOff_;
+    std::shared_ptr<Shared> shared_;
+    std::thread thread_;
+    bool givenUp_ = false;
+};
+
+} // namespace varnholt

@@ -1,0 +1,236 @@
+#include "presentation/office_host.h"
+
+#include "presentation/impress/office_connection.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <QThread>
+#include <QUrl>
+
+#include <com/sun/star/script/provider/XScriptProviderFactory.hpp>
+
+#include <csignal>
+#include <sys/prctl.h>
+
+using namespace Qt::StringLiterals;
+
+namespace varnholt::test {
+
+namespace {
+
+/// %1 is the folder of this host. Functions only: what they return is the answer.
+const QString macros = uR"(
+Function Presentation()
+  Dim components, c
+  components = StarDesktop.Components.createEnumeration()
+  Do While components.hasMoreElements()
+    c = components.nextElement()
+    If HasUnoInterfaces(c, "com.sun.star.lang.XServiceInfo") Then
+      If c.supportsService("com.sun.star.presentation.PresentationDocument") Then
+        Presentation = c
+        Exit Function
+      End If
+    End If
+  Loop
+End Function
+
+REM One line for the document, then one for each slide and each shape.
+Function Dump
+  Dim doc, page, s, i, k, text
+  doc = Presentation()
+  text = "document;" & doc.DrawPages.Count & ";" & doc.CurrentController.CurrentPage.Number & ";" & _
+    doc.isModified() & ";" & doc.hasLocation() & ";" & _
+    doc.CurrentController.Frame.ContainerWindow.isVisible() & Chr(10)
+  For i = 0 To doc.DrawPages.Count - 1
+    page = doc.DrawPages.getByIndex(i)
+    text = text & "slide;" & page.Width & ";" & page.Height & ";" & page.Layout & Chr(10)
+    For k = 0 To page.Count - 1
+      s = page.getByIndex(k)
+      text = text & s.ShapeType & ";" & s.Position.X & ";" & s.Position.Y & ";" & s.Size.Width & ";" & _
+        s.Size.Height & ";" & s.Description & ";" & Join(Split(s.String, Chr(10)), "|") & Chr(10)
+    Next k
+  Next i
+  Dump = text
+End Function
+
+Function StorePdf
+  Dim args(0) As New com.sun.star.beans.PropertyValue
+  args(0).Name = "FilterName" : args(0).Value = "impress_pdf_Export"
+  Presentation().storeToURL(ConvertToURL("%1/held.pdf"), args())
+  StorePdf = "stored"
+End Function
+
+Function CloseAll
+  Dim doc
+  doc = Presentation()
+  Do Until IsNull(doc) Or IsEmpty(doc)
+    doc.close(True)
+    doc = Presentation()
+  Loop
+  CloseAll = "closed"
+End Function
+
+Sub Place(s, x, y, w, h)
+  Dim p As New com.sun.star.awt.Point, z As New com.sun.star.awt.Size
+  p.X = x : p.Y = y : z.Width = w : z.Height = h
+  s.Position = p
+  s.Size = z
+End Sub
+
+Sub TextBox(doc, page, x, y, w, h, text)
+  Dim s
+  s = doc.createInstance("com.sun.star.drawing.TextShape")
+  page.add(s)
+  s.TextAutoGrowHeight = False
+  s.TextLeftDistance = 254 : s.TextRightDistance = 254
+  s.TextUpperDistance = 127 : s.TextLowerDistance = 127
+  Place(s, x, y, w, h)
+  s.String = text
+End Sub
+
+REM The same hundred slides as the benchmark builds, in the office's own language.
+Function Build
+  Dim started, doc, pages, page, graphics, i, s, source(0) As New com.sun.star.beans.PropertyValue
+  started = GetSystemTicks()
+  doc = StarDesktop.loadComponentFromURL("private:factory/simpress", "_blank", 0, Array())
+  graphics = createUnoService("com.sun.star.graphic.GraphicProvider")
+  pages = doc.DrawPages
+  pages.getByIndex(0).Width = 33867 : pages.getByIndex(0).Height = 19050
+  For i = 1 To 100
+    page = pages.insertNewByIndex(pages.Count)
+    page.Layout = 20
+    If i = 1 Then pages.remove(pages.getByIndex(0))
+    TextBox(doc, page, 0, 0, 35278, 3528, "Algebra - Roots")
+    TextBox(doc, page, 0, 1411, 3528, 3528, "#" & i)
+    source(0).Name = "URL" : source(0).Value = ConvertToURL("%1/" & i & ".jpg")
+    s = doc.createInstance("com.sun.star.drawing.GraphicObjectShape")
+    page.add(s)
+    s.Graphic = graphics.queryGraphic(source())
+    s.Description = "Question " & i
+    Place(s, 71, 2469, 21167, 15875)
+  Next i
+  doc.CurrentController.setCurrentPage(pages.getByIndex(0))
+  Build = CStr(GetSystemTicks() - started)
+End Function
+)"_s;
+
+} // namespace
+
+OfficeHost::OfficeHost()
+{
+    for (const char* program : {"soffice", "Xvfb"}) {
+        if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty()) {
+            problem_ = QLatin1String(program) + u" is not installed"_s;
+            return;
+        }
+    }
+    startDisplay();
+    writeMacros();
+}
+
+OfficeHost::~OfficeHost()
+{
+    signalOffice(SIGKILL);
+    for (int i = 0; i < 100 && !processes().isEmpty(); ++i) {
+        QThread::msleep(20);
+    }
+    display_.kill();
+    display_.waitForFinished();
+}
+
+void OfficeHost::startDisplay()
+{
+    // The office ends with its display, and the display with us, however that comes about.
+    display_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    display_.start(u"Xvfb"_s, {u"-noreset"_s, u"-nolisten"_s, u"tcp"_s, u"-displayfd"_s, u"1"_s,
+                               u"-screen"_s, u"0"_s, u"1600x1000x24"_s});
+    while (!display_.canReadLine()) {
+        if (!display_.waitForReadyRead(20'000)) {
+            problem_ = u"Xvfb does not start"_s;
+            return;
+        }
+    }
+    displayName_ = u':' + QString::fromLatin1(display_.readLine().trimmed());
+}
+
+QString OfficeHost::profileArgument(const QString& name) const
+{
+    return u"-env:UserInstallation="_s +
+           QUrl::fromLocalFile(folder_.filePath(name)).toString(QUrl::FullyEncoded);
+}
+
+void OfficeHost::writeMacros()
+{
+    // A profile's first start writes over what is there, so that comes first.
+    QProcess::execute(u"soffice"_s, {profileArgument(u"profile"_s), u"--headless"_s,
+                                     u"--terminate_after_init"_s});
+    const QString module =
+        u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+        "<script:module xmlns:script=\"http://openoffice.org/2000/script\" "
+        "script:name=\"Module1\" script:language=\"StarBasic\">%1</script:module>"_s;
+    QFile file(folder_.filePath(u"profile/user/basic/Standard/Module1.xba"_s));
+    if (!file.open(QIODevice::WriteOnly) ||
+        file.write(module.arg(QString(macros).replace(u"%1"_s, folder_.path()).toHtmlEscaped())
+                       .toUtf8()) <= 0) {
+        problem_ = u"the profile of the office cannot be written"_s;
+    }
+}
+
+ImpressSettings OfficeHost::settings() const
+{
+    ImpressSettings settings;
+    settings.arguments = QStringList{profileArgument(u"profile"_s)};
+    settings.environment = QStringList{u"DISPLAY="_s + displayName_, u"SAL_USE_VCLPLUGIN=gen"_s};
+    return settings;
+}
+
+QString OfficeHost::runMacro(const QString& name)
+{
+    OfficeConnection connection;
+    connection.open(settings());
+    const css::uno::Reference<css::script::provider::XScriptProviderFactory> factory(
+        connection.context()->getValueByName(
+            "/singletons/com.sun.star.script.provider.theMasterScriptProviderFactory"),
+        css::uno::UNO_QUERY_THROW);
+    const auto script = factory->createScriptProvider(css::uno::Any(rtl::OUString()))
+                            ->getScript(toUno(u"vnd.sun.star.script:Standard.Module1.%1?"
+                                              "language=Basic&location=application"_s.arg(name)));
+    css::uno::Sequence<sal_Int16> places;
+    css::uno::Sequence<css::uno::Any> outputs;
+    rtl::OUString result;
+    script->invoke({}, places, outputs) >>= result;
+    return fromUno(result);
+}
+
+void OfficeHost::convertToPdf(const QString& file)
+{
+    QProcess process;
+    process.start(u"soffice"_s, {profileArgument(u"second"_s), u"--headless"_s, u"--convert-to"_s,
+                                 u"pdf"_s, u"--outdir"_s, folder_.path(), file});
+    process.waitForFinished(60'000);
+}
+
+QList<qint64> OfficeHost::processes() const
+{
+    QList<qint64> found;
+    for (const QString& entry : QDir(u"/proc"_s).entryList(QDir::Dirs)) {
+        bool isNumber = false;
+        const qint64 pid = entry.toLongLong(&isNumber);
+        QFile commandLine(u"/proc/%1/cmdline"_s.arg(entry));
+        if (isNumber && commandLine.open(QIODevice::ReadOnly) &&
+            commandLine.readAll().contains(folder_.path().toUtf8())) {
+            found.append(pid);
+        }
+    }
+    return found;
+}
+
+void OfficeHost::signalOffice(int signal) const
+{
+    for (const qint64 pid : processes()) {
+        kill(pid_t(pid), signal);
+    }
+}
+
+} // namespace varnholt::test

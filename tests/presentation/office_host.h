@@ -1,0 +1,52 @@
+#pragma once
+
+#include "presentation/impress/impress_settings.h"
+
+#include <QList>
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace varnholt::test {
+
+/// A place for an office suite of our own: an off-screen display, a fresh profile and a few
+/// macros in the office's own language, with which it tells what it holds. Whatever runs on
+/// that profile is killed at the end.
+class OfficeHost
+{
+public:
+    OfficeHost();
+    ~OfficeHost();
+    OfficeHost(const OfficeHost&) = delete;
+    OfficeHost& operator=(const OfficeHost&) = delete;
+
+    /// Empty when everything is there, else what is missing.
+    [[nodiscard]] const QString& problem() const { return problem_; }
+
+    /// For the plug-in: this profile on this display.
+    [[nodiscard]] ImpressSettings settings() const;
+
+    [[nodiscard]] QString filePath(const QString& name) const { return folder_.filePath(name); }
+
+    /// Runs one of the macros in the office, which is started when there is none.
+    QString runMacro(const QString& name);
+
+    /// Runs a one-shot, windowless office on a second profile.
+    void convertToPdf(const QString& file);
+
+    /// Sends a signal to the office's processes.
+    void signalOffice(int signal) const;
+    [[nodiscard]] QList<qint64> processes() const;
+
+private:
+    void startDisplay();
+    void writeMacros();
+    [[nodiscard]] QString profileArgument(const QString& name) const;
+
+    QTemporaryDir folder_;
+    QProcess display_;
+    QString displayName_;
+    QString problem_;
+};
+
+} // namespace varnholt::test
