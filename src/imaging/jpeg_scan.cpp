@@ -7,13 +7,13 @@ namespace varnholt::jpeg {
 
 namespace {
 
-constexpr std::size_t kWriterBytes = 16 * 1024;
+constexpr std::size_t kWriterBytes = 8 * 1024;
 /// A group of MCUs is tokenised at a time; this holds one of the largest MCUs at least.
-constexpr std::ptrdiff_t kWorkTokens = 4096;
-constexpr std::size_t kLeastCapacity = 8 * 1024;
+constexpr std::ptrdiff_t kWorkTokens = 2048;
+constexpr std::size_t kLeastCapacity = 4 * 1024;
 /// Bytes of kept tokens against bytes of samples.
-constexpr std::size_t kCapacityFactor = 2;
-constexpr std::size_t kCapacityDivisor = 13;
+constexpr std::size_t kCapacityFactor = 3;
+constexpr std::size_t kCapacityDivisor = 16;
 constexpr int kMostBlocksInMcu = 10;
 
 } // namespace
