@@ -82,8 +82,7 @@ struct Kernels
     void (*chromaRow2x2)(const std::uint8_t* upper, const std::uint8_t* lower, std::int32_t count,
                          std::int8_t* cb, std::int8_t* cr);
 
-    /// Turns eight rows of 8·blocks samples into blocks of 64. For large planes, which are not
-    /// read again soon.
+    /// Turns eight rows of 8·blocks samples into blocks of 64, at a ComponentPlane's alignment.
     void (*storeBlocks)(const std::int8_t* rows, std::int32_t blocks, std::int8_t* out);
 
     /// Transforms, quantises and tokenises the MCUs from `first` to before `last`, and counts

@@ -402,6 +402,7 @@ inline void streamBlockRow(const std::int8_t* rows, std::int32_t blocks, std::in
             _mm_stream_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi64(upper, lower));
         }
     }
+    _mm_sfence(); // whoever encodes may be another thread
 }
 #endif
 
