@@ -230,7 +230,9 @@ bool DeviceContext::StretchBlt(std::int32_t x, std::int32_t y, std::int32_t widt
                                std::int32_t sourceHeight, RasterOp op)
 {
     const bool inside = source.holds(sourceX, sourceY, sourceWidth, sourceHeight);
-    if (!m_bits || !source.m_bits || !inside || width < 1 || height < 1 || !truthTable(op))
+    const std::int32_t longest = std::max({width, height, sourceWidth, sourceHeight});
+    if (!m_bits || !source.m_bits || !inside || width < 1 || height < 1 ||
+        longest > RowScaler::kLongestSide || !truthTable(op))
         return false;
     try {
         DeviceContext scaled;
@@ -245,7 +247,7 @@ bool DeviceContext::StretchBlt(std::int32_t x, std::int32_t y, std::int32_t widt
         RowScaler scaler(source.view(), {sourceX, sourceY, sourceWidth, sourceHeight}, width,
                          height,
                          m_stretchMode == Halftone ? Scaling::AreaOrLinear : Scaling::Nearest);
-        if (!scaler.isValid() || !scaled.Create(width, 1, 24))
+        if (!scaled.Create(width, 1, 24))
             return false;
         const std::int32_t firstRow = std::max(0, -y);
         const auto lastRow =

@@ -91,7 +91,7 @@ public:
     bool CopyFrom(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
                   const BitmapView& source, std::int32_t sourceX, std::int32_t sourceY,
                   RasterOp op = RasterOp::SrcCopy);
-    /// The source rectangle must lie inside the source, and no size be below 1.
+    /// The source rectangle must lie inside the source, and every size be 1 to 8,388,608.
     bool StretchBlt(std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
                     const DeviceContext& source, std::int32_t sourceX, std::int32_t sourceY,
                     std::int32_t sourceWidth, std::int32_t sourceHeight,

@@ -14,20 +14,26 @@ namespace varnholt::jpeg {
 /// known to write it.
 ///
 /// A symbol is 256·(table: 0 luminance, 1 chrominance) + 16·run + size for an AC symbol (T.81
-/// F.1.2.2) and 256·table + 16·category + 15 for a DC symbol; AC sizes end at 10.
+/// F.1.2.2); AC sizes end at 10. A DC symbol is 256·table + 16·category + 13 to 15: it says
+/// too whether the block before it is still to be closed by an end-of-block code, 14 with
+/// that of table 0, 15 with that of table 1. Such a code has a token of its own only at the
+/// end of a scan.
 using Token = std::uint16_t;
 inline constexpr int kInlineBits = 7;
 inline constexpr int kSymbols = 512;
-inline constexpr int kDcMark = 15;
+inline constexpr int kDcMark = 13;
+
+constexpr bool isDc(int symbol)
+{
+    return (symbol & 15) >= kDcMark;
+}
 
 constexpr int valueBits(int symbol)
 {
-    const int size = symbol & 15;
-    return size == kDcMark ? (symbol >> 4) & 15 : size;
+    return isDc(symbol) ? (symbol >> 4) & 15 : symbol & 15;
 }
 
-/// No block takes more tokens and words than this: 64 of each, the end of block, and room to
-/// work in.
+/// No block takes more tokens and words than this: 64 of each, and room to work in.
 inline constexpr int kBlockTokens = 132;
 
 /// One component's part of an MCU row.
@@ -48,16 +54,23 @@ struct McuRow
     int count = 0;
 };
 
-/// The DC predictions, which go on from MCU to MCU.
+/// What goes on from MCU to MCU.
 struct ScanState
 {
     std::int32_t prediction[3] = {};
+    unsigned open = 0; ///< 1 + table of a block not yet closed, 0 when there is none
 };
 
-/// How a symbol is written: bits 31 to 9 its code, shifted up by the number of value bits in
-/// the token, bits 4 to 0 the length of both, bit 5 set when the value bits follow in a word.
-using SymbolCode = std::uint32_t;
-inline constexpr SymbolCode kWordFollows = 32;
+/// How symbols are written. `quick`: bits 31 to 9 the code, shifted up by the number of value
+/// bits, bits 4 to 0 the length of both. Where that does not fit, or the value is in a word,
+/// bit 5 is set and `full` holds the code from bit 8 on and its length, without the value.
+struct SymbolCodes
+{
+    std::uint32_t quick[kSymbols] = {};
+    std::uint64_t full[kSymbols] = {};
+};
+inline constexpr std::uint32_t kNotQuick = 32;
+inline constexpr int kQuickBits = 23;
 
 /// Bits not yet written: the lowest `count` (below 8) of `bits`.
 struct BitState
@@ -82,8 +95,7 @@ struct Kernels
     void (*chromaRow2x2)(const std::uint8_t* upper, const std::uint8_t* lower, std::int32_t count,
                          std::int8_t* cb, std::int8_t* cr);
 
-    /// Turns eight rows of 8·blocks samples into blocks of 64. For large planes, which are not
-    /// read again soon.
+    /// Turns eight rows of 8·blocks samples into blocks of 64, at a ComponentPlane's alignment.
     void (*storeBlocks)(const std::int8_t* rows, std::int32_t blocks, std::int8_t* out);
 
     /// Transforms, quantises and tokenises the MCUs from `first` to before `last`, and counts
@@ -91,9 +103,9 @@ struct Kernels
     Token* (*tokenise)(const McuRow& row, std::int32_t first, std::int32_t last, ScanState& state,
                        std::uint64_t* counts, Token* out);
 
-    /// Writes whole bytes without stuffing, up to 3 a token and 8 more, and returns their end.
+    /// Writes whole bytes without stuffing, up to 4 a token and 8 more, and returns their end.
     /// Stops at `end`, or one after it when the last token's word stands there; moves `tokens`.
-    std::uint8_t* (*writeBits)(const Token*& tokens, const Token* end, const SymbolCode* codes,
+    std::uint8_t* (*writeBits)(const Token*& tokens, const Token* end, const SymbolCodes& codes,
                                BitState& state, std::uint8_t* out);
 };
 

@@ -227,6 +227,8 @@ inline __m256i convert(const ColourPairs& colours, __m256i blueRed, __m256i gree
     return _mm256_srai_epi32(_mm256_sub_epi32(offset, sum), kColourShift);
 }
 
+constexpr std::uintptr_t kPrefetchDistance = 1536;
+
 void lumaRow(const std::uint8_t* in, std::int32_t count, std::int8_t* y)
 {
     const __m256i blueRed = pairOf(kLumaBlue, kLumaRed);
@@ -235,6 +237,11 @@ void lumaRow(const std::uint8_t* in, std::int32_t count, std::int8_t* y)
     std::int32_t i = 0;
     // The low half of a vector takes the first 16 pixels, the high half the next 16.
     for (; i + 34 <= count; i += 32, in += 96) {
+        // The processor's own looking ahead ends with a page of memory.
+        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(in) +
+                                                         kPrefetchDistance));
+        __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(in) +
+                                                         kPrefetchDistance + 64));
         __m256i sums[4];
         for (int k = 0; k < 4; ++k)
             sums[k] = convert(loadTwiceFour(in + 12 * k, in + 48 + 12 * k), blueRed, green, offset);

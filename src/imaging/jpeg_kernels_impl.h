@@ -217,11 +217,12 @@ inline Token* putValue(unsigned symbol, int size, int value, std::uint64_t* coun
     return out;
 }
 
-inline Token* putDc(unsigned table, int difference, std::uint64_t* counts, Token* out)
+inline Token* putDc(unsigned table, int difference, ScanState& state, std::uint64_t* counts,
+                    Token* out)
 {
     const auto size = bitLength(static_cast<unsigned>(difference < 0 ? -difference : difference));
-    return putValue(table | (static_cast<unsigned>(size) << 4) | kDcMark, size, difference, counts,
-                    out);
+    const unsigned symbol = table | (static_cast<unsigned>(size) << 4) | (kDcMark + state.open);
+    return putValue(symbol, size, difference, counts, out);
 }
 
 /// A block to be transformed: 64 samples, and how to quantise them.
@@ -266,22 +267,23 @@ Token* tokeniseCarefully(const Block& block, unsigned table, std::uint64_t* coun
             table | (static_cast<unsigned>(run) << 4) | static_cast<unsigned>(size);
         out = putValue(symbol, size, value, counts, out);
     }
-    return before == 63 ? out : putToken(table, 0, counts, out);
+    return out;
 }
 
 template <class Block>
-inline Token* tokeniseBlock(const Block& block, unsigned table, std::int32_t& prediction,
+inline Token* tokeniseBlock(const Block& block, int component, unsigned table, ScanState& state,
                             std::uint64_t* counts, Token* out)
 {
-    out = putDc(table, block.dc - prediction, counts, out);
-    prediction = block.dc;
+    constexpr std::uint64_t kLast = std::uint64_t{1} << 63;
+    out = putDc(table, block.dc - state.prediction[component], state, counts, out);
+    state.prediction[component] = block.dc;
+    state.open = (block.mask & kLast) == 0 ? 1 + (table >> 8) : 0;
     if (block.large || hasLongRun(block.mask))
         return tokeniseCarefully(block, table, counts, out);
 
     // How many coefficients there are is hard to foresee for the processor. So they are taken
     // four at a time, and what is too many is overwritten and not counted.
     constexpr int kAtATime = 4;
-    constexpr std::uint64_t kLast = std::uint64_t{1} << 63;
     const int coefficients = bitCount(block.mask);
     std::uint64_t mask = block.mask;
     unsigned before = 1;
@@ -297,11 +299,7 @@ inline Token* tokeniseBlock(const Block& block, unsigned table, std::int32_t& pr
             out[i + j] = static_cast<Token>(token);
         }
     }
-    out += coefficients;
-    const unsigned end = (block.mask & kLast) == 0 ? 1 : 0;
-    counts[table] += end;
-    *out = static_cast<Token>(table << kInlineBits);
-    return out + end;
+    return out + coefficients;
 }
 
 constexpr int kBatch = 12; // at least the ten blocks an MCU may have
@@ -364,14 +362,14 @@ Token* tokeniseMcus(const McuRow& row, std::int32_t first, std::int32_t last, Sc
 
         next = blocks;
         const auto tokenise = [&](int c, const ScanComponent& component, const std::int8_t*) {
-            out = tokeniseBlock(*next++, static_cast<unsigned>(component.table) << 8,
-                                state.prediction[c], counts, out);
+            out = tokeniseBlock(*next++, c, static_cast<unsigned>(component.table) << 8, state,
+                                counts, out);
         };
         const auto makeUp = [&](int, const ScanComponent& component) {
             // Outside the picture any block will do; the cheapest repeats the DC.
-            const auto table = static_cast<unsigned>(component.table) << 8;
-            out = putDc(table, 0, counts, out);
-            out = putToken(table, 0, counts, out);
+            const auto table = static_cast<unsigned>(component.table);
+            out = putDc(table << 8, 0, state, counts, out);
+            state.open = 1 + table;
         };
         for (std::int32_t mcu = first; mcu < end; ++mcu)
             forEachBlock(row, mcu, tokenise, makeUp);
@@ -402,6 +400,7 @@ inline void streamBlockRow(const std::int8_t* rows, std::int32_t blocks, std::in
             _mm_stream_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi64(upper, lower));
         }
     }
+    _mm_sfence(); // whoever encodes may be another thread
 }
 #endif
 
@@ -416,7 +415,7 @@ inline void storeBigEndian(std::uint8_t* out, std::uint64_t value)
 #endif
 }
 
-inline std::uint8_t* writeTokenBits(const Token*& from, const Token* end, const SymbolCode* codes,
+inline std::uint8_t* writeTokenBits(const Token*& from, const Token* end, const SymbolCodes& codes,
                                     BitState& state, std::uint8_t* out)
 {
     const Token* tokens = from;
@@ -424,25 +423,23 @@ inline std::uint8_t* writeTokenBits(const Token*& from, const Token* end, const 
     unsigned held = state.count;
     // Bits above the held ones are left over from before; the shift to the top drops them.
     while (tokens < end) {
-        const Token first = tokens[0];
-        const SymbolCode firstCode = codes[first >> kInlineBits];
-        if ((firstCode & kWordFollows) != 0) {
-            const unsigned size = static_cast<unsigned>(valueBits(first >> kInlineBits));
-            const unsigned length = firstCode & 31U;
-            bits = (((bits << length) | (firstCode >> 9)) << size) | tokens[1];
+        const Token token = *tokens++;
+        const std::uint32_t quick = codes.quick[token >> kInlineBits];
+        if ((quick & kNotQuick) != 0) {
+            const int symbol = token >> kInlineBits;
+            const auto length = static_cast<unsigned>(codes.full[symbol] & 255U);
+            const auto size = static_cast<unsigned>(valueBits(symbol));
+            const unsigned value = size > kInlineBits ? *tokens++ : token & 127U;
+            bits = (((bits << length) | (codes.full[symbol] >> 8)) << size) | value;
             held += length + size;
-            tokens += 2;
         } else {
-            const unsigned length = firstCode & 31U;
-            bits = (bits << length) | (firstCode >> 9) | (first & 127U);
-            held += length;
-            ++tokens;
+            bits = (bits << (quick & 31U)) | (quick >> 9) | (token & 127U);
+            held += quick & 31U;
             if (tokens < end) {
-                const SymbolCode nextCode = codes[*tokens >> kInlineBits];
-                if ((nextCode & kWordFollows) == 0) {
-                    const unsigned nextLength = nextCode & 31U;
-                    bits = (bits << nextLength) | (nextCode >> 9) | (*tokens & 127U);
-                    held += nextLength;
+                const std::uint32_t next = codes.quick[*tokens >> kInlineBits];
+                if ((next & kNotQuick) == 0) {
+                    bits = (bits << (next & 31U)) | (next >> 9) | (*tokens & 127U);
+                    held += next & 31U;
                     ++tokens;
                 }
             }

@@ -228,8 +228,8 @@ SampledPicture sampleContext(const DeviceContext& source, std::int32_t left, std
                             static_cast<std::uint64_t>(plane.blocksHigh);
         if (blocks > SIZE_MAX / 64)
             throw std::bad_alloc();
-        plane.samples =
-            std::make_unique_for_overwrite<std::int8_t[]>(static_cast<std::size_t>(blocks) * 64);
+        plane.samples.reset(static_cast<std::int8_t*>(
+            ::operator new[](static_cast<std::size_t>(blocks) * 64, ComponentPlane::kAlignment)));
         picture.components.push_back(std::move(plane));
     }
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace varnholt {
@@ -28,7 +29,13 @@ struct ComponentPlane
     std::int32_t height = 0;
     std::int32_t blocksWide = 0;
     std::int32_t blocksHigh = 0;
-    std::unique_ptr<std::int8_t[]> samples;
+    /// On cache lines, one for each block.
+    static constexpr std::align_val_t kAlignment{64};
+    struct AlignedDelete
+    {
+        void operator()(std::int8_t* p) const { ::operator delete[](p, kAlignment); }
+    };
+    std::unique_ptr<std::int8_t[], AlignedDelete> samples;
 
     std::int8_t* blockRow(std::int32_t row) const
     {

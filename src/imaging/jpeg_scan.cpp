@@ -7,13 +7,13 @@ namespace varnholt::jpeg {
 
 namespace {
 
-constexpr std::size_t kWriterBytes = 16 * 1024;
+constexpr std::size_t kWriterBytes = 8 * 1024;
 /// A group of MCUs is tokenised at a time; this holds one of the largest MCUs at least.
-constexpr std::ptrdiff_t kWorkTokens = 4096;
-constexpr std::size_t kLeastCapacity = 8 * 1024;
+constexpr std::ptrdiff_t kWorkTokens = 2048;
+constexpr std::size_t kLeastCapacity = 4 * 1024;
 /// Bytes of kept tokens against bytes of samples.
-constexpr std::size_t kCapacityFactor = 2;
-constexpr std::size_t kCapacityDivisor = 13;
+constexpr std::size_t kCapacityFactor = 3;
+constexpr std::size_t kCapacityDivisor = 16;
 constexpr int kMostBlocksInMcu = 10;
 
 } // namespace
@@ -178,6 +178,11 @@ Token* EntropyCoder::advance(const Scan& scan, Position& position, std::uint64_t
     if (last == scan.mcusWide) {
         position.mcu = 0;
         ++position.mcuRow;
+        if (position.mcuRow == scan.mcusHigh && position.state.open != 0) {
+            const unsigned symbol = 256 * (position.state.open - 1);
+            ++counts[symbol];
+            *out++ = static_cast<Token>(symbol << kInlineBits);
+        }
     }
     return out;
 }
@@ -209,34 +214,51 @@ TablePair EntropyCoder::optimalTables(int table) const
 {
     SymbolCounts dc{};
     SymbolCounts ac{};
-    for (int symbol = 0; symbol < 256; ++symbol) {
-        const std::uint64_t count = m_counts[256 * table + symbol];
-        if ((symbol & 15) == kDcMark)
-            dc[static_cast<std::size_t>(symbol >> 4)] = count;
+    for (int symbol = 0; symbol < kSymbols; ++symbol) {
+        const std::uint64_t count = m_counts[symbol];
+        if (isDc(symbol) && (symbol & 15) - kDcMark == 1 + table)
+            ac[0] += count; // closes a block of this table
+        if (symbol / 256 != table)
+            continue;
+        if (isDc(symbol))
+            dc[static_cast<std::size_t>(valueBits(symbol))] += count;
         else
-            ac[static_cast<std::size_t>(symbol)] = count;
+            ac[static_cast<std::size_t>(symbol % 256)] += count;
     }
     return {optimalHuffmanList(dc), optimalHuffmanList(ac)};
 }
 
 namespace {
 
-void fillCodes(int table, const TablePair& pair, SymbolCode* codes)
+SymbolCodes symbolCodes(std::span<const TablePair> tables)
 {
-    const std::array<HuffmanCode, 256> dc = huffmanCodes(pair.dc);
-    const std::array<HuffmanCode, 256> ac = huffmanCodes(pair.ac);
-    for (int symbol = 0; symbol < 256; ++symbol) {
-        const HuffmanCode code = (symbol & 15) == kDcMark
-                                     ? dc[static_cast<std::size_t>(symbol >> 4)]
-                                     : ac[static_cast<std::size_t>(symbol)];
-        const int size = valueBits(symbol);
-        SymbolCode& entry = codes[256 * table + symbol];
-        if (size > kInlineBits)
-            entry = (SymbolCode{code.code} << 9) | kWordFollows | code.length;
-        else
-            entry =
-                (SymbolCode{code.code} << (9 + size)) | static_cast<SymbolCode>(code.length + size);
+    std::array<HuffmanCode, 256> dc[2] = {};
+    std::array<HuffmanCode, 256> ac[2] = {};
+    for (std::size_t table = 0; table < tables.size(); ++table) {
+        dc[table] = huffmanCodes(tables[table].dc);
+        ac[table] = huffmanCodes(tables[table].ac);
     }
+    SymbolCodes codes;
+    for (int symbol = 0; symbol < kSymbols; ++symbol) {
+        const auto table = static_cast<std::size_t>(symbol / 256);
+        const int size = valueBits(symbol);
+        HuffmanCode code = ac[table][static_cast<std::size_t>(symbol % 256)];
+        HuffmanCode closing;
+        if (isDc(symbol)) {
+            code = dc[table][static_cast<std::size_t>(size)];
+            const int open = (symbol & 15) - kDcMark;
+            if (open > 0)
+                closing = ac[open - 1][0];
+        }
+        const std::uint32_t bits = (std::uint32_t{closing.code} << code.length) | code.code;
+        const int length = closing.length + code.length;
+        codes.full[symbol] = (std::uint64_t{bits} << 8) | static_cast<unsigned>(length);
+        if (size > kInlineBits || length + size > kQuickBits)
+            codes.quick[symbol] = kNotQuick;
+        else
+            codes.quick[symbol] = (bits << (9 + size)) | static_cast<unsigned>(length + size);
+    }
+    return codes;
 }
 
 } // namespace
@@ -244,12 +266,9 @@ void fillCodes(int table, const TablePair& pair, SymbolCode* codes)
 void EntropyCoder::writeScan(std::size_t number, std::span<const TablePair> tables,
                              ByteWriter& out) const
 {
-    SymbolCode codes[kSymbols] = {};
-    for (std::size_t table = 0; table < tables.size(); ++table)
-        fillCodes(static_cast<int>(table), tables[table], codes);
-
+    const SymbolCodes codes = symbolCodes(tables);
     BitState bits;
-    std::vector<std::uint8_t> raw(kWorkTokens * 3 + 16);
+    std::vector<std::uint8_t> raw(kWorkTokens * 4 + 16);
     const auto write = [&](const Token* tokens, const Token* end) {
         while (tokens < end && !out.failed()) {
             const Token* const pieceEnd =

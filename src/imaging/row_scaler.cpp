@@ -88,7 +88,6 @@ RowScaler::RowScaler(const BitmapView& source, const PixelRect& area, Axis acros
     , m_area(area)
     , m_across(std::move(across))
     , m_down(std::move(down))
-    , m_valid(m_down.total < (UINT64_C(1) << 24) && m_across.total < (UINT64_C(1) << 31))
     , m_line(static_cast<std::size_t>(area.width) * 3)
     , m_sums(m_line.size())
 {}

@@ -36,15 +36,15 @@ struct ScaleRatio
 class RowScaler
 {
 public:
+    /// No side may be longer, so that the sums fit their types.
+    static constexpr std::int32_t kLongestSide = 1 << 23;
+
     /// `area` must lie inside the bitmap, which must outlive the scaler.
     RowScaler(const BitmapView& source, const PixelRect& area, std::int32_t width,
               std::int32_t height, Scaling scaling);
     /// Shrinks by ratios of which the sizes are only the rounded-up result.
     RowScaler(const BitmapView& source, const PixelRect& area, std::int32_t width,
               std::int32_t height, ScaleRatio across, ScaleRatio down);
-
-    /// False when the sizes are beyond what the sums can hold (millions of pixels a side).
-    bool isValid() const { return m_valid; }
 
     /// Row `y` from the top as 3·width bytes blue, green, red.
     void row(std::int32_t y, std::uint8_t* out);
@@ -81,7 +81,6 @@ private:
     PixelRect m_area;
     Axis m_across;
     Axis m_down;
-    bool m_valid;
     std::vector<std::uint8_t> m_line;  // one source row
     std::vector<std::uint32_t> m_sums; // weighted sums of source rows
 };
