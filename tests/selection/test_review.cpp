@@ -119,6 +119,7 @@ TEST_F(ReviewWindow, CreateBuildsWhatIsIncludedSoFar)
     control<QRadioButton>(selection.get(), "optTopicNo")->setChecked(true);
     create(5);
     click(review, "cmdInclude");
+    state.DrawPool(2).Selected = state.DrawPool(5).Selected = true; // both are left out
     click(review, "cmdCreate");
     expectClosed(1);
     EXPECT_EQ(pictures().size(), 1);
