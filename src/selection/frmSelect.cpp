@@ -105,7 +105,9 @@ void frmSelect::buildControls()
     connect(cmdCancel, &QPushButton::clicked, this, &frmSelect::close);
 
     resize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 38);
-    restoreGeometry(QSettings().value(geometryKey).toByteArray());
+    if (!restoreGeometry(QSettings().value(geometryKey).toByteArray())) {
+        move(parentWidget()->frameGeometry().center() - rect().center());
+    }
 }
 
 void frmSelect::Form_Load()

@@ -13,13 +13,13 @@
 
 #include <deque>
 
-namespace varnholt {
+namespace varnholt::test {
 namespace {
 
-using test::control;
+using namespace Qt::Literals::StringLiterals;
 
 /// The program as a user without a mouse has it, real message boxes included.
-class KeyboardWalk : public testing::Test, protected test::TestWorld
+class KeyboardWalk : public testing::Test, protected TestWorld
 {
 protected:
     KeyboardWalk()
@@ -95,7 +95,7 @@ protected:
         answers.push_back([=](QWidget* prompt) {
             EXPECT_EQ(prompt->windowTitle().toStdString(), title.toStdString());
             auto* hint = control<QLabel>(prompt, "lblHint");
-            QTest::keyClicks(prompt->focusWidget(), QStringLiteral("'"));
+            QTest::keyClicks(prompt->focusWidget(), u"'"_s);
             EXPECT_TRUE(hint->isVisible());
             press(prompt, Qt::Key_Backspace);
             EXPECT_FALSE(hint->isVisible());
@@ -126,58 +126,55 @@ TEST_F(KeyboardWalk, FromAnEmptyLibraryToSlides)
 {
     menu(Qt::Key_M);
     ASSERT_EQ(focus().toStdString(), "cmdAddAssessment");
-    answerName(QStringLiteral("New Assessment Name"), QStringLiteral("Physics"));
-    answerOk(QStringLiteral("New Assessment Added"));
+    answerName(u"New Assessment Name"_s, u"Physics"_s);
+    answerOk(u"New Assessment Added"_s);
     reach("cmdAddAssessment");
-    answerName(QStringLiteral("New Topic Name"), QStringLiteral("Waves"));
-    answerOk(QStringLiteral("New Topic Added"));
+    answerName(u"New Topic Name"_s, u"Waves"_s);
+    answerOk(u"New Topic Added"_s);
     reach("cmdNewTopic");
     reach("lstTopics", Qt::Key_Down);
-    answerName(QStringLiteral("New Topic Name"), QStringLiteral("Sound"));
-    answerOk(QStringLiteral("New Topic Added"));
+    answerName(u"New Topic Name"_s, u"Sound"_s);
+    answerOk(u"New Topic Added"_s);
     reach("cmdNewSubtopic");
-    EXPECT_EQ(library.value(QStringLiteral("SELECT * FROM SubTopics")),
-              QStringLiteral("1|1|Sound|1|1"));
+    EXPECT_EQ(library.value(u"SELECT * FROM SubTopics"_s), u"1|1|Sound|1|1"_s);
 
     for (int i = 1; i <= 4; ++i) {
-        library.addQuestion(1, 1, 1, QStringLiteral("A%1").arg(i));
+        library.addQuestion(1, 1, 1, u"A%1"_s.arg(i));
     }
     menu(Qt::Key_M);
     reach("lstTopics", Qt::Key_Down);
     reach("lstSubtopics", Qt::Key_Down);
-    EXPECT_EQ(text("lblQuestionCount"), QStringLiteral("1 of 4"));
+    EXPECT_EQ(text("lblQuestionCount"), u"1 of 4"_s);
     reach("cmdRight");
     reach("cmdRight", Qt::Key_Space);
-    EXPECT_EQ(text("lblQuestionCount"), QStringLiteral("3 of 4"));
+    EXPECT_EQ(text("lblQuestionCount"), u"3 of 4"_s);
     reach("cmdLeft");
     answers.push_back([](QWidget* editor) {
-        QTest::keyClicks(editor->focusWidget(), QStringLiteral("340 m/s"));
+        QTest::keyClicks(editor->focusWidget(), u"340 m/s"_s);
         press(editor, Qt::Key_Return);
     });
-    answerYes(QStringLiteral("Save?"));
-    answerOk(QStringLiteral("Question Saved"));
+    answerYes(u"Save?"_s);
+    answerOk(u"Question Saved"_s);
     reach("cmdEditQuestion");
-    EXPECT_EQ(library.value(QStringLiteral("SELECT Answer FROM Questions WHERE SOLIndex=2")),
-              QStringLiteral("340 m/s"));
+    EXPECT_EQ(library.value(u"SELECT Answer FROM Questions WHERE SOLIndex=2"_s), u"340 m/s"_s);
     reach("lstSubtopics", Qt::Key_Down);
-    answerYes(QStringLiteral("Delete Question?"));
-    answerOk(QStringLiteral("Question Deleted"));
+    answerYes(u"Delete Question?"_s);
+    answerOk(u"Question Deleted"_s);
     reach("cmdDeleteQuestion", Qt::Key_Space);
-    EXPECT_EQ(library.value(QStringLiteral("SELECT count(*) FROM Questions WHERE Available")),
-              QStringLiteral("3"));
+    EXPECT_EQ(library.value(u"SELECT count(*) FROM Questions WHERE Available"_s), u"3"_s);
 
     menu(Qt::Key_C);
     reach("txtQuestions", Qt::Key_2);
     press(frame.get(), Qt::Key_Return);
-    auto* review = frame->findChild<QWidget*>(QStringLiteral("frmSelect"));
+    auto* review = frame->findChild<QWidget*>(u"frmSelect"_s);
     ASSERT_NE(review, nullptr);
     ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == review; }));
     press(review, Qt::Key_I);
     press(review, Qt::Key_E);
     press(review, Qt::Key_I);
-    EXPECT_EQ(presentations.calls.filter(QStringLiteral("addPicture")).size(), 2);
+    EXPECT_EQ(presentations.calls.filter(u"addPicture"_s).size(), 2);
     EXPECT_FALSE(review->isVisible());
 }
 
 } // namespace
-} // namespace varnholt
+} // namespace varnholt::test

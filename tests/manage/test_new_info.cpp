@@ -1,174 +1,134 @@
 #include "manage/frmNewInfo.h"
 #include "manage_test.h"
 
-namespace varnholt {
+namespace varnholt::test {
 namespace {
 
-using test::click;
-using test::control;
-
-class NewInfo : public test::ManageTest
+class NewInfo : public ManageTest
 {
 protected:
     NewInfo()
     {
-        assessment = library.addAssessment(QStringLiteral("A"));
-        topic = library.addTopic(assessment, QStringLiteral("Old topic"));
-        library.addSubTopic(assessment, topic, QStringLiteral("Old subtopic"));
-        state.CurrentAssessmentNum = assessment;
-        state.NewInfoSaved = true;
+        library.addAssessment(u"A"_s);
+        library.addTopic(1, u"Old topic"_s);
+        library.addSubTopic(1, 1, u"Old subtopic"_s);
+        state.CurrentAssessmentNum = 1;
     }
 
     void open(bool subtopicOnly, std::optional<NamedTopic> chosen = std::nullopt)
     {
+        state.NewInfoSaved = true;
         state.SubtopicOnly = subtopicOnly;
         dialog = std::make_unique<frmNewInfo>(services, state, connection, chosen);
         dialog->open();
         EXPECT_FALSE(state.NewInfoSaved);
     }
-
-    void type(const char* field, const QString& text)
+    void key(Qt::Key which) { QTest::keyClick(dialog->focusWidget(), which); }
+    void type(const QString& topic, const QString& subtopic)
     {
-        auto* edit = control<QLineEdit>(dialog.get(), field);
-        edit->clear();
-        QTest::keyClicks(edit, text);
+        control<QLineEdit>(dialog.get(), "txtNewTopic")->setText(topic);
+        control<QLineEdit>(dialog.get(), "txtNewSubtopic")->setText(subtopic);
+    }
+    void save() { click(dialog.get(), "cmdSave"); }
+    bool hinted(const char* name) { return control<QLabel>(dialog.get(), name)->isVisible(); }
+    void saysSavedInfo() { says(u"New Info Added"_s, u"Saved successfully."_s); }
+    void saysError() { says(u"Error"_s, u"There was an error adding this topic."_s); }
+    void expectOpen(const QString& expectedRows)
+    {
+        EXPECT_TRUE(dialog->isVisible());
+        EXPECT_FALSE(state.NewInfoSaved);
+        EXPECT_EQ(rows(), expectedRows);
     }
 
-    /// All subtopic rows as "key|topic|name", and the topics.
+    /// "key=topic" of all topics and "key=topic/subtopic" of all subtopics.
     [[nodiscard]] QString rows() const
     {
         return library.value(
-            QStringLiteral("SELECT group_concat(TopicID||'='||Topic||'/'||AssessmentNum||'/'||"
-                           "Available,';') FROM Topics; SELECT group_concat(SubtopicNum||'='||"
-                           "TopicID||'/'||SubTopic||'/'||AssessmentNum||'/'||Available,';') "
-                           "FROM SubTopics"));
+            u"SELECT group_concat(TopicID||'='||Topic||'/'||AssessmentNum) FROM Topics; SELECT "
+            "group_concat(SubtopicNum||'='||TopicID||'/'||SubTopic||'/'||AssessmentNum) FROM "
+            "SubTopics"_s);
     }
 
-    std::int32_t assessment = 0;
-    std::int32_t topic = 0;
     std::unique_ptr<frmNewInfo> dialog;
-    const QString before = QStringLiteral("1=Old topic/1/1\n1=1/Old subtopic/1/1");
-    const QString error = QStringLiteral("There was an error adding this topic.");
+    const QString before = u"1=Old topic/1\n1=1/Old subtopic/1"_s;
 };
 
 TEST_F(NewInfo, EnterInTheSubtopicSavesBothTrimmed)
 {
     open(false);
-    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("New Topic and Subtopic"));
-    EXPECT_EQ(dialog->focusWidget()->objectName(), QStringLiteral("txtNewTopic"));
-    type("txtNewTopic", QStringLiteral("  Waves "));
-    QTest::keyClick(dialog->focusWidget(), Qt::Key_Return); // does nothing in the topic
-    EXPECT_TRUE(dialog->isVisible());
-    QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
-    QTest::keyClicks(dialog->focusWidget(), QStringLiteral(" Light  "));
-    messages.expectInform(QStringLiteral("New Info Added"), QStringLiteral("Saved successfully."));
-    messages.beforeAnswer = [this] { EXPECT_TRUE(state.NewInfoSaved && dialog->isVisible()); };
-    QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(dialog->windowTitle(), u"New Topic and Subtopic"_s);
+    QTest::keyClicks(dialog->focusWidget(), u"  Waves "_s);
+    key(Qt::Key_Return); // does nothing in the topic
+    expectOpen(before);
+    key(Qt::Key_Tab);
+    QTest::keyClicks(dialog->focusWidget(), u" Light  "_s);
+    saysSavedInfo();
+    key(Qt::Key_Return);
     EXPECT_FALSE(dialog->isVisible());
+    EXPECT_TRUE(state.NewInfoSaved);
     EXPECT_EQ(state.NewTopicID, 2);
     EXPECT_EQ(state.NewSubtopicNum, 2);
-    EXPECT_EQ(rows(), QStringLiteral("1=Old topic/1/1;2=Waves/1/1\n"
-                                     "1=1/Old subtopic/1/1;2=2/Light/1/1"));
+    EXPECT_EQ(rows(), u"1=Old topic/1,2=Waves/1\n1=1/Old subtopic/1,2=2/Light/1"_s);
 }
 
 TEST_F(NewInfo, SubtopicOnlyUsesTheChosenTopic)
 {
-    open(true, NamedTopic{topic, QStringLiteral("O'Topic")});
+    open(true, NamedTopic{1, u"O'Topic"_s});
     auto* field = control<QLineEdit>(dialog.get(), "txtNewTopic");
-    EXPECT_EQ(field->text(), QStringLiteral("O'Topic"));
-    EXPECT_FALSE(field->isEnabled());
-    EXPECT_FALSE(control<QLabel>(dialog.get(), "lblTopicHint")->isVisible());
-    EXPECT_EQ(dialog->focusWidget()->objectName(), QStringLiteral("txtNewSubtopic"));
-    type("txtNewSubtopic", QStringLiteral("Sound"));
-    messages.expectInform(QStringLiteral("New Info Added"), QStringLiteral("Saved successfully."));
-    QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
-    QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(field->text(), u"O'Topic"_s);
+    EXPECT_FALSE(field->isEnabled() || hinted("lblTopicHint"));
+    QTest::keyClicks(dialog->focusWidget(), u"Sound"_s);
+    key(Qt::Key_Tab);
+    saysSavedInfo();
+    key(Qt::Key_Return);
+    EXPECT_EQ(state.NewTopicID, 1);
+    EXPECT_EQ(rows(), u"1=Old topic/1\n1=1/Old subtopic/1,2=1/Sound/1"_s);
+}
+
+TEST_F(NewInfo, EmptyOrBlankTextsAreRefusedAndCancelSavesNothing)
+{
+    open(false);
+    for (const auto& [topic, subtopic] :
+         {std::pair(u""_s, u""_s), {u"   "_s, u"S"_s}, {u"T"_s, u" "_s}}) {
+        type(topic, subtopic);
+        says(u"Save Error"_s, u"You need to enter a topic and subtopic before saving."_s);
+        save();
+        expectOpen(before);
+    }
+    type(u"T"_s, u"S"_s);
+    key(Qt::Key_Escape);
     EXPECT_FALSE(dialog->isVisible());
-    EXPECT_TRUE(state.NewInfoSaved);
-    EXPECT_EQ(state.NewTopicID, topic);
-    EXPECT_EQ(rows(), QStringLiteral("1=Old topic/1/1\n1=1/Old subtopic/1/1;2=1/Sound/1/1"));
+    open(true); // no topic chosen
+    control<QLineEdit>(dialog.get(), "txtNewSubtopic")->setText(u"S"_s);
+    says(u"Save Error"_s, u"You need to enter a topic and subtopic before saving."_s);
+    save();
+    expectOpen(before);
+    click(dialog.get(), "cmdCancel");
+    EXPECT_FALSE(dialog->isVisible() || state.NewInfoSaved);
 }
 
-TEST_F(NewInfo, EmptyOrBlankTextsAreRefused)
-{
-    const QString refusal = QStringLiteral("You need to enter a topic and subtopic before saving.");
-    open(false);
-    for (const auto& [topicText, subtopicText] :
-         {std::pair("", ""), {"   ", "S"}, {"T", " "}, {"T", ""}}) {
-        type("txtNewTopic", QLatin1String(topicText));
-        type("txtNewSubtopic", QLatin1String(subtopicText));
-        messages.expectInform(QStringLiteral("Save Error"), refusal);
-        click(dialog.get(), "cmdSave");
-    }
-    open(true);
-    type("txtNewSubtopic", QStringLiteral("S"));
-    messages.expectInform(QStringLiteral("Save Error"), refusal);
-    click(dialog.get(), "cmdSave");
-    EXPECT_TRUE(dialog->isVisible());
-    EXPECT_FALSE(state.NewInfoSaved);
-    EXPECT_EQ(rows(), before);
-}
-
-TEST_F(NewInfo, ApostrophesAreHintedAtAndFail)
+TEST_F(NewInfo, FailuresKeepTheDialogOpenAndATopicThatIsIn)
 {
     open(false);
-    type("txtNewTopic", QStringLiteral("O'Brien"));
-    type("txtNewSubtopic", QStringLiteral("S"));
-    EXPECT_TRUE(control<QLabel>(dialog.get(), "lblTopicHint")->isVisible());
-    EXPECT_FALSE(control<QLabel>(dialog.get(), "lblSubtopicHint")->isVisible());
-    messages.expectInform(QStringLiteral("Error"), error);
-    click(dialog.get(), "cmdSave");
-    EXPECT_EQ(rows(), before);
+    type(u"O'Brien"_s, u"S"_s);
+    EXPECT_TRUE(hinted("lblTopicHint") && !hinted("lblSubtopicHint"));
+    saysError();
+    save();
+    expectOpen(before);
+    type(u"Fine"_s, u"Isn't"_s);
+    EXPECT_TRUE(!hinted("lblTopicHint") && hinted("lblSubtopicHint"));
+    saysError();
+    save();
+    expectOpen(u"1=Old topic/1,2=Fine/1\n1=1/Old subtopic/1"_s);
 
-    // The topic is in when the subtopic fails, and stays.
-    type("txtNewTopic", QStringLiteral("Fine"));
-    type("txtNewSubtopic", QStringLiteral("Isn't"));
-    EXPECT_FALSE(control<QLabel>(dialog.get(), "lblTopicHint")->isVisible());
-    EXPECT_TRUE(control<QLabel>(dialog.get(), "lblSubtopicHint")->isVisible());
-    messages.expectInform(QStringLiteral("Error"), error);
-    click(dialog.get(), "cmdSave");
-    EXPECT_EQ(rows(), QStringLiteral("1=Old topic/1/1;2=Fine/1/1\n1=1/Old subtopic/1/1"));
-    EXPECT_TRUE(dialog->isVisible());
-    EXPECT_FALSE(state.NewInfoSaved);
-}
-
-TEST_F(NewInfo, FailedStatementsAndEmptyReadBacksAreReported)
-{
-    for (const char* table : {"Topics", "SubTopics"}) {
-        // What is inserted is gone at once, so that nothing is read back.
-        library.sql(QStringLiteral("CREATE TRIGGER Hide%1 AFTER INSERT ON %1 BEGIN UPDATE %1 SET "
-                                   "Available=0; END")
-                        .arg(QLatin1String(table)));
-        open(false);
-        type("txtNewTopic", QStringLiteral("T"));
-        type("txtNewSubtopic", QStringLiteral("S"));
-        messages.expectInform(QStringLiteral("Error"), error);
-        click(dialog.get(), "cmdSave");
-        library.sql(QStringLiteral("DROP TRIGGER Hide%1").arg(QLatin1String(table)));
-    }
-    breakTable(QStringLiteral("SubTopics"));
-    messages.expectInform(QStringLiteral("Error"), error);
-    click(dialog.get(), "cmdSave");
-    EXPECT_TRUE(dialog->isVisible());
-    EXPECT_FALSE(state.NewInfoSaved);
-}
-
-TEST_F(NewInfo, CancelAndEscapeSaveNothing)
-{
-    for (const bool escape : {false, true}) {
-        open(false);
-        type("txtNewTopic", QStringLiteral("T"));
-        type("txtNewSubtopic", QStringLiteral("S"));
-        if (escape) {
-            QTest::keyClick(dialog->focusWidget(), Qt::Key_Escape);
-        } else {
-            click(dialog.get(), "cmdCancel");
-        }
-        EXPECT_FALSE(dialog->isVisible());
-    }
-    EXPECT_FALSE(state.NewInfoSaved);
-    EXPECT_EQ(rows(), before);
+    // What is inserted is gone at once, so that nothing is read back.
+    library.sql(u"UPDATE Topics SET Available=0; CREATE TRIGGER Hide AFTER INSERT ON Topics BEGIN "
+                "UPDATE Topics SET Available=0; END"_s);
+    type(u"T"_s, u"S"_s);
+    saysError();
+    save();
+    expectOpen(u"1=Old topic/1,2=Fine/1,3=T/1\n1=1/Old subtopic/1"_s);
 }
 
 } // namespace
-} // namespace varnholt
+} // namespace varnholt::test

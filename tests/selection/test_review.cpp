@@ -14,57 +14,19 @@
 
 #include <gtest/gtest.h>
 
-namespace varnholt {
+namespace varnholt::test {
 namespace {
 
-using test::click;
-using test::control;
-
-TEST(ReviewCounts, RunUntilTheNumberAskedForOrTheEndOfThePool)
-{
-    List1<QuestionRecord> pool(4);
-    for (QuestionRecord& question : pool) {
-        question.Selected = false;
-    }
-    Review enough(pool, 2);
-    EXPECT_EQ(enough.leftText(), QStringLiteral("Questions Left to View: 4"));
-    EXPECT_EQ(enough.include(), Review::Next::Show);
-    EXPECT_EQ(enough.exclude(), Review::Next::Show);
-    EXPECT_EQ(enough.selectedText(), QStringLiteral("Questions Selected: 1"));
-    EXPECT_EQ(enough.leftText(), QStringLiteral("Questions Left to View: 2"));
-    EXPECT_EQ(enough.include(), Review::Next::Build);
-    EXPECT_TRUE(pool(1).Selected && !pool(2).Selected && pool(3).Selected && !pool(4).Selected);
-
-    Review few(pool, 4);
-    EXPECT_EQ(few.exclude(), Review::Next::Show);
-    EXPECT_FALSE(pool(1).Selected);
-    few.include();
-    few.exclude();
-    EXPECT_EQ(few.exclude(), Review::Next::Build);
-    EXPECT_EQ(few.leftText(), QStringLiteral("Questions Left to View: 0"));
-    EXPECT_THROW((void)few.question(), std::out_of_range);
-
-    Review none(pool, 1);
-    for (int i = 1; i <= 3; ++i) {
-        EXPECT_EQ(none.exclude(), Review::Next::Show);
-    }
-    EXPECT_EQ(none.exclude(), Review::Next::Close);
-
-    Review cut(pool, 4);
-    cut.include();
-    pool(3).Selected = true;
-    cut.excludeRest();
-    EXPECT_TRUE(pool(1).Selected && !pool(2).Selected && !pool(3).Selected);
-}
+using namespace Qt::Literals::StringLiterals;
 
 /// The selection window with the review on, and the review window it opens for five
 /// questions of which `number` are wanted.
-class ReviewWindow : public testing::Test, protected test::TestWorld
+class ReviewWindow : public testing::Test, protected TestWorld
 {
 protected:
     ReviewWindow()
     {
-        library.addGenerated(QStringLiteral("A"), 1, 1, 5, true);
+        library.addGenerated(u"A"_s, 1, 1, 5, true);
         connection.open(library.databasePath());
         selection = std::make_unique<frmMain>(services, state, connection);
         selection->show();
@@ -94,8 +56,8 @@ protected:
         const QuestionRecord& question = state.DrawPool(position);
         return control<PictureView>(review, "imgQuestion")->picture() ==
                    QImage(library.picturePath(question.PictureIndex)) &&
-               text("lblTopicDescription") == QStringLiteral("Topic 1 - Subtopic 1.1") &&
-               text("lblAnswer") == QStringLiteral("Answer: ") + question.Answer;
+               text("lblTopicDescription") == u"Topic 1 - Subtopic 1.1"_s &&
+               text("lblAnswer") == u"Answer: "_s + question.Answer;
     }
     void expectClosed(int started)
     {
@@ -103,7 +65,7 @@ protected:
         EXPECT_TRUE(selection->isEnabled());
         EXPECT_EQ(presentations.started, started);
     }
-    QStringList pictures() { return presentations.calls.filter(QStringLiteral("addPicture")); }
+    QStringList pictures() { return presentations.calls.filter(u"addPicture"_s); }
 
     std::unique_ptr<frmMain> selection;
     QPointer<frmSelect> review;
@@ -113,19 +75,19 @@ TEST_F(ReviewWindow, IncludingTheNumberAskedForBuildsInPoolOrder)
 {
     create(2);
     ASSERT_NE(review, nullptr);
-    EXPECT_EQ(review->windowTitle(), QStringLiteral("Select Questions"));
+    EXPECT_EQ(review->windowTitle(), u"Select Questions"_s);
     EXPECT_FALSE(review->isModal());
     EXPECT_FALSE(selection->isEnabled());
-    EXPECT_EQ(text("lblCount1"), QStringLiteral("Questions Selected: 0"));
-    EXPECT_EQ(text("lblCount2"), QStringLiteral("Questions Left to View: 5"));
+    EXPECT_EQ(text("lblCount1"), u"Questions Selected: 0"_s);
+    EXPECT_EQ(text("lblCount2"), u"Questions Left to View: 5"_s);
     EXPECT_TRUE(shows(1));
     key(Qt::Key_I);
-    EXPECT_EQ(text("lblCount1"), QStringLiteral("Questions Selected: 1"));
-    EXPECT_EQ(text("lblCount2"), QStringLiteral("Questions Left to View: 4"));
+    EXPECT_EQ(text("lblCount1"), u"Questions Selected: 1"_s);
+    EXPECT_EQ(text("lblCount2"), u"Questions Left to View: 4"_s);
     EXPECT_TRUE(shows(2));
     key(Qt::Key_E);
     EXPECT_TRUE(shows(3));
-    EXPECT_EQ(text("lblCount1"), QStringLiteral("Questions Selected: 1"));
+    EXPECT_EQ(text("lblCount1"), u"Questions Selected: 1"_s);
     click(review, "cmdInclude");
     expectClosed(1);
     ASSERT_EQ(pictures().size(), 2);
@@ -136,7 +98,7 @@ TEST_F(ReviewWindow, IncludingTheNumberAskedForBuildsInPoolOrder)
 
     // Each opening starts afresh.
     create(1);
-    EXPECT_EQ(text("lblCount2"), QStringLiteral("Questions Left to View: 5"));
+    EXPECT_EQ(text("lblCount2"), u"Questions Left to View: 5"_s);
     key(Qt::Key_Return); // the focus is on Include
     expectClosed(2);
     EXPECT_EQ(pictures().size(), 1);
@@ -157,18 +119,19 @@ TEST_F(ReviewWindow, CreateBuildsWhatIsIncludedSoFar)
     control<QRadioButton>(selection.get(), "optTopicNo")->setChecked(true);
     create(5);
     click(review, "cmdInclude");
+    state.DrawPool(2).Selected = state.DrawPool(5).Selected = true; // both are left out
     click(review, "cmdCreate");
     expectClosed(1);
     EXPECT_EQ(pictures().size(), 1);
-    EXPECT_TRUE(presentations.calls.contains(QStringLiteral("setShapeText 1 #1")));
+    EXPECT_TRUE(presentations.calls.contains(u"setShapeText 1 #1"_s));
 
     // With nothing included there is only the answer key's title, or nothing to show.
     create(5);
     click(review, "cmdCreate");
     expectClosed(2);
-    EXPECT_EQ(presentations.calls.filter(QStringLiteral("addBlankSlide")).size(), 1);
+    EXPECT_EQ(presentations.calls.filter(u"addBlankSlide"_s).size(), 1);
     control<QRadioButton>(selection.get(), "optKeyNo")->setChecked(true);
-    messages.expectInform(QStringLiteral("Error"), QStringLiteral("no such slide"));
+    messages.expectInform(u"Error"_s, u"no such slide"_s);
     create(5);
     click(review, "cmdCreate");
     expectClosed(3);
@@ -195,10 +158,10 @@ TEST_F(ReviewWindow, AMissingPictureClosesTheReview)
 {
     const auto expectMissing = [this] {
         messages.expectInform(
-            QStringLiteral("File Missing"),
-            QStringLiteral("One of the questions you have selected is missing the picture file.  "
-                           "Please go to Manage Assessments and delete the question that is "
-                           "missing the picture file."));
+            u"File Missing"_s,
+            u"One of the questions you have selected is missing the picture file.  "
+            "Please go to Manage Assessments and delete the question that is "
+            "missing the picture file."_s);
     };
     // Decoded ahead already, but gone when its turn comes.
     create(5);
@@ -216,4 +179,4 @@ TEST_F(ReviewWindow, AMissingPictureClosesTheReview)
 }
 
 } // namespace
-} // namespace varnholt
+} // namespace varnholt::test

@@ -53,7 +53,7 @@ TEST(PictureViewTest, FillsTheViewInThePicturesOwnProportions)
 TEST(PictureLoaderTest, WhatWasDecodedAheadIsUsedOnlyWhileTheFileIsTheSame)
 {
     const QTemporaryDir folder;
-    const auto path = [&](int n) { return folder.filePath(QStringLiteral("%1.png").arg(n)); };
+    const auto path = [&](int n) { return folder.filePath(QStringLiteral("%1.bmp").arg(n)); };
     PictureLoader loader;
     for (int n = 1; n <= 6; ++n) {
         test::testPicture({30, 20}, n).save(path(n));
@@ -63,8 +63,13 @@ TEST(PictureLoaderTest, WhatWasDecodedAheadIsUsedOnlyWhileTheFileIsTheSame)
     for (int n = 1; n <= 6; ++n) {
         EXPECT_EQ(loader.load(path(n)), test::testPicture({30, 20}, n));
     }
-    test::testPicture({31, 20}, 7).save(path(6));
-    EXPECT_EQ(loader.load(path(6)).width(), 31);
+    // As long as before, but written at another time.
+    test::testPicture({30, 20}, 7).save(path(6));
+    QFile file(path(6));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.setFileTime(QDateTime::currentDateTime().addDays(-1), QFileDevice::FileModificationTime);
+    file.close();
+    EXPECT_EQ(loader.load(path(6)), test::testPicture({30, 20}, 7));
     QFile::remove(path(5));
     EXPECT_TRUE(loader.load(path(5)).isNull());
 }
