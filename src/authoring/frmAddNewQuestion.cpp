@@ -16,9 +16,9 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSettings>
+#include <QShortcut>
 #include <QSignalBlocker>
 
 namespace varnholt {
@@ -69,13 +69,20 @@ void frmAddNewQuestion::connectControls()
     connect(HScroll_, &QScrollBar::valueChanged, this, &frmAddNewQuestion::HScroll_Change);
     connect(VScroll_, &QScrollBar::valueChanged, this, &frmAddNewQuestion::VScroll_Change);
     connect(cmdText_, &QPushButton::clicked, this, &frmAddNewQuestion::cmdText_Click);
+    const auto shortcut = [this](QKeySequence::StandardKey keys, auto handler) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, handler);
+    };
+    shortcut(QKeySequence::Paste, &frmAddNewQuestion::cmdPaste_Click);
+    shortcut(QKeySequence::Save, &frmAddNewQuestion::cmdSave_Click);
     connect(cmdSave_, &QPushButton::clicked, this, &frmAddNewQuestion::cmdSave_Click);
     connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
 
     connect(picQuestion_, &PictureBox::MouseDown, this,
             [this](double X, double Y) { onCanvas({}, [&] { canvas_.MouseDown(X, Y); }); });
     connect(picQuestion_, &PictureBox::MouseMove, this, [this](double X, double Y) {
-        onCanvas({}, [&] { canvas_.MouseMove(X, Y); });
+        if (canvas_.isDragging()) {
+            onCanvas({}, [&] { canvas_.MouseMove(X, Y); });
+        }
         showPointer(X, Y);
     });
     connect(picQuestion_, &PictureBox::MouseUp, this, [this](double X, double Y) {
@@ -257,7 +264,7 @@ void frmAddNewQuestion::cmdSave_Click()
                      canvas_);
     } catch (const Error& error) {
         // No box: the window stays, with the reason where it says what stands in the way.
-        lblSaveHint_->say(QStringLiteral("Not saved. ") + error.message());
+        lblSaveHint_->say(QStringLiteral("The save failed. ") + error.message());
         return;
     } catch (const std::exception&) {
         showObstacle();
@@ -301,7 +308,7 @@ void frmAddNewQuestion::showCanvas()
     picQuestion_->move(canvas_.left(), canvas_.top());
     const auto show = [](QScrollBar* bar, const PictureCanvas::ScrollBar& from) {
         const QSignalBlocker quiet(bar);
-        bar->setRange(0, from.maximum);
+        bar->setRange(0, from.visible ? from.maximum : 0);
         bar->setValue(from.value);
         bar->setVisible(from.visible);
     };
@@ -353,8 +360,8 @@ bool frmAddNewQuestion::eventFilter(QObject* watched, QEvent* event)
             auto* wheel = static_cast<QWheelEvent*>(event);
             const bool sideways =
                 wheel->angleDelta().x() != 0 || wheel->modifiers().testFlag(Qt::ShiftModifier);
-            QCoreApplication::sendEvent(sideways ? HScroll_ : VScroll_, event);
-            return true;
+            QScrollBar* bar = sideways ? HScroll_ : VScroll_;
+            return bar->isVisible() && QCoreApplication::sendEvent(bar, event);
         }
         break;
     default:
@@ -415,11 +422,7 @@ bool frmAddNewQuestion::canvasKeyPress(QKeyEvent* event)
 
 void frmAddNewQuestion::keyPressEvent(QKeyEvent* event)
 {
-    if (event->matches(QKeySequence::Paste)) {
-        cmdPaste_Click();
-    } else if (event->matches(QKeySequence::Save)) {
-        cmdSave_Click();
-    } else if (event->key() == Qt::Key_Escape) {
+    if (event->key() == Qt::Key_Escape) {
         if (canvas_.isDragging()) {
             onCanvas({}, [this] { canvas_.CancelDrag(); });
         } else if (canvas_.SelectionShown) {

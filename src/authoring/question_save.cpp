@@ -127,14 +127,17 @@ std::int32_t SaveQuestion(Connection& connection, const QString& programFolder,
         step(SaveStep::SetOldPictureAside);
         setOldPictureAside(programFolder, key);
         writePicture(programFolder, key, canvas, step);
-    } catch (...) {
+    } catch (const std::exception& failure) {
         if (key == 0) {
             key = readNewestKey(connection, question.AssessmentNum);
         }
-        if (!hasPictureFile(programFolder, key)) {
-            transaction.commit();
+        if (hasPictureFile(programFolder, key)) {
+            throw;
         }
-        throw;
+        transaction.commit();
+        const auto* known = dynamic_cast<const Error*>(&failure);
+        throw Error((known ? known->message() + u' ' : QString()) +
+                    QStringLiteral("The question is in the library without its picture."));
     }
     try {
         step(SaveStep::Commit);

@@ -112,8 +112,10 @@ void PictureSurface::drawFrame(std::int32_t x1, std::int32_t y1, std::int32_t x2
         const auto [y, height] = clipped(top, bottom - top + 1, innerHeight());
         invert({x, y, width, height});
     };
-    const auto [left, right] = std::minmax<std::int64_t>(x1, x2);
-    const auto [top, bottom] = std::minmax<std::int64_t>(y1, y2);
+    const std::int64_t left = std::min(x1, x2);
+    const std::int64_t right = std::max(x1, x2);
+    const std::int64_t top = std::min(y1, y2);
+    const std::int64_t bottom = std::max(y1, y2);
     if (left == right && top == bottom) {
         return;
     }

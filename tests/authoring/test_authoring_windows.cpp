@@ -209,7 +209,7 @@ TEST_F(Authoring, AFailedSaveShowsNoBoxAndKeepsEverything)
     library.sql(QStringLiteral("CREATE TRIGGER t BEFORE INSERT ON Questions BEGIN "
                                "SELECT RAISE(ABORT, 'broken'); END"));
     fail();
-    EXPECT_TRUE(hint().startsWith(QStringLiteral("Not saved."))) << hint().toStdString();
+    EXPECT_TRUE(hint().startsWith(QStringLiteral("The save failed. "))) << hint().toStdString();
 }
 
 TEST_F(Authoring, KeysDoWhatTheButtonsDo)

@@ -128,11 +128,19 @@ protected:
         QThread::msleep(200);
     }
 
+    /// The screen once it keeps still.
     QImage screen(const char* name)
     {
         const QString path = shots() + u'/' + QLatin1String(name) + QStringLiteral(".png");
-        run(QStringLiteral("import"), {QStringLiteral("-window"), QStringLiteral("root"), path});
-        return QImage(path).convertToFormat(QImage::Format_RGB32);
+        QImage last;
+        QImage now;
+        for (int i = 0; i < 10 && (now.isNull() || now != last); ++i) {
+            last = now;
+            run(QStringLiteral("import"),
+                {QStringLiteral("-window"), QStringLiteral("root"), path});
+            now = QImage(path).convertToFormat(QImage::Format_RGB32);
+        }
+        return now;
     }
 
     /// Where pictures of the screen go: kept when asked for.
