@@ -10,9 +10,9 @@
 #include "store/services.h"
 #include "store/statements.h"
 
-#include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <optional>
 
 namespace varnholt {
@@ -20,6 +20,7 @@ namespace varnholt {
 PackageImport::PackageImport(Services& services, Connection& connection)
     : services_(services)
     , connection_(connection)
+    , pictureFolder_(QFileInfo(NewPictureFile(services.programFolder, 1)).path())
 {}
 
 QString PackageImport::inWorkFolder(const QString& file) const
@@ -101,8 +102,7 @@ void PackageImport::LoadImportSubTopics(std::int32_t AssessmentNum, const QStrin
 void PackageImport::LoadImportQuestions(std::int32_t AssessmentNum, const QString& file)
 {
     ImportQuestions.clear();
-    placedOldKeys_.clear();
-    placedPictures_.clear();
+    placedPictures_ = 0;
     QuestionsImported = 0;
     FieldReader reader(file, encoding);
     while (!reader.atEnd()) {
@@ -125,23 +125,44 @@ void PackageImport::LoadImportQuestions(std::int32_t AssessmentNum, const QStrin
     }
 }
 
-void PackageImport::placePicture(const ImportQuestionRecord& question)
+QString PackageImport::inLibrary(const ImportQuestionRecord& question) const
 {
-    const QString target = NewPictureFile(services_.programFolder, question.MappedSOLIndex);
-    // Two questions may name one picture; each gets its own bytes.
-    const bool first = !placedOldKeys_.contains(question.OldSOLIndex);
-    placedOldKeys_.insert(question.OldSOLIndex);
-    PlaceFile(inWorkFolder(pictureMember(question.OldSOLIndex)), target,
-              first ? Placing::MayShare : Placing::Copy);
-    placedPictures_.push_back(target);
+    return pictureFolder_ + u'/' + pictureMember(question.MappedSOLIndex);
 }
 
-void PackageImport::removePlacedPictures()
+void PackageImport::placePicture(const ImportQuestionRecord& question)
 {
-    for (const QString& path : placedPictures_) {
-        QFile::remove(path);
+    const QString picture = inWorkFolder(pictureMember(question.OldSOLIndex));
+    if (QFileInfo::exists(picture)) {
+        MoveFile(picture, inLibrary(question));
+    } else {
+        // Gone already with an earlier question of that key: each gets its own bytes.
+        const auto twin = std::find_if(ImportQuestions.begin(), ImportQuestions.end(),
+                                       [&](const ImportQuestionRecord& earlier) {
+                                           return earlier.OldSOLIndex == question.OldSOLIndex;
+                                       });
+        PlaceFile(&*twin == &question ? picture : inLibrary(*twin), inLibrary(question),
+                  Placing::Copy);
     }
-    placedPictures_.clear();
+    ++placedPictures_;
+}
+
+void PackageImport::returnPictures(bool libraryKeepsThem)
+{
+    for (int i = 1; i <= placedPictures_; ++i) {
+        const ImportQuestionRecord& question = ImportQuestions(i);
+        const QString picture = inWorkFolder(pictureMember(question.OldSOLIndex));
+        try {
+            if (libraryKeepsThem) {
+                PlaceFile(inLibrary(question), picture, Placing::MayShare);
+            } else {
+                MoveFile(inLibrary(question), picture);
+            }
+        } catch (const Error&) {
+            // It was on offer only; the package still has it.
+        }
+    }
+    placedPictures_ = 0;
 }
 
 std::int32_t PackageImport::GetNewTopicID(std::int32_t intOldID) const
@@ -202,14 +223,14 @@ void PackageImport::loadLists(WorkView& view, std::int32_t assessmentNum)
     LoadImportTopics(assessmentNum, inWorkFolder(topicsFile));
     LoadImportSubTopics(assessmentNum, inWorkFolder(subTopicsFile));
     LoadImportQuestions(assessmentNum, inWorkFolder(questionsFile));
-    if (!placedPictures_.empty()) {
-        SyncFileSystem(QFileInfo(placedPictures_.front()).absolutePath());
+    if (placedPictures_ > 0) {
+        SyncFileSystem(pictureFolder_);
     }
 }
 
 void PackageImport::insertAll(WorkView& view, const QString& name)
 {
-    placedPictures_.clear();
+    placedPictures_ = 0;
     Transaction transaction(connection_);
     std::int32_t assessmentNum = 0;
     try {
@@ -223,13 +244,15 @@ void PackageImport::insertAll(WorkView& view, const QString& name)
         transaction.commit();
     } catch (const std::exception&) {
         reportFailure();
+        bool rowsStay = false;
         try {
             connection_.execute(statements::DeleteAssessment(assessmentNum));
             transaction.commit();
+            rowsStay = true;
         } catch (const Error&) {
-            // The rows went with the transaction, and their keys will be given out again.
-            removePlacedPictures();
+            // The rows went with the transaction.
         }
+        returnPictures(rowsStay);
         return;
     }
     services_.messageBoxes->inform(QStringLiteral("Import Complete"),
