@@ -17,6 +17,34 @@
 
 namespace varnholt {
 
+namespace {
+
+/// The largest key of a table, asked again and again. Making the statement ready costs more
+/// than running it, so it is kept: stepped beyond its end it starts anew.
+class LargestKey
+{
+public:
+    LargestKey(Connection& connection, const QString& statement, const char* field)
+        : rows_(connection.read(statement))
+        , field_(rows_.field(field))
+    {}
+
+    [[nodiscard]] std::int32_t now()
+    {
+        std::int32_t key = 0;
+        while (rows_.next()) {
+            key = rows_.integer(field_);
+        }
+        return key;
+    }
+
+private:
+    Recordset rows_;
+    int field_;
+};
+
+} // namespace
+
 PackageImport::PackageImport(Services& services, Connection& connection)
     : services_(services)
     , connection_(connection)
@@ -46,18 +74,10 @@ bool PackageImport::CheckAssessmentName(const QString& strAssessment)
     return !connection_.read(statements::SelectAssessmentsNamed(strAssessment)).next();
 }
 
-std::int32_t PackageImport::newKey(const QString& statement, const char* field)
-{
-    Recordset rows = connection_.read(statement);
-    const int position = rows.field(field);
-    rows.next();
-    return rows.integer(position);
-}
-
 std::int32_t PackageImport::AddAssessment(const QString& strAssessment)
 {
     connection_.execute(statements::InsertAssessment(strAssessment));
-    return newKey(statements::SelectMaxAssessmentNum(), "NewAssessmentNum");
+    return LargestKey(connection_, statements::SelectMaxAssessmentNum(), "NewAssessmentNum").now();
 }
 
 void PackageImport::LoadImportTopics(std::int32_t AssessmentNum, const QString& file)
@@ -65,6 +85,7 @@ void PackageImport::LoadImportTopics(std::int32_t AssessmentNum, const QString& 
     ImportTopics.clear();
     newTopicIds_.clear();
     TopicsImported = 0;
+    LargestKey largest(connection_, statements::SelectMaxTopicID(), "maxvalue");
     FieldReader reader(file, encoding);
     while (!reader.atEnd()) {
         ImportTopicRecord& record = ImportTopics.append({});
@@ -73,7 +94,7 @@ void PackageImport::LoadImportTopics(std::int32_t AssessmentNum, const QString& 
         record.Topic = reader.text();
         record.AssessmentNum = AssessmentNum;
         connection_.execute(statements::InsertTopic(record.Topic, AssessmentNum));
-        record.MappedTopicID = newKey(statements::SelectMaxTopicID(), "maxvalue");
+        record.MappedTopicID = largest.now();
         newTopicIds_.insert(record.OldTopicID, record.MappedTopicID);
     }
 }
@@ -83,6 +104,7 @@ void PackageImport::LoadImportSubTopics(std::int32_t AssessmentNum, const QStrin
     ImportSubTopics.clear();
     newSubTopicIds_.clear();
     SubtopicsImported = 0;
+    LargestKey largest(connection_, statements::SelectMaxSubTopicNum(), "maxvalue");
     FieldReader reader(file, encoding);
     while (!reader.atEnd()) {
         ImportSubTopicRecord& record = ImportSubTopics.append({});
@@ -94,7 +116,7 @@ void PackageImport::LoadImportSubTopics(std::int32_t AssessmentNum, const QStrin
         record.MappedTopicID = GetNewTopicID(record.OldTopicID);
         connection_.execute(
             statements::InsertSubtopic(record.MappedTopicID, record.SubTopic, AssessmentNum));
-        record.MappedSubTopicNum = newKey(statements::SelectMaxSubTopicNum(), "maxvalue");
+        record.MappedSubTopicNum = largest.now();
         newSubTopicIds_.insert(record.OldSubTopicNum, record.MappedSubTopicNum);
     }
 }
@@ -104,6 +126,7 @@ void PackageImport::LoadImportQuestions(std::int32_t AssessmentNum, const QStrin
     ImportQuestions.clear();
     placedPictures_ = 0;
     QuestionsImported = 0;
+    LargestKey largest(connection_, statements::SelectMaxSOLIndex(), "maxvalue");
     FieldReader reader(file, encoding);
     while (!reader.atEnd()) {
         ImportQuestionRecord& record = ImportQuestions.append({});
@@ -117,7 +140,7 @@ void PackageImport::LoadImportQuestions(std::int32_t AssessmentNum, const QStrin
         record.MappedSubTopicNum = GetNewSubTopicID(record.OldSubTopicNum);
         connection_.execute(statements::InsertQuestion(record.MappedTopicID, record.Answer,
                                                        AssessmentNum, record.MappedSubTopicNum));
-        record.MappedSOLIndex = newKey(statements::SelectMaxSOLIndex(), "maxvalue");
+        record.MappedSOLIndex = largest.now();
         placePicture(record);
         if (questionProgress) {
             questionProgress(reader.position(), reader.size());
@@ -132,17 +155,19 @@ QString PackageImport::inLibrary(const ImportQuestionRecord& question) const
 
 void PackageImport::placePicture(const ImportQuestionRecord& question)
 {
-    const QString picture = inWorkFolder(pictureMember(question.OldSOLIndex));
-    if (QFileInfo::exists(picture)) {
-        MoveFile(picture, inLibrary(question));
-    } else {
-        // Gone already with an earlier question of that key: each gets its own bytes.
+    const QString target = inLibrary(question);
+    try {
+        MoveFile(inWorkFolder(pictureMember(question.OldSOLIndex)), target);
+    } catch (const Error&) {
+        // It may have gone with an earlier question of that key: each gets its own bytes.
         const auto twin = std::find_if(ImportQuestions.begin(), ImportQuestions.end(),
                                        [&](const ImportQuestionRecord& earlier) {
                                            return earlier.OldSOLIndex == question.OldSOLIndex;
                                        });
-        PlaceFile(&*twin == &question ? picture : inLibrary(*twin), inLibrary(question),
-                  Placing::Copy);
+        if (&*twin == &question) {
+            throw;
+        }
+        PlaceFile(inLibrary(*twin), target, Placing::Copy);
     }
     ++placedPictures_;
 }

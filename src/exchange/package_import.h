@@ -99,7 +99,6 @@ private:
     /// unless their keys will be given out again.
     void returnPictures(bool libraryKeepsThem);
     void reportFailure();
-    std::int32_t newKey(const QString& statement, const char* field);
     [[nodiscard]] QString inWorkFolder(const QString& file) const;
     [[nodiscard]] QString inLibrary(const ImportQuestionRecord& question) const;
 

@@ -24,7 +24,11 @@ namespace {
 
 std::filesystem::path native(const QString& path)
 {
-    return path.toStdU16String();
+#ifdef Q_OS_WIN
+    return path.toStdWString();
+#else
+    return QFile::encodeName(path).toStdString();
+#endif
 }
 
 [[noreturn]] void failPlacing(const QString& from, const QString& to, const QString& reason)
