@@ -7,25 +7,16 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSet>
 #include <QStorageInfo>
 #include <QtEndian>
 
 #include <algorithm>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace varnholt {
 
 namespace {
-
-struct Member
-{
-    zip_uint64_t index;
-    /// The name it gets in the folder.
-    QString name;
-};
 
 /// Refuses an archive whose directory would take too much memory to read. libzip holds the
 /// whole of it, but never believes in more entries than the directory's size has room for.
@@ -92,7 +83,7 @@ bool isPlainCharacter(QChar character)
            (character.isPrint() && !QStringLiteral("/\\:*?\"<>|").contains(character));
 }
 
-/// The name under which a member is written; none when it is left out.
+/// What a member of that name is called in the folder; nothing when the name is not plain.
 std::optional<QString> ownName(const QString& name)
 {
     constexpr qsizetype longest = 100;
@@ -113,26 +104,12 @@ std::optional<QString> ownName(const QString& name)
     return name;
 }
 
-std::vector<Member> membersToTake(zip_t* archive)
+/// The name under which a member is written; none when it is left out.
+std::optional<QString> nameToTake(zip_t* archive, zip_uint64_t index)
 {
-    std::vector<Member> members;
-    QSet<QString> names;
-    const zip_int64_t count = zip_get_num_entries(archive, 0);
-    for (zip_uint64_t i = 0; i < static_cast<zip_uint64_t>(count); ++i) {
-        const char* given = zip_get_name(archive, i, ZIP_FL_ENC_GUESS);
-        const std::optional<QString> name = ownName(QString::fromUtf8(given ? given : ""));
-        if (!name || !isOrdinaryFile(archive, i)) {
-            continue;
-        }
-        // Folded, because file systems may not tell the two apart.
-        const QString folded = name->toCaseFolded();
-        if (names.contains(folded)) {
-            throw Error(QStringLiteral("The archive holds two files named %1.").arg(*name));
-        }
-        names.insert(folded);
-        members.push_back({i, *name});
-    }
-    return members;
+    const char* given = zip_get_name(archive, index, ZIP_FL_ENC_GUESS);
+    std::optional<QString> name = ownName(QString::fromUtf8(given ? given : ""));
+    return name && isOrdinaryFile(archive, index) ? name : std::nullopt;
 }
 
 /// Takes members out of an archive and keeps count of what they cost.
@@ -149,18 +126,20 @@ public:
     {}
 
     template <typename Pulse>
-    void take(const Member& member, Pulse pulse)
+    void take(zip_uint64_t index, const QString& name, Pulse pulse)
     {
-        const ZipFileHandle source(zip_fopen_index(archive_, member.index, 0));
+        const ZipFileHandle source(zip_fopen_index(archive_, index, 0));
         if (!source) {
-            throw damaged(member, zip_strerror(archive_));
+            throw damaged(index, zip_strerror(archive_));
         }
-        QFile target(folder_ + u'/' + member.name);
+        QFile target(folder_ + u'/' + name);
         if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
-            throw Error(target.errorString());
+            // Also what a second member of one name ends with.
+            throw Error(
+                QStringLiteral("The file %1 cannot be made (%2).").arg(name, target.errorString()));
         }
         try {
-            copy(member, source.get(), target, pulse);
+            copy(index, source.get(), target, pulse);
         } catch (...) {
             target.remove();
             throw;
@@ -169,13 +148,13 @@ public:
 
 private:
     template <typename Pulse>
-    void copy(const Member& member, zip_file_t* source, QFile& target, Pulse pulse)
+    void copy(zip_uint64_t index, zip_file_t* source, QFile& target, Pulse pulse)
     {
         std::int64_t size = 0;
         for (;;) {
             const zip_int64_t got = zip_fread(source, buffer_.data(), buffer_.size());
             if (got < 0) {
-                throw damaged(member, zip_file_strerror(source));
+                throw damaged(index, zip_file_strerror(source));
             }
             if (got == 0) {
                 break;
@@ -191,16 +170,17 @@ private:
             pulse();
         }
         zip_stat_t declared;
-        if (zip_stat_index(archive_, member.index, 0, &declared) != 0 ||
+        if (zip_stat_index(archive_, index, 0, &declared) != 0 ||
             declared.size != static_cast<zip_uint64_t>(size)) {
-            throw damaged(member, "its size is not the one declared");
+            throw damaged(index, "its size is not the one declared");
         }
     }
 
-    static Error damaged(const Member& member, const char* reason)
+    static Error damaged(zip_uint64_t index, const char* reason)
     {
-        return Error(QStringLiteral("The file %1 in the archive cannot be read (%2).")
-                         .arg(member.name, QString::fromUtf8(reason)));
+        return Error(QStringLiteral("File %1 of the archive cannot be read (%2).")
+                         .arg(index + 1)
+                         .arg(QString::fromUtf8(reason)));
     }
 
     zip_t* archive_;
@@ -245,20 +225,20 @@ QString UnpackArchive(const QString& archivePath, const QString& folder, const U
         throw Error(QStringLiteral("The archive holds far too many files."));
     }
 
-    const std::vector<Member> members = membersToTake(archive.get());
     Unpacking unpacking(archive.get(), folder, limits.memberBytes,
                         allowedBytes(archiveBytes, folder, limits));
-    const int count = static_cast<int>(members.size());
-    int done = 0;
-    const auto report = [&] {
-        if (progress) {
-            progress(done, count);
+    const int members = static_cast<int>(zip_get_num_entries(archive.get(), 0));
+    for (int member = 0; member < members; ++member) {
+        const auto index = static_cast<zip_uint64_t>(member);
+        const auto report = [&](int done) {
+            if (progress) {
+                progress(done, members);
+            }
+        };
+        if (const std::optional<QString> name = nameToTake(archive.get(), index)) {
+            unpacking.take(index, *name, [&] { report(member); });
         }
-    };
-    for (const Member& member : members) {
-        unpacking.take(member, report);
-        ++done;
-        report();
+        report(member + 1);
     }
 
     int length = 0;

@@ -94,18 +94,19 @@ FieldReader::FieldReader(const QString& path, TextEncoding encoding)
     if (!file_.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         throw fileError(file_);
     }
-    skipByteOrderMark();
+    start();
 }
 
 FieldReader::FieldReader(QIODevice& device, TextEncoding encoding)
     : device_(device)
     , encoding_(encoding)
 {
-    skipByteOrderMark();
+    start();
 }
 
-void FieldReader::skipByteOrderMark()
+void FieldReader::start()
 {
+    size_ = device_.size();
     static_cast<void>(peek());
     if (block_.startsWith("\xef\xbb\xbf")) {
         encoding_ = TextEncoding::Utf8;

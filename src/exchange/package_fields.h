@@ -71,12 +71,12 @@ public:
 
     /// Bytes read so far and in all.
     [[nodiscard]] std::int64_t position() const { return blockStart_ + next_; }
-    [[nodiscard]] std::int64_t size() const { return device_.size(); }
+    [[nodiscard]] std::int64_t size() const { return size_; }
 
 private:
     static constexpr int endOfFile = -1;
 
-    void skipByteOrderMark();
+    void start();
     /// The next byte, or `endOfFile`; stays where it is.
     [[nodiscard]] int peek();
     void step() { ++next_; }
@@ -95,6 +95,7 @@ private:
     TextEncoding encoding_;
     QByteArray block_;
     qsizetype next_ = 0;
+    std::int64_t size_ = 0;
     std::int64_t blockStart_ = 0;
     /// Between fields: what came before was a line end, so a line end now makes a blank line.
     bool lineStart_ = true;

@@ -10,16 +10,45 @@
 #include "store/services.h"
 #include "store/statements.h"
 
-#include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <optional>
 
 namespace varnholt {
 
+namespace {
+
+/// The largest key of a table, asked again and again. Making the statement ready costs more
+/// than running it, so it is kept: stepped beyond its end it starts anew.
+class LargestKey
+{
+public:
+    LargestKey(Connection& connection, const QString& statement, const char* field)
+        : rows_(connection.read(statement))
+        , field_(rows_.field(field))
+    {}
+
+    [[nodiscard]] std::int32_t now()
+    {
+        std::int32_t key = 0;
+        while (rows_.next()) {
+            key = rows_.integer(field_);
+        }
+        return key;
+    }
+
+private:
+    Recordset rows_;
+    int field_;
+};
+
+} // namespace
+
 PackageImport::PackageImport(Services& services, Connection& connection)
     : services_(services)
     , connection_(connection)
+    , pictureFolder_(QFileInfo(NewPictureFile(services.programFolder, 1)).path())
 {}
 
 QString PackageImport::inWorkFolder(const QString& file) const
@@ -45,18 +74,10 @@ bool PackageImport::CheckAssessmentName(const QString& strAssessment)
     return !connection_.read(statements::SelectAssessmentsNamed(strAssessment)).next();
 }
 
-std::int32_t PackageImport::newKey(const QString& statement, const char* field)
-{
-    Recordset rows = connection_.read(statement);
-    const int position = rows.field(field);
-    rows.next();
-    return rows.integer(position);
-}
-
 std::int32_t PackageImport::AddAssessment(const QString& strAssessment)
 {
     connection_.execute(statements::InsertAssessment(strAssessment));
-    return newKey(statements::SelectMaxAssessmentNum(), "NewAssessmentNum");
+    return LargestKey(connection_, statements::SelectMaxAssessmentNum(), "NewAssessmentNum").now();
 }
 
 void PackageImport::LoadImportTopics(std::int32_t AssessmentNum, const QString& file)
@@ -64,6 +85,7 @@ void PackageImport::LoadImportTopics(std::int32_t AssessmentNum, const QString& 
     ImportTopics.clear();
     newTopicIds_.clear();
     TopicsImported = 0;
+    LargestKey largest(connection_, statements::SelectMaxTopicID(), "maxvalue");
     FieldReader reader(file, encoding);
     while (!reader.atEnd()) {
         ImportTopicRecord& record = ImportTopics.append({});
@@ -72,7 +94,7 @@ void PackageImport::LoadImportTopics(std::int32_t AssessmentNum, const QString& 
         record.Topic = reader.text();
         record.AssessmentNum = AssessmentNum;
         connection_.execute(statements::InsertTopic(record.Topic, AssessmentNum));
-        record.MappedTopicID = newKey(statements::SelectMaxTopicID(), "maxvalue");
+        record.MappedTopicID = largest.now();
         newTopicIds_.insert(record.OldTopicID, record.MappedTopicID);
     }
 }
@@ -82,6 +104,7 @@ void PackageImport::LoadImportSubTopics(std::int32_t AssessmentNum, const QStrin
     ImportSubTopics.clear();
     newSubTopicIds_.clear();
     SubtopicsImported = 0;
+    LargestKey largest(connection_, statements::SelectMaxSubTopicNum(), "maxvalue");
     FieldReader reader(file, encoding);
     while (!reader.atEnd()) {
         ImportSubTopicRecord& record = ImportSubTopics.append({});
@@ -93,7 +116,7 @@ void PackageImport::LoadImportSubTopics(std::int32_t AssessmentNum, const QStrin
         record.MappedTopicID = GetNewTopicID(record.OldTopicID);
         connection_.execute(
             statements::InsertSubtopic(record.MappedTopicID, record.SubTopic, AssessmentNum));
-        record.MappedSubTopicNum = newKey(statements::SelectMaxSubTopicNum(), "maxvalue");
+        record.MappedSubTopicNum = largest.now();
         newSubTopicIds_.insert(record.OldSubTopicNum, record.MappedSubTopicNum);
     }
 }
@@ -101,9 +124,9 @@ void PackageImport::LoadImportSubTopics(std::int32_t AssessmentNum, const QStrin
 void PackageImport::LoadImportQuestions(std::int32_t AssessmentNum, const QString& file)
 {
     ImportQuestions.clear();
-    placedOldKeys_.clear();
-    placedPictures_.clear();
+    placedPictures_ = 0;
     QuestionsImported = 0;
+    LargestKey largest(connection_, statements::SelectMaxSOLIndex(), "maxvalue");
     FieldReader reader(file, encoding);
     while (!reader.atEnd()) {
         ImportQuestionRecord& record = ImportQuestions.append({});
@@ -117,7 +140,7 @@ void PackageImport::LoadImportQuestions(std::int32_t AssessmentNum, const QStrin
         record.MappedSubTopicNum = GetNewSubTopicID(record.OldSubTopicNum);
         connection_.execute(statements::InsertQuestion(record.MappedTopicID, record.Answer,
                                                        AssessmentNum, record.MappedSubTopicNum));
-        record.MappedSOLIndex = newKey(statements::SelectMaxSOLIndex(), "maxvalue");
+        record.MappedSOLIndex = largest.now();
         placePicture(record);
         if (questionProgress) {
             questionProgress(reader.position(), reader.size());
@@ -125,23 +148,46 @@ void PackageImport::LoadImportQuestions(std::int32_t AssessmentNum, const QStrin
     }
 }
 
-void PackageImport::placePicture(const ImportQuestionRecord& question)
+QString PackageImport::inLibrary(const ImportQuestionRecord& question) const
 {
-    const QString target = NewPictureFile(services_.programFolder, question.MappedSOLIndex);
-    // Two questions may name one picture; each gets its own bytes.
-    const bool first = !placedOldKeys_.contains(question.OldSOLIndex);
-    placedOldKeys_.insert(question.OldSOLIndex);
-    PlaceFile(inWorkFolder(pictureMember(question.OldSOLIndex)), target,
-              first ? Placing::MayShare : Placing::Copy);
-    placedPictures_.push_back(target);
+    return pictureFolder_ + u'/' + pictureMember(question.MappedSOLIndex);
 }
 
-void PackageImport::removePlacedPictures()
+void PackageImport::placePicture(const ImportQuestionRecord& question)
 {
-    for (const QString& path : placedPictures_) {
-        QFile::remove(path);
+    const QString target = inLibrary(question);
+    try {
+        MoveFile(inWorkFolder(pictureMember(question.OldSOLIndex)), target);
+    } catch (const Error&) {
+        // It may have gone with an earlier question of that key: each gets its own bytes.
+        const auto twin = std::find_if(ImportQuestions.begin(), ImportQuestions.end(),
+                                       [&](const ImportQuestionRecord& earlier) {
+                                           return earlier.OldSOLIndex == question.OldSOLIndex;
+                                       });
+        if (&*twin == &question) {
+            throw;
+        }
+        PlaceFile(inLibrary(*twin), target, Placing::Copy);
     }
-    placedPictures_.clear();
+    ++placedPictures_;
+}
+
+void PackageImport::returnPictures(bool libraryKeepsThem)
+{
+    for (int i = 1; i <= placedPictures_; ++i) {
+        const ImportQuestionRecord& question = ImportQuestions(i);
+        const QString picture = inWorkFolder(pictureMember(question.OldSOLIndex));
+        try {
+            if (libraryKeepsThem) {
+                PlaceFile(inLibrary(question), picture, Placing::MayShare);
+            } else {
+                MoveFile(inLibrary(question), picture);
+            }
+        } catch (const Error&) {
+            // It was on offer only; the package still has it.
+        }
+    }
+    placedPictures_ = 0;
 }
 
 std::int32_t PackageImport::GetNewTopicID(std::int32_t intOldID) const
@@ -202,14 +248,14 @@ void PackageImport::loadLists(WorkView& view, std::int32_t assessmentNum)
     LoadImportTopics(assessmentNum, inWorkFolder(topicsFile));
     LoadImportSubTopics(assessmentNum, inWorkFolder(subTopicsFile));
     LoadImportQuestions(assessmentNum, inWorkFolder(questionsFile));
-    if (!placedPictures_.empty()) {
-        SyncFileSystem(QFileInfo(placedPictures_.front()).absolutePath());
+    if (placedPictures_ > 0) {
+        SyncFileSystem(pictureFolder_);
     }
 }
 
 void PackageImport::insertAll(WorkView& view, const QString& name)
 {
-    placedPictures_.clear();
+    placedPictures_ = 0;
     Transaction transaction(connection_);
     std::int32_t assessmentNum = 0;
     try {
@@ -223,13 +269,15 @@ void PackageImport::insertAll(WorkView& view, const QString& name)
         transaction.commit();
     } catch (const std::exception&) {
         reportFailure();
+        bool rowsStay = false;
         try {
             connection_.execute(statements::DeleteAssessment(assessmentNum));
             transaction.commit();
+            rowsStay = true;
         } catch (const Error&) {
-            // The rows went with the transaction, and their keys will be given out again.
-            removePlacedPictures();
+            // The rows went with the transaction.
         }
+        returnPictures(rowsStay);
         return;
     }
     services_.messageBoxes->inform(QStringLiteral("Import Complete"),

@@ -4,12 +4,10 @@
 #include "store/list1.h"
 
 #include <QHash>
-#include <QSet>
 #include <QString>
 
 #include <cstdint>
 #include <functional>
-#include <vector>
 
 namespace varnholt {
 
@@ -97,17 +95,21 @@ private:
     void insertAll(WorkView& view, const QString& name);
     void loadLists(WorkView& view, std::int32_t assessmentNum);
     void placePicture(const ImportQuestionRecord& question);
-    void removePlacedPictures();
+    /// Puts the pictures placed so far back into the work folder; the library keeps its own
+    /// unless their keys will be given out again.
+    void returnPictures(bool libraryKeepsThem);
     void reportFailure();
-    std::int32_t newKey(const QString& statement, const char* field);
     [[nodiscard]] QString inWorkFolder(const QString& file) const;
+    [[nodiscard]] QString inLibrary(const ImportQuestionRecord& question) const;
 
     Services& services_;
     Connection& connection_;
     QHash<std::int32_t, std::int32_t> newTopicIds_;
     QHash<std::int32_t, std::int32_t> newSubTopicIds_;
-    QSet<std::int32_t> placedOldKeys_;
-    std::vector<QString> placedPictures_;
+    /// Folder of the library's pictures.
+    QString pictureFolder_;
+    /// So many of `ImportQuestions`, from the first, have their picture in the library.
+    int placedPictures_ = 0;
 };
 
 } // namespace varnholt

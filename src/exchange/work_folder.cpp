@@ -3,6 +3,7 @@
 #include "store/errors.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
@@ -23,7 +24,11 @@ namespace {
 
 std::filesystem::path native(const QString& path)
 {
-    return path.toStdU16String();
+#ifdef Q_OS_WIN
+    return path.toStdWString();
+#else
+    return QFile::encodeName(path).toStdString();
+#endif
 }
 
 [[noreturn]] void failPlacing(const QString& from, const QString& to, const QString& reason)
@@ -44,13 +49,23 @@ void EmptyWorkFolder(const QString& folder, const QString& spare)
 {
     QDir().mkpath(folder);
     const QString kept = spare.isEmpty() ? QString() : QFileInfo(spare).canonicalFilePath();
-    const QDir dir(folder);
-    for (const QString& name :
-         dir.entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Unsorted)) {
-        const QString path = dir.filePath(name);
-        if (kept.isEmpty() || QFileInfo(path).canonicalFilePath() != kept) {
+    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::System);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        if (kept.isEmpty() || files.fileInfo().canonicalFilePath() != kept) {
             QFile::remove(path);
         }
+    }
+}
+
+void MoveFile(const QString& from, const QString& to)
+{
+    std::error_code error = std::make_error_code(std::errc::no_such_file_or_directory);
+    if (QFileInfo(from).isFile()) {
+        std::filesystem::rename(native(from), native(to), error);
+    }
+    if (error) {
+        PlaceFile(from, to, Placing::Copy);
     }
 }
 

@@ -25,6 +25,10 @@ enum class Placing
 /// a readable file or `to` cannot be written.
 void PlaceFile(const QString& from, const QString& to, Placing placing);
 
+/// Takes the file `from` to `to`, whose file it replaces in one step. Where the two are on
+/// different file systems `from` stays. Throws `Error` as `PlaceFile` does.
+void MoveFile(const QString& from, const QString& to);
+
 /// Returns once everything written to an open file is on the disk; false when it could not be
 /// put there. A file system that knows no such request counts as done.
 [[nodiscard]] bool SyncFile(QFileDevice& file);

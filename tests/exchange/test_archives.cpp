@@ -212,9 +212,11 @@ INSTANTIATE_TEST_SUITE_P(
                 {{.name = "1.jpg", .data = "\7garbage", .packedFrom = 20, .method = 8}}},
         Refusal{"DeclaresLess",
                 {{.name = "1.jpg", .data = someText, .deflated = true, .sizeError = -100}}},
-        Refusal{"SameName", {{.name = "1.jpg", .data = "a"}, {.name = "1.jpg", .data = "b"}}},
+        Refusal{
+            "SameName", {{.name = "1.jpg", .data = "a"}, {.name = "1.jpg", .data = "b"}}, "1.jpg"},
         Refusal{"SameNameInOtherCase",
-                {{.name = "1.jpg", .data = "a"}, {.name = "1.JPG", .data = "b"}}},
+                {{.name = "1.jpg", .data = "a"}, {.name = "1.JPG", .data = "b"}},
+                "1.jpg"},
         Refusal{"TenGigabytesOfZeros",
                 {{.name = "1.jpg",
                   .data = deflatedZeros(tenGigabytes),

@@ -305,13 +305,19 @@ TEST_F(Import, DatabaseFailuresSoftDeleteOrLeaveNothing)
     failingAt("Assessments", "ABORT");
     EXPECT_EQ(count("Assessments"), 1);
 
-    library.sql(QStringLiteral(
-        "DROP TRIGGER broken; CREATE TRIGGER broken BEFORE INSERT ON Questions WHEN NEW.Answer "
-        "= 'B' BEGIN SELECT RAISE(ROLLBACK, 'disk'); END"));
-    expectNameQuestion(QStringLiteral("P"), QStringLiteral("P"));
-    expectImportError();
-    run();
-    EXPECT_EQ(listing(library.folder() + QStringLiteral("/Files")), "");
+    // The pictures placed by then go with their rows, and the work folder has them still.
+    for (const char* action : {"ABORT", "ROLLBACK"}) {
+        library.sql(QStringLiteral("DROP TRIGGER broken; CREATE TRIGGER broken BEFORE INSERT ON "
+                                   "Questions WHEN NEW.Answer = 'B' BEGIN SELECT RAISE(%1, "
+                                   "'disk'); END")
+                        .arg(QLatin1String(action)));
+        expectNameQuestion(QStringLiteral("P"), QStringLiteral("P"));
+        expectImportError();
+        run();
+        EXPECT_EQ(work(), "3.jpg 4.jpg AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
+        EXPECT_EQ(count("Questions"), 1);
+        EXPECT_EQ(listing(library.folder() + QStringLiteral("/Files")), "1.jpg");
+    }
 
     // The next one works.
     library.sql(QStringLiteral("DROP TRIGGER broken"));
