@@ -70,54 +70,11 @@ Function CloseAll
   Loop
   CloseAll = "closed"
 End Function
-
-Sub Place(s, x, y, w, h)
-  Dim p As New com.sun.star.awt.Point, z As New com.sun.star.awt.Size
-  p.X = x : p.Y = y : z.Width = w : z.Height = h
-  s.Position = p
-  s.Size = z
-End Sub
-
-Sub TextBox(doc, page, x, y, w, h, text)
-  Dim s
-  s = doc.createInstance("com.sun.star.drawing.TextShape")
-  page.add(s)
-  s.TextAutoGrowHeight = False
-  s.TextLeftDistance = 254 : s.TextRightDistance = 254
-  s.TextUpperDistance = 127 : s.TextLowerDistance = 127
-  Place(s, x, y, w, h)
-  s.String = text
-End Sub
-
-REM The same hundred slides as the benchmark builds, in the office's own language.
-Function Build
-  Dim started, doc, pages, page, graphics, i, s, source(0) As New com.sun.star.beans.PropertyValue
-  started = GetSystemTicks()
-  doc = StarDesktop.loadComponentFromURL("private:factory/simpress", "_blank", 0, Array())
-  graphics = createUnoService("com.sun.star.graphic.GraphicProvider")
-  pages = doc.DrawPages
-  pages.getByIndex(0).Width = 33867 : pages.getByIndex(0).Height = 19050
-  For i = 1 To 100
-    page = pages.insertNewByIndex(pages.Count)
-    page.Layout = 20
-    If i = 1 Then pages.remove(pages.getByIndex(0))
-    TextBox(doc, page, 0, 0, 35278, 3528, "Algebra - Roots")
-    TextBox(doc, page, 0, 1411, 3528, 3528, "#" & i)
-    source(0).Name = "URL" : source(0).Value = ConvertToURL("%1/" & i & ".jpg")
-    s = doc.createInstance("com.sun.star.drawing.GraphicObjectShape")
-    page.add(s)
-    s.Graphic = graphics.queryGraphic(source())
-    s.Description = "Question " & i
-    Place(s, 71, 2469, 21167, 15875)
-  Next i
-  doc.CurrentController.setCurrentPage(pages.getByIndex(0))
-  Build = CStr(GetSystemTicks() - started)
-End Function
 )"_s;
 
 } // namespace
 
-OfficeHost::OfficeHost()
+OfficeHost::OfficeHost(const QString& moreMacros)
 {
     for (const char* program : {"soffice", "Xvfb"}) {
         if (QStandardPaths::findExecutable(QLatin1String(program)).isEmpty()) {
@@ -126,7 +83,7 @@ OfficeHost::OfficeHost()
         }
     }
     startDisplay();
-    writeMacros();
+    writeMacros(macros + moreMacros);
 }
 
 OfficeHost::~OfficeHost()
@@ -160,7 +117,7 @@ QString OfficeHost::profileArgument(const QString& name) const
            QUrl::fromLocalFile(folder_.filePath(name)).toString(QUrl::FullyEncoded);
 }
 
-void OfficeHost::writeMacros()
+void OfficeHost::writeMacros(QString source)
 {
     // A profile's first start writes over what is there, so that comes first.
     QProcess::execute(u"soffice"_s, {profileArgument(u"profile"_s), u"--headless"_s,
@@ -171,8 +128,8 @@ void OfficeHost::writeMacros()
         "script:name=\"Module1\" script:language=\"StarBasic\">%1</script:module>"_s;
     QFile file(folder_.filePath(u"profile/user/basic/Standard/Module1.xba"_s));
     if (!file.open(QIODevice::WriteOnly) ||
-        file.write(module.arg(QString(macros).replace(u"%1"_s, folder_.path()).toHtmlEscaped())
-                       .toUtf8()) <= 0) {
+        file.write(module.arg(source.replace(u"%1"_s, folder_.path()).toHtmlEscaped()).toUtf8()) <=
+            0) {
         problem_ = u"the profile of the office cannot be written"_s;
     }
 }

@@ -15,7 +15,9 @@ namespace varnholt::test {
 class OfficeHost
 {
 public:
-    OfficeHost();
+    /// `moreMacros` are functions that `runMacro` can call; "%1" in them becomes this host's
+    /// folder.
+    explicit OfficeHost(const QString& moreMacros = QString());
     ~OfficeHost();
     OfficeHost(const OfficeHost&) = delete;
     OfficeHost& operator=(const OfficeHost&) = delete;
@@ -40,7 +42,7 @@ public:
 
 private:
     void startDisplay();
-    void writeMacros();
+    void writeMacros(QString source);
     [[nodiscard]] QString profileArgument(const QString& name) const;
 
     QTemporaryDir folder_;

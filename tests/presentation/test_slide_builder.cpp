@@ -33,6 +33,13 @@ protected:
         return BuildPresentation(program_, input, boxes_, progress);
     }
 
+    /// The calls, one after the other; a line break in `expected` is a semicolon.
+    void expectCalls(QString expected) const
+    {
+        EXPECT_EQ(program_.calls.join(u"; "_s).toStdString(),
+                  expected.replace(u'\n', u"; "_s).toStdString());
+    }
+
     /// The texts of each key slide, "<top>: <text>", a line a box.
     QList<QStringList> keySlides()
     {
@@ -66,44 +73,31 @@ TEST_F(SlideBuilder, CallsInOrderWithTopicAndKey)
 {
     fillPool(3, {2});
     EXPECT_EQ(build(true, true), BuildOutcome::complete);
-    const QStringList expected{u"addPresentation"_s, u"setVisible"_s,
-                               // the first question
-                               u"slideCount"_s, u"addBlankSlide 1"_s, u"selectSlide 1"_s,
-                               u"addTextBox 0 0 1000 100"_s, u"setShapeText 1 Topic of 1"_s,
-                               u"addTextBox 0 40 100 100"_s, u"addPicture 101.jpg 2 70 -1 -1"_s,
-                               u"setShapeText 2 #1"_s, u"scaleHeight 3 1"_s, u"scaleWidth 3 1"_s,
-                               // the third, since the second is rejected
-                               u"slideCount"_s, u"addBlankSlide 2"_s, u"selectSlide 2"_s,
-                               u"addTextBox 0 0 1000 100"_s, u"setShapeText 1 Topic of 3"_s,
-                               u"addTextBox 0 40 100 100"_s, u"addPicture 103.jpg 2 70 -1 -1"_s,
-                               u"setShapeText 2 #2"_s, u"scaleHeight 3 1"_s, u"scaleWidth 3 1"_s,
-                               // the key
-                               u"slideCount"_s, u"addBlankSlide 3"_s, u"selectSlide 3"_s,
-                               u"addTextBox 0 0 300 100"_s, u"setShapeText 1 Answer Key"_s,
-                               u"addTextBox 0 20 100 100"_s, u"setShapeText 2 1) A1"_s,
-                               u"addTextBox 0 40 100 100"_s, u"setShapeText 3 2) A3"_s,
-                               // the end
-                               u"selectSlide 1"_s, u"finish"_s};
-    EXPECT_EQ(program_.calls, expected);
+    expectCalls(uR"(addPresentation; setVisible
+slideCount; addBlankSlide 1; selectSlide 1
+addTextBox 0 0 1000 100; setShapeText 1 Topic of 1
+addTextBox 0 40 100 100; addPicture 101.jpg 2 70 -1 -1
+setShapeText 2 #1; scaleHeight 3 1; scaleWidth 3 1
+slideCount; addBlankSlide 2; selectSlide 2
+addTextBox 0 0 1000 100; setShapeText 1 Topic of 3
+addTextBox 0 40 100 100; addPicture 103.jpg 2 70 -1 -1
+setShapeText 2 #2; scaleHeight 3 1; scaleWidth 3 1
+slideCount; addBlankSlide 3; selectSlide 3
+addTextBox 0 0 300 100; setShapeText 1 Answer Key
+addTextBox 0 20 100 100; setShapeText 2 1) A1
+addTextBox 0 40 100 100; setShapeText 3 2) A3
+selectSlide 1; finish)"_s);
 }
 
 TEST_F(SlideBuilder, CallsInOrderWithoutTopicAndKey)
 {
     fillPool(1);
     EXPECT_EQ(build(false, false), BuildOutcome::complete);
-    const QStringList expected{u"addPresentation"_s,
-                               u"setVisible"_s,
-                               u"slideCount"_s,
-                               u"addBlankSlide 1"_s,
-                               u"selectSlide 1"_s,
-                               u"addTextBox 0 0 100 100"_s,
-                               u"addPicture 101.jpg 2 50 -1 -1"_s,
-                               u"setShapeText 1 #1"_s,
-                               u"scaleHeight 2 1"_s,
-                               u"scaleWidth 2 1"_s,
-                               u"selectSlide 1"_s,
-                               u"finish"_s};
-    EXPECT_EQ(program_.calls, expected);
+    expectCalls(uR"(addPresentation; setVisible
+slideCount; addBlankSlide 1; selectSlide 1
+addTextBox 0 0 100 100; addPicture 101.jpg 2 50 -1 -1
+setShapeText 1 #1; scaleHeight 2 1; scaleWidth 2 1
+selectSlide 1; finish)"_s);
 }
 
 struct KeyCase

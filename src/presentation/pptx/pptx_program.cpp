@@ -12,10 +12,6 @@
 
 #include <cmath>
 
-#ifdef Q_OS_UNIX
-#include <unistd.h>
-#endif
-
 namespace varnholt {
 
 namespace {
@@ -31,20 +27,6 @@ Emu emu(double points)
 QString native(const QString& path)
 {
     return QDir::toNativeSeparators(path);
-}
-
-/// A final name must not outlive a power cut without its bytes.
-void syncToDisk(const QString& path)
-{
-#ifdef Q_OS_UNIX
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly) || fsync(file.handle()) != 0) {
-        throw Error(QStringLiteral("The presentation could not be written to \"%1\": %2.")
-                        .arg(native(path), qt_error_string()));
-    }
-#else
-    Q_UNUSED(path)
-#endif
 }
 
 /// What a killed program left behind. A younger one may be another program's work.
@@ -233,7 +215,6 @@ void PptxProgram::finish()
     const QDateTime time = now();
     document_.title = QStringLiteral("Varnholt ") + time.toString(u"yyyy-MM-dd HH.mm");
     writePptx(partPath_, document_, time, settings_.alive);
-    syncToDisk(partPath_);
     writtenPath_ = giveFinalName();
     if (settings_.open && !settings_.open(writtenPath_) && settings_.notify) {
         settings_.notify(QStringLiteral("The presentation is finished, but there is no program on "

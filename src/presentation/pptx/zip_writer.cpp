@@ -1,0 +1,199 @@
+#include "presentation/pptx/zip_writer.h"
+
+#include "store/errors.h"
+
+#include <QDir>
+#include <QtEndian>
+
+#include <zlib.h>
+
+#include <limits>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace varnholt {
+
+namespace {
+
+constexpr qsizetype pieceSize = 256 * 1024;
+constexpr quint16 versionNeeded = 20;
+constexpr qsizetype localHeaderSize = 30;
+
+template <typename Number>
+void put(QByteArray& bytes, Number number)
+{
+    const Number little = qToLittleEndian(number);
+    bytes.append(reinterpret_cast<const char*>(&little), sizeof little);
+}
+
+} // namespace
+
+ZipWriter::ZipWriter(const QString& path, const QDateTime& now)
+    : file_(path)
+    , time_(quint16(now.time().hour() << 11 | now.time().minute() << 5 | now.time().second() / 2))
+    , date_(quint16((now.date().year() - 1980) << 9 | now.date().month() << 5 | now.date().day()))
+    , piece_(pieceSize, Qt::Uninitialized)
+{
+    if (!file_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
+        finished_ = true; // whatever stands there is not ours to remove
+        fail(file_.errorString());
+    }
+    pending_.reserve(2 * pieceSize);
+}
+
+ZipWriter::~ZipWriter()
+{
+    if (!finished_) {
+        file_.remove();
+    }
+}
+
+void ZipWriter::fail(const QString& why) const
+{
+    throw Error(QStringLiteral("The presentation could not be written to \"%1\": %2.")
+                    .arg(QDir::toNativeSeparators(file_.fileName()), why));
+}
+
+void ZipWriter::writeAt(qint64 offset, const QByteArray& bytes)
+{
+    if (!file_.seek(offset) || file_.write(bytes) != bytes.size()) {
+        fail(file_.errorString());
+    }
+}
+
+void ZipWriter::flush()
+{
+    writeAt(flushed_, pending_);
+    flushed_ += pending_.size();
+    pending_.resize(0);
+}
+
+void ZipWriter::append(const QByteArray& bytes)
+{
+    pending_ += bytes;
+    if (pending_.size() >= pieceSize) {
+        flush();
+    }
+}
+
+/// What local and central header have in common, from the version on (APPNOTE 4.3.7).
+QByteArray ZipWriter::header(const Entry& entry) const
+{
+    constexpr quint16 noFlags = 0;
+    constexpr quint16 stored = 0;
+    constexpr quint16 noExtraField = 0;
+    QByteArray bytes;
+    put(bytes, versionNeeded);
+    put(bytes, noFlags);
+    put(bytes, stored);
+    put(bytes, time_);
+    put(bytes, date_);
+    put(bytes, entry.crc);
+    put(bytes, entry.size);
+    put(bytes, entry.size);
+    put(bytes, quint16(entry.name.size()));
+    put(bytes, noExtraField);
+    return bytes;
+}
+
+void ZipWriter::begin(const QByteArray& name)
+{
+    if (position() > std::numeric_limits<quint32>::max() ||
+        entries_.size() >= std::numeric_limits<quint16>::max()) {
+        fail(QStringLiteral("it has too many pictures for one file"));
+    }
+    Entry& entry = entries_.emplace_back();
+    entry.name = name;
+    entry.offset = quint32(position());
+    // Only a place for it; what belongs there is known after the last byte.
+    pending_.append(localHeaderSize, '\0');
+    append(name);
+}
+
+void ZipWriter::end()
+{
+    const Entry& entry = entries_.back();
+    const QByteArray local = QByteArray("PK\3\4") + header(entry);
+    if (entry.offset < flushed_) {
+        flush();
+        writeAt(entry.offset, local);
+    } else {
+        pending_.replace(entry.offset - flushed_, local.size(), local);
+    }
+}
+
+void ZipWriter::add(const QByteArray& name, const QByteArray& bytes)
+{
+    begin(name);
+    append(bytes);
+    Entry& entry = entries_.back();
+    entry.size = quint32(bytes.size());
+    entry.crc = quint32(
+        crc32_z(0, reinterpret_cast<const Bytef*>(bytes.constData()), size_t(bytes.size())));
+    end();
+}
+
+void ZipWriter::addFile(const QByteArray& name, const QString& path)
+{
+    begin(name);
+    QFile source(path);
+    bool readable = source.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    qint64 size = 0;
+    uLong crc = 0;
+    while (readable) {
+        const qint64 count = source.read(piece_.data(), pieceSize);
+        readable = count >= 0;
+        if (count <= 0) {
+            break;
+        }
+        crc = crc32_z(crc, reinterpret_cast<const Bytef*>(piece_.constData()), size_t(count));
+        size += count;
+        append(QByteArray::fromRawData(piece_.constData(), count));
+    }
+    if (!readable || size > std::numeric_limits<quint32>::max()) {
+        fail(QStringLiteral("the picture \"%1\" cannot be read")
+                 .arg(QDir::toNativeSeparators(path)));
+    }
+    Entry& entry = entries_.back();
+    entry.size = quint32(size);
+    entry.crc = quint32(crc);
+    end();
+}
+
+void ZipWriter::finish()
+{
+    const qint64 directory = position();
+    for (const Entry& entry : entries_) {
+        QByteArray central("PK\1\2");
+        put(central, versionNeeded);
+        central += header(entry);
+        // No comment, disk 0, no attributes.
+        central.append(2 + 2 + 2 + 4, '\0');
+        put(central, entry.offset);
+        append(central + entry.name);
+    }
+    const qint64 directorySize = position() - directory;
+    if (position() > std::numeric_limits<quint32>::max()) {
+        fail(QStringLiteral("it has too many pictures for one file"));
+    }
+    QByteArray tail("PK\5\6\0\0\0\0", 8);
+    put(tail, quint16(entries_.size()));
+    put(tail, quint16(entries_.size()));
+    put(tail, quint32(directorySize));
+    put(tail, quint32(directory));
+    put(tail, quint16(0));
+    append(tail);
+    flush();
+#ifdef Q_OS_UNIX
+    // A final name must not outlive a power cut without its bytes.
+    if (fsync(file_.handle()) != 0) {
+        fail(qt_error_string());
+    }
+#endif
+    file_.close();
+    finished_ = true;
+}
+
+} // namespace varnholt
