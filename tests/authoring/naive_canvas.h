@@ -6,58 +6,30 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace varnholt::test {
 
-/// Pixels as numbers 0xRRGGBB, asked and set one at a time; outside there is nothing.
-struct Pixels
+inline QImage blank(int w, int h)
 {
-    Pixels() = default;
-    Pixels(int w, int h)
-        : width(w)
-        , height(h)
-        , cells(static_cast<std::size_t>(w * h), 0xFFFFFF)
-    {}
-    /// What is transparent is white.
-    explicit Pixels(const QImage& image)
-        : Pixels(image.width(), image.height())
-    {
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) {
-                const QRgb pixel = image.pixel(x, y);
-                *at(x, y) = qAlpha(pixel) == 0 ? 0xFFFFFF : pixel & 0xFFFFFF;
+    QImage image(w, h, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    return image;
+}
+
+/// Takes w x h pixels of another picture, where both have them; what is transparent there
+/// is white.
+inline void copy(QImage& to, int toX, int toY, const QImage& from, int fromX, int fromY, int w,
+                 int h)
+{
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            if (from.valid(fromX + x, fromY + y) && to.valid(toX + x, toY + y)) {
+                const QRgb pixel = from.pixel(fromX + x, fromY + y);
+                to.setPixel(toX + x, toY + y, qAlpha(pixel) == 0 ? 0xFFFFFFFF : pixel);
             }
         }
     }
-
-    [[nodiscard]] const unsigned* at(int x, int y) const
-    {
-        const bool inside = x >= 0 && y >= 0 && x < width && y < height;
-        return inside ? &cells[static_cast<std::size_t>(y * width + x)] : nullptr;
-    }
-    unsigned* at(int x, int y) { return const_cast<unsigned*>(std::as_const(*this).at(x, y)); }
-
-    /// Takes w x h pixels of another, where both have them.
-    void copy(const Pixels& from, int fromX, int fromY, int w, int h, int toX, int toY)
-    {
-        for (int y = 0; y < h; ++y) {
-            for (int x = 0; x < w; ++x) {
-                const unsigned* source = from.at(fromX + x, fromY + y);
-                unsigned* target = at(toX + x, toY + y);
-                if (source && target) {
-                    *target = *source;
-                }
-            }
-        }
-    }
-
-    bool operator==(const Pixels&) const = default;
-
-    int width = 0;
-    int height = 0;
-    std::vector<unsigned> cells;
-};
+}
 
 /// The canvas once more, as simple as can be: frames are never drawn into the pixels, what the
 /// user sees is put together when asked for. All pixels at all times hold what is fixed;
@@ -110,8 +82,8 @@ struct NaiveCanvas
         , rim(2 * canvasBorder)
         , across{pageW + 2 * pageBorder}
         , along{pageH + 2 * pageBorder}
-        , canvas(pageW, pageH)
-        , undo(pageW, pageH)
+        , canvas(blank(pageW, pageH))
+        , undo(blank(pageW, pageH))
     {}
 
     void drop()
@@ -131,10 +103,11 @@ struct NaiveCanvas
     {
         drop();
         if (!bitmap.isNull()) {
-            picture = Pixels(bitmap);
-            canvas = Pixels(std::max(picture.width, across.page - rim),
-                            std::max(picture.height, along.page - rim));
-            canvas.copy(picture, 0, 0, picture.width, picture.height, 0, 0);
+            picture = blank(bitmap.width(), bitmap.height());
+            copy(picture, 0, 0, bitmap, 0, 0, bitmap.width(), bitmap.height());
+            canvas = blank(std::max(picture.width(), across.page - rim),
+                           std::max(picture.height(), along.page - rim));
+            copy(canvas, 0, 0, picture, 0, 0, picture.width(), picture.height());
             saved = canvas;
             resized();
         }
@@ -183,7 +156,7 @@ struct NaiveCanvas
             if (shown) {
                 const Box box = selection.ordered();
                 selection = {std::max(0, box.x1), std::max(0, box.y1),
-                             std::min(canvas.width, box.x2), std::min(canvas.height, box.y2)};
+                             std::min(canvas.width(), box.x2), std::min(canvas.height(), box.y2)};
             }
         }
     }
@@ -197,8 +170,8 @@ struct NaiveCanvas
         }
         undo = canvas;
         selection = old.at(whole((pageW - old.w()) / 2.0), whole((pageH - old.h()) / 2.0));
-        canvas = Pixels(pageW, pageH);
-        canvas.copy(picture, old.x1, old.y1, old.w(), old.h(), selection.x1, selection.y1);
+        canvas = blank(pageW, pageH);
+        copy(canvas, selection.x1, selection.y1, picture, old.x1, old.y1, old.w(), old.h());
         saved = picture = canvas;
         resized();
         drawn = selection;
@@ -219,27 +192,27 @@ struct NaiveCanvas
         if (mode == 1) {
             y = y < 100 ? 0 : y - 100;
         } else if (mode == 2) {
-            x += std::min(100, canvas.width - old.x2);
+            x += std::min(100, canvas.width() - old.x2);
         } else if (mode == 3) {
-            y += std::min(100, canvas.height - old.y2);
+            y += std::min(100, canvas.height() - old.y2);
         } else if (mode == 4) {
             x = x < 100 ? 0 : x - 100;
         } else if (mode == 5) {
-            x = std::min(std::max(moving.x1, 0), canvas.width + rim - old.w());
-            y = std::min(std::max(moving.y1, 0), canvas.height + rim - old.h());
+            x = std::min(std::max(moving.x1, 0), canvas.width() + rim - old.w());
+            y = std::min(std::max(moving.y1, 0), canvas.height() + rim - old.h());
         }
-        Pixels block(old.w(), old.h());
-        const Pixels white = block;
-        block.copy(picture, old.x1, old.y1, old.w(), old.h(), 0, 0);
+        const QImage white = blank(old.w(), old.h());
+        QImage block = white;
+        copy(block, 0, 0, picture, old.x1, old.y1, old.w(), old.h());
         if (fresh || mode == 6) {
             fresh = false;
-            canvas.copy(white, 0, 0, old.w(), old.h(), old.x1, old.y1);
-            saved.copy(white, 0, 0, old.w(), old.h(), old.x1, old.y1);
+            copy(canvas, old.x1, old.y1, white, 0, 0, old.w(), old.h());
+            copy(saved, old.x1, old.y1, white, 0, 0, old.w(), old.h());
         } else {
-            canvas.copy(saved, old.x1, old.y1, old.w(), old.h(), old.x1, old.y1);
+            copy(canvas, old.x1, old.y1, saved, old.x1, old.y1, old.w(), old.h());
         }
         if (mode != 6) {
-            canvas.copy(block, 0, 0, old.w(), old.h(), x, y);
+            copy(canvas, x, y, block, 0, 0, old.w(), old.h());
         }
         picture = canvas;
         drawn = selection = old.at(x, y);
@@ -266,20 +239,18 @@ struct NaiveCanvas
     void stamp(const QString& text, const QFont& font)
     {
         drop();
-        QImage image(reinterpret_cast<uchar*>(canvas.cells.data()), canvas.width, canvas.height,
-                     4 * canvas.width, QImage::Format_RGB32);
-        QPainter painter(&image);
+        QPainter painter(&canvas);
         painter.setFont(font);
-        const double baseline = selection.y1 + QFontMetricsF(font, &image).ascent();
+        const double baseline = selection.y1 + QFontMetricsF(font, &canvas).ascent();
         painter.drawText(QPointF(selection.x1, baseline), text);
         painter.end();
-        saved = picture = canvas = Pixels(image);
+        saved = picture = canvas;
     }
 
     /// The canvas with its frames on it.
-    [[nodiscard]] Pixels seen() const
+    [[nodiscard]] QImage seen() const
     {
-        Pixels result = canvas;
+        QImage result = canvas;
         if (shown || mouse == Mouse::Drawing) {
             invert(result, drawn.ordered());
         }
@@ -290,20 +261,20 @@ struct NaiveCanvas
     }
 
     /// What would be saved.
-    [[nodiscard]] Pixels page() const
+    [[nodiscard]] QImage page() const
     {
-        Pixels result(pageW, pageH);
-        result.copy(picture, 0, 0, pageW, pageH, 0, 0);
+        QImage result = blank(pageW, pageH);
+        copy(result, 0, 0, picture, 0, 0, pageW, pageH);
         return result;
     }
 
     int pageW, pageH;
     int rim; ///< outer size of the canvas less its inner size
     Bar across, along;
-    Pixels canvas;  ///< without frames
-    Pixels picture; ///< what blocks are cut from: smaller than the canvas after a small paste
-    Pixels saved;
-    Pixels undo;
+    QImage canvas;  ///< without frames
+    QImage picture; ///< what blocks are cut from: smaller than the canvas after a small paste
+    QImage saved;
+    QImage undo;
     Box selection;
     Box drawn; ///< the selection's frame as on the canvas
     Box moving;
@@ -333,17 +304,17 @@ private:
     {
         across.scroll(0);
         along.scroll(0);
-        across.update(canvas.width + rim);
-        along.update(canvas.height + rim);
+        across.update(canvas.width() + rim);
+        along.update(canvas.height() + rim);
     }
 
-    static void invert(Pixels& pixels, const Box& box)
+    static void invert(QImage& image, const Box& box)
     {
-        for (int y = 0; y < pixels.height; ++y) {
-            for (int x = 0; x < pixels.width; ++x) {
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
                 const bool border = x == box.x1 || x == box.x2 || y == box.y1 || y == box.y2;
                 if (box.has(x, y) && border && (box.w() != 0 || box.h() != 0)) {
-                    *pixels.at(x, y) ^= 0xFFFFFF;
+                    image.setPixel(x, y, image.pixel(x, y) ^ 0xFFFFFF);
                 }
             }
         }

@@ -28,35 +28,10 @@ class Canvas : public testing::Test
 protected:
     Canvas() { canvas.Paste(plain({300, 240})); }
 
-    void select(QPoint from, QPoint to)
-    {
-        canvas.MouseDown(from.x(), from.y());
-        canvas.MouseMove(to.x(), to.y());
-        canvas.MouseUp();
-    }
-
     PictureCanvas canvas{QSize(200, 150)};
 };
 
 } // namespace
-
-TEST_F(Canvas, CutPlacesStayWhiteAndPassedContentComesBack)
-{
-    const auto pixel = [this](int x, int y) { return canvas.picQuestion.picture().pixel(x, y); };
-    constexpr QRgb white = 0xFFFFFFFF;
-    const QRgb blue = pixel(0, 0);
-    select({10, 40}, {30, 60});
-    canvas.MoveSelection(SelectionMove::Up);
-    canvas.MoveSelection(SelectionMove::Up);
-    EXPECT_EQ(canvas.SelY1, 0);
-    canvas.MoveSelection(SelectionMove::Right);
-    EXPECT_EQ(pixel(10, 40), white);
-    EXPECT_EQ(pixel(10, 0), blue);
-    canvas.MoveSelection(SelectionMove::Erase);
-    canvas.MoveSelection(SelectionMove::Left);
-    EXPECT_EQ(pixel(110, 0), white);
-    EXPECT_EQ(pixel(10, 0), white);
-}
 
 TEST_F(Canvas, OverflowIsAnErrorThatLeavesTheFrameRemovable)
 {
@@ -85,7 +60,9 @@ TEST_F(Canvas, OverflowIsAnErrorThatLeavesTheFrameRemovable)
 
 TEST_F(Canvas, TextIsBlackOnWhatIsThereFromTheCornerOn)
 {
-    select({100, 80}, {130, 90});
+    canvas.MouseDown(100, 80);
+    canvas.MouseMove(130, 90);
+    canvas.MouseUp();
     canvas.font = {QStringLiteral("Times New Roman"), 20, true, false, true};
     const QImage before = canvas.picQuestion.picture();
     canvas.StampText(QStringLiteral("MM"));
