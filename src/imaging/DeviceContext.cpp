@@ -249,7 +249,8 @@ bool DeviceContext::StretchBlt(std::int32_t x, std::int32_t y, std::int32_t widt
                          m_stretchMode == Halftone ? Scaling::AreaOrLinear : Scaling::Nearest);
         if (!scaled.Create(width, 1, 24))
             return false;
-        const std::int32_t firstRow = std::max(0, -y);
+        const auto firstRow =
+            static_cast<std::int32_t>(std::clamp<std::int64_t>(-std::int64_t{y}, 0, height));
         const auto lastRow =
             static_cast<std::int32_t>(std::min<std::int64_t>(height, std::int64_t{m_height} - y));
         for (std::int32_t i = firstRow; i < lastRow; ++i) {
