@@ -268,7 +268,7 @@ void EntropyCoder::writeScan(std::size_t number, std::span<const TablePair> tabl
 {
     const SymbolCodes codes = symbolCodes(tables);
     BitState bits;
-    std::vector<std::uint8_t> raw(kWorkTokens * 4 + 16);
+    std::vector<std::uint8_t> raw(kWorkTokens * kTokenBytes + 16);
     const auto write = [&](const Token* tokens, const Token* end) {
         while (tokens < end && !out.failed()) {
             const Token* const pieceEnd =
