@@ -64,8 +64,7 @@ bool DeviceContext::Create(std::int32_t width, std::int32_t height, int bitCount
         return false;
     if (bitCount != 1 && bitCount != 4 && bitCount != 8 && bitCount != 24)
         return false;
-    const std::uint64_t rowBytes =
-        (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(bitCount) + 31) / 32 * 4;
+    const std::uint64_t rowBytes = paddedRowBytes(width, bitCount);
     if (rowBytes > kLargestBitmap / static_cast<std::uint64_t>(height))
         return false;
     const auto size = static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(height);

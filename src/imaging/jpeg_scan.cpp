@@ -192,7 +192,7 @@ void EntropyCoder::countAndKeep(Scan& scan)
     Position position;
     scan.firstToken = m_used;
     const std::size_t mcuTokens = static_cast<std::size_t>(scan.blocksInMcu) * kBlockTokens;
-    for (; m_keeping && position.mcuRow < scan.mcusHigh;) {
+    while (m_keeping && position.mcuRow < scan.mcusHigh) {
         if (m_capacity - m_used < mcuTokens) {
             m_keeping = false;
             break;
