@@ -98,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(
                                "+adjoin '%[filename:name].ppm'"},
         Program{"Ffmpeg", "for f in *.jpg; do inputs=\"$inputs -i $f\"; outputs=\"$outputs -map "
                           "$((i++)):v -pix_fmt rgb24 -update 1 $f.ppm\"; done; "
-                          "ffmpeg -nostdin -v warning -threads 1 $inputs $outputs"}),
+                          "ffmpeg -nostdin -v repeat+warning -threads 1 $inputs $outputs"}),
     [](const auto& program) { return std::string(program.param.name); });
 
 TEST_P(ReadersTest, ReadsEveryFileWithoutAWarning)
