@@ -38,53 +38,52 @@ protected:
         return ImpressPlugin::instance().start(settings);
     }
 
-    /// "shape;left;top;width;height;description;text" of each shape, "slide;..." of each slide,
-    /// "document;..." first.
-    static QList<QStringList> held()
+    /// What Impress shows, and closes then: "document;..." first, then "slide;..." and for each
+    /// of its shapes "shape;left;top;width;height;description;text".
+    static QStringList held()
     {
-        QList<QStringList> lines;
-        for (const QString& line : host_->runMacro(u"Dump"_s).split(u'\n', Qt::SkipEmptyParts)) {
-            lines.append(line.split(u';'));
-        }
-        return lines;
+        const QString dump = host_->runMacro(u"Dump"_s);
+        host_->runMacro(u"CloseAll"_s);
+        return dump.split(u'\n', Qt::SkipEmptyParts);
     }
 
     static inline std::unique_ptr<OfficeHost> host_;
 };
 
+/// The same lines; their numbers, hundredths of a millimetre, may differ by one.
+void expectSame(const QStringList& built, const QStringList& read)
+{
+    ASSERT_EQ(built.size(), read.size());
+    for (int line = 0; line < built.size(); ++line) {
+        const QStringList ours = built.at(line).split(u';');
+        const QStringList theirs = read.at(line).split(u';');
+        ASSERT_EQ(ours.size(), theirs.size());
+        for (int i = 0; i < ours.size(); ++i) {
+            EXPECT_TRUE(ours.at(i) == theirs.at(i) ||
+                        std::abs(ours.at(i).toInt() - theirs.at(i).toInt()) == 1)
+                << qPrintable(built.at(line)) << "\nis not\n"
+                << qPrintable(read.at(line));
+        }
+    }
+}
+
 TEST_F(Impress, HoldsTheSameShapesAsItReadsFromThePptxFile)
 {
     for (const bool topic : {false, true}) {
         EXPECT_EQ(build(*start(), topic, true), BuildOutcome::complete);
-        QList<QStringList> built = held();
+        QStringList built = held();
         // Three slides, the first on show, changed, without a file, in a visible window.
-        EXPECT_EQ(built.takeFirst().join(u' '), u"document 3 1 True False True");
-        EXPECT_EQ(built.first().join(u' '), u"slide 33867 19050 20");
-        EXPECT_EQ(built.last().last(), u"2) two|lines\tand a tab");
-        EXPECT_EQ(built.at(topic ? 3 : 2).at(5), u"Question 1");
-        host_->runMacro(u"CloseAll"_s);
+        EXPECT_EQ(built.takeFirst(), u"document;3;1;True;False;True");
+        EXPECT_EQ(built.first(), u"slide;33867;19050;20");
+        EXPECT_TRUE(built.at(topic ? 3 : 2).endsWith(u";Question 1;"));
+        EXPECT_TRUE(built.last().endsWith(u";2) two|lines\tand a tab"));
 
         PptxSettings settings;
         settings.programFolder = folder_.path();
         PptxProgram pptx(settings);
         EXPECT_EQ(build(pptx, topic, true), BuildOutcome::complete);
         host_->runMacro(u"OpenFile"_s, {pptx.writtenPath()});
-        QList<QStringList> read = held();
-        read.removeFirst();
-        host_->runMacro(u"CloseAll"_s);
-
-        ASSERT_EQ(built.size(), read.size());
-        for (int line = 0; line < built.size(); ++line) {
-            const QString where = u"line %1: %2 / %3"_s.arg(line).arg(
-                built.at(line).join(u' ').left(100), read.at(line).join(u' ').left(100));
-            EXPECT_EQ(built.at(line).first(), read.at(line).first()) << qPrintable(where);
-            EXPECT_EQ(built.at(line).mid(5), read.at(line).mid(5)) << qPrintable(where);
-            for (int side = 1; side < std::min<int>(5, int(built.at(line).size())); ++side) {
-                EXPECT_NEAR(built.at(line).at(side).toDouble(), read.at(line).at(side).toDouble(),
-                            1)
-                    << qPrintable(where);
-            }
-        }
+        expectSame(built, held().mid(1));
     }
 }
 
@@ -102,10 +101,9 @@ TEST_F(Impress, AMissingPictureAClosedAndAKilledOfficeAbort)
         boxes_.expectInform(abortTitle, abortText);
         EXPECT_EQ(build(*start(), true, true, secondSlide), BuildOutcome::aborted);
         if (!QFile::exists(picture(2))) {
-            const QList<QStringList> lines = held();
-            EXPECT_EQ(lines.first().mid(1, 2).join(u' '), u"2 2") << "slides, the one on show";
-            EXPECT_EQ(lines.last().last(), QString()) << "a number box without its number";
-            host_->runMacro(u"CloseAll"_s);
+            const QStringList lines = held();
+            EXPECT_TRUE(lines.first().startsWith(u"document;2;2;")) << "slides, the one on show";
+            EXPECT_TRUE(lines.last().endsWith(u";;")) << "a number box without its number";
             writePicture(picture(2), {60, 35}, 150);
         }
     }

@@ -42,11 +42,11 @@ TEST_F(Pptx, PackageKeepsTheRules)
 {
     writePicture(picture(1), {600, 350}, 0);
     writePicture(picture(2), {640, 480}, 150, "bmp");
+    writePicture(picture(3), {60, 35}, 96);
     addQuestion(u"\"A\" & <B> \u2264 \u03C0"_s, u"O'Brien & Söhne <x> - \U0001F600"_s);
     addQuestion(u"first\r\nsecond\vthird\x01\x1F"_s + QChar(0xD800) + u"!"_s, u"\ttab"_s);
     addQuestion(QString(10'000, u'w'));
     addQuestion(u"D"_s);
-    pool_(3).PictureIndex = 1;
     pool_(4).PictureIndex = 2;
     PptxProgram program(settings_);
     ASSERT_EQ(build(program, true, true), BuildOutcome::complete);
@@ -92,7 +92,8 @@ TEST_F(Pptx, PackageKeepsTheRules)
 
     // Each picture once, as what it is and not as what it is called, stored byte for byte.
     EXPECT_EQ(parts.filter(u"media"_s),
-              (QStringList{u"ppt/media/image1.jpeg"_s, u"ppt/media/image2.bmp"_s}));
+              (QStringList{u"ppt/media/image1.jpeg"_s, u"ppt/media/image2.bmp"_s,
+                           u"ppt/media/image3.jpeg"_s}));
     QFile original(picture(2));
     ASSERT_TRUE(original.open(QIODevice::ReadOnly));
     EXPECT_EQ(package.bytes(u"ppt/media/image2.bmp"_s), original.readAll());
