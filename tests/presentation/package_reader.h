@@ -56,23 +56,6 @@ public:
         return found;
     }
 
-    /// "left top width height" in EMU of the shapes of a slide.
-    [[nodiscard]] QStringList boxes(int slide) const
-    {
-        const auto all = [&](const char* element, const char* attribute) {
-            return values(slideName(slide), QLatin1String(element), QLatin1String(attribute));
-        };
-        const QStringList left = all("a:off", "x");
-        QStringList found;
-        // The first one is the shape tree's own.
-        for (int i = 1; i < left.size(); ++i) {
-            found.append(QStringList{left.at(i), all("a:off", "y").at(i), all("a:ext", "cx").at(i),
-                                     all("a:ext", "cy").at(i)}
-                             .join(u' '));
-        }
-        return found;
-    }
-
     static QString slideName(int slide)
     {
         return QStringLiteral("ppt/slides/slide%1.xml").arg(slide);

@@ -16,6 +16,9 @@ protected:
     /// Questions with the answers A1, A2, ..., all but the `rejected` ones selected.
     void fillPool(int size, const std::set<int>& rejected = {})
     {
+        pool_.clear();
+        topics_.clear();
+        program_ = {};
         for (int i = 1; i <= size; ++i) {
             addQuestion(u"A%1"_s.arg(i), u"Topic of %1"_s.arg(i));
             pool_(i).Selected = !rejected.contains(i);
@@ -85,82 +88,79 @@ setShapeText 1 #1; scaleHeight 2 1; scaleWidth 2 1
 selectSlide 1; finish)"_s);
 }
 
-struct KeyCase
+TEST_F(SlideBuilder, TheKeyBreaksByPoolIndex)
 {
-    int pool;
-    std::set<int> rejected;
-    const char* slides;
-};
-
-class AnswerKey : public SlideBuilder, public testing::WithParamInterface<KeyCase>
-{};
-
-TEST_P(AnswerKey, BreaksByPoolIndex)
-{
-    const KeyCase& key = GetParam();
-    fillPool(key.pool, key.rejected);
-    int reported = 0;
-    int announced = 0;
-    const auto progress = [&](int slide, int slides) {
-        EXPECT_EQ(slide, ++reported);
-        announced = slides;
+    struct Case
+    {
+        int pool;
+        std::set<int> rejected;
+        const char* key;
     };
-    EXPECT_EQ(build(program_, false, true, progress), BuildOutcome::complete);
-    EXPECT_EQ(reported, announced);
-    EXPECT_EQ(program_.callsOf(u"addBlankSlide"_s).size(), announced);
-    EXPECT_EQ(keySlides().toStdString(), key.slides);
+    const std::vector<Case> cases{{24, {}, "25: 480 24) A24"},
+                                  {25, {}, "26: 500 25) A25 | 0: "},
+                                  {26, {}, "26: 500 25) A25 | 1: 0 26) A26"},
+                                  {50, {}, "26: 500 25) A25 | 25: 480 50) A50 | 0: "},
+                                  {51, {}, "26: 500 25) A25 | 25: 480 50) A50 | 1: 0 51) A51"},
+                                  // The break waits for the next included multiple of 25.
+                                  {30, {25}, "30: 580 29) A30"},
+                                  {51, {25}, "50: 980 49) A50 | 1: 0 50) A51"},
+                                  // Rejections before it make a slide shorter, not later.
+                                  {26, {1, 2, 3}, "23: 440 22) A25 | 1: 0 23) A26"},
+                                  {2, {1, 2}, "1: 0 Answer Key"}};
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.key);
+        fillPool(test.pool, test.rejected);
+        int reported = 0;
+        int announced = 0;
+        const auto progress = [&](int slide, int slides) {
+            EXPECT_EQ(slide, ++reported);
+            announced = slides;
+        };
+        EXPECT_EQ(build(program_, false, true, progress), BuildOutcome::complete);
+        EXPECT_EQ(reported, announced);
+        EXPECT_EQ(program_.callsOf(u"addBlankSlide"_s).size(), announced);
+        EXPECT_EQ(keySlides().toStdString(), test.key);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Counts, AnswerKey,
-    testing::Values(KeyCase{24, {}, "25: 480 24) A24"}, KeyCase{25, {}, "26: 500 25) A25 | 0: "},
-                    KeyCase{26, {}, "26: 500 25) A25 | 1: 0 26) A26"},
-                    KeyCase{50, {}, "26: 500 25) A25 | 25: 480 50) A50 | 0: "},
-                    KeyCase{51, {}, "26: 500 25) A25 | 25: 480 50) A50 | 1: 0 51) A51"},
-                    // The break waits for the next included multiple of 25.
-                    KeyCase{30, {25}, "30: 580 29) A30"},
-                    KeyCase{51, {25}, "50: 980 49) A50 | 1: 0 50) A51"},
-                    // Rejections before it make a slide shorter, not later.
-                    KeyCase{26, {1, 2, 3}, "23: 440 22) A25 | 1: 0 23) A26"},
-                    KeyCase{2, {1, 2}, "1: 0 Answer Key"}));
-
-struct Failure
+TEST_F(SlideBuilder, AFailureReachesTheCallerOnlyBeforeTheFirstPicture)
 {
-    const char* call;
-    int nth;
-    /// Whether the user gets the message; else the caller gets the error.
-    bool aborts;
-};
-
-class FailurePhase : public SlideBuilder, public testing::WithParamInterface<Failure>
-{};
-
-TEST_P(FailurePhase, ReachesTheCallerOnlyBeforeTheFirstPicture)
-{
-    const Failure& failure = GetParam();
-    fillPool(2);
-    program_.failAt(QLatin1String(failure.call), failure.nth);
-    if (failure.aborts) {
-        boxes_.expectInform(abortTitle, abortText);
-        EXPECT_EQ(build(program_, true, true), BuildOutcome::aborted);
-    } else {
-        EXPECT_THROW(build(program_, true, true), Error);
+    struct Failure
+    {
+        const char* call;
+        int nth;
+        /// Whether the user gets the message; else the caller gets the error.
+        bool aborts;
+    };
+    for (const auto& [call, nth, aborts] : std::vector<Failure>{{"addPresentation", 1, false},
+                                                                {"setVisible", 1, false},
+                                                                {"addBlankSlide", 1, false},
+                                                                {"setShapeText", 1, false},
+                                                                {"addTextBox", 2, false},
+                                                                {"addPicture", 1, true},
+                                                                {"scaleWidth", 1, true},
+                                                                {"addBlankSlide", 2, true},
+                                                                {"addTextBox", 3, true},
+                                                                {"addPicture", 2, true},
+                                                                {"setShapeText 1 Answer", 1, true},
+                                                                {"selectSlide 1", 2, true}}) {
+        SCOPED_TRACE(testing::Message() << call << ' ' << nth);
+        fillPool(2);
+        program_.failAt(QLatin1String(call), nth);
+        if (aborts) {
+            boxes_.expectInform(abortTitle, abortText);
+            EXPECT_EQ(build(program_, true, true), BuildOutcome::aborted);
+        } else {
+            EXPECT_THROW(build(program_, true, true), Error);
+        }
+        if (program_.calls.size() > 1) {
+            EXPECT_EQ(program_.calls.takeLast(), u"finish");
+        }
+        EXPECT_TRUE(program_.calls.last().startsWith(QLatin1String(call)));
+        EXPECT_EQ(program_.callsOf(QLatin1String(call)).size(), nth);
+        boxes_.verify();
     }
-    if (program_.calls.size() > 1) {
-        ASSERT_EQ(program_.calls.takeLast(), u"finish");
-    }
-    EXPECT_TRUE(program_.calls.last().startsWith(QLatin1String(failure.call)));
-    EXPECT_EQ(program_.callsOf(QLatin1String(failure.call)).size(), failure.nth);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Phases, FailurePhase,
-    testing::Values(Failure{"addPresentation", 1, false}, Failure{"setVisible", 1, false},
-                    Failure{"addBlankSlide", 1, false}, Failure{"setShapeText", 1, false},
-                    Failure{"addTextBox", 2, false}, Failure{"addPicture", 1, true},
-                    Failure{"scaleWidth", 1, true}, Failure{"addBlankSlide", 2, true},
-                    Failure{"addTextBox", 3, true}, Failure{"addPicture", 2, true},
-                    Failure{"setShapeText 1 Answer", 1, true}, Failure{"selectSlide 1", 2, true}));
 
 TEST_F(SlideBuilder, NothingIncludedAndNoKeyFailsAtTheEnd)
 {
