@@ -15,6 +15,7 @@
 
 #include <QAction>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -113,6 +114,22 @@ TEST_P(MainJob, FromTheSuppliedLibraryToSlides)
         chosen.append(state.DrawPool(i));
         EXPECT_NE(state.DrawPool(i).SubtopicNum, subTopics->itemData(0));
     }
+    expectSlides(chosen);
+
+    // Again with the review: every other question, until three are included.
+    control<QRadioButton>(frame.get(), "optSelectYes")->setChecked(true);
+    control<QLineEdit>(frame.get(), "txtQuestions")->setText(u"3"_s);
+    click(frame.get(), "cmdCreate");
+    const QPointer<QWidget> review = control<QWidget>(frame.get(), "frmSelect");
+    EXPECT_FALSE(frame->childWindow()->isEnabled());
+    chosen.clear();
+    for (int i = 1; i <= 6; ++i) {
+        if (i % 2 == 0) {
+            chosen.append(state.DrawPool(i));
+        }
+        click(review, i % 2 == 0 ? "cmdInclude" : "cmdExclude");
+    }
+    EXPECT_TRUE(frame->childWindow()->isEnabled());
     expectSlides(chosen);
 }
 
