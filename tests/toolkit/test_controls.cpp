@@ -197,6 +197,12 @@ TEST(DesktopMessageBoxesTest, ShowTextAsItIsAndTakeEscapeForNo)
         if (auto* message = qobject_cast<QMessageBox*>(box)) {
             EXPECT_EQ(message->textFormat(), Qt::PlainText);
             EXPECT_EQ(message->text(), u"<b>&x"_s);
+            EXPECT_EQ(message->defaultButton(), message->button(QMessageBox::No));
+        } else {
+            auto* hint = box->findChild<QLabel*>(u"lblHint"_s);
+            EXPECT_FALSE(hint->isVisible());
+            QTest::keyClicks(box->findChild<QLineEdit*>(), u"O'Brien"_s);
+            EXPECT_TRUE(hint->isVisible());
         }
         QTest::keyClick(box, Qt::Key_Escape);
     };
