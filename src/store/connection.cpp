@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QUrl>
 
 #include <sqlite3.h>
@@ -49,6 +50,12 @@ sqlite3* openFile(const QString& path, int flags, bool immutable)
 int touch(sqlite3* database)
 {
     return sqlite3_exec(database, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
+}
+
+/// The file may be read but not written, or its folder takes no side files.
+bool lacksRights(int result)
+{
+    return result == SQLITE_CANTOPEN || (result & 0xff) == SQLITE_READONLY;
 }
 
 QString shown(const QString& path)
@@ -144,39 +151,44 @@ void Connection::open(const QString& path)
                 .arg(shown(path)));
     }
 
+    auto closeOnFailure = qScopeGuard([this] { close(); });
     path_ = path;
     database_ = openFile(path, SQLITE_OPEN_READWRITE, false);
     int result = database_ ? sqlite3_busy_timeout(database_, busyTimeoutMs) : SQLITE_NOMEM;
     if (result == SQLITE_OK) {
         result = touch(database_);
     }
-    if (result == SQLITE_CANTOPEN || (result & 0xff) == SQLITE_READONLY) {
-        // A write-ahead library in a folder that takes no side files can still be read.
-        sqlite3_close_v2(database_);
-        database_ = openFile(path, SQLITE_OPEN_READONLY, true);
-        result = database_ ? touch(database_) : SQLITE_NOMEM;
+    if (lacksRights(result)) {
+        result = reopenForReading();
+    }
+    if (result == SQLITE_OK) {
+        checkSchema();
+    }
+    if (result == SQLITE_OK && !isReadOnly()) {
+        result = sqlite3_exec(database_, "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL",
+                              nullptr, nullptr, nullptr);
+        if (lacksRights(result)) {
+            result = reopenForReading();
+        }
     }
     if (result != SQLITE_OK) {
         const QString reason =
             QString::fromUtf8(database_ ? sqlite3_errmsg(database_) : "out of memory");
-        close();
-        if (result == SQLITE_NOTADB) {
-            throw DatabaseError(
-                QStringLiteral("This file is not a question library:\n%1").arg(shown(path)));
-        }
-        throw DatabaseError(QStringLiteral("The question library could not be opened:\n%1\n\n(%2)")
-                                .arg(shown(path), reason));
+        throw DatabaseError(
+            result == SQLITE_NOTADB
+                ? QStringLiteral("This file is not a question library:\n%1").arg(shown(path))
+                : QStringLiteral("The question library could not be opened:\n%1\n\n(%2)")
+                      .arg(shown(path), reason));
     }
-    try {
-        checkSchema();
-        if (!isReadOnly()) {
-            run("PRAGMA journal_mode = WAL");
-            run("PRAGMA synchronous = NORMAL");
-        }
-    } catch (...) {
-        close();
-        throw;
-    }
+    closeOnFailure.dismiss();
+}
+
+/// A write-ahead library in a folder that takes no side files can still be read.
+int Connection::reopenForReading()
+{
+    sqlite3_close_v2(database_);
+    database_ = openFile(path_, SQLITE_OPEN_READONLY, true);
+    return database_ ? touch(database_) : SQLITE_NOMEM;
 }
 
 void Connection::close()

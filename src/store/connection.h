@@ -80,6 +80,7 @@ public:
 private:
     friend class Transaction;
 
+    int reopenForReading();
     void checkSchema();
     void requireOpen() const;
     void run(const char* sql);

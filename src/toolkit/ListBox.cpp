@@ -156,7 +156,6 @@ void ListBox::setRows(std::vector<Row> rows)
 
 void ListBox::addItem(const QString& text, std::int32_t itemData)
 {
-    const QScopedValueRollback quiet(quiet_, quiet_ + 1);
     model_->append({text, itemData, false});
 }
 
@@ -271,12 +270,16 @@ bool ListBox::isOnCheckBox(const QModelIndex& index, QPoint position) const
 
 void ListBox::pressed(QMouseEvent* event)
 {
+    // The base class would make the row current for any button.
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
     const QModelIndex index = indexAt(event->position().toPoint());
     {
         const QScopedValueRollback quiet(quiet_, quiet_ + 1);
         QListView::mousePressEvent(event);
     }
-    if (!index.isValid() || event->button() != Qt::LeftButton) {
+    if (!index.isValid()) {
         return;
     }
     if (mode_ == Mode::Multi && isOnCheckBox(index, event->position().toPoint())) {

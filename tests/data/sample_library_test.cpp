@@ -22,8 +22,6 @@ namespace {
 using namespace Qt::StringLiterals;
 using Row = QStringList;
 
-const QString Library = QStringLiteral(LIBRARY_FOLDER "/Varnholt.mdb");
-
 const SampleContent& content()
 {
     static const SampleContent read = readSampleContent(QStringLiteral(SAMPLE_FOLDER));
@@ -31,11 +29,11 @@ const SampleContent& content()
 }
 
 /// The rows that a statement returns, or one row "error" with SQLite's message.
-std::vector<Row> query(const QString& file, const QString& sql)
+std::vector<Row> query(const QString& sql)
 {
     std::vector<Row> rows;
     sqlite3* database = nullptr;
-    sqlite3_open_v2(file.toUtf8(), &database, SQLITE_OPEN_READWRITE, nullptr);
+    sqlite3_open_v2(LIBRARY_FOLDER "/Varnholt.mdb", &database, SQLITE_OPEN_READONLY, nullptr);
     const auto keep = [](void* target, int columns, char** values, char**) {
         auto& row = static_cast<std::vector<Row>*>(target)->emplace_back();
         for (int column = 0; column < columns; ++column)
@@ -55,70 +53,33 @@ std::string describe(const SampleQuestion& question)
 
 TEST(SampleLibrary, HasTheTablesAndTheHistoryRow)
 {
-    const QMap<QString, QString> fields{
-        {u"Assessments"_qs, u"AssessmentNum AssessmentName Available"_qs},
-        {u"Topics"_qs, u"TopicID Topic AssessmentNum Available"_qs},
-        {u"SubTopics"_qs, u"SubtopicNum TopicID SubTopic AssessmentNum Available"_qs},
-        {u"Questions"_qs, u"SOLIndex TopicID SubTopicNum Answer AssessmentNum Available"_qs},
-        {u"History"_qs, u"LastID"_qs}};
-    for (auto table = fields.cbegin(); table != fields.cend(); ++table) {
-        Row names;
-        for (const Row& row : query(Library, u"pragma table_info(%1)"_qs.arg(table.key())))
-            names += row.at(1);
-        EXPECT_EQ(names.join(u' '), table.value());
-    }
-    EXPECT_EQ(query(Library, u"select LastID from History"_qs), (std::vector<Row>{{u"0"_qs}}));
-    EXPECT_EQ(query(Library, u"pragma journal_mode"_qs).front(), Row{u"delete"_qs});
-    EXPECT_EQ(query(Library, u"pragma integrity_check"_qs).front(), Row{u"ok"_qs});
+    const std::vector<Row> fields{
+        {u"Assessments AssessmentNum AssessmentName Available"_qs},
+        {u"Topics TopicID Topic AssessmentNum Available"_qs},
+        {u"SubTopics SubtopicNum TopicID SubTopic AssessmentNum Available"_qs},
+        {u"Questions SOLIndex TopicID SubTopicNum Answer AssessmentNum Available"_qs},
+        {u"History LastID"_qs}};
+    EXPECT_EQ(query(u"select t.name || ' ' || group_concat(f.name, ' ') from "
+                    u"sqlite_master t, "
+                    "pragma_table_info(t.name) f where t.type = 'table' "
+                    "and t.name not like 'sqlite%' group by t.rowid"_qs),
+              fields);
+    EXPECT_EQ(query(u"select LastID from History"_qs), (std::vector<Row>{{u"0"_qs}}));
+    EXPECT_EQ(query(u"pragma journal_mode"_qs).front(), Row{u"delete"_qs});
+    EXPECT_EQ(query(u"pragma integrity_check"_qs).front(), Row{u"ok"_qs});
     EXPECT_EQ(QDir(QStringLiteral(LIBRARY_FOLDER)).entryList(QDir::Files), Row{u"Varnholt.mdb"_qs});
-}
-
-TEST(SampleLibrary, TakesNewRowsAndReturnsThemInTheOrderOfTheirKeys)
-{
-    const QTemporaryDir folder;
-    const QString copy = folder.filePath(u"copy.mdb"_qs);
-    ASSERT_TRUE(QFile::copy(Library, copy));
-    const auto keys = [&copy](const QString& table) {
-        QList<int> result;
-        for (const Row& row :
-             query(copy,
-                   u"Select * from %1 where Available = true and AssessmentNum = 1"_qs.arg(table)))
-            result += row.front().toInt();
-        return result;
-    };
-    for (const QString& table : {u"Topics"_qs, u"Subtopics"_qs, u"Questions"_qs}) {
-        const QList<int> before = keys(table);
-        const int last = before.back();
-        const QString name = table == u"Questions" ? u"Answer"_qs : table.chopped(1);
-        const auto insert = [&](int assessment) {
-            return query(copy,
-                         u"Insert into %1 (%2,AssessmentNum,Available) Values('12',%3,true)"_qs
-                             .arg(table, name)
-                             .arg(assessment));
-        };
-        ASSERT_THAT(insert(1), testing::IsEmpty());
-        // A key is not given twice, even when its row has really gone.
-        ASSERT_THAT(query(copy, u"delete from %1 where rowid = %2"_qs.arg(table).arg(last + 1)),
-                    testing::IsEmpty());
-        ASSERT_THAT(insert(2), testing::IsEmpty());
-        ASSERT_THAT(insert(1), testing::IsEmpty());
-        ASSERT_THAT(
-            query(copy, u"Update %1 Set Available = false where rowid = %2"_qs.arg(table).arg(
-                            before.front())),
-            testing::IsEmpty());
-        EXPECT_EQ(keys(table), before.mid(1) + QList<int>{last + 3}) << table.toStdString();
-    }
 }
 
 TEST(SampleLibrary, HoldsTheContent)
 {
-    const auto rows = query(
-        Library,
-        u"select SOLIndex, Topic, SubTopic, Answer, AssessmentName from Questions "
-        "join SubTopics on Questions.SubTopicNum = SubTopics.SubtopicNum "
-        "join Topics on Topics.TopicID = SubTopics.TopicID and Topics.TopicID = Questions.TopicID "
-        "join Assessments on Assessments.AssessmentNum = Questions.AssessmentNum "
-        "where Topics.AssessmentNum = 1 and SubTopics.AssessmentNum = 1 order by 1"_qs);
+    const auto rows =
+        query(u"select SOLIndex, Topic, SubTopic, Answer, AssessmentName from "
+              u"Questions "
+              "join SubTopics on Questions.SubTopicNum = SubTopics.SubtopicNum "
+              "join Topics on Topics.TopicID = SubTopics.TopicID and Topics.TopicID = "
+              "Questions.TopicID "
+              "join Assessments on Assessments.AssessmentNum = Questions.AssessmentNum "
+              "where Topics.AssessmentNum = 1 and SubTopics.AssessmentNum = 1 order by 1"_qs);
     std::vector<Row> expected;
     std::set<QString> topics;
     std::set<QString> subtopics;
@@ -142,24 +103,22 @@ TEST(SampleLibrary, PicturesAreWholeAndHaveAClearBorder)
         SCOPED_TRACE(describe(question));
         const QImage image(QStringLiteral(LIBRARY_FOLDER "/Files/%1.jpg").arg(question.key));
         ASSERT_EQ(image.size(), QSize(600, 350));
-        QRect ink;
         int dark = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x) {
-                const int grey = qGray(image.pixel(x, y));
-                dark += grey < 100;
-                if (grey < 235)
-                    ink |= QRect(x, y, 1, 1);
-            }
+        for (int i = 0; i < 600 * 350; ++i) {
+            const QPoint at(i % 600, i / 600);
+            const int grey = qGray(image.pixel(at));
+            dark += grey < 100;
+            const bool inside = image.rect().adjusted(15, 15, -15, -15).contains(at);
+            ASSERT_TRUE(inside || grey >= 235) << at.x() << ' ' << at.y();
+        }
         EXPECT_GT(dark, 600);
-        EXPECT_TRUE(image.rect().adjusted(15, 15, -15, -15).contains(ink))
-            << ink.left() << ' ' << ink.top() << ' ' << ink.right() << ' ' << ink.bottom();
     }
     EXPECT_EQ(QDir(QStringLiteral(LIBRARY_FOLDER "/Files")).entryList(QDir::Files).size(),
               static_cast<qsizetype>(content().questions.size()));
 }
 
-/// What an answer says, without "x =", brackets and the dollar signs of a formula.
+/// What an answer says, without "x =", brackets and the dollar signs of a
+/// formula.
 QString bare(QString answer)
 {
     static const QRegularExpression bold(uR"(\\bold\{(.)\})"_qs);
@@ -170,8 +129,8 @@ QString bare(QString answer)
     return answer.replace(pair, u"\\1; \\2"_qs).remove(name);
 }
 
-/// How much an answer may differ from its exact value: half of the last digit it gives where
-/// the question wants it rounded.
+/// How much an answer may differ from its exact value: half of the last digit
+/// it gives where the question wants it rounded.
 double toleranceOf(const SampleQuestion& question, double exact)
 {
     static const QRegularExpression rounded(u"correct to|to the nearest"_qs);
@@ -240,7 +199,8 @@ TEST(SampleAnswers, AreRight)
                       question.answer.front() == QChar(u'A' + index))
                 << index;
     }
-    // What no formula can say: an interval's picture, a scatter graph, lamps that light up.
+    // What no formula can say: an interval's picture, a scatter graph, lamps that
+    // light up.
     EXPECT_THAT(judged, testing::ElementsAre(u"Charts and diagrams"_qs, u"Circuits"_qs,
                                              u"Inequalities"_qs));
 }
@@ -255,25 +215,6 @@ TEST(SampleAnswers, FitOnOneLineOfTheAnswerKey)
     for (const SampleQuestion& question : content().questions)
         EXPECT_LE(QFontMetricsF(font).horizontalAdvance(u"99) "_qs + question.answer), Room)
             << describe(question);
-}
-
-TEST(SampleAnswers, ExpressionsMeanWhatTheyShow)
-{
-    const Expression expression;
-    const auto value = [&](const QString& text) {
-        return expression.evaluate(text, {{u"x"_qs, 3}, {u"a"_qs, 2}}).value_or(NAN);
-    };
-    for (const auto& [text, expected] : {std::pair{u"7/2"_qs, 3.5},
-                                         {u"2x(x - 1)"_qs, 12.0},
-                                         {u"-x^2 + ax"_qs, -3.0},
-                                         {u"\\frac{1}{\\sqrt{4}}x"_qs, 1.5},
-                                         {u"4.7 × 10^{-3}"_qs, 0.0047},
-                                         {u"£2121.80"_qs, 2121.8},
-                                         {u"13.5 cm²"_qs, 13.5},
-                                         {u"16π cm$^2$"_qs, 50.26548245743669},
-                                         {u"sin(radians(30))"_qs, 0.5}})
-        EXPECT_NEAR(value(text), expected, 1e-9) << text.toStdString();
-    EXPECT_TRUE(std::isnan(value(u"x and Y"_qs)));
 }
 
 TEST(SampleContentFiles, FaultsAreReportedWithTheirPlace)
@@ -297,13 +238,13 @@ TEST(SampleContentFiles, FaultsAreReportedWithTheirPlace)
     }
 }
 
-/// The library beside the program, for which publish_library.cmake cares.
+/// The library beside the program, for which publish_library.cmake cares. It
+/// stands in `bin`.
 class PublishedLibrary : public testing::Test
 {
 protected:
     void write(const QString& name, const QByteArray& text) const
     {
-        QDir().mkpath(QFileInfo(m_folder.filePath(name)).path());
         QFile file(m_folder.filePath(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(text);
@@ -313,22 +254,22 @@ protected:
         QFile file(m_folder.filePath(name));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
     }
-    void publish(const QByteArray& database, const QByteArray& picture) const
+    /// Publishes these contents; what stands in `bin` then.
+    QByteArray publish(const QByteArray& database, const QByteArray& picture) const
     {
+        for (const QString& folder : {u"share/Files"_qs, u"bin/Files"_qs})
+            QDir(m_folder.path()).mkpath(folder);
         write(u"share/Varnholt.mdb"_qs, database);
         write(u"share/Files/1.jpg"_qs, picture);
         const auto option = [this](const QString& name, const QString& path) {
             return u"-D%1=%2"_qs.arg(name, m_folder.filePath(path));
         };
-        ASSERT_EQ(
+        EXPECT_EQ(
             QProcess::execute(QStringLiteral(CMAKE_PROGRAM),
                               {option(u"PRISTINE"_qs, u"share"_qs), option(u"TARGET"_qs, u"bin"_qs),
                                option(u"MANIFEST"_qs, u"published.txt"_qs), u"-P"_qs,
                                QStringLiteral(PUBLISH_SCRIPT)}),
             0);
-    }
-    QByteArray standing() const
-    {
         return read(u"bin/Varnholt.mdb"_qs) + ' ' + read(u"bin/Files/1.jpg"_qs);
     }
 
@@ -337,31 +278,25 @@ protected:
 
 TEST_F(PublishedLibrary, FollowsThePristineOneUntilSomebodyWorksWithIt)
 {
-    publish("db1", "pic1");
-    EXPECT_EQ(standing(), "db1 pic1");
-    publish("db1", "pic2");
-    EXPECT_EQ(standing(), "db1 pic2");
-    write(u"bin/Files/1.jpg"_qs, "pic3"); // As after a copying that was interrupted.
-    publish("db3", "pic3");
-    EXPECT_EQ(standing(), "db3 pic3");
+    EXPECT_EQ(publish("db1", "pic1"), "db1 pic1");
+    EXPECT_EQ(publish("db1", "pic2"), "db1 pic2");
+    write(u"bin/Files/1.jpg"_qs,
+          "pic3"); // As after a copying that was interrupted.
+    EXPECT_EQ(publish("db3", "pic3"), "db3 pic3");
     ASSERT_TRUE(QFile::remove(m_folder.filePath(u"bin/Varnholt.mdb"_qs)));
-    publish("db3", "pic3");
-    EXPECT_EQ(standing(), "db3 pic3");
+    EXPECT_EQ(publish("db3", "pic3"), "db3 pic3");
+    write(u"bin/Varnholt.mdb-wal"_qs, "unwritten");
+    EXPECT_EQ(publish("db4", "pic4"), "db3 pic3");
+    ASSERT_TRUE(QFile::remove(m_folder.filePath(u"bin/Varnholt.mdb-wal"_qs)));
     write(u"bin/Varnholt.mdb"_qs, "mine");
-    publish("db4", "pic4");
-    EXPECT_EQ(standing(), "mine pic3");
+    EXPECT_EQ(publish("db5", "pic5"), "mine pic3");
 }
 
-TEST_F(PublishedLibrary, LeavesPicturesAndOpenLibrariesOfOthersAlone)
+TEST_F(PublishedLibrary, LeavesPicturesOfOthersAlone)
 {
+    QDir(m_folder.path()).mkpath(u"bin/Files"_qs);
     write(u"bin/Files/1.jpg"_qs, "mine");
-    publish("db1", "pic1");
-    EXPECT_EQ(standing(), "missing mine");
-    ASSERT_TRUE(QFile::remove(m_folder.filePath(u"bin/Files/1.jpg"_qs)));
-    publish("db1", "pic1");
-    write(u"bin/Varnholt.mdb-wal"_qs, "unwritten");
-    publish("db2", "pic2");
-    EXPECT_EQ(standing(), "db1 pic1");
+    EXPECT_EQ(publish("db1", "pic1"), "missing mine");
 }
 
 } // namespace

@@ -1,176 +1,146 @@
 #include "store/catalogue.h"
 #include "store/statements.h"
-#include "support/fakes.h"
-#include "support/test_library.h"
+#include "support/test_services.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace varnholt {
+namespace varnholt::test {
 namespace {
 
-using test::ScriptedMessageBoxes;
-using test::TestLibrary;
+using namespace Qt::Literals::StringLiterals;
+using namespace statements;
 
-struct RecordingCaptions : SelectionCaptions
-{
-    QString count;
-    QStringList rows;
-
-    void setQuestionCount(const QString& caption) override { count = caption; }
-    void setTopicRows(const QStringList& texts) override { rows = texts; }
-};
-
-class Catalogue : public testing::Test
+class Catalogue : public testing::Test, protected TestWorld, protected SelectionCaptions
 {
 protected:
-    void open() { connection.open(library.databasePath()); }
-
     void load(std::int32_t assessment)
     {
+        connection.open(library.databasePath());
+        LoadAssessments(state, connection, messages);
         state.CurrentAssessmentNum = assessment;
         LoadCurrentAssessment(state, connection, messages);
     }
 
-    TestLibrary library;
-    Connection connection;
-    ProgramState state;
-    ScriptedMessageBoxes messages;
+    void setQuestionCount(const QString& caption) override { captions = {caption}; }
+    void setTopicRows(const QStringList& texts) override
+    {
+        captions += texts;
+        EXPECT_FALSE(state.TopicEventsEnabled);
+    }
+
+    QStringList captions;
 };
 
 TEST_F(Catalogue, LoadsAvailableRowsOfTheAssessmentWithDefaults)
 {
-    const auto other = library.addGenerated(QStringLiteral("Other"), 2, 2, 2);
-    const auto mine = library.addAssessment(QStringLiteral("Mine & <b>\"quoted\"</b> 😀"));
-    const auto algebra = library.addTopic(mine, QStringLiteral("Algebra"));
-    const auto gone = library.addTopic(mine, QStringLiteral("Gone"));
-    const auto linear = library.addSubTopic(mine, algebra, QStringLiteral("Linear\nequations"));
-    const auto orphan = library.addQuestion(mine, gone, 999, QString(10'000, u'ä'), {});
-    const auto deleted = library.addQuestion(mine, algebra, linear, QStringLiteral("x"), {});
-    const auto kept = library.addQuestion(mine, algebra, linear, QStringLiteral("B"), {});
-    library.sql(QStringLiteral("UPDATE Topics SET Available=false WHERE TopicID=%1;"
-                               "UPDATE Questions SET Available=false WHERE SOLIndex=%2;"
-                               "UPDATE History SET LastID=77;"
-                               "UPDATE Assessments SET Available=0 WHERE AssessmentNum=%3")
-                    .arg(gone)
-                    .arg(deleted)
-                    .arg(other));
-    open();
-    LoadAssessments(state, connection, messages);
-    load(mine);
-
+    const QString name = u"Mine & <b>\"quoted\"</b> 😀"_s;
+    const QString answer(10'000, u'ä');
+    library.addGenerated(u"Other"_s, 1, 1, 1);
+    library.addAssessment(name);
+    library.addTopic(2, u"Algebra"_s);
+    library.addTopic(2, u"Gone"_s);
+    library.addSubTopic(2, 2, u"Linear\nequations"_s);
+    library.addSubTopic(2, 2, u"Gone, too"_s);
+    library.addQuestion(2, 3, 9, answer, {});
+    library.addQuestion(2, 2, 2, u"deleted"_s, {});
+    library.addQuestion(2, 2, 3, u"B"_s, {});
+    library.addQuestion(2, 2, 2, u"C"_s, {});
+    library.sql(u"UPDATE Topics SET Available=false WHERE TopicID=3;"
+                "UPDATE SubTopics SET Available=false WHERE SubtopicNum=3;"
+                "UPDATE Questions SET Available=false WHERE SOLIndex=3;"
+                "UPDATE Assessments SET Available=0 WHERE AssessmentNum=1;"
+                "UPDATE History SET LastID=77"_s);
+    load(2);
     ASSERT_EQ(state.AssessmentList.upperBound(), 1);
-    EXPECT_EQ(state.AssessmentList(1).AssessmentNum, mine);
-    EXPECT_EQ(state.AssessmentList(1).AssessmentName, QStringLiteral("Mine & <b>\"quoted\"</b> 😀"));
-    EXPECT_EQ(state.LastAssessmentNum, 77);
+    EXPECT_EQ(state.AssessmentList(1).AssessmentName, name);
     ASSERT_EQ(state.TopicList.upperBound(), 1);
-    EXPECT_EQ(state.TopicList(1).TopicID, algebra);
-    EXPECT_EQ(state.TopicList(1).SelectedSubTopicText, QStringLiteral("0"));
+    EXPECT_EQ(state.TopicList(1).SelectedSubTopicText, u"0"_s);
     EXPECT_EQ(state.TopicList(1).SubTopicCount, 0);
     ASSERT_EQ(state.SubTopicList.upperBound(), 1);
-    EXPECT_EQ(state.SubTopicList(1).SubTopic, QStringLiteral("Linear\nequations"));
     EXPECT_TRUE(state.SubTopicList(1).Selected);
-    ASSERT_EQ(state.QuestionList.upperBound(), 2);
-    EXPECT_EQ(state.QuestionList(1).SOLIndex, orphan);
-    EXPECT_EQ(state.QuestionList(1).PictureIndex, orphan);
-    EXPECT_EQ(state.QuestionList(1).Answer, QString(10'000, u'ä'));
-    EXPECT_EQ(state.QuestionList(2).SOLIndex, kept);
-    EXPECT_TRUE(state.QuestionList(2).Selected);
-    EXPECT_THROW((void)state.QuestionList(3), std::out_of_range);
+    ASSERT_EQ(state.QuestionList.upperBound(), 3);
+    const QuestionRecord& question = state.QuestionList(1);
+    EXPECT_EQ(question.SOLIndex, 2);
+    EXPECT_EQ(question.PictureIndex, 2);
+    EXPECT_EQ(question.Answer, answer);
+    EXPECT_TRUE(question.Selected);
+    EXPECT_EQ(state.QuestionList(2).Answer + state.QuestionList(3).Answer, u"BC"_s);
+    EXPECT_EQ(state.LastAssessmentNum, 77);
+    EXPECT_THROW((void)state.QuestionList(4), std::out_of_range);
     EXPECT_THROW((void)state.QuestionList(0), std::out_of_range);
 
     EXPECT_EQ(GetTopicText(state, state.QuestionList(1)), QString());
-    EXPECT_EQ(GetTopicText(state, state.QuestionList(2)),
-              QStringLiteral("Algebra - Linear\nequations"));
-    QuestionRecord refiled = state.QuestionList(2);
-    refiled.SubtopicNum = 999;
-    EXPECT_EQ(GetTopicText(state, refiled), QStringLiteral("Algebra"));
+    EXPECT_EQ(GetTopicText(state, state.QuestionList(2)), u"Algebra"_s);
+    EXPECT_EQ(GetTopicText(state, state.QuestionList(3)), u"Algebra - Linear\nequations"_s);
     state.TopicList.clear();
-    EXPECT_EQ(GetTopicText(state, state.QuestionList(2)), QStringLiteral(" - Linear\nequations"));
+    EXPECT_EQ(GetTopicText(state, state.QuestionList(3)), u" - Linear\nequations"_s);
+    SaveLastAssessment(state, connection);
+    EXPECT_EQ(library.value(u"SELECT LastID FROM History"_s), u"2"_s);
 }
 
 TEST_F(Catalogue, CountsAndCaptionsFollowTheFlags)
 {
-    const auto generated = library.addGenerated(QStringLiteral("Generated"), 2, 3, 4);
-    open();
-    load(generated);
-    RecordingCaptions captions;
+    load(library.addGenerated(u"Generated"_s, 2, 3, 4));
     SetSubTopicSelected(state.SubTopicList, 1, 2, false);
-    SetSubTopicSelected(state.SubTopicList, 2, 2, false); // topic 2 has no subtopic 2
+    SetSubTopicSelected(state.SubTopicList, 2, 2,
+                        false); // topic 2 has no subtopic 2
     state.QuestionList(1).Selected = false;
-    UpdateSelectionCounts(state, captions);
-    EXPECT_EQ(captions.count, QStringLiteral("23"));
+    UpdateSelectionCounts(state, *this);
+    EXPECT_EQ(captions,
+              QStringList({u"23"_s, u"Topic 1 (2 of 3 topics)"_s, u"Topic 2 (3 of 3 topics)"_s}));
     EXPECT_EQ(state.SelectedQuestionCount, 23);
-    EXPECT_EQ(captions.rows, (QStringList{QStringLiteral("Topic 1 (2 of 3 topics)"),
-                                          QStringLiteral("Topic 2 (3 of 3 topics)")}));
     EXPECT_TRUE(state.TopicEventsEnabled);
-}
-
-TEST_F(Catalogue, RemembersTheCurrentAssessment)
-{
-    open();
-    state.CurrentAssessmentNum = 5;
-    SaveLastAssessment(state, connection);
-    EXPECT_EQ(library.value(QStringLiteral("SELECT LastID FROM History")), QStringLiteral("5"));
 }
 
 TEST_F(Catalogue, FailedLoadsAreReportedAndQuestionsThrow)
 {
-    open();
-    library.sql(QStringLiteral("DROP TABLE Assessments; DROP TABLE Topics; DROP TABLE SubTopics;"
-                               "DROP TABLE Questions"));
-    messages.expectInform(QStringLiteral("Database Error"),
-                          QStringLiteral("There was an error loading the assessments."));
+    connection.open(library.databasePath());
+    for (const QString& list : {u"assessments"_s, u"topics"_s, u"subtopics"_s}) {
+        library.sql(u"DROP TABLE "_s + list);
+        messages.expectInform(u"Database Error"_s,
+                              u"There was an error loading the %1."_s.arg(list));
+    }
+    library.sql(u"DROP TABLE Questions"_s);
     LoadAssessments(state, connection, messages);
-    messages.expectInform(QStringLiteral("Database Error"),
-                          QStringLiteral("There was an error loading the topics."));
-    messages.expectInform(QStringLiteral("Database Error"),
-                          QStringLiteral("There was an error loading the subtopics."));
     EXPECT_THROW(LoadCurrentAssessment(state, connection, messages), DatabaseError);
 }
 
-TEST_F(Catalogue, KeysComeFromTheDatabaseAndAreNeverUsedTwice)
+TEST_F(Catalogue, StatementsWriteWhatTheySayAndKeysAreNeverUsedTwice)
 {
-    open();
-    connection.execute(statements::InsertAssessment(QStringLiteral("A")));
-    connection.execute(statements::InsertTopic(QStringLiteral("T"), 1));
-    connection.execute(statements::InsertSubtopic(1, QStringLiteral("S"), 1));
-    connection.execute(statements::InsertQuestion(1, QStringLiteral("42 \"x\" ; -- & %"), 1, 1));
-    connection.execute(statements::InsertQuestion(1, QStringLiteral("43"), 1, 1));
-    connection.execute(statements::UpdateQuestion(1, 7, 8, QStringLiteral("44")));
-    connection.execute(statements::DeleteQuestion(2));
-    EXPECT_EQ(library.value(QStringLiteral("SELECT * FROM Questions")),
-              QStringLiteral("1|7|8|44|1|1\n2|1|1|43|1|0"));
-    library.sql(QStringLiteral("DELETE FROM Questions WHERE SOLIndex=2"));
-    connection.execute(statements::InsertQuestion(1, QStringLiteral("45"), 1, 1));
-    Recordset newest = connection.read(statements::SelectQuestionsNewestFirst(1));
-    ASSERT_TRUE(newest.next());
-    EXPECT_EQ(newest.integer(newest.field("solindex")), 3);
-    Recordset maximum = connection.read(statements::SelectMaxSOLIndex());
-    ASSERT_TRUE(maximum.next());
-    EXPECT_EQ(maximum.integer(maximum.field("maxvalue")), 3);
-
-    connection.execute(statements::DeleteSubtopic(1));
-    connection.execute(statements::DeleteTopic(1));
-    connection.execute(statements::DeleteAssessment(1));
-    EXPECT_EQ(library.value(QStringLiteral("SELECT Available FROM SubTopics UNION ALL SELECT "
-                                           "Available FROM Topics UNION ALL SELECT Available "
-                                           "FROM Assessments")),
-              QStringLiteral("0\n0\n0"));
+    connection.open(library.databasePath());
+    for (const QString& statement :
+         {InsertAssessment(u"A"_s), InsertTopic(u"T"_s, 1), InsertSubtopic(1, u"S"_s, 1),
+          InsertQuestion(1, u"42 \"x\" ; -- & %"_s, 1, 3), InsertQuestion(1, u"43"_s, 1, 1),
+          UpdateQuestion(2, 7, 8, u"44"_s), DeleteQuestion(2), DeleteSubtopic(1), DeleteTopic(1),
+          DeleteAssessment(1)}) {
+        connection.execute(statement);
+    }
+    EXPECT_EQ(library.sql(u"SELECT * FROM Assessments; SELECT * FROM Topics;"
+                          "SELECT * FROM SubTopics; SELECT * FROM Questions;"_s),
+              QStringList({u"1|A|0"_s, u"1|T|1|0"_s, u"1|1|S|1|0"_s,
+                           u"1|1|3|42 \"x\" ; -- & %|1|1"_s, u"2|7|8|44|1|0"_s}));
+    library.sql(u"DELETE FROM Questions WHERE SOLIndex=2"_s);
+    connection.execute(InsertQuestion(1, u"45"_s, 1, 1));
+    for (const auto& [statement, field] : {std::pair{SelectQuestionsNewestFirst(1), "solindex"},
+                                           {SelectMaxSOLIndex(), "maxvalue"}}) {
+        Recordset rows = connection.read(statement);
+        ASSERT_TRUE(rows.next());
+        EXPECT_EQ(rows.integer(rows.field(field)), 3);
+    }
 }
 
 TEST_F(Catalogue, TextWithAQuoteIsAFailedStatement)
 {
-    const QString evil = QStringLiteral("x',1,true); DELETE FROM Topics; --");
-    EXPECT_THROW(statements::InsertAssessment(QStringLiteral("O'Brien")), DatabaseError);
-    EXPECT_THROW(statements::InsertTopic(evil, 1), DatabaseError);
-    EXPECT_THROW(statements::InsertSubtopic(1, evil, 1), DatabaseError);
-    EXPECT_THROW(statements::InsertQuestion(1, evil, 1, 1), DatabaseError);
-    EXPECT_THROW(statements::UpdateQuestion(1, 1, 1, evil), DatabaseError);
-    EXPECT_THROW(statements::SelectAssessmentsNamed(evil), DatabaseError);
     // A NUL would cut the statement off in mid-text.
-    EXPECT_THROW(statements::InsertAssessment(QString(QChar(0))), DatabaseError);
+    for (const QString& evil : {u"x',1,true); DELETE FROM Topics; --"_s, QString(QChar(0))}) {
+        EXPECT_THROW(InsertAssessment(evil), DatabaseError);
+        EXPECT_THROW(InsertTopic(evil, 1), DatabaseError);
+        EXPECT_THROW(InsertSubtopic(1, evil, 1), DatabaseError);
+        EXPECT_THROW(InsertQuestion(1, evil, 1, 1), DatabaseError);
+        EXPECT_THROW(UpdateQuestion(1, 1, 1, evil), DatabaseError);
+        EXPECT_THROW(SelectAssessmentsNamed(evil), DatabaseError);
+    }
 }
 
 } // namespace
-} // namespace varnholt
+} // namespace varnholt::test

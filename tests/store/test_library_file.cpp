@@ -1,6 +1,7 @@
 #include "store/connection.h"
 #include "store/library_file.h"
 #include "store/picture_files.h"
+#include "store/statements.h"
 #include "support/test_library.h"
 #include "support/unprivileged.h"
 
@@ -9,10 +10,144 @@
 
 #include <gtest/gtest.h>
 
-namespace varnholt {
+namespace varnholt::test {
 namespace {
 
-using test::TestLibrary;
+using namespace Qt::Literals::StringLiterals;
+using namespace statements;
+
+class LibraryConnection : public testing::Test
+{
+protected:
+    /// What opening says, or nothing when it works.
+    std::string openingError(const QString& path)
+    {
+        try {
+            connection.open(path);
+        } catch (const DatabaseError& error) {
+            EXPECT_FALSE(connection.isOpen());
+            EXPECT_TRUE(error.message().contains(path)) << error.what();
+            return error.message().section(u'\n', 0, 0).toStdString();
+        }
+        return {};
+    }
+    TestLibrary library;
+    Connection connection;
+};
+
+QByteArray bytesOf(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+}
+
+TEST_F(LibraryConnection, RefusesWhatIsNoLibraryAndLeavesItAlone)
+{
+    const QString path = library.folder() + u"/other.mdb"_s;
+    EXPECT_EQ(openingError(path), "The question library was not found:");
+    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_EQ(openingError(library.folder() + u"/Files"_s),
+              "The question library should be a file, but this is a folder:");
+
+    library.sql(u"ALTER TABLE Questions RENAME COLUMN Answer TO Reply"_s);
+    const QByteArray lacking = bytesOf(library.databasePath());
+    const std::string none = "This file is not a question library:";
+    const std::string other = "This file is a database, but not a question library (";
+    const std::string damaged = "The question library could not be opened:";
+    for (const auto& [bytes, error] :
+         {std::pair{QByteArray("Standard Jet DB").repeated(1000), none},
+          {QByteArray(), other + "table Assessments is missing):"},
+          {lacking, other + "field Answer of table Questions is missing):"},
+          {lacking.left(100), damaged},
+          {lacking.left(600), damaged},
+          {lacking.left(5000), damaged}}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        file.close();
+        EXPECT_EQ(openingError(path), error) << bytes.size();
+        EXPECT_EQ(bytesOf(path), bytes);
+    }
+}
+
+TEST_F(LibraryConnection, AcceptsAnyDatabaseWithTheTablesInAnyCase)
+{
+    library.sql(u"DROP TABLE Questions; CREATE TABLE QUESTIONS(note, solindex "
+                u"integer primary key,"
+                "TOPICID, SUBTOPICNUM, ANSWER, assessmentnum, available);"
+                "INSERT INTO questions VALUES('n',3,3000000000,NULL,NULL,1,1)"_s);
+    connection.open(library.databasePath());
+    EXPECT_FALSE(connection.isReadOnly());
+    Recordset rows = connection.read(SelectQuestions(1));
+    ASSERT_TRUE(rows.next());
+    EXPECT_EQ(rows.integer(rows.field("SubtopicNum")), 0);
+    EXPECT_EQ(rows.text(rows.field("Answer")), QString());
+    EXPECT_THROW((void)rows.integer(rows.field("TopicID")), DatabaseError);
+    EXPECT_THROW((void)rows.field("Missing"), DatabaseError);
+    EXPECT_FALSE(rows.next());
+
+    EXPECT_THROW((void)toInt16(32'768), OverflowError);
+    EXPECT_EQ(toInt16(-32'768), -32'768);
+}
+
+class LockedLibrary : public LibraryConnection,
+                      public testing::WithParamInterface<std::tuple<const char*, int>>
+{};
+
+TEST_P(LockedLibrary, IsOpenedForReading)
+{
+    const auto [mode, permissions] = GetParam();
+    const QString path = library.databasePath();
+    library.addAssessment(u"A"_s);
+    library.sql(u"PRAGMA journal_mode = "_s + QLatin1String(mode));
+    QFile::setPermissions(path, QFile::Permissions(permissions));
+    QFile::setPermissions(library.folder(), QFile::Permissions(0x5555));
+    {
+        const Unprivileged unprivileged(library.folder());
+        EXPECT_EQ(openingError(path), "");
+        EXPECT_TRUE(connection.isReadOnly());
+        EXPECT_TRUE(connection.read(SelectAssessments()).next());
+        EXPECT_THROW(connection.execute(UpdateHistory(1)), DatabaseError);
+    }
+    QFile::setPermissions(path, QFile::WriteOwner);
+    {
+        const Unprivileged unprivileged(library.folder());
+        EXPECT_EQ(openingError(path), "You do not have the right to read the question library:");
+    }
+    QFile::setPermissions(library.folder(), QFile::Permissions(0x7777));
+}
+
+// As supplied and as the program leaves it; the file locked, or only its
+// folder.
+INSTANTIATE_TEST_SUITE_P(Modes, LockedLibrary,
+                         testing::Combine(testing::Values("DELETE", "WAL"),
+                                          testing::Values(0x4444, 0x6666)));
+
+TEST_F(LibraryConnection, WritesFailLoudlyOnceTheFileHasGone)
+{
+    EXPECT_THROW(connection.execute(UpdateHistory(1)), DatabaseError);
+    connection.open(library.databasePath());
+    connection.execute(UpdateHistory(1));
+    QFile::rename(library.databasePath(), library.databasePath() + u".away"_s);
+    EXPECT_THROW(connection.execute(UpdateHistory(2)), DatabaseError);
+}
+
+TEST_F(LibraryConnection, TransactionsAreSeenWholeOrNotAtAll)
+{
+    connection.open(library.databasePath());
+    for (const bool committed : {false, true}) {
+        {
+            Transaction transaction(connection);
+            connection.execute(InsertAssessment(u"A"_s));
+            EXPECT_EQ(library.sql(u"SELECT * FROM Assessments"_s).size(), 0);
+            if (committed) {
+                transaction.commit();
+            }
+        }
+        EXPECT_EQ(library.sql(u"SELECT * FROM Assessments"_s).size(), committed ? 1 : 0);
+    }
+}
 
 void touch(const QString& path)
 {
@@ -25,28 +160,26 @@ TEST(PictureFiles, AreFoundWhateverTheCase)
 {
     QTemporaryDir folder;
     const QString root = folder.path();
-    EXPECT_EQ(FindPictureFile(root, 7), root + QStringLiteral("/Files/7.jpg"));
-    QDir(root).mkdir(QStringLiteral("FILES"));
-    for (const char* name : {"7.jpg", "8.JPG", "9.Jpg"}) {
-        const QString path = root + QStringLiteral("/FILES/") + QLatin1String(name);
-        touch(path);
-        EXPECT_EQ(FindPictureFile(root, name[0] - '0'), path);
+    EXPECT_EQ(FindPictureFile(root, 7), root + u"/Files/7.jpg"_s);
+    QDir(root).mkdir(u"FILES"_s);
+    for (const QString& name : {u"7.jpg"_s, u"8.JPG"_s, u"9.Jpg"_s}) {
+        touch(root + u"/FILES/"_s + name);
+        EXPECT_EQ(FindPictureFile(root, name.at(0).digitValue()), root + u"/FILES/"_s + name);
     }
-    EXPECT_EQ(NewPictureFile(root, 8), root + QStringLiteral("/FILES/8.jpg"));
-    EXPECT_EQ(FindPictureFile(root, 70), root + QStringLiteral("/FILES/70.jpg"));
+    EXPECT_EQ(NewPictureFile(root, 8), root + u"/FILES/8.jpg"_s);
+    EXPECT_EQ(FindPictureFile(root, 70), root + u"/FILES/70.jpg"_s);
 }
 
 TEST(ProgramFolder, IsTheExecutablesOrACopyOfTheSuppliedLibrary)
 {
-    TestLibrary own;
     QTemporaryDir base;
-    const QString user = base.filePath(QStringLiteral("user/data"));
-    const QString empty = base.filePath(QStringLiteral("bin"));
+    const QString user = base.filePath(u"user/data"_s);
+    const QString empty = base.filePath(u"bin"_s);
     QDir().mkpath(empty);
-    EXPECT_EQ(ChooseProgramFolder({own.folder(), user, {}}), own.folder());
-
     TestLibrary supplied;
-    supplied.addQuestion(1, 1, 1, QStringLiteral("A"));
+    supplied.addQuestion(1, 1, 1, u"A"_s);
+    EXPECT_EQ(ChooseProgramFolder({supplied.folder(), user, {}}), supplied.folder());
+
     EXPECT_EQ(ChooseProgramFolder({empty, user, supplied.folder()}), user);
     Connection connection;
     OpenLibraryDatabase(connection, user);
@@ -54,32 +187,34 @@ TEST(ProgramFolder, IsTheExecutablesOrACopyOfTheSuppliedLibrary)
     CloseLibraryDatabase(connection);
 
     // The user's library is never replaced by a later start.
-    const QString marker = LibraryPath(user);
-    QFile::remove(marker);
-    touch(marker);
+    touch(LibraryPath(user));
     EXPECT_EQ(ChooseProgramFolder({empty, user, supplied.folder()}), user);
-    EXPECT_EQ(QFileInfo(marker).size(), 1);
-
-    // A folder that cannot be written: the library beside the program is copied.
-    TestLibrary locked;
-    locked.addQuestion(1, 1, 1, QStringLiteral("A"));
-    QTemporaryDir home;
-    const QString copy = home.filePath(QStringLiteral("data"));
-    QFile(home.path()).setPermissions(QFile::Permissions(0x7777));
-    QFile(locked.folder()).setPermissions(QFile::ReadOwner | QFile::ExeOwner);
-    {
-        const test::Unprivileged unprivileged(locked.folder());
-        EXPECT_EQ(ChooseProgramFolder({locked.folder(), copy, supplied.folder()}), copy);
-    }
-    QFile(locked.folder()).setPermissions(QFile::Permissions(0x7700));
-    EXPECT_TRUE(QFile::exists(LibraryPath(copy)));
-    EXPECT_TRUE(QFile::exists(FindPictureFile(copy, 1)));
+    EXPECT_EQ(QFileInfo(LibraryPath(user)).size(), 1);
 
     // A lost library file is reported, not papered over with the supplied one.
-    QDir(empty).mkdir(QStringLiteral("Files"));
+    QDir(empty).mkdir(u"Files"_s);
     EXPECT_EQ(ChooseProgramFolder({empty, user, supplied.folder()}), empty);
     EXPECT_THROW(OpenLibraryDatabase(connection, empty), DatabaseError);
 }
 
+TEST(ProgramFolder, ThatCannotBeWrittenIsCopiedOrTheFailureTold)
+{
+    TestLibrary locked;
+    locked.addQuestion(1, 1, 1, u"A"_s);
+    QTemporaryDir home;
+    const QString copy = home.filePath(u"data"_s);
+    QFile::setPermissions(home.path(), QFile::Permissions(0x7777));
+    QFile::setPermissions(locked.folder(), QFile::Permissions(0x5555));
+    {
+        const Unprivileged unprivileged(locked.folder());
+        EXPECT_THROW(ChooseProgramFolder({locked.folder(), locked.folder() + u"/sub"_s, {}}),
+                     Error);
+        EXPECT_EQ(ChooseProgramFolder({locked.folder(), copy, {}}), copy);
+    }
+    QFile::setPermissions(locked.folder(), QFile::Permissions(0x7777));
+    EXPECT_TRUE(QFile::exists(LibraryPath(copy)));
+    EXPECT_TRUE(QFile::exists(FindPictureFile(copy, 1)));
+}
+
 } // namespace
-} // namespace varnholt
+} // namespace varnholt::test

@@ -2,10 +2,11 @@
 
 #include "presentation/presentation_program.h"
 #include "store/errors.h"
+#include "store/services.h"
 
+#include <QRegularExpression>
 #include <QStringList>
-
-#include <map>
+#include <QTextStream>
 
 namespace varnholt::test {
 
@@ -17,80 +18,108 @@ public:
     QStringList calls;
 
     /// The call whose line starts with `what` fails the `nth` time, after being recorded.
-    void failAt(const QString& what, int nth = 1) { failures_[what] = nth; }
+    void failAt(const QString& what, int nth = 1)
+    {
+        failing_ = what;
+        untilFailure_ = nth;
+    }
 
     /// The recorded calls that start with `what`.
     [[nodiscard]] QStringList callsOf(const QString& what) const
     {
-        QStringList found;
-        for (const QString& call : calls) {
-            if (call.startsWith(what)) {
-                found.append(call);
-            }
-        }
-        return found;
+        return calls.filter(QRegularExpression(u'^' + what));
     }
 
-    void addPresentation() override { record(QStringLiteral("addPresentation")); }
-    void setVisible() override { record(QStringLiteral("setVisible")); }
+    void addPresentation() override { record("addPresentation"); }
+    void setVisible() override { record("setVisible"); }
     int slideCount() override
     {
-        record(QStringLiteral("slideCount"));
+        record("slideCount");
         return slides_;
     }
     void addBlankSlide(int index) override
     {
-        record(QStringLiteral("addBlankSlide %1").arg(index));
+        record("addBlankSlide", index);
         ++slides_;
     }
     void selectSlide(int index) override
     {
-        record(QStringLiteral("selectSlide %1").arg(index));
+        record("selectSlide", index);
         if (index < 1 || index > slides_) {
             throw Error(QStringLiteral("no such slide"));
         }
     }
     void addTextBox(double left, double top, double width, double height) override
     {
-        record(QStringLiteral("addTextBox %1 %2 %3 %4").arg(left).arg(top).arg(width).arg(height));
+        record("addTextBox", left, top, width, height);
     }
     void setShapeText(int shape, const QString& text) override
     {
-        record(QStringLiteral("setShapeText %1 %2").arg(shape).arg(text));
+        record("setShapeText", shape, text);
     }
     void addPicture(const QString& path, double left, double top, double width, double height,
                     const QString&) override
     {
-        record(QStringLiteral("addPicture %1 %2 %3 %4 %5")
-                   .arg(path)
-                   .arg(left)
-                   .arg(top)
-                   .arg(width)
-                   .arg(height));
+        record("addPicture", path, left, top, width, height);
     }
-    void scaleHeight(int shape, double factor) override
-    {
-        record(QStringLiteral("scaleHeight %1 %2").arg(shape).arg(factor));
-    }
-    void scaleWidth(int shape, double factor) override
-    {
-        record(QStringLiteral("scaleWidth %1 %2").arg(shape).arg(factor));
-    }
-    void finish() override { record(QStringLiteral("finish")); }
+    void scaleHeight(int shape, double factor) override { record("scaleHeight", shape, factor); }
+    void scaleWidth(int shape, double factor) override { record("scaleWidth", shape, factor); }
+    void finish() override { record("finish"); }
 
 private:
-    void record(const QString& call)
+    template <typename... Arguments>
+    void record(const char* call, const Arguments&... arguments)
     {
-        calls.append(call);
-        for (auto& [what, left] : failures_) {
-            if (call.startsWith(what) && --left == 0) {
-                throw Error(QStringLiteral("told to fail"));
-            }
+        QString line;
+        QTextStream text(&line);
+        text << call;
+        ((text << ' ' << arguments), ...);
+        calls.append(line);
+        if (untilFailure_ > 0 && line.startsWith(failing_) && --untilFailure_ == 0) {
+            throw Error(QStringLiteral("told to fail"));
         }
     }
 
-    std::map<QString, int> failures_;
+    QString failing_;
+    int untilFailure_ = 0;
     int slides_ = 0;
+};
+
+/// Gives out recording programs; the last one's calls stay readable after its build.
+class RecordingPresentations : public PresentationPrograms
+{
+public:
+    /// Set up the next program here.
+    RecordingPresentationProgram next;
+    /// Throws this instead of starting, unless it is empty.
+    QString startFailure;
+    /// What the last program was asked; empty when none was started.
+    QStringList calls;
+    int started = 0;
+
+    [[nodiscard]] std::unique_ptr<PresentationProgram> start() override
+    {
+        if (!startFailure.isEmpty()) {
+            throw Error(startFailure);
+        }
+        ++started;
+        calls.clear();
+        return std::make_unique<Reporting>(next, calls);
+    }
+
+private:
+    class Reporting : public RecordingPresentationProgram
+    {
+    public:
+        Reporting(const RecordingPresentationProgram& program, QStringList& target)
+            : RecordingPresentationProgram(program)
+            , target_(target)
+        {}
+        ~Reporting() override { target_ = calls; }
+
+    private:
+        QStringList& target_;
+    };
 };
 
 } // namespace varnholt::test

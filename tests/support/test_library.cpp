@@ -9,11 +9,18 @@
 
 namespace varnholt::test {
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
+
+QString number(std::int32_t value)
+{
+    return QString::number(value);
+}
 
 QString quoted(QString text)
 {
-    return u'\'' + text.replace(u'\'', QStringLiteral("''")) + u'\'';
+    return u'\'' + text.replace(u'\'', u"''"_s) + u'\'';
 }
 
 } // namespace
@@ -47,46 +54,37 @@ QString TestLibrary::value(const QString& query) const
     return sql(query).join(u'\n');
 }
 
-std::int32_t TestLibrary::insert(const QString& statement) const
+std::int32_t TestLibrary::insert(const QString& table, const QString& columns,
+                                 const QStringList& values) const
 {
-    return value(statement + QStringLiteral(" RETURNING 1; SELECT last_insert_rowid();"))
-        .section(u'\n', -1)
+    return value(QStringLiteral("INSERT INTO %1(%2) VALUES(%3); SELECT last_insert_rowid()")
+                     .arg(table, columns, values.join(u',')))
         .toInt();
 }
 
 std::int32_t TestLibrary::addAssessment(const QString& name)
 {
-    return insert(
-        QStringLiteral("INSERT INTO Assessments(AssessmentName) VALUES(%1)").arg(quoted(name)));
+    return insert(u"Assessments"_s, u"AssessmentName"_s, {quoted(name)});
 }
 
 std::int32_t TestLibrary::addTopic(std::int32_t assessment, const QString& name)
 {
-    return insert(QStringLiteral("INSERT INTO Topics(AssessmentNum,Topic) VALUES(%1,%2)")
-                      .arg(assessment)
-                      .arg(quoted(name)));
+    return insert(u"Topics"_s, u"AssessmentNum,Topic"_s, {number(assessment), quoted(name)});
 }
 
 std::int32_t TestLibrary::addSubTopic(std::int32_t assessment, std::int32_t topic,
                                       const QString& name)
 {
-    return insert(
-        QStringLiteral("INSERT INTO SubTopics(AssessmentNum,TopicID,SubTopic) VALUES(%1,%2,%3)")
-            .arg(assessment)
-            .arg(topic)
-            .arg(quoted(name)));
+    return insert(u"SubTopics"_s, u"AssessmentNum,TopicID,SubTopic"_s,
+                  {number(assessment), number(topic), quoted(name)});
 }
 
 std::int32_t TestLibrary::addQuestion(std::int32_t assessment, std::int32_t topic,
                                       std::int32_t subTopic, const QString& answer, QSize picture)
 {
-    const std::int32_t key = insert(
-        QStringLiteral(
-            "INSERT INTO Questions(AssessmentNum,TopicID,SubTopicNum,Answer) VALUES(%1,%2,%3,%4)")
-            .arg(assessment)
-            .arg(topic)
-            .arg(subTopic)
-            .arg(quoted(answer)));
+    const std::int32_t key =
+        insert(u"Questions"_s, u"AssessmentNum,TopicID,SubTopicNum,Answer"_s,
+               {number(assessment), number(topic), number(subTopic), quoted(answer)});
     if (!picture.isEmpty() && !testPicture(picture, key).save(picturePath(key), "JPG", 90)) {
         ADD_FAILURE() << "cannot write " << picturePath(key).toStdString();
     }
@@ -95,50 +93,32 @@ std::int32_t TestLibrary::addQuestion(std::int32_t assessment, std::int32_t topi
 
 QString TestLibrary::picturePath(std::int32_t solIndex) const
 {
-    return folder() + QStringLiteral("/Files/%1.jpg").arg(solIndex);
+    return folder() + u"/Files/%1.jpg"_s.arg(solIndex);
 }
 
 std::int32_t TestLibrary::addGenerated(const QString& name, int topics, int subTopics,
                                        int questions, bool pictures)
 {
     const std::int32_t assessment = addAssessment(name);
-    const int firstTopic =
-        value(QStringLiteral("SELECT coalesce(max(TopicID),0) FROM Topics")).toInt();
-    const int firstSub =
-        value(QStringLiteral("SELECT coalesce(max(SubtopicNum),0) FROM SubTopics")).toInt();
-    const int firstQuestion =
-        value(QStringLiteral("SELECT coalesce(max(SOLIndex),0) FROM Questions")).toInt();
-    const QString counter = QStringLiteral(
-        "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i+1 FROM n WHERE i+1 < %1) ");
-    const int subCount = topics * subTopics;
-    const int questionCount = subCount * questions;
-    QString text = QStringLiteral("BEGIN;");
-    if (topics > 0) {
-        text += QStringLiteral("INSERT INTO Topics(Topic,AssessmentNum) ") + counter.arg(topics) +
-                QStringLiteral("SELECT 'Topic '||(i+1), %1 FROM n;").arg(assessment);
-    }
-    if (subCount > 0) {
-        text += QStringLiteral("INSERT INTO SubTopics(TopicID,SubTopic,AssessmentNum) ") +
-                counter.arg(subCount) +
-                QStringLiteral(
-                    "SELECT %1+1+i/%2, 'Subtopic '||(i/%2+1)||'.'||(i-i/%2*%2+1), %3 FROM n;")
-                    .arg(firstTopic)
-                    .arg(subTopics)
-                    .arg(assessment);
-    }
-    if (questionCount > 0) {
-        text += QStringLiteral("INSERT INTO Questions(TopicID,SubTopicNum,Answer,AssessmentNum) ") +
-                counter.arg(questionCount) +
-                QStringLiteral("SELECT %1+1+i/%2, %3+1+i/%4, 'A'||(i+1), %5 FROM n;")
-                    .arg(firstTopic)
-                    .arg(subTopics * questions)
-                    .arg(firstSub)
-                    .arg(questions)
-                    .arg(assessment);
-    }
-    sql(text + QStringLiteral("COMMIT;"));
-    for (int i = 1; pictures && i <= questionCount; ++i) {
-        testPicture({60, 40}, i).save(picturePath(firstQuestion + i), "JPG", 90);
+    const QString statements =
+        QStringLiteral("INSERT INTO Topics(Topic, AssessmentNum)"
+                       " SELECT 'Topic '||value, %1 FROM generate_series(1, %2);"
+                       "INSERT INTO SubTopics(TopicID, SubTopic, AssessmentNum)"
+                       " SELECT TopicID, replace(Topic, 'Topic', 'Subtopic')||'.'||value, %1"
+                       " FROM Topics, generate_series(1, %3) WHERE AssessmentNum=%1 ORDER BY "
+                       "TopicID, value;"
+                       "INSERT INTO Questions(TopicID, SubTopicNum, Answer, AssessmentNum)"
+                       " SELECT TopicID, SubtopicNum, 'A'||row_number() OVER win, %1"
+                       " FROM SubTopics, generate_series(1, %4) WHERE AssessmentNum=%1"
+                       " WINDOW win AS (ORDER BY SubtopicNum, value) ORDER BY SubtopicNum, "
+                       "value;");
+    sql(statements.arg(assessment).arg(topics).arg(subTopics).arg(questions));
+    if (pictures) {
+        int seed = 0;
+        const QString keys = u"SELECT SOLIndex FROM Questions WHERE AssessmentNum=%1"_s;
+        for (const QString& key : sql(keys.arg(assessment))) {
+            testPicture({60, 40}, ++seed).save(picturePath(key.toInt()), "JPG", 90);
+        }
     }
     return assessment;
 }

@@ -10,9 +10,9 @@
 
 namespace varnholt::test {
 
-/// A program folder of its own: an empty library made from the real schema, and `Files`.
-/// What is put in goes through the database's own command-line client, and so does what is
-/// looked at: the program's own store is not asked about itself.
+/// A program folder of its own: an empty library made from the real schema, and `Files`. What is
+/// put in goes through the database's own command-line client, and so does what is looked at: the
+/// program's own store is not asked about itself.
 class TestLibrary
 {
 public:
@@ -40,13 +40,14 @@ public:
     /// Path under which the picture of a question is stored.
     [[nodiscard]] QString picturePath(std::int32_t solIndex) const;
 
-    /// Adds an assessment of `topics` x `subTopics` x `questions` rows, named "Topic 1",
-    /// "Subtopic 1.2" and answered "A1", "A2" and so on; quick enough for many thousands.
+    /// Adds an assessment of `topics` x `subTopics` x `questions` rows, named "Topic 1", "Subtopic
+    /// 1.2" and answered "A1", "A2" and so on; quick enough for many thousands.
     std::int32_t addGenerated(const QString& name, int topics, int subTopics, int questions,
                               bool pictures = false);
 
 private:
-    std::int32_t insert(const QString& statement) const;
+    std::int32_t insert(const QString& table, const QString& columns,
+                        const QStringList& values) const;
 
     QTemporaryDir folder_;
 };

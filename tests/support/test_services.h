@@ -3,7 +3,7 @@
 #include "store/connection.h"
 #include "store/modMain.h"
 #include "support/fakes.h"
-#include "support/recording_presentations.h"
+#include "support/recording_presentation_program.h"
 #include "support/test_library.h"
 
 namespace varnholt::test {

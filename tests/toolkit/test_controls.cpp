@@ -1,191 +1,215 @@
+#include "store/errors.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
+#include "toolkit/LongWork.h"
+#include "toolkit/desktop_services.h"
 
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QSignalSpy>
-#include <QStyle>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace varnholt {
 namespace {
 
-class ListBoxTest : public testing::TestWithParam<ListBox::Mode>
+using namespace Qt::Literals::StringLiterals;
+
+class ListBoxTest : public testing::Test
 {
 protected:
-    ListBoxTest()
-        : list(GetParam())
-        , clicks(&list, &ListBox::Click)
+    void show(ListBox::Mode mode)
     {
-        list.setRows({{QStringLiteral("one"), 11, false},
-                      {QStringLiteral("two"), 22, false},
-                      {QStringLiteral("three"), 33, false}});
-        list.resize(300, 200);
-        list.show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(&list));
+        list = std::make_unique<ListBox>(mode);
+        list->setRows({{u"one"_s, 11}, {u"two"_s, 22}, {u"three"_s, 33}});
+        list->resize(300, 200);
+        list->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(list.get()));
+    }
+    [[nodiscard]] QRect rect(int row) const
+    {
+        return list->visualRect(list->model()->index(row, 0));
+    }
+    [[nodiscard]] QPoint text(int row) const { return rect(row).center(); }
+    [[nodiscard]] QPoint box(int row) const { return {rect(row).left() + 8, text(row).y()}; }
+    void press(QPoint position, Qt::MouseButton button = Qt::LeftButton)
+    {
+        QTest::mouseClick(list->viewport(), button, {}, position);
     }
 
-    [[nodiscard]] QPoint textOf(int row) const
+    /// What an action leaves: how often `Click` fired, the current row, a mark
+    /// per row.
+    void expectAfter(const char* what, const std::function<void()>& action, int clicks, int current,
+                     const QString& marks)
     {
-        return list.visualRect(list.model()->index(row, 0)).center();
-    }
-    [[nodiscard]] QPoint boxOf(int row) const
-    {
-        const QRect rect = list.visualRect(list.model()->index(row, 0));
-        return {rect.left() + list.style()->pixelMetric(QStyle::PM_IndicatorWidth) / 2,
-                rect.center().y()};
-    }
-    void press(QPoint position)
-    {
-        QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, position);
-    }
-    /// Number of clicks since the last call.
-    int fired()
-    {
-        const int count = static_cast<int>(clicks.size());
-        clicks.clear();
-        return count;
+        SCOPED_TRACE(what);
+        const QSignalSpy spy(list.get(), &ListBox::Click);
+        action();
+        EXPECT_EQ(spy.size(), clicks);
+        EXPECT_EQ(list->listIndex(), current);
+        QString found;
+        for (int row = 0; row < list->listCount(); ++row) {
+            found += list->selected(row) ? u'x' : u'-';
+        }
+        EXPECT_EQ(found, marks);
     }
 
-    ListBox list;
-    QSignalSpy clicks;
+    std::unique_ptr<ListBox> list;
 };
 
-TEST_P(ListBoxTest, FillingAndRenamingFireNothingAndLeaveNoRowCurrent)
+TEST_F(ListBoxTest, SingleSelectionIsTheCurrentRow)
 {
-    EXPECT_EQ(list.listIndex(), -1);
-    list.addItem(QStringLiteral("four"), 44);
-    EXPECT_EQ(list.itemData(3), 44);
-    EXPECT_EQ(list.listIndex(), -1);
-    list.setListIndex(1);
-    EXPECT_EQ(fired(), 1);
-    list.setItemTexts(
-        {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c"), QStringLiteral("d")});
-    EXPECT_EQ(list.itemText(3), QStringLiteral("d"));
-    EXPECT_EQ(list.listIndex(), 1);
-    list.clear();
-    EXPECT_EQ(list.listIndex(), -1);
-    EXPECT_EQ(list.listCount(), 0);
-    EXPECT_EQ(fired(), 0);
-    EXPECT_THROW((void)list.itemData(0), std::out_of_range);
-    EXPECT_THROW((void)list.itemText(-1), std::out_of_range);
+    show(ListBox::Mode::Single);
+    expectAfter(
+        "filled", [] {}, 0, -1, u"---"_s);
+    expectAfter(
+        "made current", [&] { list->setListIndex(2); }, 1, 2, u"--x"_s);
+    expectAfter(
+        "made current again", [&] { list->setListIndex(2); }, 1, 2, u"--x"_s);
+    expectAfter(
+        "clicked", [&] { press(text(0)); }, 1, 0, u"x--"_s);
+    expectAfter(
+        "clicked again", [&] { press(text(0)); }, 1, 0, u"x--"_s);
+    expectAfter(
+        "key", [&] { QTest::keyClick(list.get(), Qt::Key_Down); }, 1, 1, u"-x-"_s);
+    expectAfter(
+        "clicked below",
+        [&] {
+            press({150, 190});
+        },
+        0, 1, u"-x-"_s);
+    expectAfter(
+        "right button", [&] { press(text(2), Qt::RightButton); }, 0, 1, u"-x-"_s);
+    expectAfter(
+        "selected", [&] { list->setSelected(0, true); }, 1, 0, u"x--"_s);
+    expectAfter(
+        "unselected", [&] { list->setSelected(0, false); }, 1, -1, u"---"_s);
 }
 
-TEST_P(ListBoxTest, CurrentRowFiresOnceForUserAndProgramAlike)
+TEST_F(ListBoxTest, MultiSelectionIsTickedAndTextOnlyFocused)
 {
-    list.setListIndex(2);
-    EXPECT_EQ(fired(), 1);
-    list.setListIndex(2);
-    EXPECT_EQ(fired(), 1);
-    press(textOf(0));
-    EXPECT_EQ(fired(), 1);
-    EXPECT_EQ(list.listIndex(), 0);
-    press(textOf(0));
-    EXPECT_EQ(fired(), 1);
-    QTest::keyClick(&list, Qt::Key_Down);
-    EXPECT_EQ(fired(), 1);
-    EXPECT_EQ(list.listIndex(), 1);
-    press({150, 190}); // below the last row
-    EXPECT_EQ(fired(), 0);
-    QTest::mouseClick(list.viewport(), Qt::RightButton, {}, boxOf(2));
-    EXPECT_FALSE(list.selected(0));
+    show(ListBox::Mode::Multi);
+    expectAfter(
+        "text", [&] { press(text(1)); }, 1, 1, u"---"_s);
+    expectAfter(
+        "box", [&] { press(box(2)); }, 1, 2, u"--x"_s);
+    expectAfter(
+        "right button", [&] { press(box(0), Qt::RightButton); }, 0, 2, u"--x"_s);
+    const auto twice = [&] { QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, box(2)); };
+    expectAfter("double click", twice, 1, 2, u"---"_s);
+    expectAfter(
+        "Space", [&] { QTest::keyClick(list.get(), Qt::Key_Space); }, 1, 2, u"--x"_s);
+    expectAfter(
+        "ticked", [&] { list->setSelected(0, true); }, 1, 2, u"x-x"_s);
+    expectAfter(
+        "all, first current", [&] { list->setAllSelected(true, 0); }, 1, 0, u"xxx"_s);
+    expectAfter(
+        "none", [&] { list->setAllSelected(false); }, 1, 0, u"---"_s);
+    const QStringList renamed{u"a"_s, u"b"_s, u"c"_s};
+    expectAfter(
+        "renamed", [&] { list->setItemTexts(renamed); }, 0, 0, u"---"_s);
+    EXPECT_EQ(list->itemText(2), u"c"_s);
+    EXPECT_EQ(list->itemData(2), 33);
+    expectAfter(
+        "cleared", [&] { list->clear(); }, 0, -1, QString());
+    expectAfter(
+        "all of none", [&] { list->setAllSelected(true, 0); }, 0, -1, QString());
+    EXPECT_THROW((void)list->itemData(0), std::out_of_range);
 }
 
-TEST_P(ListBoxTest, OddTextsStayWholeAndShowOnOneLine)
+TEST_F(ListBoxTest, OddTextsStayWholeAndShowOnOneLine)
 {
-    const QString odd = QStringLiteral("a <b>&amp;\nb\t\u2028😀 ") + QString(10'000, u'x');
-    list.addItem(odd, 1);
-    EXPECT_EQ(list.itemText(3), odd);
-    const QString line = list.model()->index(3, 0).data().toString();
-    EXPECT_TRUE(line.startsWith(QStringLiteral("a <b>&amp; b  😀 xxx"))) << line.toStdString();
+    show(ListBox::Mode::Multi);
+    const QString odd = u"a <b>&amp;\nb\t\u2028😀 "_s + QString(10'000, u'x');
+    list->addItem(odd, 1);
+    EXPECT_EQ(list->itemText(3), odd);
+    const QString line = list->model()->index(3, 0).data().toString();
+    EXPECT_TRUE(line.startsWith(u"a <b>&amp; b  😀 xxx"_s)) << line.toStdString();
     EXPECT_LT(line.size(), 1000);
-    EXPECT_EQ(list.visualRect(list.model()->index(3, 0)).height(),
-              list.visualRect(list.model()->index(0, 0)).height());
-}
-
-INSTANTIATE_TEST_SUITE_P(Both, ListBoxTest,
-                         testing::Values(ListBox::Mode::Single, ListBox::Mode::Multi));
-
-class MultiListBox : public ListBoxTest
-{};
-INSTANTIATE_TEST_SUITE_P(Multi, MultiListBox, testing::Values(ListBox::Mode::Multi));
-
-class SingleListBox : public ListBoxTest
-{};
-INSTANTIATE_TEST_SUITE_P(Single, SingleListBox, testing::Values(ListBox::Mode::Single));
-
-TEST_P(SingleListBox, TheCurrentRowIsTheSelectedOne)
-{
-    list.setListIndex(1);
-    EXPECT_TRUE(list.selected(1));
-    EXPECT_FALSE(list.selected(0));
-    list.setSelected(0, true);
-    EXPECT_TRUE(list.selected(0));
-    list.setSelected(0, false);
-    EXPECT_EQ(list.listIndex(), -1);
-    EXPECT_FALSE(list.selected(-1));
-}
-
-TEST_P(MultiListBox, TickingSelectsAndFocusesClickingTextOnlyFocuses)
-{
-    press(textOf(1));
-    EXPECT_FALSE(list.selected(1));
-    fired();
-
-    press(boxOf(2));
-    EXPECT_TRUE(list.selected(2));
-    EXPECT_EQ(list.listIndex(), 2);
-    EXPECT_EQ(fired(), 1);
-
-    QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, boxOf(2));
-    EXPECT_EQ(fired(), 1);
-    EXPECT_FALSE(list.selected(2));
-
-    QTest::keyClick(&list, Qt::Key_Space);
-    EXPECT_TRUE(list.selected(2));
-    EXPECT_EQ(fired(), 1);
-
-    list.setSelected(0, true);
-    EXPECT_EQ(fired(), 1);
-    EXPECT_EQ(list.listIndex(), 2);
-}
-
-TEST_P(MultiListBox, ManyRowsChangeWithOneClick)
-{
-    list.setAllSelected(true, 0);
-    EXPECT_EQ(fired(), 1);
-    EXPECT_TRUE(list.selected(0) && list.selected(1) && list.selected(2));
-    EXPECT_EQ(list.listIndex(), 0);
-    list.setAllSelected(false);
-    EXPECT_EQ(fired(), 1);
-    EXPECT_FALSE(list.selected(0) || list.selected(1) || list.selected(2));
-    list.clear();
-    list.setAllSelected(true, 0);
-    EXPECT_EQ(fired(), 0);
+    EXPECT_EQ(rect(3).height(), rect(0).height());
 }
 
 TEST(ComboBoxTest, ReactsToTheUserAndToSetListIndexOnly)
 {
     ComboBox combo;
-    QSignalSpy clicks(&combo, &ComboBox::Click);
-    combo.addEntry(QStringLiteral("one"), 11);
-    combo.addEntry(QStringLiteral("two"), 22);
+    const QSignalSpy clicks(&combo, &ComboBox::Click);
+    combo.addEntry(u"one"_s, 11);
+    combo.addEntry(u"two"_s, 22);
     EXPECT_EQ(combo.listIndex(), -1);
     EXPECT_THROW((void)combo.entryData(combo.listIndex()), std::out_of_range);
     combo.showEntry(0);
     EXPECT_EQ(clicks.size(), 0);
     combo.setListIndex(1);
-    EXPECT_EQ(clicks.size(), 1);
     combo.setListIndex(1);
     EXPECT_EQ(clicks.size(), 2);
     EXPECT_EQ(combo.entryData(1), 22);
     combo.show();
-    combo.setFocus();
     QTest::keyClick(&combo, Qt::Key_Up);
     EXPECT_EQ(combo.listIndex(), 0);
-    EXPECT_EQ(clicks.size(), 3);
     combo.clear();
     EXPECT_EQ(clicks.size(), 3);
+}
+
+TEST(LongWorkTest, IsBusyAtOnceTakesNoInputAndShowsABarAfterHalfASecond)
+{
+    QLineEdit window;
+    window.show();
+    const auto bar = [&] { return window.findChild<QProgressDialog*>(); };
+    for (const bool cancelled : {false, true}) {
+        using enum LongWork::Cancel;
+        LongWork work(&window, u"Working"_s, cancelled ? Offered : NotOffered);
+        ASSERT_NE(QApplication::overrideCursor(), nullptr);
+        EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        work.progress(1, 3);
+        EXPECT_FALSE(bar()->isVisible());
+        QTest::keyClicks(&window, u"typed"_s);
+        EXPECT_FALSE(window.close());
+        QTest::qSleep(600);
+        work.progress(2, 3);
+        EXPECT_TRUE(bar()->isVisible());
+        EXPECT_EQ(bar()->value(), 1);
+        EXPECT_EQ(bar()->maximum(), 3);
+        auto* button = bar()->findChild<QPushButton*>();
+        ASSERT_EQ(button != nullptr, cancelled);
+        if (cancelled) {
+            QTest::mouseClick(button, Qt::LeftButton);
+            EXPECT_THROW(work.progress(3, 3), Cancelled);
+        }
+    }
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    QTest::keyClicks(&window, u"x"_s);
+    EXPECT_EQ(window.text(), u"x"_s);
+}
+
+TEST(DesktopMessageBoxesTest, ShowTextAsItIsAndTakeEscapeForNo)
+{
+    DesktopMessageBoxes boxes;
+    const auto escape = [] {
+        QWidget* box = QApplication::activeModalWidget();
+        if (auto* message = qobject_cast<QMessageBox*>(box)) {
+            EXPECT_EQ(message->textFormat(), Qt::PlainText);
+            EXPECT_EQ(message->text(), u"<b>&x"_s);
+            EXPECT_EQ(message->defaultButton(), message->button(QMessageBox::No));
+        } else {
+            auto* hint = box->findChild<QLabel*>(u"lblHint"_s);
+            EXPECT_FALSE(hint->isVisible());
+            QTest::keyClicks(box->findChild<QLineEdit*>(), u"O'Brien"_s);
+            EXPECT_TRUE(hint->isVisible());
+        }
+        QTest::keyClick(box, Qt::Key_Escape);
+    };
+    QTimer::singleShot(0, escape);
+    EXPECT_FALSE(boxes.yesNo(u"Sure?"_s, u"<b>&x"_s));
+    QTimer::singleShot(0, escape);
+    EXPECT_EQ(boxes.inputText(u"Name"_s, u"Which?"_s, u"default"_s), QString());
 }
 
 } // namespace
