@@ -120,11 +120,17 @@ struct ExchangeWorld : TestWorld
         return packages.filePath(name);
     }
 
-    void expectImportError()
+    void expect(const char* title, const char* text)
     {
-        messages.expectInform(QStringLiteral("Import Error"),
-                              QStringLiteral("There was an error importing the file."));
+        messages.expectInform(QString::fromUtf8(title), QString::fromUtf8(text));
     }
+    void expectMissingPicture()
+    {
+        expect("File Missing",
+               "Export was aborted because one of the questions is missing a picture file.  "
+               "Please go to Manage Assessments and delete that question.");
+    }
+    void expectImportError() { expect("Import Error", "There was an error importing the file."); }
 
     void expectNameQuestion(const QString& offered, const QString& answer)
     {
@@ -135,13 +141,11 @@ struct ExchangeWorld : TestWorld
 
     void expectImported(int topics, int subtopics, int questions)
     {
-        messages.expectInform(QStringLiteral("Import Complete"),
-                              QStringLiteral("Import was successful.\r\n\r\nTopics Imported: "
-                                             "%1\r\nSubtopics Imported: %2\r\nQuestions "
-                                             "Imported: %3")
-                                  .arg(topics)
-                                  .arg(subtopics)
-                                  .arg(questions));
+        const std::string text =
+            "Import was successful.\r\n\r\nTopics Imported: " + std::to_string(topics) +
+            "\r\nSubtopics Imported: " + std::to_string(subtopics) +
+            "\r\nQuestions Imported: " + std::to_string(questions);
+        expect("Import Complete", text.c_str());
     }
 
     /// Names, answers, references and picture bytes of an available assessment, without keys.

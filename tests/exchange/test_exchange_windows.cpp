@@ -98,7 +98,8 @@ TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
     QObject::connect(&timer, &QTimer::timeout, [&] {
         if (label("lblBack")->isVisible()) {
             widths.push_back(label("lblFace")->width());
-            EXPECT_TRUE(label("lblFace")->text().endsWith(u'%'));
+            // Nothing stands there until the first file is done.
+            EXPECT_TRUE(widths.back() == 0 || label("lblFace")->text().endsWith(u'%'));
             busy = QApplication::overrideCursor() != nullptr;
         }
         QTest::mouseClick(control<QPushButton>(form.get(), "cmdExport"), Qt::LeftButton);
@@ -107,8 +108,7 @@ TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
     });
     timer.start(0);
     files.answers.emplace_back(package());
-    messages.expectInform(QStringLiteral("Export Complete"),
-                          QStringLiteral("Export was successful."));
+    expect("Export Complete", "Export was successful.");
     messages.beforeAnswer = [&] {
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);
         EXPECT_EQ(label("lblFace")->text(), QStringLiteral("100%"));
@@ -128,10 +128,7 @@ TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
     // A missing picture closes the window.
     messages.beforeAnswer = nullptr;
     QFile::remove(library.picturePath(400));
-    messages.expectInform(
-        QStringLiteral("File Missing"),
-        QStringLiteral("Export was aborted because one of the questions is missing a picture "
-                       "file.  Please go to Manage Assessments and delete that question."));
+    expectMissingPicture();
     click(form.get(), "cmdExport");
     EXPECT_FALSE(form->isVisible());
 }

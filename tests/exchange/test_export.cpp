@@ -42,8 +42,7 @@ protected:
     void expectSuccess(const QString& path)
     {
         files.answers.emplace_back(path);
-        messages.expectInform(QStringLiteral("Export Complete"),
-                              QStringLiteral("Export was successful."));
+        expect("Export Complete", "Export was successful.");
     }
 
     /// A member of the package, byte for byte; the others' names are noted.
@@ -128,19 +127,15 @@ TEST_F(Export, FailuresEndAsDescribed)
 
     // The packing has told; no success, and the work folder is emptied.
     files.answers.emplace_back(QStringLiteral("/nowhere/p.zip"));
-    messages.expectInform(QStringLiteral("Varnholt"),
-                          QStringLiteral("Error 5 (No such file or directory) in procedure "
-                                         "AddFilesToZip of Modulo di classe clsZip"));
+    expect("Varnholt", "Error 5 (No such file or directory) in procedure AddFilesToZip of Modulo "
+                       "di classe clsZip");
     run();
     EXPECT_EQ(listing(work()), "");
 
     // A picture is missing: no dialog any more.
     QFile::remove(library.picturePath(second));
     files.calls.clear();
-    messages.expectInform(
-        QStringLiteral("File Missing"),
-        QStringLiteral("Export was aborted because one of the questions is missing a picture "
-                       "file.  Please go to Manage Assessments and delete that question."));
+    expectMissingPicture();
     EXPECT_EQ(run(), PackageExport::End::WindowCloses);
     EXPECT_TRUE(files.calls.empty());
     EXPECT_EQ(listing(work()), "1.jpg AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
@@ -148,17 +143,14 @@ TEST_F(Export, FailuresEndAsDescribed)
     // No place for the text files.
     QDir(work()).removeRecursively();
     writeFile(work().chopped(1), "a file in the way");
-    messages.expectInform(QStringLiteral("Export Error"),
-                          QStringLiteral("There was an error creating this export file."));
+    expect("Export Error", "There was an error creating this export file.");
     EXPECT_EQ(run(), PackageExport::End::WindowStays);
     EXPECT_EQ(view.calls.back(), QStringLiteral("hide"));
 
     // The list of assessments.
     connection.close();
-    messages.expectInform(QStringLiteral("Varnholt"),
-                          QStringLiteral("The question library is not open."));
-    messages.expectInform(QStringLiteral("Database Error"),
-                          QStringLiteral("There was an error loading the assessments."));
+    expect("Varnholt", "The question library is not open.");
+    expect("Database Error", "There was an error loading the assessments.");
     LoadAssessmentInfo(state, connection, messages);
     EXPECT_TRUE(state.AssessmentList.isEmpty());
 }

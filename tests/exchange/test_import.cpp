@@ -95,8 +95,7 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
     source.state.CurrentAssessmentNum = assessment;
     LoadCurrentAssessment(source.state, source.connection, source.messages);
     source.files.answers.emplace_back(package());
-    source.messages.expectInform(QStringLiteral("Export Complete"),
-                                 QStringLiteral("Export was successful."));
+    source.expect("Export Complete", "Export was successful.");
     PackageExport(source.services, source.state, name).run(source.view);
     library.addGenerated(QStringLiteral("Mine"), 2, 2, 2, true);
 
@@ -181,9 +180,9 @@ TEST_P(Packages, AreImportedOrRefusedWhole)
         expectNameQuestion(QStringLiteral("P"), QStringLiteral("P"));
     }
     if (result == Package::NotAPackage) {
-        messages.expectInform(QStringLiteral("Import Error"),
-                              QStringLiteral("This file does not appear to be a compatiable "
-                                             "export file.  Import will be aborted."));
+        expect(
+            "Import Error",
+            "This file does not appear to be a compatiable export file.  Import will be aborted.");
     } else if (result == Package::Failed) {
         expectImportError();
     } else if (result == Package::Imported) {
