@@ -147,6 +147,14 @@ TEST_F(Import, NameIsAskedUntilItIsFree)
     run();
     EXPECT_EQ(count("Assessments"), 3);
     EXPECT_NE(in("Import"), "");
+
+    // A new key that cannot be read back: the assessment stays.
+    library.sql(
+        QStringLiteral("UPDATE sqlite_sequence SET seq = 2147483647 WHERE name = 'Assessments'"));
+    expectNameQuestion(QStringLiteral("P"), QStringLiteral("Far"));
+    expectImportError();
+    run();
+    EXPECT_EQ(visible(), QStringLiteral("P,Gone,Far"));
 }
 
 struct Package
