@@ -114,8 +114,8 @@ TEST(PackageFields, EncodingsLoseNothing)
     EXPECT_TRUE(fitsWindows1252(text));
     EXPECT_EQ(encodeText(text, TextEncoding::Windows1252), bytes);
     EXPECT_EQ(text.mid(0x7f, 3), QStringLiteral("€\u0081‚"));
-    for (const QString& other :
-         {QStringLiteral("π"), QStringLiteral("\u0080"), QStringLiteral("𝛑")}) {
+    for (const QString& other : {QStringLiteral("π"), QStringLiteral("\u0080"),
+                                 QStringLiteral("\u009f"), QStringLiteral("𝛑")}) {
         EXPECT_FALSE(fitsWindows1252(QStringLiteral("a") + other));
         EXPECT_EQ(decodeText(encodeText(other, TextEncoding::Utf8), TextEncoding::Utf8), other);
     }
