@@ -96,7 +96,9 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
     LoadCurrentAssessment(source.state, source.connection, source.messages);
     source.files.answers.emplace_back(package());
     source.expect("Export Complete", "Export was successful.");
+    const int beforeExport = syncs;
     PackageExport(source.services, source.state, name).run(source.view);
+    EXPECT_GT(syncs, beforeExport) << "the package may be lost with the power";
     library.addGenerated(QStringLiteral("Mine"), 2, 2, 2, true);
 
     expectNameQuestion(name, name);
