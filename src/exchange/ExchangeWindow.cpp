@@ -15,9 +15,9 @@ namespace {
 
 constexpr int patienceMs = 500;
 /// Often enough for a smooth bar, and no cost beside the work.
-constexpr int eventsEveryMs = 15;
+constexpr int eventsEveryMs = 30;
 
-/// The bar's fill. Its caption is printed where the back prints its own, in the colour that
+/// The bar's fill. Its caption is printed where the back prints it too, in the colour that
 /// reads on the fill, so that one number runs across both.
 class FaceLabel : public QLabel
 {
@@ -50,12 +50,19 @@ private:
     float share_ = 0;
 };
 
+/// The bar at full length. It has no text of its own: a label in a layout that gets another
+/// text has the whole window laid out anew.
 class BackLabel : public QLabel
 {
 public:
     FaceLabel* face = nullptr;
 
 protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        QLabel::paintEvent(event);
+        QPainter(this).drawText(contentsRect(), Qt::AlignCenter, face->text());
+    }
     void resizeEvent(QResizeEvent* event) override
     {
         QLabel::resizeEvent(event);
@@ -80,7 +87,6 @@ public:
         lblBack_->setBackgroundRole(QPalette::Base);
         lblBack_->setForegroundRole(QPalette::Text);
         lblBack_->setAutoFillBackground(true);
-        lblBack_->setAlignment(Qt::AlignCenter);
         lblBack_->setMinimumHeight(lblBack_->fontMetrics().height() * 3 / 2);
         QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Fixed);
         policy.setRetainSizeWhenHidden(true);
@@ -107,9 +113,14 @@ public:
         setCaption(caption);
     }
 
+    [[nodiscard]] bool eventsAreDue() const
+    {
+        return !sinceEvents_.isValid() || sinceEvents_.elapsed() >= eventsEveryMs;
+    }
+
     void processEvents()
     {
-        if (!sinceEvents_.isValid() || sinceEvents_.elapsed() >= eventsEveryMs) {
+        if (eventsAreDue()) {
             QCoreApplication::processEvents();
             sinceEvents_.start();
         }
@@ -137,7 +148,7 @@ private:
     void setCaption(const QString& caption)
     {
         lblFace_->setText(caption);
-        lblBack_->setText(caption);
+        lblBack_->update();
     }
 
     BackLabel* lblBack_;
@@ -241,6 +252,9 @@ ProgressLabel& ExchangeWindow::faceLabel()
 
 void ExchangeWindow::progress(const QString& what, std::int64_t done, std::int64_t all)
 {
+    if (done < all && !bar_->eventsAreDue()) {
+        return;
+    }
     if (!bar_->widget()->isVisible() && sinceBegin_.elapsed() >= patienceMs) {
         showBar();
     }

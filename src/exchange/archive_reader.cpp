@@ -11,7 +11,10 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace varnholt {
@@ -97,11 +100,9 @@ std::optional<QString> ownName(const QString& name)
         }
     }
     bool isKey = false;
-    const std::int32_t key = name.section(u'.', 0, 0).toInt(&isKey);
-    if (isKey && name.compare(pictureMember(key), Qt::CaseInsensitive) == 0) {
-        return pictureMember(key);
-    }
-    return name;
+    const QString picture =
+        pictureMember(QStringView(name).chopped(std::min<qsizetype>(name.size(), 4)).toInt(&isKey));
+    return isKey && name.compare(picture, Qt::CaseInsensitive) == 0 ? picture : name;
 }
 
 /// The name under which a member is written; none when it is left out.
@@ -111,6 +112,67 @@ std::optional<QString> nameToTake(zip_t* archive, zip_uint64_t index)
     std::optional<QString> name = ownName(QString::fromUtf8(given ? given : ""));
     return name && isOrdinaryFile(archive, index) ? name : std::nullopt;
 }
+
+/// A file made anew, written through the C library: a `QFile` for each picture costs as much
+/// as all else that is done about its name.
+class NewFile
+{
+public:
+    /// Throws `Error`, also when something of that name exists.
+    explicit NewFile(const QString& path)
+        : path_(path)
+#ifdef Q_OS_WIN
+        , file_(_wfopen(path.toStdWString().c_str(), L"wbxN"))
+#else
+        , file_(std::fopen(QFile::encodeName(path).constData(), "wbxe"))
+#endif
+    {
+        if (!file_) {
+            fail();
+        }
+        std::setvbuf(file_, nullptr, _IONBF, 0);
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    /// Removes the file unless it was closed.
+    ~NewFile()
+    {
+        if (file_) {
+            std::fclose(file_);
+            QFile::remove(path_);
+        }
+    }
+
+    /// Throws `Error`.
+    void write(const char* bytes, std::int64_t size)
+    {
+        const auto count = static_cast<std::size_t>(size);
+        if (std::fwrite(bytes, 1, count, file_) != count) {
+            fail();
+        }
+    }
+
+    /// Keeps the file. Throws `Error`.
+    void close()
+    {
+        if (std::fclose(std::exchange(file_, nullptr)) != 0) {
+            const int reason = errno;
+            QFile::remove(path_);
+            errno = reason;
+            fail();
+        }
+    }
+
+private:
+    [[noreturn]] void fail() const
+    {
+        throw Error(QStringLiteral("The file %1 cannot be written (%2).")
+                        .arg(QDir::toNativeSeparators(path_), qt_error_string(errno)));
+    }
+
+    QString path_;
+    std::FILE* file_;
+};
 
 /// Takes members out of an archive and keeps count of what they cost.
 class Unpacking
@@ -132,23 +194,15 @@ public:
         if (!source) {
             throw damaged(index, zip_strerror(archive_));
         }
-        QFile target(folder_ + u'/' + name);
-        if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
-            // Also what a second member of one name ends with.
-            throw Error(
-                QStringLiteral("The file %1 cannot be made (%2).").arg(name, target.errorString()));
-        }
-        try {
-            copy(index, source.get(), target, pulse);
-        } catch (...) {
-            target.remove();
-            throw;
-        }
+        // A second member of one name ends here too.
+        NewFile target(folder_ + u'/' + name);
+        copy(index, source.get(), target, pulse);
+        target.close();
     }
 
 private:
     template <typename Pulse>
-    void copy(zip_uint64_t index, zip_file_t* source, QFile& target, Pulse pulse)
+    void copy(zip_uint64_t index, zip_file_t* source, NewFile& target, Pulse pulse)
     {
         std::int64_t size = 0;
         for (;;) {
@@ -164,9 +218,7 @@ private:
             if (size > memberBytes_ || left_ < 0) {
                 throw Error(QStringLiteral("The archive unpacks to far more than a package."));
             }
-            if (target.write(buffer_.data(), got) != got) {
-                throw Error(target.errorString());
-            }
+            target.write(buffer_.data(), got);
             pulse();
         }
         zip_stat_t declared;

@@ -60,11 +60,13 @@ void EmptyWorkFolder(const QString& folder, const QString& spare)
 
 void MoveFile(const QString& from, const QString& to)
 {
-    std::error_code error = std::make_error_code(std::errc::no_such_file_or_directory);
-    if (QFileInfo(from).isFile()) {
-        std::filesystem::rename(native(from), native(to), error);
+    const std::filesystem::path source = native(from);
+    std::error_code error;
+    const bool isFile = std::filesystem::is_regular_file(source, error);
+    if (isFile) {
+        std::filesystem::rename(source, native(to), error);
     }
-    if (error) {
+    if (!isFile || error) {
         PlaceFile(from, to, Placing::Copy);
     }
 }

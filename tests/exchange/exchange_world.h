@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <map>
 #include <sys/resource.h>
 
 namespace varnholt::test {
@@ -77,19 +76,16 @@ inline void writeFile(const QString& path, const QByteArray& bytes)
     return names.join(u' ').toStdString();
 }
 
-/// Output and errors of another program; fails the test when it fails.
-inline QString runProgram(const QString& program, const QStringList& arguments,
-                          const QString& folder = {}, const QString& inputFile = {})
+/// What a shell command says; fails the test when it fails.
+inline QString runCommand(const QString& command, const QString& folder)
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.setWorkingDirectory(folder);
-    process.setStandardInputFile(inputFile.isEmpty() ? QProcess::nullDevice() : inputFile);
-    process.start(program, arguments);
-    EXPECT_TRUE(process.waitForFinished(120'000)) << program.toStdString();
-    const QString output = QString::fromUtf8(process.readAll());
-    EXPECT_EQ(process.exitCode(), 0) << program.toStdString() << '\n' << output.toStdString();
-    return output;
+    process.start(QStringLiteral("sh"), {QStringLiteral("-c"), command});
+    EXPECT_TRUE(process.waitForFinished(120'000) && process.exitCode() == 0)
+        << command.toStdString();
+    return QString::fromUtf8(process.readAll());
 }
 
 /// While it lives no file grows past `bytes`: what a full disk does.
@@ -124,11 +120,17 @@ struct ExchangeWorld : TestWorld
         return packages.filePath(name);
     }
 
-    void expectImportError()
+    void expect(const char* title, const char* text)
     {
-        messages.expectInform(QStringLiteral("Import Error"),
-                              QStringLiteral("There was an error importing the file."));
+        messages.expectInform(QString::fromUtf8(title), QString::fromUtf8(text));
     }
+    void expectMissingPicture()
+    {
+        expect("File Missing",
+               "Export was aborted because one of the questions is missing a picture file.  "
+               "Please go to Manage Assessments and delete that question.");
+    }
+    void expectImportError() { expect("Import Error", "There was an error importing the file."); }
 
     void expectNameQuestion(const QString& offered, const QString& answer)
     {
@@ -139,40 +141,34 @@ struct ExchangeWorld : TestWorld
 
     void expectImported(int topics, int subtopics, int questions)
     {
-        messages.expectInform(QStringLiteral("Import Complete"),
-                              QStringLiteral("Import was successful.\r\n\r\nTopics Imported: "
-                                             "%1\r\nSubtopics Imported: %2\r\nQuestions "
-                                             "Imported: %3")
-                                  .arg(topics)
-                                  .arg(subtopics)
-                                  .arg(questions));
+        const std::string text =
+            "Import was successful.\r\n\r\nTopics Imported: " + std::to_string(topics) +
+            "\r\nSubtopics Imported: " + std::to_string(subtopics) +
+            "\r\nQuestions Imported: " + std::to_string(questions);
+        expect("Import Complete", text.c_str());
     }
 
     /// Names, answers, references and picture bytes of an available assessment, without keys.
     [[nodiscard]] QStringList content(const QString& name) const
     {
-        const QStringList rows = library.sql(
-            QStringLiteral("SELECT 'T', Topic, '', '', '' FROM Topics JOIN Assessments "
-                           "USING(AssessmentNum) WHERE AssessmentName = '%1' AND "
-                           "Topics.Available AND Assessments.Available ORDER BY TopicID;"
-                           "SELECT 'S', SubTopic, coalesce(Topic,''), '', '' FROM SubTopics s "
-                           "JOIN Assessments a USING(AssessmentNum) LEFT JOIN Topics "
-                           "USING(TopicID) WHERE AssessmentName = '%1' AND s.Available AND "
-                           "a.Available ORDER BY SubtopicNum;"
-                           "SELECT 'Q', hex(Answer), coalesce(Topic,''), coalesce(SubTopic,''), "
-                           "SOLIndex FROM Questions q JOIN Assessments a USING(AssessmentNum) "
-                           "LEFT JOIN Topics t ON t.TopicID = q.TopicID LEFT JOIN SubTopics s "
-                           "ON s.SubtopicNum = q.SubTopicNum WHERE AssessmentName = '%1' AND "
-                           "q.Available AND a.Available ORDER BY SOLIndex;")
+        QStringList all = library.sql(
+            QStringLiteral("CREATE TEMP VIEW a AS SELECT AssessmentNum FROM Assessments WHERE "
+                           "Available AND AssessmentName = '%1';"
+                           "SELECT Topic FROM Topics WHERE Available AND AssessmentNum IN a "
+                           "ORDER BY TopicID;"
+                           "SELECT SubTopic, Topic FROM SubTopics s LEFT JOIN Topics t "
+                           "USING(TopicID) WHERE s.Available AND s.AssessmentNum IN a "
+                           "ORDER BY SubtopicNum;"
+                           "SELECT hex(Answer), Topic, SubTopic, SOLIndex FROM Questions q "
+                           "LEFT JOIN Topics USING(TopicID) LEFT JOIN SubTopics "
+                           "USING(SubtopicNum) WHERE q.Available AND q.AssessmentNum IN a "
+                           "ORDER BY SOLIndex;")
                 .arg(name));
-        QStringList all;
-        for (QString row : rows) {
-            if (row.startsWith(u'Q')) {
-                const std::int32_t key = row.section(u'|', -1).toInt();
-                row = row.section(u'|', 0, -2) + u'|' +
-                      QString::number(qHash(readFile(library.picturePath(key)), 1));
+        for (QString& row : all) {
+            if (const qsizetype last = row.lastIndexOf(u'|'); row.count(u'|') == 3) {
+                const QByteArray picture = readFile(library.picturePath(row.mid(last + 1).toInt()));
+                row.replace(last + 1, row.size(), QString::number(qHash(picture, 1)));
             }
-            all.append(row);
         }
         return all;
     }

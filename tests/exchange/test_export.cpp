@@ -2,7 +2,6 @@
 #include "exchange/exchange_world.h"
 #include "exchange/package_export.h"
 #include "store/catalogue.h"
-#include "store/picture_files.h"
 
 namespace varnholt {
 namespace {
@@ -22,15 +21,11 @@ protected:
         library.sql(QStringLiteral("UPDATE Questions SET Answer = 'a' || char(13,10) || 'b' "
                                    "WHERE SOLIndex = 2"));
         // As the authoring window of another system may have left it.
-        QFile::rename(library.picturePath(first), FindOther());
+        inUpperCase = library.picturePath(first).chopped(3) + QStringLiteral("JPG");
+        QFile::rename(library.picturePath(first), inUpperCase);
         state.CurrentAssessmentNum = assessment;
         LoadAssessments(state, connection, messages);
         LoadCurrentAssessment(state, connection, messages);
-    }
-
-    [[nodiscard]] QString FindOther() const
-    {
-        return library.picturePath(first).chopped(3) + QStringLiteral("JPG");
     }
 
     [[nodiscard]] QString work(const char* file = "") const
@@ -44,11 +39,10 @@ protected:
         return PackageExport(services, state, QStringLiteral("Algebra/1")).run(view);
     }
 
-    void expectSuccess()
+    void expectSuccess(const QString& path)
     {
-        files.answers.emplace_back(package());
-        messages.expectInform(QStringLiteral("Export Complete"),
-                              QStringLiteral("Export was successful."));
+        files.answers.emplace_back(path);
+        expect("Export Complete", "Export was successful.");
     }
 
     /// A member of the package, byte for byte; the others' names are noted.
@@ -63,6 +57,7 @@ protected:
     std::int32_t assessment = 0;
     std::int32_t first = 0;
     std::int32_t second = 0;
+    QString inUpperCase;
     QString comment;
     std::string members;
 };
@@ -71,8 +66,8 @@ TEST_F(Export, WritesThePackageAndCleansUp)
 {
     QDir(library.folder()).mkdir(QStringLiteral("Export"));
     writeFile(work("77.jpg"), "left by an aborted run");
-    const QByteArray picture = readFile(FindOther());
-    expectSuccess();
+    const QByteArray picture = readFile(inUpperCase);
+    expectSuccess(package());
     messages.beforeAnswer = [this] {
         view.calls.append(QStringLiteral("message"));
         EXPECT_EQ(listing(work()), QStringLiteral("%1.jpg %2.jpg AssessmentInfo.txt questions.txt "
@@ -94,18 +89,15 @@ TEST_F(Export, WritesThePackageAndCleansUp)
     EXPECT_EQ(contents("questions.txt").toLatin1(),
               QByteArray("1,1,\"\xbd\",1\r\n2,1,\"a\r\nb\",999\r\n"));
     EXPECT_EQ(contents("1.jpg").toLatin1(), picture);
-    EXPECT_EQ(readFile(FindOther()), picture);
+    EXPECT_EQ(comment, QString());
+    EXPECT_EQ(readFile(inUpperCase), picture);
 }
 
 TEST_F(Export, TextsBeyondTheCodePageMakeTheWholePackageUtf8)
 {
-    expectSuccess();
-    run();
-    contents("topics.txt");
-    EXPECT_EQ(comment, QString());
     library.sql(QStringLiteral("UPDATE SubTopics SET SubTopic = 'π ≤ 漢字'"));
     LoadCurrentAssessment(state, connection, messages);
-    expectSuccess();
+    expectSuccess(package());
     run();
     EXPECT_EQ(contents("subtopics.txt").toLatin1(), "1,\"π ≤ 漢字\",1\r\n");
     EXPECT_EQ(contents("questions.txt").toLatin1().left(9), "1,1,\"½\",");
@@ -116,22 +108,13 @@ TEST_F(Export, EmptyAssessmentIsFourTextFiles)
 {
     state.CurrentAssessmentNum = library.addAssessment(QStringLiteral("Empty"));
     LoadCurrentAssessment(state, connection, messages);
-    expectSuccess();
+    // Saved into the work folder, the package is what the user wanted, not a leftover.
+    expectSuccess(work("mine.zip"));
     run();
+    EXPECT_EQ(listing(work()), "mine.zip");
+    QFile::rename(work("mine.zip"), package());
     EXPECT_EQ(contents("questions.txt"), QString());
     EXPECT_EQ(members, "AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
-}
-
-TEST_F(Export, MissingPictureAbortsBeforeTheDialog)
-{
-    QFile::remove(library.picturePath(second));
-    messages.expectInform(
-        QStringLiteral("File Missing"),
-        QStringLiteral("Export was aborted because one of the questions is missing a picture "
-                       "file.  Please go to Manage Assessments and delete that question."));
-    EXPECT_EQ(run(), PackageExport::End::WindowCloses);
-    EXPECT_TRUE(files.calls.empty());
-    EXPECT_EQ(listing(work()), "1.jpg AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
 }
 
 TEST_F(Export, FailuresEndAsDescribed)
@@ -144,37 +127,30 @@ TEST_F(Export, FailuresEndAsDescribed)
 
     // The packing has told; no success, and the work folder is emptied.
     files.answers.emplace_back(QStringLiteral("/nowhere/p.zip"));
-    messages.expectInform(QStringLiteral("Varnholt"),
-                          QStringLiteral("Error 5 (No such file or directory) in procedure "
-                                         "AddFilesToZip of Modulo di classe clsZip"));
+    expect("Varnholt", "Error 5 (No such file or directory) in procedure AddFilesToZip of Modulo "
+                       "di classe clsZip");
     run();
     EXPECT_EQ(listing(work()), "");
+
+    // A picture is missing: no dialog any more.
+    QFile::remove(library.picturePath(second));
+    files.calls.clear();
+    expectMissingPicture();
+    EXPECT_EQ(run(), PackageExport::End::WindowCloses);
+    EXPECT_TRUE(files.calls.empty());
+    EXPECT_EQ(listing(work()), "1.jpg AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
 
     // No place for the text files.
     QDir(work()).removeRecursively();
     writeFile(work().chopped(1), "a file in the way");
-    messages.expectInform(QStringLiteral("Export Error"),
-                          QStringLiteral("There was an error creating this export file."));
+    expect("Export Error", "There was an error creating this export file.");
     EXPECT_EQ(run(), PackageExport::End::WindowStays);
     EXPECT_EQ(view.calls.back(), QStringLiteral("hide"));
-}
 
-TEST_F(Export, PackageSavedIntoTheWorkFolderIsKept)
-{
-    files.answers.emplace_back(work("mine.zip"));
-    messages.expectInform(QStringLiteral("Export Complete"),
-                          QStringLiteral("Export was successful."));
-    run();
-    EXPECT_EQ(listing(work()), "mine.zip");
-}
-
-TEST_F(Export, ListingFailureShowsTwoMessages)
-{
+    // The list of assessments.
     connection.close();
-    messages.expectInform(QStringLiteral("Varnholt"),
-                          QStringLiteral("The question library is not open."));
-    messages.expectInform(QStringLiteral("Database Error"),
-                          QStringLiteral("There was an error loading the assessments."));
+    expect("Varnholt", "The question library is not open.");
+    expect("Database Error", "There was an error loading the assessments.");
     LoadAssessmentInfo(state, connection, messages);
     EXPECT_TRUE(state.AssessmentList.isEmpty());
 }

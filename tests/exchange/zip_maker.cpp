@@ -47,7 +47,7 @@ QByteArray deflatedZeros(qint64 size)
            deflated({}, Z_FINISH);
 }
 
-QByteArray makeZip(const std::vector<RawMember>& members, const QByteArray& comment, Zip64 zip64)
+QByteArray makeZip(const std::vector<RawMember>& members, const QByteArray& comment, bool large)
 {
     Bytes archive;
     Bytes directory;
@@ -64,7 +64,7 @@ QByteArray makeZip(const std::vector<RawMember>& members, const QByteArray& comm
         // From the version needed to the lengths; the same in both headers.
         Bytes common;
         common.number(20, 2).number(member.flags, 2);
-        common.number(quint64(member.method >= 0 ? member.method : member.deflated ? 8 : 0), 2);
+        common.number(member.deflated ? 8 : 0, 2);
         common.number(0x58210000, 4).number(crc, 4).number(quint64(packed.size()), 4);
         common.number(std::min<quint64>(size, 0xffffffff), 4)
             .number(quint64(member.name.size()), 2);
@@ -79,7 +79,6 @@ QByteArray makeZip(const std::vector<RawMember>& members, const QByteArray& comm
     const quint64 offset = quint64(archive.size());
     const quint64 count = members.size();
     archive.append(directory);
-    const bool large = zip64 == Zip64::Yes;
     if (large) {
         const quint64 end = quint64(archive.size());
         archive.raw("PK\6\6").number(44, 8).number(45, 2).number(45, 2).number(0, 8);

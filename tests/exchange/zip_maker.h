@@ -16,8 +16,6 @@ struct RawMember
     qint64 packedFrom = -1;
     /// General purpose flags: 1 encrypted, 0x800 name in UTF-8.
     quint16 flags = 0;
-    /// Replaces the compression method when not negative.
-    int method = -1;
     quint32 crcError = 0;
     /// Upper half the Unix mode, lower half that of MS-DOS.
     quint32 attributes = 0;
@@ -27,14 +25,8 @@ struct RawMember
     bool overlaps = false;
 };
 
-enum class Zip64
-{
-    No,
-    Yes
-};
-
 [[nodiscard]] QByteArray makeZip(const std::vector<RawMember>& members,
-                                 const QByteArray& comment = {}, Zip64 zip64 = Zip64::No);
+                                 const QByteArray& comment = {}, bool zip64 = false);
 
 /// `size` zero bytes, deflated; made in no time whatever the size (in steps of a megabyte).
 [[nodiscard]] QByteArray deflatedZeros(qint64 size);
