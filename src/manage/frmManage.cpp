@@ -61,18 +61,24 @@ frmManage::frmManage(Services& services, ProgramState& state, Connection& connec
     buildControls();
     connectControls();
     loadReporting([this] { Form_Load(); });
-    if (state_.CurrentAssessmentNum < 1) {
-        setFocusProxy(cmdAddAssessment_);
-    } else {
-        setFocusProxy(state_.TopicList.isEmpty() ? static_cast<QWidget*>(cmdNewTopic_)
-                                                 : lstTopics_);
-    }
 }
 
 frmManage::~frmManage()
 {
     if (!unloaded_) {
         close();
+    }
+}
+
+void frmManage::focusInEvent(QFocusEvent* event)
+{
+    QWidget::focusInEvent(event);
+    if (state_.CurrentAssessmentNum < 1) {
+        cmdAddAssessment_->setFocus();
+    } else if (state_.TopicList.isEmpty()) {
+        cmdNewTopic_->setFocus();
+    } else {
+        lstTopics_->setFocus();
     }
 }
 

@@ -99,6 +99,10 @@ TEST_F(Structure, DeletingAsksRefusesAndReportsFailures)
 TEST_F(Structure, DeletingReloadsWhatChangedAndLeavesTheKeyboardWhereWorkGoesOn)
 {
     EXPECT_EQ(focus(), u"lstTopics"_s);
+    for (int i = 0; i < 5; ++i) {
+        key(Qt::Key_Tab);
+    }
+    EXPECT_EQ(focus(), u"cmdDeleteAssessment"_s); // round by the assessment's controls
     browse(0, 1);
     // A reload sets the flags of a list again: those of the others must stay.
     state.QuestionList(1).Selected = false;
@@ -141,6 +145,7 @@ TEST_F(Structure, KeysBeyond16BitsAreHintedAtAndFail)
         "SubTopicNum,Answer,AssessmentNum) VALUES(70000,32768,32769,'x',2)"_s);
     testPicture({9, 9}).save(library.picturePath(70'000), "JPG");
     open();
+    window->resize(window->minimumSizeHint());
     topics().setListIndex(2);
     EXPECT_FALSE(shown("lblTopicHint"));
     topics().setListIndex(3);
@@ -182,6 +187,18 @@ TEST_F(Structure, KeysBeyond16BitsAreHintedAtAndFail)
     press("cmdAddAssessment");
     EXPECT_EQ(assessments().listCount(), 0);
     EXPECT_EQ(counts(), u"4,2 6,6 4,4 2,1 0"_s);
+}
+
+TEST_F(Structure, ReopensOnTheAssessmentLeftOrTheFirst)
+{
+    assessments().setListIndex(0);
+    open();
+    EXPECT_EQ(assessments().listIndex(), 0);
+    EXPECT_EQ(state.CurrentAssessmentNum, 1);
+    state.CurrentAssessmentNum = 99;
+    open();
+    EXPECT_EQ(assessments().listIndex(), 0);
+    EXPECT_EQ(state.CurrentAssessmentNum, 1);
 }
 
 TEST_F(Structure, FailuresAfterTheStatementStopTheRest)
