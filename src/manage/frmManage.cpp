@@ -15,7 +15,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QLayout>
+#include <QTimer>
 
 #include <algorithm>
 #include <limits>
@@ -33,8 +33,8 @@ std::optional<std::int32_t> currentData(const ListBox& list)
 void sayBelow(ListBox& list, HintLabel& hint, const QString& sentence)
 {
     hint.say(sentence);
-    list.parentWidget()->layout()->activate();
-    list.scrollTo(list.currentIndex());
+    // Not before everything has been laid out anew.
+    QTimer::singleShot(0, &list, [&list] { list.scrollTo(list.currentIndex()); });
 }
 
 class BusyPointer
