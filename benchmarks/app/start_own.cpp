@@ -1,11 +1,13 @@
-// The program itself, ended right after its first paint.
+// The program itself on the library beside it, ended right after a first paint: that of its
+// frame, or with the argument "ready" that of the selection window.
 
-#include "app/frmAssessment.h"
 #include "app/run_program.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QTimer>
+
+#include <cstring>
 
 #include <unistd.h>
 
@@ -14,13 +16,20 @@ namespace {
 class QuitAfterPaint : public QObject
 {
 public:
-    bool eventFilter(QObject*, QEvent* event) override
+    explicit QuitAfterPaint(const char* window)
+        : window_(QLatin1String(window))
+    {}
+
+    bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == QEvent::Paint) {
+        if (event->type() == QEvent::Paint && watched->objectName() == window_) {
             QTimer::singleShot(0, [] { _exit(0); });
         }
         return false;
     }
+
+private:
+    QString window_;
 };
 
 } // namespace
@@ -29,8 +38,8 @@ int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
     varnholt::NameApplication();
-    QuitAfterPaint filter;
-    return varnholt::RunProgram(application, [&filter](varnholt::frmAssessment& frame) {
-        frame.installEventFilter(&filter);
-    });
+    QuitAfterPaint filter(argc > 1 && std::strcmp(argv[1], "ready") == 0 ? "frmMain"
+                                                                         : "frmAssessment");
+    application.installEventFilter(&filter);
+    return varnholt::RunProgram(application);
 }

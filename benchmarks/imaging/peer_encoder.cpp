@@ -2,6 +2,7 @@
 
 #include "imaging/jpeg_tables.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 
@@ -10,6 +11,8 @@
 namespace varnholt::bench {
 
 namespace {
+
+constexpr JDIMENSION kRowsAtATime = 16; // what an MCU row holds
 
 [[noreturn]] void raise(j_common_ptr info)
 {
@@ -75,8 +78,12 @@ std::size_t peerEncode(const DeviceContext& context, std::span<const std::uint16
     jpeg_start_compress(&info, TRUE);
     const BitmapView view = context.view();
     while (info.next_scanline < info.image_height) {
-        auto* row = const_cast<JSAMPROW>(view.row(static_cast<std::int32_t>(info.next_scanline)));
-        jpeg_write_scanlines(&info, &row, 1);
+        JSAMPROW rows[kRowsAtATime];
+        JDIMENSION count = 0;
+        for (; count < std::min(kRowsAtATime, info.image_height - info.next_scanline); ++count)
+            rows[count] = const_cast<JSAMPROW>(
+                view.row(static_cast<std::int32_t>(info.next_scanline + count)));
+        jpeg_write_scanlines(&info, rows, count);
     }
     jpeg_finish_compress(&info);
     const std::size_t size = out.size() - memory.manager.free_in_buffer;

@@ -46,6 +46,8 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     lblEmpty_ = makeLabel("lblEmpty", QStringLiteral("Choose what to do in the menu above."));
     lblEmpty_->setAlignment(Qt::AlignCenter);
     lblEmpty_->setForegroundRole(QPalette::PlaceholderText);
+    // At the start the selection window is about to come.
+    lblEmpty_->hide();
     childArea_->addWidget(lblEmpty_, 1);
     setCentralWidget(area);
 

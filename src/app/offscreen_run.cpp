@@ -3,6 +3,7 @@
 
 #include "app/frmAssessment.h"
 #include "presentation/default_programs.h"
+#include "selection/frmSelect.h"
 #include "store/library_file.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
@@ -12,8 +13,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -79,24 +80,10 @@ public:
         frame.mnuCreate_Click();
         QApplication::processEvents();
         keepPicture("1-all-topics");
-
-        auto* assessment = control<ComboBox>("cboAssessment");
-        assessment->setListIndex(0);
-        auto* topics = control<ListBox>("lstTopics");
-        press("cmdClearAllTopics");
-        for (int row = 0; row < topics->listCount() && row < 3; ++row) {
-            topics->setSelected(row, true);
-        }
-        topics->setListIndex(1);
-        auto* subTopics = control<ListBox>("lstSubTopics");
-        if (subTopics->listCount() > 1) {
-            subTopics->setListIndex(0);
-            subTopics->setSelected(0, false);
-        }
-        control<QLineEdit>("txtQuestions")->setText(QStringLiteral("12"));
-        control<QRadioButton>("optSelectNo")->setChecked(true);
+        choose();
         keepPicture("2-topics-chosen");
         press("cmdCreate");
+        review(frame);
 
         if (presentation_.isEmpty()) {
             throw Error(QStringLiteral("No presentation was made."));
@@ -106,11 +93,45 @@ public:
         if (!QFile::copy(presentation_, kept)) {
             throw Error(QStringLiteral("The presentation could not be copied to %1.").arg(kept));
         }
-        std::printf("The slides of 12 questions: %s\n", qPrintable(kept));
+        std::printf("The slides of %d questions: %s\n", questions, qPrintable(kept));
         frame.close();
     }
 
 private:
+    static constexpr int questions = 12;
+
+    /// Three topics of the assessment without the first subtopic of the second.
+    void choose()
+    {
+        control<ComboBox>("cboAssessment")->setListIndex(0);
+        auto* topics = control<ListBox>("lstTopics");
+        press("cmdClearAllTopics");
+        for (int row = 0; row < topics->listCount() && row < 3; ++row) {
+            topics->setSelected(row, true);
+        }
+        topics->setListIndex(1);
+        auto* subTopics = control<ListBox>("lstSubTopics");
+        subTopics->setListIndex(0);
+        subTopics->setSelected(0, false);
+        control<QLineEdit>("txtQuestions")->setText(QString::number(questions));
+    }
+
+    /// Leaves out every fourth drawn question until enough are in, which builds the slides.
+    void review(QWidget& frame)
+    {
+        const QPointer<frmSelect> window = frame.findChild<frmSelect*>();
+        window_ = window;
+        for (int shown = 0; window; ++shown) {
+            QApplication::processEvents();
+            if (shown == 1) {
+                keepPicture("3-review");
+            }
+            press(shown % 4 == 0 ? "cmdExclude" : "cmdInclude");
+            QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+        window_ = &frame;
+    }
+
     template <typename Control>
     Control* control(const char* name)
     {

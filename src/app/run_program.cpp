@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QEvent>
 #include <QIcon>
 #include <QStandardPaths>
 #include <QTimer>
@@ -28,8 +29,31 @@ QString firstExisting(const QStringList& paths)
     return {};
 }
 
-int run(QApplication& application, MessageBoxes& messages,
-        const std::function<void(frmAssessment&)>& opened)
+/// Opens the selection window as soon as the frame has painted itself, so that the program is
+/// on the screen before the catalogue is read.
+class OpenAfterFirstPaint : public QObject
+{
+public:
+    explicit OpenAfterFirstPaint(frmAssessment& frame)
+        : frame_(frame)
+    {
+        frame_.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            watched->removeEventFilter(this);
+            QTimer::singleShot(0, &frame_, &frmAssessment::mnuCreate_Click);
+        }
+        return false;
+    }
+
+private:
+    frmAssessment& frame_;
+};
+
+int run(QApplication& application, MessageBoxes& messages)
 {
     const QString own = QApplication::applicationDirPath();
     const QString share = own + QStringLiteral("/../share/varnholt");
@@ -66,13 +90,10 @@ int run(QApplication& application, MessageBoxes& messages,
         frame.raise();
         frame.activateWindow();
     });
+    const OpenAfterFirstPaint opener(frame);
     frame.show();
-    frame.mnuCreate_Click();
     // Other starts can wait until this window stands.
     QTimer::singleShot(0, &frame, [&instance] { instance.listen(); });
-    if (opened) {
-        opened(frame);
-    }
     return application.exec();
 }
 
@@ -91,11 +112,11 @@ void NameApplication()
     QApplication::setWindowIcon(icon);
 }
 
-int RunProgram(QApplication& application, const std::function<void(frmAssessment&)>& opened)
+int RunProgram(QApplication& application)
 {
     DesktopMessageBoxes messages;
     try {
-        return run(application, messages, opened);
+        return run(application, messages);
     } catch (const Error& error) {
         messages.inform(QStringLiteral("Database Error"), error.message());
         return 1;

@@ -1,20 +1,15 @@
 #pragma once
 
-#include <functional>
-
 class QApplication;
 
 namespace varnholt {
-
-class frmAssessment;
 
 /// Names the application as settings, data folders and windows need it.
 void NameApplication();
 
 /// The program from the choice of its folder to the end of its event loop; returns the exit
 /// code. A second start on the same library hands over to the first and returns 0. A library
-/// that cannot be opened is reported to the user. `opened` is called once the first window
-/// stands.
-int RunProgram(QApplication& application, const std::function<void(frmAssessment&)>& opened = {});
+/// that cannot be opened is reported to the user.
+int RunProgram(QApplication& application);
 
 } // namespace varnholt

@@ -332,9 +332,16 @@ void frmAddNewQuestion::showPointer(double X, double Y)
 
 void frmAddNewQuestion::showObstacle()
 {
-    lblSaveHint_->say(SaveObstacle({txtAnswer_->text(), canvas_.picQuestion.hasPicture(),
-                                    cboSubtopics_->listIndex() >= 0, connection_.isReadOnly()},
-                                   services_.programFolder));
+    QString hint = SaveObstacle({txtAnswer_->text(), canvas_.picQuestion.hasPicture(),
+                                 cboSubtopics_->listIndex() >= 0, connection_.isReadOnly()},
+                                services_.programFolder);
+    if (hint.isEmpty() && (canvas_.HScroll().visible || canvas_.VScroll().visible)) {
+        hint = QStringLiteral("Only the upper left %1 by %2 pixels of the picture will be saved. "
+                              "Frame what you need and crop it.")
+                   .arg(questionPage.width())
+                   .arg(questionPage.height());
+    }
+    lblSaveHint_->say(hint);
 }
 
 bool frmAddNewQuestion::eventFilter(QObject* watched, QEvent* event)

@@ -64,8 +64,7 @@ bool DeviceContext::Create(std::int32_t width, std::int32_t height, int bitCount
         return false;
     if (bitCount != 1 && bitCount != 4 && bitCount != 8 && bitCount != 24)
         return false;
-    const std::uint64_t rowBytes =
-        (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(bitCount) + 31) / 32 * 4;
+    const std::uint64_t rowBytes = paddedRowBytes(width, bitCount);
     if (rowBytes > kLargestBitmap / static_cast<std::uint64_t>(height))
         return false;
     const auto size = static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(height);
@@ -249,7 +248,8 @@ bool DeviceContext::StretchBlt(std::int32_t x, std::int32_t y, std::int32_t widt
                          m_stretchMode == Halftone ? Scaling::AreaOrLinear : Scaling::Nearest);
         if (!scaled.Create(width, 1, 24))
             return false;
-        const std::int32_t firstRow = std::max(0, -y);
+        const auto firstRow =
+            static_cast<std::int32_t>(std::clamp<std::int64_t>(-std::int64_t{y}, 0, height));
         const auto lastRow =
             static_cast<std::int32_t>(std::min<std::int64_t>(height, std::int64_t{m_height} - y));
         for (std::int32_t i = firstRow; i < lastRow; ++i) {

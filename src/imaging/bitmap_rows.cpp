@@ -4,10 +4,9 @@
 
 namespace varnholt {
 
-std::size_t paddedRowBytes(std::int32_t width, int bitCount)
+std::uint64_t paddedRowBytes(std::int32_t width, int bitCount)
 {
-    const auto w = static_cast<std::size_t>(width);
-    return ((w * static_cast<std::size_t>(bitCount) + 7) / 8 + 3) & ~std::size_t{3};
+    return (static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(bitCount) + 31) / 32 * 4;
 }
 
 void readIndexes(const std::uint8_t* row, int bitCount, std::int32_t x, std::int32_t count,

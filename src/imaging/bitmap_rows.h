@@ -36,7 +36,7 @@ struct BitmapView
 };
 
 /// Row length in bytes of a bitmap of `width` pixels (1 or more), padded to 4 bytes.
-std::size_t paddedRowBytes(std::int32_t width, int bitCount);
+std::uint64_t paddedRowBytes(std::int32_t width, int bitCount);
 
 /// Colour-table indexes of `count` pixels from pixel `x` on, one byte each (1, 4, 8 bits).
 void readIndexes(const std::uint8_t* row, int bitCount, std::int32_t x, std::int32_t count,

@@ -16,8 +16,8 @@ bool isComplete(const Picture& picture)
         std::find(std::begin(kBitCounts), std::end(kBitCounts), picture.bitCount) ==
             std::end(kBitCounts))
         return false;
-    const std::size_t rowBytes = paddedRowBytes(picture.width, picture.bitCount);
-    return picture.pixels.size() / rowBytes >= static_cast<std::size_t>(picture.height);
+    return picture.pixels.size() / paddedRowBytes(picture.width, picture.bitCount) >=
+           static_cast<std::uint64_t>(picture.height);
 }
 
 } // namespace
@@ -45,11 +45,13 @@ bool cImage::CopyStdPicture(const Picture& TheStdPicture, std::int16_t iBitCount
     table.resize(kMaxColours);
     if (ownFormat)
         m_context.SetDIBColorTable(0, kMaxColours, table.data());
+    const auto rowBytes =
+        static_cast<std::size_t>(paddedRowBytes(TheStdPicture.width, TheStdPicture.bitCount));
     const BitmapView view{TheStdPicture.pixels.data(),
                           TheStdPicture.width,
                           TheStdPicture.height,
                           TheStdPicture.bitCount,
-                          paddedRowBytes(TheStdPicture.width, TheStdPicture.bitCount),
+                          rowBytes,
                           table.data()};
     return m_context.CopyFrom(0, 0, view.width, view.height, view, 0, 0);
 }

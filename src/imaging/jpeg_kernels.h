@@ -23,15 +23,20 @@ inline constexpr int kInlineBits = 7;
 inline constexpr int kSymbols = 512;
 inline constexpr int kDcMark = 13;
 
-constexpr bool isDc(int symbol)
+// Static, as each kernel set must have its own copies, made for its own processors.
+static constexpr bool isDc(int symbol)
 {
     return (symbol & 15) >= kDcMark;
 }
 
-constexpr int valueBits(int symbol)
+static constexpr int valueBits(int symbol)
 {
     return isDc(symbol) ? (symbol >> 4) & 15 : symbol & 15;
 }
+
+/// No token takes more bytes than this: two codes of 16 bits and 7 value bits. With a word
+/// there are up to 11, but the word counts as a token too.
+inline constexpr int kTokenBytes = 5;
 
 /// No block takes more tokens and words than this: 64 of each, and room to work in.
 inline constexpr int kBlockTokens = 132;
@@ -103,7 +108,8 @@ struct Kernels
     Token* (*tokenise)(const McuRow& row, std::int32_t first, std::int32_t last, ScanState& state,
                        std::uint64_t* counts, Token* out);
 
-    /// Writes whole bytes without stuffing, up to 4 a token and 8 more, and returns their end.
+    /// Writes whole bytes without stuffing, up to kTokenBytes a token and 8 more, and returns
+    /// their end.
     /// Stops at `end`, or one after it when the last token's word stands there; moves `tokens`.
     std::uint8_t* (*writeBits)(const Token*& tokens, const Token* end, const SymbolCodes& codes,
                                BitState& state, std::uint8_t* out);

@@ -192,7 +192,7 @@ void EntropyCoder::countAndKeep(Scan& scan)
     Position position;
     scan.firstToken = m_used;
     const std::size_t mcuTokens = static_cast<std::size_t>(scan.blocksInMcu) * kBlockTokens;
-    for (; m_keeping && position.mcuRow < scan.mcusHigh;) {
+    while (m_keeping && position.mcuRow < scan.mcusHigh) {
         if (m_capacity - m_used < mcuTokens) {
             m_keeping = false;
             break;
@@ -268,7 +268,7 @@ void EntropyCoder::writeScan(std::size_t number, std::span<const TablePair> tabl
 {
     const SymbolCodes codes = symbolCodes(tables);
     BitState bits;
-    std::vector<std::uint8_t> raw(kWorkTokens * 4 + 16);
+    std::vector<std::uint8_t> raw(kWorkTokens * kTokenBytes + 16);
     const auto write = [&](const Token* tokens, const Token* end) {
         while (tokens < end && !out.failed()) {
             const Token* const pieceEnd =

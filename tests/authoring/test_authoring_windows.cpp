@@ -1,19 +1,16 @@
 #include "authoring/frmAddNewQuestion.h"
 #include "authoring/frmPictureText.h"
 #include "store/catalogue.h"
-#include "store/connection.h"
-#include "support/fakes.h"
 #include "support/gui.h"
-#include "support/test_library.h"
+#include "support/test_services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
 #include "toolkit/PictureBox.h"
 
+#include <QApplication>
 #include <QCheckBox>
-#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QTimer>
@@ -31,8 +28,9 @@ namespace varnholt::test {
 namespace {
 
 const QString saveError = QStringLiteral("Save Error");
+const QSize captureSize(1000, 700);
 
-class Authoring : public testing::Test
+class Authoring : public testing::Test, protected TestWorld
 {
 protected:
     Authoring()
@@ -44,13 +42,10 @@ protected:
         library.addSubTopic(maths, algebra, QStringLiteral("Linear"));
         quadratic = library.addSubTopic(maths, algebra, QStringLiteral("Quadratic"));
         library.addSubTopic(maths, geometry, QStringLiteral("Circles"));
-        services.messageBoxes = &messages;
-        services.clipboard = &clipboard;
-        services.programFolder = library.folder();
         connection.open(library.databasePath());
         state.CurrentAssessmentNum = maths;
         LoadCurrentAssessment(state, connection, messages);
-        clipboard.picture = testPicture({1000, 700}, 5);
+        clipboard.picture = testPicture(captureSize, 5);
     }
 
     void open(const FilingPreselection& preselection = {})
@@ -62,11 +57,20 @@ protected:
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
+    void openWithPicture()
+    {
+        open();
+        click(window.get(), "cmdPaste");
+    }
 
-    QWidget* canvas() { return control<PictureBox>(window.get(), "picQuestion"); }
-    QString text(const char* name) { return control<ComboBox>(window.get(), name)->currentText(); }
+    QWidget* part(const char* name) { return control<QWidget>(window.get(), name); }
+    QWidget* canvas() { return part("picQuestion"); }
+    ComboBox* combo(const char* name) { return control<ComboBox>(window.get(), name); }
+    QString filing()
+    {
+        return combo("cboTopics")->currentText() + u'/' + combo("cboSubtopics")->currentText();
+    }
     QString hint() { return control<QLabel>(window.get(), "lblSaveHint")->text(); }
-    bool hintShown() { return control<QLabel>(window.get(), "lblSaveHint")->isVisible(); }
     void answer(const QString& answer)
     {
         control<QLineEdit>(window.get(), "txtAnswer")->setText(answer);
@@ -77,10 +81,20 @@ protected:
         QTest::mouseMove(canvas(), to);
         QTest::mouseRelease(canvas(), Qt::LeftButton, {}, to);
     }
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(canvas(), key, modifiers);
+    }
     QRect selection()
     {
         const PictureCanvas& c = window->canvas();
         return {c.SelX1, c.SelY1, c.SelX2 - c.SelX1, c.SelY2 - c.SelY1};
+    }
+    QImage picture() { return window->canvas().picQuestion.picture(); }
+    void expectQuestion(bool yes)
+    {
+        messages.expectYesNo(QStringLiteral("Save?"),
+                             QStringLiteral("Are you sure you want to save this  question?"), yes);
     }
     int questions()
     {
@@ -88,12 +102,6 @@ protected:
     }
 
     std::int32_t maths, algebra, geometry, quadratic;
-    TestLibrary library;
-    Connection connection;
-    ProgramState state;
-    ScriptedMessageBoxes messages;
-    FakeClipboard clipboard;
-    Services services;
     std::function<void(std::optional<NamedTopic>)> newInfo;
     std::unique_ptr<frmAddNewQuestion> window;
 };
@@ -105,16 +113,16 @@ TEST_F(Authoring, OffersTopicsWithSubtopicsAndStartsWhereTheManagerStood)
     state.QuestionSaved = state.StructureChanged = true;
     open();
     EXPECT_FALSE(state.QuestionSaved || state.StructureChanged);
-    EXPECT_EQ(control<ComboBox>(window.get(), "cboTopics")->count(), 2);
-    EXPECT_EQ(text("cboTopics") + text("cboSubtopics"), QStringLiteral("AlgebraLinear"));
-    EXPECT_FALSE(control<QWidget>(window.get(), "fraPictureControls")->isVisible());
+    EXPECT_FALSE(part("fraPictureControls")->isVisible());
+    EXPECT_EQ(combo("cboTopics")->count(), 2);
+    EXPECT_EQ(filing(), QStringLiteral("Algebra/Linear"));
     open({algebra, quadratic});
-    EXPECT_EQ(text("cboTopics") + text("cboSubtopics"), QStringLiteral("AlgebraQuadratic"));
-    control<ComboBox>(window.get(), "cboTopics")->setListIndex(1);
-    EXPECT_EQ(text("cboSubtopics"), QStringLiteral("Circles"));
-    // A topic that is not offered gives the first.
+    EXPECT_EQ(filing(), QStringLiteral("Algebra/Quadratic"));
+    combo("cboTopics")->setListIndex(1);
+    EXPECT_EQ(filing(), QStringLiteral("Geometry/Circles"));
+    // What is not offered gives the first.
     open({algebra + 1, 4711});
-    EXPECT_EQ(text("cboTopics") + text("cboSubtopics"), QStringLiteral("AlgebraLinear"));
+    EXPECT_EQ(filing(), QStringLiteral("Algebra/Linear"));
 }
 
 TEST_F(Authoring, TakesOverWhatTheNewInfoDialogSaved)
@@ -134,14 +142,16 @@ TEST_F(Authoring, TakesOverWhatTheNewInfoDialogSaved)
         state.NewInfoSaved = true;
     };
     click(window.get(), "cmdNewSubtopic");
-    EXPECT_EQ(text("cboTopics") + text("cboSubtopics"), QStringLiteral("GeometryLines"));
+    EXPECT_EQ(filing(), QStringLiteral("Geometry/Lines"));
+    EXPECT_TRUE(std::exchange(state.StructureChanged, false));
     newInfo = [&](std::optional<NamedTopic> chosen) {
         EXPECT_FALSE(state.SubtopicOnly || chosen);
         state.NewTopicID = library.addTopic(maths, QStringLiteral("Chance"));
+        library.addSubTopic(maths, state.NewTopicID, QStringLiteral("Cards"));
         state.NewSubtopicNum = library.addSubTopic(maths, state.NewTopicID, QStringLiteral("Dice"));
     };
     click(window.get(), "cmdNewTopic");
-    EXPECT_EQ(text("cboTopics") + text("cboSubtopics"), QStringLiteral("ChanceDice"));
+    EXPECT_EQ(filing(), QStringLiteral("Chance/Dice"));
     EXPECT_TRUE(state.StructureChanged);
 }
 
@@ -149,32 +159,33 @@ TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
 {
     open();
     EXPECT_EQ(hint(), QStringLiteral("Still needed before saving: a picture and an answer."));
+    messages.beforeAnswer = [&] {
+        EXPECT_FALSE(window->canvas().SelectionShown || window->canvas().isDragging());
+        EXPECT_FALSE(part("fraPictureControls")->isVisible());
+    };
+    // In the middle of a drag.
+    QTest::mousePress(canvas(), Qt::LeftButton, {}, {20, 20});
+    QTest::mouseMove(canvas(), {200, 90});
     messages.expectInform(saveError,
                           QStringLiteral("Cannot save because Answer is a required field."));
-    click(window.get(), "cmdSave");
+    key(Qt::Key_S, Qt::ControlModifier);
     answer(QStringLiteral("  "));
     messages.expectInform(saveError,
                           QStringLiteral("Cannot save because the picture of the question is "
                                          "missing.  Please paste a picture before saving."));
     click(window.get(), "cmdSave");
     click(window.get(), "cmdPaste");
-    EXPECT_FALSE(hintShown());
+    EXPECT_TRUE(hint().startsWith(QStringLiteral("Only the upper left 800 by 500 pixels")));
     drag({20, 20}, {90, 80});
-    const QString question = QStringLiteral("Are you sure you want to save this  question?");
-    messages.expectYesNo(QStringLiteral("Save?"), question, false);
-    messages.beforeAnswer = [&] {
-        EXPECT_FALSE(window->canvas().SelectionShown);
-        EXPECT_FALSE(control<QWidget>(window.get(), "fraPictureControls")->isVisible());
-    };
+    expectQuestion(false);
     click(window.get(), "cmdSave");
     EXPECT_EQ(questions(), 0);
-    EXPECT_TRUE(window->canvas().picQuestion.hasPicture());
-    messages.verify();
+    EXPECT_EQ(picture(), window->canvas().picQuestion.image());
 
-    messages.expectYesNo(QStringLiteral("Save?"), question, true);
+    expectQuestion(true);
     messages.expectInform(QStringLiteral("Question Saved"),
                           QStringLiteral("The question was saved successfully."));
-    QTest::keyClick(canvas(), Qt::Key_S, Qt::ControlModifier);
+    click(window.get(), "cmdSave");
     EXPECT_TRUE(state.QuestionSaved);
     EXPECT_FALSE(window->isVisible());
     EXPECT_EQ(library.value(QStringLiteral("SELECT TopicID, SubTopicNum, Answer FROM Questions")),
@@ -184,32 +195,27 @@ TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
 
 TEST_F(Authoring, AFailedSaveShowsNoBoxAndKeepsEverything)
 {
-    open();
-    click(window.get(), "cmdPaste");
-    answer(QStringLiteral("it's"));
-    EXPECT_TRUE(control<QLabel>(window.get(), "lblAnswerHint")->isVisible());
-    EXPECT_TRUE(hint().contains(QStringLiteral("apostrophe")));
+    openWithPicture();
     const auto fail = [&] {
-        messages.expectYesNo(QStringLiteral("Save?"),
-                             QStringLiteral("Are you sure you want to save this  question?"), true);
+        expectQuestion(true);
         click(window.get(), "cmdSave");
         messages.verify();
         EXPECT_TRUE(window->isVisible() && window->canvas().picQuestion.hasPicture());
         EXPECT_FALSE(state.QuestionSaved);
         EXPECT_EQ(questions(), 0);
     };
+    answer(QStringLiteral("it's"));
+    EXPECT_TRUE(part("lblAnswerHint")->isVisible());
+    EXPECT_TRUE(hint().contains(QStringLiteral("apostrophe")));
     fail();
     answer(QStringLiteral("its"));
-    control<ComboBox>(window.get(), "cboSubtopics")->clear();
-    fail();
-    EXPECT_EQ(hint(), QStringLiteral("Still needed before saving: a subtopic."));
-    open();
-    click(window.get(), "cmdPaste");
-    answer(QStringLiteral("7"));
     library.sql(QStringLiteral("CREATE TRIGGER t BEFORE INSERT ON Questions BEGIN "
                                "SELECT RAISE(ABORT, 'broken'); END"));
     fail();
     EXPECT_TRUE(hint().startsWith(QStringLiteral("The save failed. "))) << hint().toStdString();
+    combo("cboSubtopics")->clear();
+    fail();
+    EXPECT_EQ(hint(), QStringLiteral("Still needed before saving: a subtopic."));
 }
 
 TEST_F(Authoring, KeysDoWhatTheButtonsDo)
@@ -219,35 +225,50 @@ TEST_F(Authoring, KeysDoWhatTheButtonsDo)
     clipboard.picture = QImage();
     messages.expectInform(QStringLiteral("Paste Error"),
                           QStringLiteral("A question needs to be copied before it can be pasted."));
-    QTest::keyClick(canvas(), Qt::Key_V, Qt::ControlModifier);
+    key(Qt::Key_V, Qt::ControlModifier);
     messages.verify();
-    clipboard.picture = testPicture({1000, 700}, 5);
+    clipboard.picture = testPicture(captureSize, 5);
     // With the answer in focus too, as long as there is no text to paste there.
-    QTest::keyClick(control<QLineEdit>(window.get(), "txtAnswer"), Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(window->canvas().picQuestion.image().size(), QSize(1000, 700));
+    QTest::keyClick(part("txtAnswer"), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(picture().size(), captureSize);
     EXPECT_EQ(control<QScrollBar>(window.get(), "HScroll")->maximum(), 200);
 
     drag({50, 50}, {90, 80});
     EXPECT_EQ(canvas()->cursor().shape(), Qt::SizeAllCursor);
-    QTest::keyClick(canvas(), Qt::Key_Right);
-    QTest::keyClick(canvas(), Qt::Key_Up, Qt::ShiftModifier);
+    key(Qt::Key_Right);
+    key(Qt::Key_Up, Qt::ShiftModifier);
     EXPECT_EQ(selection(), QRect(51, 40, 40, 30));
-    QTest::keyClick(canvas(), Qt::Key_Delete);
-    EXPECT_EQ(window->canvas().picQuestion.picture().pixel(60, 50), QRgb(0xFFFFFFFF));
-    QTest::keyClick(canvas(), Qt::Key_Escape);
+    key(Qt::Key_Delete);
+    const QImage erased = picture();
+    EXPECT_EQ(erased.pixel(60, 50), QRgb(0xFFFFFFFF));
+    key(Qt::Key_Escape);
     EXPECT_FALSE(window->canvas().SelectionShown);
-    QTest::keyClick(canvas(), Qt::Key_Escape);
+    key(Qt::Key_Delete);
+    key(Qt::Key_Left);
+    EXPECT_EQ(picture(), erased);
+    key(Qt::Key_Escape);
     EXPECT_TRUE(window->isVisible()) << "there is a picture to lose";
-    QTest::keyClick(canvas(), Qt::Key_A, Qt::ControlModifier);
-    EXPECT_EQ(selection(), QRect(0, 0, 1000, 700));
+    key(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(selection(), QRect({0, 0}, captureSize));
     click(window.get(), "cmdCrop");
-    EXPECT_EQ(selection(), QRect(-100, -100, 1000, 700));
+    EXPECT_EQ(selection(), QRect({-100, -100}, captureSize));
+    answer(QStringLiteral("4"));
+    EXPECT_FALSE(part("lblSaveHint")->isVisible());
+
+    clipboard.picture = testPicture({1, 40'000});
+    messages.expectInform(QStringLiteral("Paste Error"),
+                          QStringLiteral("The copied picture is too large to work on: 1 by 40000 "
+                                         "pixels. Please copy a smaller part of it."));
+    click(window.get(), "cmdPaste");
+    EXPECT_EQ(picture().size(), questionPage);
+    open();
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(Authoring, TheMouseMayLeaveTheWindowOrBeCutShort)
 {
-    open();
-    click(window.get(), "cmdPaste");
+    openWithPicture();
     control<QScrollBar>(window.get(), "VScroll")->setValue(150);
     EXPECT_EQ(canvas()->y(), -150);
     drag({700, 600}, {5000, -5000});
@@ -257,6 +278,7 @@ TEST_F(Authoring, TheMouseMayLeaveTheWindowOrBeCutShort)
     // A second button changes nothing; a lost release ends at the next move.
     QTest::mousePress(canvas(), Qt::LeftButton, {}, {10, 200});
     QTest::mousePress(canvas(), Qt::RightButton, {}, {20, 210});
+    EXPECT_EQ(window->canvas().SelX1, 10);
     QMouseEvent move(QEvent::MouseMove, QPointF(60, 230), QPointF(60, 230), Qt::NoButton,
                      Qt::NoButton, Qt::NoModifier);
     QCoreApplication::sendEvent(canvas(), &move);
@@ -272,21 +294,24 @@ TEST_F(Authoring, TheMouseMayLeaveTheWindowOrBeCutShort)
 
 TEST_F(Authoring, TextGoesFromTheDialogToTheSelectionsCorner)
 {
-    open();
-    click(window.get(), "cmdPaste");
+    openWithPicture();
     drag({100, 500}, {150, 560});
-    const auto withDialog = [&](const std::function<void(QWidget*)>& use) {
-        QTimer::singleShot(0, [use] { use(QApplication::activeModalWidget()); });
+    const CanvasFont& font = window->canvas().font;
+    QWidget* dialog = nullptr;
+    const auto withDialog = [&](const std::function<void()>& use) {
+        QTimer::singleShot(0, [&dialog, use] {
+            dialog = QApplication::activeModalWidget();
+            use();
+        });
         click(window.get(), "cmdText");
     };
-    const auto choose = [&](QWidget* dialog, bool bold) {
+    const auto box = [&](const char* name) { return control<QCheckBox>(dialog, name); };
+    withDialog([&] {
         control<QRadioButton>(dialog, "optVerdana")->click();
         control<ListBox>(dialog, "lstFontSize")->setListIndex(7);
-        control<QCheckBox>(dialog, "chkBold")->setChecked(bold);
-    };
-    withDialog([&](QWidget* dialog) {
-        choose(dialog, true);
-        EXPECT_EQ(control<QLabel>(dialog, "lblSample")->font(), stampFont(window->canvas().font));
+        box("chkBold")->click();
+        box("chkUnderline")->click();
+        EXPECT_EQ(control<QLabel>(dialog, "lblSample")->font(), stampFont(font));
         messages.expectInform(QStringLiteral("Missing Text"),
                               QStringLiteral("Please enter the text you would like to add."));
         control<QLineEdit>(dialog, "txtText")->setText(QStringLiteral("   "));
@@ -294,25 +319,27 @@ TEST_F(Authoring, TextGoesFromTheDialogToTheSelectionsCorner)
         click(dialog, "cmdCancel");
     });
     EXPECT_TRUE(window->canvas().SelectionShown);
-    EXPECT_EQ(window->canvas().font.name, QStringLiteral("Verdana"));
-    EXPECT_EQ(window->canvas().font.size, 24);
-    const QImage before = window->canvas().picQuestion.picture();
-    withDialog([&](QWidget* dialog) {
+    EXPECT_EQ(font.name + QString::number(font.size), QStringLiteral("Verdana24"));
+    EXPECT_TRUE(font.bold && font.underline && !font.italic);
+    const QImage before = picture();
+    withDialog([&] {
         // The face and the size start afresh; the style stays with the canvas, unticked.
-        EXPECT_EQ(window->canvas().font.name, QStringLiteral("MS Sans Serif"));
-        EXPECT_EQ(window->canvas().font.size, 10);
-        EXPECT_TRUE(window->canvas().font.bold);
-        EXPECT_FALSE(control<QCheckBox>(dialog, "chkBold")->isChecked());
+        EXPECT_EQ(font.name + QString::number(font.size), QStringLiteral("MS Sans Serif10"));
+        EXPECT_TRUE(font.bold && font.underline && !font.italic);
+        EXPECT_FALSE(box("chkBold")->isChecked() || box("chkUnderline")->isChecked());
         EXPECT_TRUE(control<QLabel>(dialog, "lblStyleHint")->isVisible());
         auto* line = control<QLineEdit>(dialog, "txtText");
         line->setText(QStringLiteral(" Part  a "));
         QTest::keyClick(line, Qt::Key_Return);
     });
     EXPECT_EQ(state.TextToAdd, QStringLiteral("Part  a"));
-    EXPECT_NE(window->canvas().picQuestion.picture(), before);
-    EXPECT_EQ(window->canvas().picQuestion.picture().copy(0, 0, 1000, 500),
-              before.copy(0, 0, 1000, 500));
+    const QImage stamped = picture();
+    EXPECT_NE(stamped, before);
+    EXPECT_EQ(stamped.copy(0, 0, 1000, 500), before.copy(0, 0, 1000, 500));
     EXPECT_FALSE(window->canvas().SelectionShown);
+    drag({100, 500}, {150, 560});
+    withDialog([&] { click(dialog, "cmdCancel"); });
+    EXPECT_EQ(picture(), stamped);
 }
 
 } // namespace varnholt::test

@@ -1,4 +1,5 @@
 #include "authoring/PictureCanvas.h"
+#include "authoring/filing.h"
 #include "authoring/question_save.h"
 #include "store/connection.h"
 #include "support/test_library.h"
@@ -30,15 +31,22 @@ double psnr(const QImage& a, const QImage& b)
 {
     double sum = 0;
     for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
-            sum += std::pow(qRed(p) - qRed(q), 2) + std::pow(qGreen(p) - qGreen(q), 2) +
-                   std::pow(qBlue(p) - qBlue(q), 2);
+        for (int x = 0; x < 4 * a.width(); ++x) {
+            sum += std::pow(a.constScanLine(y)[x] - b.constScanLine(y)[x], 2);
         }
     }
     return 10 * std::log10(255.0 * 255 * 3 * a.width() * a.height() / sum);
 }
+
+const QStringList pictureOnly{QStringLiteral("1.jpg")};
+
+struct Outcome
+{
+    SaveStep step;
+    bool row;      ///< after a failure there, without an old picture
+    bool rowByOld; ///< the same with an old picture under the new key
+    bool aside;    ///< the old picture has been renamed
+};
 
 class QuestionSave : public testing::Test
 {
@@ -58,57 +66,42 @@ protected:
         canvas.Paste(shot);
     }
 
-    std::int32_t saveIn(const QString& folder, const SaveStepObserver& observer,
-                        const QString& answer = QStringLiteral("x = 2"))
+    std::int32_t save(const SaveStepObserver& observer = {},
+                      const QString& answer = QStringLiteral("x = 2"))
     {
+        // A process started anew by a test is told where the library is.
+        const QString folder = qEnvironmentVariable(folderVariable, library.folder());
         Connection connection;
         connection.open(folder + QStringLiteral("/Varnholt.mdb"));
         return SaveQuestion(connection, folder, {1, 7, 9, answer}, canvas, observer);
     }
-    std::int32_t save(const SaveStepObserver& observer = {},
-                      const QString& answer = QStringLiteral("x = 2"))
-    {
-        return saveIn(library.folder(), observer, answer);
-    }
     QStringList rows() const { return library.sql(QStringLiteral("SELECT * FROM Questions")); }
+    QString filesFolder() const { return library.folder() + QStringLiteral("/Files"); }
     QStringList files() const
     {
-        return QDir(library.folder() + QStringLiteral("/Files"))
-            .entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
+        return QDir(filesFolder()).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
     }
     /// A file that has the first question's name already.
-    void leaveOldPicture(const QString& name)
+    void leaveOldPicture(const char* name)
     {
-        testPicture({60, 40}, 1).save(library.folder() + QStringLiteral("/Files/") + name, "JPG");
+        testPicture({60, 40}, 1).save(filesFolder() + u'/' + QLatin1String(name), "JPG");
     }
 
+    static constexpr const char* folderVariable = "VARNHOLT_TEST_KILLED_SAVE";
     TestLibrary library;
     PictureCanvas canvas;
 };
 
-const QStringList pictureOnly{QStringLiteral("1.jpg")};
-const QString oldName = QStringLiteral("1.JPG");
-const QString asideName = QStringLiteral("1.JPG.bak");
-
-SaveStepObserver failAt(SaveStep failing)
+class FailingSave : public QuestionSave, public testing::WithParamInterface<Outcome>
 {
-    return [failing](SaveStep step) {
-        if (step == failing) {
+protected:
+    const Outcome& outcome = GetParam();
+    const SaveStepObserver fail = [this](SaveStep step) {
+        if (step == outcome.step) {
             throw Error(QStringLiteral("broken on purpose"));
         }
     };
-}
-
-struct Outcome
-{
-    SaveStep step;
-    bool row;      ///< after a failure there, without an old picture
-    bool rowByOld; ///< the same with an old picture under the new key
-    bool aside;    ///< the old picture has been renamed
 };
-
-class FailingSave : public QuestionSave, public testing::WithParamInterface<Outcome>
-{};
 
 } // namespace
 
@@ -117,63 +110,59 @@ TEST_F(QuestionSave, StoresWhatTheWindowShowed)
     EXPECT_EQ(save(), 1);
     EXPECT_EQ(rows(), QStringList(QStringLiteral("1|7|9|x = 2|1|1")));
     EXPECT_EQ(files(), pictureOnly);
-    const QImage shown = canvas.picQuestion.image();
     const QImage stored = djpeg(library.picturePath(1));
     ASSERT_EQ(stored.size(), questionPage);
-    // The library's encoder at the same quality says what error is to be expected.
+    // The library's encoder at the same quality says what error and size are to be expected.
     QImage page(questionPage, QImage::Format_RGB32);
     page.fill(Qt::white);
-    QPainter(&page).drawImage(0, 0, shown);
+    QPainter(&page).drawImage(0, 0, canvas.picQuestion.image());
     const QString other = library.folder() + QStringLiteral("/other.jpg");
     page.save(other, "JPG", 75);
     EXPECT_GT(psnr(stored, page), psnr(djpeg(other), page) - 0.3);
-    // Below the capture the page is white.
-    EXPECT_EQ(stored.pixel(400, 495), QRgb(0xFFFFFFFF));
-}
+    QFile file(library.picturePath(1));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    EXPECT_EQ(bytes.at(bytes.indexOf("\xFF\xC0") + 11), '\x22') << "luminance 2 x 2";
+    EXPECT_LE(file.size(), QFileInfo(other).size());
+    EXPECT_EQ(stored.pixel(400, 495), QRgb(0xFFFFFFFF)) << "white below the capture";
 
-TEST_F(QuestionSave, AnApostropheWritesNothing)
-{
     EXPECT_THROW(save({}, QStringLiteral("it's")), DatabaseError);
-    EXPECT_TRUE(rows().isEmpty());
-    EXPECT_TRUE(files().isEmpty());
+    EXPECT_EQ(rows().size(), 1);
+    EXPECT_EQ(files(), pictureOnly);
 }
 
 TEST_P(FailingSave, LeavesTheRowAtMostAndNeverAnOldPictureOnIt)
 {
-    const Outcome& outcome = GetParam();
-    EXPECT_THROW(save(failAt(outcome.step)), Error);
+    EXPECT_THROW(save(fail), Error);
     EXPECT_EQ(rows().size(), outcome.row ? 1 : 0);
     EXPECT_TRUE(files().isEmpty());
 }
 
 TEST_P(FailingSave, WithAnOldPictureUnderTheNewKey)
 {
-    const Outcome& outcome = GetParam();
-    leaveOldPicture(oldName);
-    EXPECT_THROW(save(failAt(outcome.step)), Error);
+    leaveOldPicture("1.JPG");
+    EXPECT_THROW(save(fail), Error);
     EXPECT_EQ(rows().size(), outcome.rowByOld ? 1 : 0);
-    EXPECT_EQ(files(), QStringList(outcome.aside ? asideName : oldName));
+    EXPECT_EQ(files(),
+              QStringList(outcome.aside ? QStringLiteral("1.JPG.bak") : QStringLiteral("1.JPG")));
 }
 
 /// A killed program: neither row nor half a picture; the next save goes well.
 TEST_P(FailingSave, KilledThere)
 {
-    const auto die = [](SaveStep step) {
-        if (step == GetParam().step) {
+    const auto die = [this](SaveStep step) {
+        if (step == outcome.step) {
             std::_Exit(9);
         }
     };
-    // The process that dies starts this test anew, and is told where the library is.
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const char* variable = "VARNHOLT_TEST_KILLED_SAVE";
-    if (qEnvironmentVariableIsEmpty(variable)) {
-        qputenv(variable, library.folder().toUtf8());
+    if (qEnvironmentVariableIsEmpty(folderVariable)) {
+        qputenv(folderVariable, library.folder().toUtf8());
     }
-    EXPECT_EXIT(saveIn(qEnvironmentVariable(variable), die), testing::ExitedWithCode(9), "");
-    qunsetenv(variable);
+    EXPECT_EXIT(save(die), testing::ExitedWithCode(9), "");
+    qunsetenv(folderVariable);
     EXPECT_TRUE(rows().isEmpty());
-    const bool written = GetParam().step == SaveStep::Commit;
-    EXPECT_EQ(files(), written ? pictureOnly : QStringList());
+    EXPECT_EQ(files(), outcome.step == SaveStep::Commit ? pictureOnly : QStringList());
     EXPECT_EQ(save(), 1);
     EXPECT_EQ(djpeg(library.picturePath(1)).size(), questionPage);
 }
@@ -188,11 +177,11 @@ INSTANTIATE_TEST_SUITE_P(Steps, FailingSave,
                                          Outcome{SaveStep::WritePicture, true, true, true},
                                          Outcome{SaveStep::Commit, false, false, true}));
 
-TEST_F(QuestionSave, AnOldPictureIsKeptUnderAnotherName)
+TEST_F(QuestionSave, OldPicturesAreKeptUnderOtherNames)
 {
-    leaveOldPicture(oldName);
-    leaveOldPicture(asideName);
-    leaveOldPicture(QStringLiteral("1.jpg"));
+    leaveOldPicture("1.JPG");
+    leaveOldPicture("1.JPG.bak");
+    leaveOldPicture("1.jpg");
     EXPECT_EQ(save(), 1);
     EXPECT_EQ(files(), QStringList({QStringLiteral("1.JPG.bak"), QStringLiteral("1.JPG.bak2"),
                                     QStringLiteral("1.jpg"), QStringLiteral("1.jpg.bak")}));
@@ -208,20 +197,22 @@ TEST_F(QuestionSave, AFullDiskOrAFolderThatIsNoneLeavesARowWithoutPicture)
     const auto fill = [&](SaveStep step) {
         rlimit full = usual;
         full.rlim_cur = step == SaveStep::WritePicture ? 20'000 : usual.rlim_cur;
-        if (step == SaveStep::WritePicture || step == SaveStep::Commit) {
-            setrlimit(RLIMIT_FSIZE, &full);
-        }
+        setrlimit(RLIMIT_FSIZE, &full);
     };
     EXPECT_THROW(save(fill), Error);
     setrlimit(RLIMIT_FSIZE, &usual);
     EXPECT_TRUE(files().isEmpty());
     EXPECT_EQ(rows().size(), 1);
 
-    QDir().rmdir(library.folder() + QStringLiteral("/Files"));
-    QFile file(library.folder() + QStringLiteral("/Files"));
+    const SaveReadiness ready{QStringLiteral("4"), true, true, false};
+    EXPECT_TRUE(SaveObstacle(ready, library.folder()).isEmpty());
+    EXPECT_FALSE(SaveObstacle({QStringLiteral("4"), true, true, true}, library.folder()).isEmpty());
+    QDir().rmdir(filesFolder());
+    QFile file(filesFolder());
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     EXPECT_THROW(save(), Error);
     EXPECT_EQ(rows().size(), 2);
+    EXPECT_TRUE(SaveObstacle(ready, library.folder()).contains(filesFolder()));
     file.remove();
     EXPECT_NO_THROW(save());
     EXPECT_EQ(files().size(), 1);

@@ -12,39 +12,35 @@ namespace varnholt::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
+struct Region
+{
+    int width = 0;
+    int height = 0;
+    int left = 0;
+    int top = 0;
+};
+
+/// What the encoder writes; with `region`, every kernel set samples and writes it, and all
+/// must write the same bytes.
 Bytes encode(const cJpeg& encoder);
+Bytes encode(cJpeg& encoder, const DeviceContext& picture, const Region& region);
 
-/// Decoded to rows of blue, green, red, top row first. Any warning of the decoder is a failure.
-struct Decoded
+struct Component
 {
-    int width = 0;
-    int height = 0;
-    Bytes pixels;
+    int h = 0;
+    int v = 0;
+    int blocksWide = 0;
+    std::array<int, 64> table{};             // row by row
+    std::vector<std::array<int, 64>> blocks; // row by row
 };
-Decoded decode(const Bytes& file);
-
-struct Coefficients
-{
-    struct Component
-    {
-        int h = 0;
-        int v = 0;
-        int blocksWide = 0;
-        int blocksHigh = 0;
-        std::array<int, 64> table{};             // row by row
-        std::vector<std::array<int, 64>> blocks; // row by row
-    };
-    int width = 0;
-    int height = 0;
-    std::vector<Component> components;
-};
-/// The quantised coefficients as libjpeg-turbo reads them, at any sampling.
-Coefficients readCoefficients(const Bytes& file);
+/// The components' quantised coefficients, at any sampling. A warning is a failure.
+std::vector<Component> readCoefficients(const Bytes& file);
 
 /// Computes every component of the region from its pixels by the definitions (area average,
 /// conversion, repeated edges, discrete cosine transform), and demands that each coefficient
-/// of the file is as near to it as its quantisation step allows.
-void checkCoefficients(const Coefficients& file, const BitmapView& picture, int left, int top);
+/// of the file is as near to it as its quantisation step allows, and that the file decodes to
+/// the region's size wherever the sampling is one libjpeg-turbo can decode.
+void check(const Bytes& file, const DeviceContext& picture, const Region& region);
 
 struct Segment
 {
@@ -53,5 +49,8 @@ struct Segment
 };
 /// All marker segments up to the end; entropy-coded data is skipped.
 std::vector<Segment> segments(const Bytes& file);
+
+/// Value of the cosine of frequency `u` (0 to 7) at sample `x`, by T.81 A.3.3.
+double wave(int u, int x);
 
 } // namespace varnholt::test

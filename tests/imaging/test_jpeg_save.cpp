@@ -1,4 +1,5 @@
-#include "imaging/cJpeg.h"
+#include "imaging/jpeg_markers.h"
+#include "imaging/new_file.h"
 #include "imaging/reference_jpeg.h"
 #include "imaging/test_pictures.h"
 
@@ -24,7 +25,6 @@ protected:
         std::string pattern = (fs::temp_directory_path() / "imaging-XXXXXX").string();
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         m_folder = pattern;
-        m_picture = makePicture(Kind::Noise, 120, 90);
         ASSERT_EQ(m_encoder.SampleHDC(&m_picture, 120, 90), cJpeg::Sampled);
     }
     void TearDown() override { fs::remove_all(m_folder); }
@@ -34,49 +34,51 @@ protected:
         std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
-    std::size_t filesInFolder() const
+    void expectFiles(std::ptrdiff_t count) const
     {
-        return static_cast<std::size_t>(
-            std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
+        EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), {}), count);
     }
 
     fs::path m_folder;
-    DeviceContext m_picture;
+    const DeviceContext m_picture = makePicture(Kind::Noise, 120, 90);
     cJpeg m_encoder;
 };
 
-TEST_F(SaveTest, WritesExactlyOneFileWithTheEncodedBytes)
+TEST_F(SaveTest, WritesExactlyOneFileAndNeverReplacesOne)
 {
     const fs::path name = m_folder / fs::path(u8"Frage \u00fc\u03c0.jpg");
     EXPECT_EQ(m_encoder.SaveFile(name), cJpeg::Written);
     const Bytes expected = encode(m_encoder);
     EXPECT_EQ(contents(name), std::string(expected.begin(), expected.end()));
-    EXPECT_EQ(filesInFolder(), 1U);
-    EXPECT_EQ(m_encoder.SaveFile(m_folder / "again.jpg"), cJpeg::Written);
-}
+    expectFiles(1);
 
-TEST_F(SaveTest, NeverReplacesWhatHasTheName)
-{
-    const fs::path file = m_folder / "taken.jpg";
-    std::ofstream(file) << "precious";
+    std::ofstream(m_folder / "taken.jpg") << "precious";
     fs::create_symlink(m_folder / "nowhere", m_folder / "link.jpg");
     fs::create_directory(m_folder / "folder.jpg");
-    for (const char* name : {"taken.jpg", "link.jpg", "folder.jpg"})
-        EXPECT_EQ(m_encoder.SaveFile(m_folder / name), cJpeg::FileExists) << name;
-    EXPECT_EQ(contents(file), "precious");
-    EXPECT_EQ(filesInFolder(), 3U);
+    for (const char* taken : {"taken.jpg", "link.jpg", "folder.jpg"})
+        EXPECT_EQ(m_encoder.SaveFile(m_folder / taken), cJpeg::FileExists) << taken;
+    EXPECT_EQ(contents(m_folder / "taken.jpg"), "precious");
+    expectFiles(4);
 }
 
-TEST_F(SaveTest, ReportsWhatCannotBeWritten)
+TEST_F(SaveTest, ANameTakenInTheMeantimeIsLeftAlone)
+{
+    {
+        NewFile file(m_folder / "a.jpg");
+        ASSERT_TRUE(file.isOpen());
+        std::ofstream(m_folder / "a.jpg") << "precious";
+        EXPECT_EQ(file.finish(), NewFile::Outcome::NameTaken);
+    }
+    EXPECT_EQ(contents(m_folder / "a.jpg"), "precious");
+    expectFiles(1);
+}
+
+TEST_F(SaveTest, ReportsWhatCannotBeWrittenAndLeavesNothing)
 {
     EXPECT_EQ(m_encoder.SaveFile({}), cJpeg::EmptyName);
     EXPECT_EQ(m_encoder.SaveFile(m_folder / "missing" / "a.jpg"), cJpeg::CannotCreate);
     EXPECT_EQ(cJpeg().SaveFile(m_folder / "a.jpg"), cJpeg::NothingSampled);
-    EXPECT_EQ(filesInFolder(), 0U);
-}
 
-TEST_F(SaveTest, AFullDiskLeavesNothing)
-{
     // A limit on the size of files fails writes the way a full disk does.
     const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
     rlimit old{};
@@ -87,38 +89,34 @@ TEST_F(SaveTest, AFullDiskLeavesNothing)
         const auto result = m_encoder.SaveFile(m_folder / "a.jpg");
         setrlimit(RLIMIT_FSIZE, &old);
         EXPECT_EQ(result, cJpeg::NotWritten) << limit;
-        EXPECT_EQ(filesInFolder(), 0U);
+        expectFiles(0);
     }
     std::signal(SIGXFSZ, oldHandler);
     EXPECT_EQ(m_encoder.SaveFile(m_folder / "a.jpg"), cJpeg::Written);
 }
 
-std::vector<int> markers(const std::vector<Segment>& all)
-{
-    std::vector<int> result;
-    for (const Segment& segment : all)
-        result.push_back(segment.marker);
-    return result;
-}
-
 TEST_F(SaveTest, SegmentsStandInTheirOrder)
 {
+    const auto expectMarkers = [&](const std::vector<int>& expected) {
+        std::vector<int> found;
+        for (const Segment& segment : segments(encode(m_encoder)))
+            found.push_back(segment.marker);
+        EXPECT_EQ(found, expected);
+    };
     m_encoder.Comment("A note");
+    expectMarkers({0xD8, 0xE0, 0xFE, 0xFE, 0xDB, 0xDB, 0xC0, 0xC4, 0xC4, 0xDA, 0xD9});
     const auto colour = segments(encode(m_encoder));
-    EXPECT_EQ(markers(colour),
-              (std::vector<int>{0xD8, 0xE0, 0xFE, 0xFE, 0xDB, 0xDB, 0xC0, 0xC4, 0xC4, 0xDA, 0xD9}));
     EXPECT_EQ(colour[1].content, std::string("JFIF\0\1\1\0\0\1\0\1\0\0", 14));
     EXPECT_EQ(colour[2].content, "A note");
     EXPECT_EQ(colour[3].content.substr(0, 20), "JPEG Encoder Class\r\n");
     EXPECT_EQ(std::count(colour[3].content.begin(), colour[3].content.end(), '\n'), 2);
 
-    cJpeg grey;
-    grey.SetSamplingFrequencies(2, 2, 0, 0, 0, 0);
-    ASSERT_EQ(grey.SampleHDC(&m_picture, 120, 90), cJpeg::Sampled);
-    const auto segmentsOfGrey = segments(encode(grey));
-    EXPECT_EQ(markers(segmentsOfGrey),
-              (std::vector<int>{0xD8, 0xE0, 0xFE, 0xDB, 0xC0, 0xC4, 0xDA, 0xD9}));
-    EXPECT_EQ(segmentsOfGrey[4].content.substr(5), std::string("\1\1\x11\0", 4)) << "sampled 1x1";
+    m_encoder.Comment({});
+    m_encoder.SetSamplingFrequencies(2, 2, 0, 0, 0, 0);
+    ASSERT_EQ(m_encoder.SampleHDC(&m_picture, 120, 90), cJpeg::Sampled);
+    expectMarkers({0xD8, 0xE0, 0xFE, 0xDB, 0xC0, 0xC4, 0xDA, 0xD9});
+    EXPECT_EQ(segments(encode(m_encoder))[4].content.substr(5), std::string("\1\1\x11\0", 4))
+        << "sampled 1x1";
 }
 
 TEST_F(SaveTest, CommentsOfAnyAllowedLengthAreKeptWhole)
@@ -137,13 +135,12 @@ TEST_F(SaveTest, CommentsOfAnyAllowedLengthAreKeptWhole)
             }
         }
         EXPECT_EQ(found, text);
-        EXPECT_EQ(decode(file).width, 120);
+        check(file, m_picture, {120, 90});
     }
 }
 
 TEST_F(SaveTest, WrongUseRaisesTheNumberedErrors)
 {
-    m_encoder.Comment("kept");
     const auto expectError = [](auto&& work, const char* text) {
         try {
             work();
@@ -153,9 +150,9 @@ TEST_F(SaveTest, WrongUseRaisesTheNumberedErrors)
             EXPECT_STREQ(error.what(), text);
         }
     };
-    expectError([&] { m_encoder.Comment(std::string(65536, 'x')); }, "Illegal Comment Length");
-    EXPECT_EQ(m_encoder.Comment(), "kept");
+    m_encoder.Comment("kept");
     const Bytes before = encode(m_encoder);
+    expectError([&] { m_encoder.Comment(std::string(65536, 'x')); }, "Illegal Comment Length");
     for (const auto& f : {std::array{0, 1, 1, 1, 1, 1}, std::array{1, 5, 1, 1, 1, 1},
                           std::array{1, 1, 0, 1, 1, 1}, std::array{1, 1, 1, 1, 1, -1},
                           std::array{5, 1, 0, 0, 0, 0}, std::array{2, 2, 0, 0, 0, 1}})
@@ -163,6 +160,20 @@ TEST_F(SaveTest, WrongUseRaisesTheNumberedErrors)
                     "Invalid Sampling Value");
     ASSERT_EQ(m_encoder.SampleHDC(&m_picture, 120, 90), cJpeg::Sampled);
     EXPECT_EQ(encode(m_encoder), before) << "failed settings must change nothing";
+
+    QuantTable table = baseQuantTable(0);
+    table[5] = 0;
+    expectError([&] { dctScale(table); }, "Bad Quantization Table");
+    table[5] = 256;
+    const jpeg::ByteSink sink = [](auto) { return true; };
+    jpeg::ByteWriter out(sink);
+    expectError([&] { jpeg::writeQuantTable(out, 0, table); },
+                "Illegal precission in Quantization Table");
+    // A symbol missing, one twice, too many codes of a length, the code of all ones.
+    const HuffmanList noCodes[] = {
+        {{0, 0, 2}, {7}}, {{0, 0, 2}, {7, 7}}, {{0, 3}, {0, 1, 2}}, {{0, 2}, {0, 1}}};
+    for (const HuffmanList& list : noCodes)
+        expectError([&] { huffmanCodes(list); }, "Bad Huffman Table");
 }
 
 } // namespace

@@ -2,7 +2,15 @@
 
 #include "imaging/DeviceContext.h"
 
+#include <functional>
+#include <string>
+
 namespace varnholt::test {
+
+using ColourOf = std::function<Bgr(int x, int y)>;
+
+/// A 24-bit picture of the colours given.
+DeviceContext paint(int width, int height, const ColourOf& colourOf);
 
 enum class Kind
 {
@@ -16,10 +24,13 @@ enum class Kind
 DeviceContext makePicture(Kind kind, int width, int height, unsigned seed = 1);
 
 /// Noise at any bit count, below 24 bits with a colour table of its own.
-DeviceContext makeIndexed(int width, int height, int bitCount, unsigned seed = 1);
+DeviceContext makeNoise(int width, int height, int bitCount, unsigned seed = 1);
 
 /// A pixel's place in its row's bytes is worked out afresh here, from the format's definition.
 int indexAt(const BitmapView& view, int x, int y);
 Bgr colourAt(const BitmapView& view, int x, int y);
+
+/// Empty when the bitmap has this size and these colours, else where it first differs.
+std::string difference(const BitmapView& found, int width, int height, const ColourOf& expected);
 
 } // namespace varnholt::test

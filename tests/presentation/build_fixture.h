@@ -17,17 +17,13 @@ inline const QString abortText = QStringLiteral(
     "The creation of the powerpoint has been aborted because one of the questions selected is "
     "missing a picture file. Please go to Manage Assessments and delete that questions.");
 
-/// A legible picture; no density is written when `dotsPerInch` is 0.
+/// A picture; no density is written when `dotsPerInch` is 0.
 inline QString writePicture(const QString& path, QSize size, double dotsPerInch,
                             const char* format = "jpeg")
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(QColor(235, 240, 250));
-    QPainter painter(&image);
-    painter.setPen(QPen(Qt::darkBlue, 4));
-    painter.drawRect(image.rect().adjusted(4, 4, -5, -5));
-    painter.drawLine(0, 0, size.width(), size.height());
-    painter.end();
+    QPainter(&image).drawLine(0, 0, size.width(), size.height());
     const int dotsPerMetre = qRound(dotsPerInch / 0.0254);
     image.setDotsPerMeterX(dotsPerMetre);
     image.setDotsPerMeterY(dotsPerMetre);
@@ -59,13 +55,14 @@ protected:
         topics_.append(topic);
     }
 
-    BuildOutcome build(PresentationProgram& program, bool topicLine, bool answerKey)
+    BuildOutcome build(PresentationProgram& program, bool topicLine, bool answerKey,
+                       const BuildProgress& progress = {})
     {
         const BuildInput input{
             pool_, topicLine, answerKey,
             [this](const QuestionRecord& q) { return topics_.at(q.SOLIndex - 1); },
             [this](const QuestionRecord& q) { return picture(q.PictureIndex); }};
-        return BuildPresentation(program, input, boxes_, {});
+        return BuildPresentation(program, input, boxes_, progress);
     }
 
     QTemporaryDir folder_;

@@ -19,19 +19,14 @@ namespace varnholt::test {
 
 namespace {
 
-/// %1 is the folder of this host. Functions only: what they return is the answer.
+/// What they return is the answer.
 const QString macros = uR"(
 Function Presentation()
   Dim components, c
   components = StarDesktop.Components.createEnumeration()
   Do While components.hasMoreElements()
     c = components.nextElement()
-    If HasUnoInterfaces(c, "com.sun.star.lang.XServiceInfo") Then
-      If c.supportsService("com.sun.star.presentation.PresentationDocument") Then
-        Presentation = c
-        Exit Function
-      End If
-    End If
+    If HasUnoInterfaces(c, "com.sun.star.drawing.XDrawPagesSupplier") Then Presentation = c
   Loop
 End Function
 
@@ -47,18 +42,22 @@ Function Dump
     text = text & "slide;" & page.Width & ";" & page.Height & ";" & page.Layout & Chr(10)
     For k = 0 To page.Count - 1
       s = page.getByIndex(k)
-      text = text & s.ShapeType & ";" & s.Position.X & ";" & s.Position.Y & ";" & s.Size.Width & ";" & _
+      text = text & "shape;" & s.Position.X & ";" & s.Position.Y & ";" & s.Size.Width & ";" & _
         s.Size.Height & ";" & s.Description & ";" & Join(Split(s.String, Chr(10)), "|") & Chr(10)
     Next k
   Next i
   Dump = text
 End Function
 
-Function StorePdf
+Function OpenFile(path)
+  OpenFile = StarDesktop.loadComponentFromURL(ConvertToURL(path), "_blank", 0, Array()).Title
+End Function
+
+Function StorePdf(path)
   Dim args(0) As New com.sun.star.beans.PropertyValue
   args(0).Name = "FilterName" : args(0).Value = "impress_pdf_Export"
-  Presentation().storeToURL(ConvertToURL("%1/held.pdf"), args())
-  StorePdf = "stored"
+  Presentation().storeToURL(ConvertToURL(path), args())
+  StorePdf = path
 End Function
 
 Function CloseAll
@@ -89,7 +88,7 @@ OfficeHost::OfficeHost(const QString& moreMacros)
 OfficeHost::~OfficeHost()
 {
     signalOffice(SIGKILL);
-    for (int i = 0; i < 100 && !processes().isEmpty(); ++i) {
+    for (int i = 0; i < 1000 && !processes().isEmpty(); ++i) {
         QThread::msleep(20);
     }
     display_.kill();
@@ -98,12 +97,13 @@ OfficeHost::~OfficeHost()
 
 void OfficeHost::startDisplay()
 {
+    constexpr int limitMs = 120'000;
     // The office ends with its display, and the display with us, however that comes about.
     display_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    display_.start(u"Xvfb"_s, {u"-noreset"_s, u"-nolisten"_s, u"tcp"_s, u"-displayfd"_s, u"1"_s,
-                               u"-screen"_s, u"0"_s, u"1600x1000x24"_s});
+    display_.start(u"Xvfb"_s,
+                   u"-noreset -nolisten tcp -displayfd 1 -screen 0 1600x1000x24"_s.split(u' '));
     while (!display_.canReadLine()) {
-        if (!display_.waitForReadyRead(20'000)) {
+        if (!display_.waitForReadyRead(limitMs)) {
             problem_ = u"Xvfb does not start"_s;
             return;
         }
@@ -111,17 +111,11 @@ void OfficeHost::startDisplay()
     displayName_ = u':' + QString::fromLatin1(display_.readLine().trimmed());
 }
 
-QString OfficeHost::profileArgument(const QString& name) const
-{
-    return u"-env:UserInstallation="_s +
-           QUrl::fromLocalFile(folder_.filePath(name)).toString(QUrl::FullyEncoded);
-}
-
 void OfficeHost::writeMacros(QString source)
 {
     // A profile's first start writes over what is there, so that comes first.
-    QProcess::execute(u"soffice"_s, {profileArgument(u"profile"_s), u"--headless"_s,
-                                     u"--terminate_after_init"_s});
+    QProcess::execute(u"soffice"_s, settings().arguments +
+                                        QStringList{u"--headless"_s, u"--terminate_after_init"_s});
     const QString module =
         u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
         "<script:module xmlns:script=\"http://openoffice.org/2000/script\" "
@@ -137,12 +131,15 @@ void OfficeHost::writeMacros(QString source)
 ImpressSettings OfficeHost::settings() const
 {
     ImpressSettings settings;
-    settings.arguments = QStringList{profileArgument(u"profile"_s)};
+    settings.arguments = QStringList{u"-env:UserInstallation="_s +
+                                     QUrl::fromLocalFile(filePath(u"profile"_s)).toString()};
+    settings.startLimitMs = 240'000;
+    settings.handOverMs = 20'000;
     settings.environment = QStringList{u"DISPLAY="_s + displayName_, u"SAL_USE_VCLPLUGIN=gen"_s};
     return settings;
 }
 
-QString OfficeHost::runMacro(const QString& name)
+QString OfficeHost::runMacro(const QString& name, const QStringList& arguments)
 {
     OfficeConnection connection;
     connection.open(settings());
@@ -153,19 +150,15 @@ QString OfficeHost::runMacro(const QString& name)
     const auto script = factory->createScriptProvider(css::uno::Any(rtl::OUString()))
                             ->getScript(toUno(u"vnd.sun.star.script:Standard.Module1.%1?"
                                               "language=Basic&location=application"_s.arg(name)));
+    std::vector<css::uno::Any> values;
+    for (const QString& argument : arguments) {
+        values.emplace_back(toUno(argument));
+    }
     css::uno::Sequence<sal_Int16> places;
     css::uno::Sequence<css::uno::Any> outputs;
     rtl::OUString result;
-    script->invoke({}, places, outputs) >>= result;
+    script->invoke({values.data(), sal_Int32(values.size())}, places, outputs) >>= result;
     return fromUno(result);
-}
-
-void OfficeHost::convertToPdf(const QString& file)
-{
-    QProcess process;
-    process.start(u"soffice"_s, {profileArgument(u"second"_s), u"--headless"_s, u"--convert-to"_s,
-                                 u"pdf"_s, u"--outdir"_s, folder_.path(), file});
-    process.waitForFinished(60'000);
 }
 
 QList<qint64> OfficeHost::processes() const

@@ -31,19 +31,15 @@ public:
     [[nodiscard]] QString filePath(const QString& name) const { return folder_.filePath(name); }
 
     /// Runs one of the macros in the office, which is started when there is none.
-    QString runMacro(const QString& name);
-
-    /// Runs a one-shot, windowless office on a second profile.
-    void convertToPdf(const QString& file);
+    QString runMacro(const QString& name, const QStringList& arguments = {});
 
     /// Sends a signal to the office's processes.
     void signalOffice(int signal) const;
-    [[nodiscard]] QList<qint64> processes() const;
 
 private:
+    [[nodiscard]] QList<qint64> processes() const;
     void startDisplay();
     void writeMacros(QString source);
-    [[nodiscard]] QString profileArgument(const QString& name) const;
 
     QTemporaryDir folder_;
     QProcess display_;

@@ -17,6 +17,7 @@
 #include <com/sun/star/view/DocumentZoomType.hpp>
 
 #include <cmath>
+#include <utility>
 
 using css::uno::Any;
 using css::uno::Reference;
@@ -105,26 +106,21 @@ void ImpressDocument::addBlankSlide(int index)
     ++slideCount_;
 }
 
-Reference<css::drawing::XDrawPage> ImpressDocument::pageAt(int index)
+void ImpressDocument::select(int index)
 {
-    if (index == newIndex_) {
-        return newPage_;
-    }
     if (index < 1 || index > slideCount_) {
         throw Error(QStringLiteral("The presentation has no slide %1.").arg(index));
     }
-    return {pages_->getByIndex(index - 1), UNO_QUERY_THROW};
-}
-
-void ImpressDocument::select(int index)
-{
-    page_ = pageAt(index);
     shapes_.clear();
-    if (index != newIndex_) {
-        for (sal_Int32 i = 0; i < page_->getCount(); ++i) {
-            const Reference<css::drawing::XShape> shape(page_->getByIndex(i), UNO_QUERY_THROW);
-            shapes_.push_back({shape, shape->getSize(), shape->getSize()});
-        }
+    if (index == std::exchange(newIndex_, 0)) {
+        page_ = newPage_;
+        return;
+    }
+    page_.set(pages_->getByIndex(index - 1), UNO_QUERY_THROW);
+    for (sal_Int32 i = 0; i < page_->getCount(); ++i) {
+        const Reference<css::drawing::XShape> shape(page_->getByIndex(i), UNO_QUERY_THROW);
+        const css::awt::Size size = shape->getSize();
+        shapes_.push_back({shape, size, size});
     }
 }
 

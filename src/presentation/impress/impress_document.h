@@ -63,7 +63,6 @@ private:
     css::uno::Reference<css::frame::XController> controller();
     Shape& shapeAt(int shape);
     static void resize(Shape& shape, const css::awt::Size& size);
-    css::uno::Reference<css::drawing::XDrawPage> pageAt(int index);
 
     OfficeConnection connection_;
     css::uno::Reference<css::frame::XModel> model_;
@@ -73,7 +72,7 @@ private:
     css::uno::Reference<css::drawing::XDrawPage> page_;
     /// Of the current slide, by position.
     std::vector<Shape> shapes_;
-    /// The slide made last, which is nearly always the one that is selected next.
+    /// The slide made last, empty and without a selection so far; 0 when there is none such.
     css::uno::Reference<css::drawing::XDrawPage> newPage_;
     int newIndex_ = 0;
     int slideCount_ = 0;

@@ -50,7 +50,9 @@ PptxProgram::PptxProgram(PptxSettings settings)
 
 PptxProgram::~PptxProgram()
 {
-    removePart();
+    if (!partPath_.isEmpty()) {
+        QFile::remove(partPath_);
+    }
 }
 
 QDateTime PptxProgram::now() const
@@ -66,7 +68,6 @@ void PptxProgram::addPresentation()
                         .arg(native(folder_)));
     }
     removeOldParts(folder, QDateTime::currentDateTime());
-    removePart();
     partPath_ = folder_ + u'/' + QLatin1String(partPrefix) +
                 QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".part");
     QFile probe(partPath_);
@@ -75,10 +76,6 @@ void PptxProgram::addPresentation()
                         .arg(native(folder_), probe.errorString()));
     }
     probe.remove();
-    document_ = {};
-    mediaByPath_.clear();
-    current_ = 0;
-    writtenPath_.clear();
 }
 
 void PptxProgram::setVisible() {}
@@ -198,13 +195,6 @@ QString PptxProgram::giveFinalName()
     }
     throw Error(QStringLiteral("The presentation could not be given a name in the folder \"%1\".")
                     .arg(native(folder_)));
-}
-
-void PptxProgram::removePart()
-{
-    if (!partPath_.isEmpty()) {
-        QFile::remove(partPath_);
-    }
 }
 
 void PptxProgram::finish()

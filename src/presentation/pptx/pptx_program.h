@@ -56,7 +56,6 @@ private:
     int mediaFor(const QString& path);
     [[nodiscard]] QDateTime now() const;
     QString giveFinalName();
-    void removePart();
 
     PptxSettings settings_;
     PptxDocument document_;

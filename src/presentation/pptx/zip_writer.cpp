@@ -20,6 +20,9 @@ namespace {
 constexpr qsizetype pieceSize = 256 * 1024;
 constexpr quint16 versionNeeded = 20;
 constexpr qsizetype localHeaderSize = 30;
+// With all bits set a field means "see zip64", so the largest values are not to be had.
+constexpr qint64 largestNumber = std::numeric_limits<quint32>::max();
+constexpr size_t mostEntries = std::numeric_limits<quint16>::max() - 1;
 
 template <typename Number>
 void put(QByteArray& bytes, Number number)
@@ -37,7 +40,6 @@ ZipWriter::ZipWriter(const QString& path, const QDateTime& now)
     , piece_(pieceSize, Qt::Uninitialized)
 {
     if (!file_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
-        finished_ = true; // whatever stands there is not ours to remove
         fail(file_.errorString());
     }
     pending_.reserve(2 * pieceSize);
@@ -56,9 +58,21 @@ void ZipWriter::fail(const QString& why) const
                     .arg(QDir::toNativeSeparators(file_.fileName()), why));
 }
 
+void ZipWriter::failTooLarge() const
+{
+    fail(QStringLiteral("it has too many pictures for one file"));
+}
+
 void ZipWriter::writeAt(qint64 offset, const QByteArray& bytes)
 {
-    if (!file_.seek(offset) || file_.write(bytes) != bytes.size()) {
+    bool good = file_.seek(offset);
+    // A disk that fills up takes a part and tells why only when it is asked to take the rest.
+    for (qint64 done = 0; good && done < bytes.size();) {
+        const qint64 count = file_.write(bytes.constData() + done, bytes.size() - done);
+        good = count > 0;
+        done += count;
+    }
+    if (!good) {
         fail(file_.errorString());
     }
 }
@@ -100,9 +114,8 @@ QByteArray ZipWriter::header(const Entry& entry) const
 
 void ZipWriter::begin(const QByteArray& name)
 {
-    if (position() > std::numeric_limits<quint32>::max() ||
-        entries_.size() >= std::numeric_limits<quint16>::max()) {
-        fail(QStringLiteral("it has too many pictures for one file"));
+    if (position() >= largestNumber || entries_.size() >= mostEntries) {
+        failTooLarge();
     }
     Entry& entry = entries_.emplace_back();
     entry.name = name;
@@ -152,7 +165,7 @@ void ZipWriter::addFile(const QByteArray& name, const QString& path)
         size += count;
         append(QByteArray::fromRawData(piece_.constData(), count));
     }
-    if (!readable || size > std::numeric_limits<quint32>::max()) {
+    if (!readable || size >= largestNumber) {
         fail(QStringLiteral("the picture \"%1\" cannot be read")
                  .arg(QDir::toNativeSeparators(path)));
     }
@@ -175,8 +188,8 @@ void ZipWriter::finish()
         append(central + entry.name);
     }
     const qint64 directorySize = position() - directory;
-    if (position() > std::numeric_limits<quint32>::max()) {
-        fail(QStringLiteral("it has too many pictures for one file"));
+    if (position() >= largestNumber) {
+        failTooLarge();
     }
     QByteArray tail("PK\5\6\0\0\0\0", 8);
     put(tail, quint16(entries_.size()));

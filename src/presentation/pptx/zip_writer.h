@@ -14,7 +14,7 @@ namespace varnholt {
 /// moves 4 kB at a time: writing a presentation with it took nearly twice the CPU time.
 ///
 /// Throws `Error` when something cannot be read or written, and when the archive would outgrow
-/// 4 GB or 65,535 entries. Until `finish` has returned the file is removed at the end.
+/// 4 GB or 65,534 entries. Until `finish` has returned the file is removed at the end.
 class ZipWriter
 {
 public:
@@ -24,6 +24,7 @@ public:
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
 
+    /// Names are ASCII, so that no reader has to guess their encoding.
     void add(const QByteArray& name, const QByteArray& bytes);
     void addFile(const QByteArray& name, const QString& path);
 
@@ -47,6 +48,7 @@ private:
     void flush();
     void writeAt(qint64 offset, const QByteArray& bytes);
     [[noreturn]] void fail(const QString& why) const;
+    [[noreturn]] void failTooLarge() const;
 
     QFile file_;
     quint16 time_ = 0;
