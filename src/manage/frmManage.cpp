@@ -15,6 +15,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QTimer>
 
 #include <algorithm>
 #include <limits>
@@ -26,6 +27,14 @@ namespace {
 std::optional<std::int32_t> currentData(const ListBox& list)
 {
     return list.listIndex() < 0 ? std::nullopt : std::optional(list.itemData(list.listIndex()));
+}
+
+/// Shows a hint about a list's current row, which stays in view although the list gets shorter.
+void sayBelow(ListBox& list, HintLabel& hint, const QString& sentence)
+{
+    hint.say(sentence);
+    // Not before everything has been laid out anew.
+    QTimer::singleShot(0, &list, [&list] { list.scrollTo(list.currentIndex()); });
 }
 
 class BusyPointer
@@ -52,18 +61,24 @@ frmManage::frmManage(Services& services, ProgramState& state, Connection& connec
     buildControls();
     connectControls();
     loadReporting([this] { Form_Load(); });
-    if (state_.CurrentAssessmentNum < 1) {
-        setFocusProxy(cmdAddAssessment_);
-    } else {
-        setFocusProxy(state_.TopicList.isEmpty() ? static_cast<QWidget*>(cmdNewTopic_)
-                                                 : lstTopics_);
-    }
 }
 
 frmManage::~frmManage()
 {
     if (!unloaded_) {
         close();
+    }
+}
+
+void frmManage::focusInEvent(QFocusEvent* event)
+{
+    QWidget::focusInEvent(event);
+    if (state_.CurrentAssessmentNum < 1) {
+        cmdAddAssessment_->setFocus();
+    } else if (state_.TopicList.isEmpty()) {
+        cmdNewTopic_->setFocus();
+    } else {
+        lstTopics_->setFocus();
     }
 }
 
@@ -80,6 +95,8 @@ void frmManage::Form_Load()
 {
     lstTopics_->clear();
     lstSubtopics_->clear();
+    lblTopicHint_->say({});
+    lblSubtopicHint_->say({});
     showBrowser(false);
     cmdDeleteAssessment_->setEnabled(true);
     cmdAddNewQuestion_->setEnabled(openAuthoring_ != nullptr);
@@ -159,7 +176,6 @@ void frmManage::openAssessment()
     lstTopics_->clear();
     lstSubtopics_->clear();
     lblQuestions_->clear();
-    lblSubtopicHint_->say({});
     if (state_.CurrentAssessmentNum > 0) {
         const BusyPointer busy;
         LoadCurrentAssessment(state_, connection_, *services_.messageBoxes);
@@ -176,6 +192,7 @@ void frmManage::FillTopicList()
     }
     lstTopics_->setRows(std::move(rows));
     lblTopicHint_->say({});
+    lblSubtopicHint_->say({});
     cmdDeleteTopic_->setEnabled(false);
     cmdDeleteSubtopic_->setEnabled(false);
     cmdNewSubtopic_->setEnabled(false);
@@ -187,8 +204,9 @@ void frmManage::lstTopics_Click()
 {
     lblQuestions_->clear();
     const std::optional<std::int32_t> topicId = currentData(*lstTopics_);
-    lblTopicHint_->say(LargeKeyHint(QStringLiteral("Topic"), topicId.value_or(0),
-                                    QStringLiteral("cannot be deleted or take new subtopics")));
+    sayBelow(*lstTopics_, *lblTopicHint_,
+             LargeKeyHint(QStringLiteral("Topic"), topicId.value_or(0),
+                          QStringLiteral("cannot be deleted or take new subtopics")));
     cmdDeleteTopic_->setEnabled(topicId.has_value());
     cmdNewSubtopic_->setEnabled(topicId.has_value());
     FillSubtopicList();
@@ -220,8 +238,9 @@ void frmManage::lstSubtopics_Click()
     if (!topicId || !subtopicNum) {
         return;
     }
-    lblSubtopicHint_->say(LargeKeyHint(QStringLiteral("Subtopic"), *subtopicNum,
-                                       QStringLiteral("cannot be deleted")));
+    sayBelow(*lstSubtopics_, *lblSubtopicHint_,
+             LargeKeyHint(QStringLiteral("Subtopic"), *subtopicNum,
+                          QStringLiteral("cannot be deleted")));
     ChooseSubtopic(state_.SubTopicList, *topicId, *subtopicNum);
     ShowSubtopicQuestions();
     cmdDeleteSubtopic_->setEnabled(true);

@@ -39,6 +39,9 @@ public:
     ~frmManage() override;
 
 protected:
+    /// Hands the focus to the control where work starts. Not a focus proxy: Tab would stop at
+    /// it each time round and never reach the controls before it.
+    void focusInEvent(QFocusEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:

@@ -146,7 +146,6 @@ void frmMain::buildControls()
         setTabOrder(previous, next);
         previous = next;
     }
-    setFocusProxy(lstTopics_);
 }
 
 void frmMain::connectControls()
@@ -361,6 +360,12 @@ void frmMain::openReview(const SlideOptions& options)
         txtQuestions_->setFocus();
     });
     review_->Form_Load();
+}
+
+void frmMain::focusInEvent(QFocusEvent* event)
+{
+    QWidget::focusInEvent(event);
+    lstTopics_->setFocus();
 }
 
 void frmMain::closeEvent(QCloseEvent* event)

@@ -35,6 +35,9 @@ public:
     ~frmMain() override;
 
 protected:
+    /// Hands the focus to the control where work starts. Not a focus proxy: Tab would stop at
+    /// it each time round and never reach the controls before it.
+    void focusInEvent(QFocusEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
