@@ -34,6 +34,8 @@ function(varnholt_test name)
     cmake_parse_arguments(T "PLAIN" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
     add_executable(${name} ${T_SOURCES})
     varnholt_options(${name})
+    # Optimising code that runs once takes longer than it saves.
+    target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU,Clang>:-O0>)
     target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     if(T_PLAIN)
         target_link_libraries(${name} PRIVATE ${T_LIBRARIES} GTest::gmock GTest::gtest_main)
