@@ -365,8 +365,9 @@ bool frmAddNewQuestion::eventFilter(QObject* watched, QEvent* event)
     case QEvent::Wheel:
         if (watched == picCropped_) {
             auto* wheel = static_cast<QWheelEvent*>(event);
-            const bool sideways =
-                wheel->angleDelta().x() != 0 || wheel->modifiers().testFlag(Qt::ShiftModifier);
+            const QPoint delta = wheel->angleDelta();
+            const bool sideways = std::abs(delta.x()) > std::abs(delta.y()) ||
+                                  wheel->modifiers().testFlag(Qt::ShiftModifier);
             QScrollBar* bar = sideways ? HScroll_ : VScroll_;
             return bar->isVisible() && QCoreApplication::sendEvent(bar, event);
         }

@@ -189,6 +189,11 @@ void ExchangeWindow::buildColumn(const QList<QWidget*>& controls, QPushButton* s
     rows->addWidget(bar_->widget());
     rows->addSpacing(fontMetrics().height() / 2);
     rows->addWidget(startButton, 0, Qt::AlignRight);
+    lblReason_ = makeLabel("lblReason");
+    lblReason_->setWordWrap(true);
+    lblReason_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    rows->addSpacing(fontMetrics().height() / 2);
+    rows->addWidget(lblReason_);
     rows->addStretch();
 
     auto* middle = new QHBoxLayout(this);
@@ -263,6 +268,11 @@ void ExchangeWindow::progress(const QString& what, std::int64_t done, std::int64
                    what + QString::number(done * 100 / all) + u'%');
     }
     bar_->processEvents();
+}
+
+void ExchangeWindow::explain(const QString& reason)
+{
+    lblReason_->setText(reason);
 }
 
 } // namespace varnholt

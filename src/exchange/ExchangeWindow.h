@@ -57,8 +57,10 @@ private:
     ProgressLabel& backLabel() override;
     ProgressLabel& faceLabel() override;
     void progress(const QString& what, std::int64_t done, std::int64_t all) override;
+    void explain(const QString& reason) override;
 
     QPushButton* startButton_ = nullptr;
+    QLabel* lblReason_ = nullptr;
     std::unique_ptr<ProgressBarLabels> bar_;
     std::unique_ptr<LongWork> work_;
     QElapsedTimer sinceBegin_;

@@ -89,9 +89,10 @@ bool isPlainCharacter(QChar character)
 /// What a member of that name is called in the folder; nothing when the name is not plain.
 std::optional<QString> ownName(const QString& name)
 {
-    constexpr qsizetype longest = 100;
-    if (name.isEmpty() || name.size() > longest || name.startsWith(u'.') || name.endsWith(u'.') ||
-        name.endsWith(u' ') || !std::all_of(name.begin(), name.end(), isPlainCharacter)) {
+    constexpr qsizetype mostBytes = 200; // below what any file system takes
+    if (name.isEmpty() || name.toUtf8().size() > mostBytes || name.startsWith(u'.') ||
+        name.endsWith(u'.') || name.endsWith(u' ') ||
+        !std::all_of(name.begin(), name.end(), isPlainCharacter)) {
         return std::nullopt;
     }
     for (const QString& known : {topicsFile, subTopicsFile, questionsFile, assessmentInfoFile}) {

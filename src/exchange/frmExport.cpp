@@ -75,8 +75,7 @@ void frmExport::cboAssessment_Click()
     // What was read in part must not pass for the whole assessment.
     cmdExport_->setEnabled(false);
     try {
-        LoadCurrentAssessment(state_, connection_, *services_.messageBoxes);
-        cmdExport_->setEnabled(true);
+        cmdExport_->setEnabled(LoadCurrentAssessment(state_, connection_, *services_.messageBoxes));
     } catch (const Error&) {
         services_.messageBoxes->inform(QStringLiteral("Database Error"),
                                        QStringLiteral("There was an error loading the questions."));

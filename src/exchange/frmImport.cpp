@@ -18,7 +18,7 @@ frmImport::frmImport(Services& services, Connection& connection)
     lblHint->setWordWrap(true);
     auto* lblMessage =
         makeLabel("lblMessage", QStringLiteral("Importing may take a couple of minutes."));
-    auto* cmdImport = makeButton("cmdImport", QStringLiteral("&Import"));
+    auto* cmdImport = makeButton("cmdImport", QStringLiteral("Im&port"));
     buildColumn({lblHint, lblMessage}, cmdImport);
     setFocusProxy(cmdImport);
     connect(cmdImport, &QPushButton::clicked, this, &frmImport::cmdImport_Click);

@@ -13,6 +13,8 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <optional>
 
 namespace varnholt {
@@ -200,8 +202,11 @@ std::int32_t PackageImport::GetNewSubTopicID(std::int32_t intOldID) const
     return newSubTopicIds_.value(intOldID, 0);
 }
 
-void PackageImport::reportFailure()
+void PackageImport::reportFailure(WorkView& view, const std::exception& failure)
 {
+    if (const auto* error = dynamic_cast<const Error*>(&failure)) {
+        view.explain(error->message());
+    }
     services_.messageBoxes->inform(QStringLiteral("Import Error"),
                                    QStringLiteral("There was an error importing the file."));
 }
@@ -242,14 +247,21 @@ QString PackageImport::askForName(QString name)
 void PackageImport::loadLists(WorkView& view, std::int32_t assessmentNum)
 {
     const BusyStretch busy(view);
-    questionProgress = [&view](std::int64_t done, std::int64_t all) {
-        view.progress(QStringLiteral("Importing: "), done, all);
+    const QString importing = QStringLiteral("Importing: ");
+    questionProgress = [&view, importing](std::int64_t done, std::int64_t all) {
+        view.progress(importing, done, all);
     };
     LoadImportTopics(assessmentNum, inWorkFolder(topicsFile));
     LoadImportSubTopics(assessmentNum, inWorkFolder(subTopicsFile));
     LoadImportQuestions(assessmentNum, inWorkFolder(questionsFile));
     if (placedPictures_ > 0) {
-        SyncFileSystem(pictureFolder_);
+        // On a slow disk this takes a while, and the window goes on repainting meanwhile.
+        std::future<void> synced =
+            std::async(std::launch::async, [this] { SyncFileSystem(pictureFolder_); });
+        while (synced.wait_for(std::chrono::milliseconds(15)) != std::future_status::ready) {
+            view.progress(importing, 1, 1);
+        }
+        synced.get();
     }
 }
 
@@ -267,8 +279,8 @@ void PackageImport::insertAll(WorkView& view, const QString& name)
     try {
         loadLists(view, assessmentNum);
         transaction.commit();
-    } catch (const std::exception&) {
-        reportFailure();
+    } catch (const std::exception& failure) {
+        reportFailure(view, failure);
         bool rowsStay = false;
         try {
             connection_.execute(statements::DeleteAssessment(assessmentNum));
@@ -277,6 +289,7 @@ void PackageImport::insertAll(WorkView& view, const QString& name)
         } catch (const Error&) {
             // The rows went with the transaction.
         }
+        const BusyStretch busy(view);
         returnPictures(rowsStay);
         return;
     }
@@ -294,6 +307,7 @@ void PackageImport::insertAll(WorkView& view, const QString& name)
 void PackageImport::run(WorkView& view)
 {
     const QString workFolder = services_.programFolder + QStringLiteral("/Import");
+    view.explain({});
     EmptyWorkFolder(workFolder);
     const std::optional<QString> archivePath =
         services_.fileDialogs->openFile(QStringLiteral("Zip Files (*.zip)"));
@@ -312,8 +326,8 @@ void PackageImport::run(WorkView& view)
             return;
         }
         insertAll(view, name);
-    } catch (const std::exception&) {
-        reportFailure();
+    } catch (const std::exception& failure) {
+        reportFailure(view, failure);
     }
     view.hideBar();
 }

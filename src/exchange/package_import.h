@@ -98,7 +98,7 @@ private:
     /// Puts the pictures placed so far back into the work folder; the library keeps its own
     /// unless their keys will be given out again.
     void returnPictures(bool libraryKeepsThem);
-    void reportFailure();
+    void reportFailure(WorkView& view, const std::exception& failure);
     [[nodiscard]] QString inWorkFolder(const QString& file) const;
     [[nodiscard]] QString inLibrary(const ImportQuestionRecord& question) const;
 

@@ -26,6 +26,10 @@ public:
     /// `done` of `all` of the work called `what`. Work that takes longer than half a second
     /// gets the bar on show. Cheap enough for every file or record.
     virtual void progress(const QString& what, std::int64_t done, std::int64_t all) = 0;
+
+    /// Keeps on show why the work failed, beside the message, which does not say it; nothing
+    /// when `reason` is empty.
+    virtual void explain(const QString& reason) = 0;
 };
 
 /// One stretch of busy work, ended on every way out.

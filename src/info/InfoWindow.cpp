@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QLineEdit>
 #include <QUrl>
@@ -32,6 +33,7 @@ InfoWindow::InfoWindow(const QString& title, const QString& text, const QString&
     txtLink->setReadOnly(true);
     lblLink->setBuddy(txtLink);
     auto* cmdOpen = makeButton("cmdOpen", QStringLiteral("&Open"));
+    cmdOpen->setEnabled(QFileInfo::exists(target));
     connect(cmdOpen, &QPushButton::clicked, this,
             [target] { QDesktopServices::openUrl(QUrl::fromLocalFile(target)); });
 
@@ -70,8 +72,11 @@ frmTutorial::frmTutorial(const QString& guidePath, QWidget* parent)
               "To make slides: open \"Create PowerPoints\", choose an assessment, tick the topics "
               "and subtopics you want, type how many questions you need and press \"Create "
               "PowerPoint\". The slides open in your presentation program, where you save them."),
-          QStringLiteral("The user &guide:"), QDir::toNativeSeparators(guidePath), guidePath,
-          parent)
+          QStringLiteral("The user &guide:"),
+          guidePath.isEmpty()
+              ? QStringLiteral("The folder \"guide\" is missing beside the program.")
+              : QDir::toNativeSeparators(guidePath),
+          guidePath, parent)
 {
     setObjectName(QStringLiteral("frmTutorial"));
 }

@@ -10,6 +10,8 @@
 #include <QGridLayout>
 #include <QLineEdit>
 
+#include <limits>
+
 namespace varnholt {
 
 frmEditQuestion::frmEditQuestion(Services& services, ProgramState& state, Connection& connection,
@@ -38,6 +40,8 @@ void frmEditQuestion::buildControls()
     auto* lblAnswer = makeLabel("lblAnswer", QStringLiteral("&Answer:"));
     txtAnswer_ = named(new QLineEdit, "txtAnswer", QStringLiteral("Answer"));
     lblAnswer->setBuddy(txtAnswer_);
+    // A longer answer from elsewhere must not lose its end by being filed again.
+    txtAnswer_->setMaxLength(std::numeric_limits<int>::max());
     auto* lblAnswerHint = new HintLabel("lblAnswerHint", txtAnswer_, HintLabel::Place::Kept);
     auto* cmdSave = makeButton("cmdSave", QStringLiteral("&Save"));
     cmdSave->setDefault(true);

@@ -17,7 +17,6 @@
 #include <QCloseEvent>
 #include <QTimer>
 
-#include <algorithm>
 #include <limits>
 
 namespace varnholt {
@@ -165,6 +164,8 @@ void frmManage::loadReporting(const std::function<void()>& load)
         inform(QStringLiteral("Database Error"),
                QStringLiteral("There was an error loading the questions."));
         FillTopicList();
+        lstSubtopics_->clear();
+        lblQuestions_->clear();
     }
 }
 
@@ -235,7 +236,7 @@ void frmManage::FillSubtopicList()
 void frmManage::lstSubtopics_Click()
 {
     const auto [topicId, subtopicNum] = currentRows();
-    if (!topicId || !subtopicNum) {
+    if (!topicId || !subtopicNum || !questionsAreThere()) {
         return;
     }
     sayBelow(*lstSubtopics_, *lblSubtopicHint_,
@@ -244,6 +245,15 @@ void frmManage::lstSubtopics_Click()
     ChooseSubtopic(state_.SubTopicList, *topicId, *subtopicNum);
     ShowSubtopicQuestions();
     cmdDeleteSubtopic_->setEnabled(true);
+}
+
+bool frmManage::questionsAreThere()
+{
+    // A subtopic must not pass for empty, and be deleted, because its questions were not read.
+    if (!state_.QuestionsLoaded) {
+        loadReporting([this] { LoadQuestions(state_, connection_); });
+    }
+    return state_.QuestionsLoaded;
 }
 
 void frmManage::ShowSubtopicQuestions()
@@ -363,6 +373,7 @@ void frmManage::cmdEditQuestion_Click()
         return;
     }
     loadReporting([&] {
+        const BusyPointer busy;
         const int row = lstSubtopics_->listIndex();
         LoadQuestions(state_, connection_);
         lstTopics_Click();
@@ -374,6 +385,7 @@ void frmManage::cmdEditQuestion_Click()
 void frmManage::attempt(const QString& failure, const std::function<void()>& work)
 {
     try {
+        const BusyPointer busy;
         work();
     } catch (const std::exception&) {
         inform(QStringLiteral("Error"), failure);

@@ -72,6 +72,8 @@ private:
     void FillAssessmentCombo();
     void FillTopicList();
     void FillSubtopicList();
+    /// Reads the questions again if that failed before; false, after a message, when it fails.
+    bool questionsAreThere();
     void ShowSubtopicQuestions();
     void HandlePictureButtons();
 

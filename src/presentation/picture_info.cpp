@@ -10,6 +10,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <mutex>
 #include <optional>
 
 namespace varnholt {
@@ -330,6 +331,16 @@ QByteArray turnedUpright(const QString& path)
 
 } // namespace
 
+void AllowLargePictures()
+{
+    static std::once_flag done;
+    std::call_once(done, [] {
+        constexpr qint64 bytesPerPixel = 4;
+        constexpr qint64 megabyte = 1024 * 1024;
+        QImageReader::setAllocationLimit(int(largestPictureArea * bytesPerPixel / megabyte) + 1);
+    });
+}
+
 PictureInfo readPictureInfo(const QString& path)
 {
     FileWindow file(path);
@@ -344,6 +355,7 @@ PictureInfo readPictureInfo(const QString& path)
                        .arg(pixels.width())
                        .arg(pixels.height()));
     }
+    AllowLargePictures();
     // Rare kinds whose headers say little: decoded once rather than judged by four numbers.
     if ((header.format == "gif" || header.format == "bmp") &&
         QImageReader(path, header.format).read().isNull()) {

@@ -28,6 +28,9 @@ struct PictureInfo
 /// more than `largestPictureSide` pixels in a direction or `largestPictureArea` in all.
 [[nodiscard]] PictureInfo readPictureInfo(const QString& path);
 
+/// Lets Qt decode pictures up to `largestPictureArea`; its own limit stands far below.
+void AllowLargePictures();
+
 inline constexpr int largestPictureSide = 20'000;
 inline constexpr qint64 largestPictureArea = 150'000'000;
 

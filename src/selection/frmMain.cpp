@@ -11,6 +11,7 @@
 
 #include <QCloseEvent>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QScopedValueRollback>
 
@@ -161,7 +162,6 @@ void frmMain::connectControls()
     connect(cmdClearAllSubTopics_, &QPushButton::clicked, this,
             [this] { selectShownSubTopics(false); });
     connect(cmdCreate_, &QPushButton::clicked, this, &frmMain::cmdCreate_Click);
-    connect(txtQuestions_, &QLineEdit::returnPressed, cmdCreate_, &QPushButton::click);
 }
 
 void frmMain::Form_Load()
@@ -366,6 +366,16 @@ void frmMain::focusInEvent(QFocusEvent* event)
 {
     QWidget::focusInEvent(event);
     lstTopics_->setFocus();
+}
+
+void frmMain::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    auto* button = qobject_cast<QPushButton*>(focusWidget());
+    (button ? button : cmdCreate_)->click();
 }
 
 void frmMain::closeEvent(QCloseEvent* event)

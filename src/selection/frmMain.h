@@ -38,6 +38,8 @@ protected:
     /// Hands the focus to the control where work starts. Not a focus proxy: Tab would stop at
     /// it each time round and never reach the controls before it.
     void focusInEvent(QFocusEvent* event) override;
+    /// Enter presses the button that has the focus, else "Create PowerPoint".
+    void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:

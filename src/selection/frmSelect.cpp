@@ -10,6 +10,7 @@
 #include <QCloseEvent>
 #include <QGridLayout>
 #include <QKeyEvent>
+#include <QScopeGuard>
 #include <QSettings>
 #include <QShortcut>
 
@@ -184,8 +185,8 @@ void frmSelect::goOn(Review::Next next)
 
 void frmSelect::build()
 {
+    const auto closing = qScopeGuard([this] { close(); });
     RunBuild(this, services_, state_, options_);
-    close();
 }
 
 void frmSelect::closeEvent(QCloseEvent* event)

@@ -14,12 +14,14 @@ namespace varnholt {
 namespace {
 
 template <typename Load>
-void reportFailure(MessageBoxes& messages, const QString& text, Load load)
+bool reportFailure(MessageBoxes& messages, const QString& text, Load load)
 {
     try {
         load();
+        return true;
     } catch (const DatabaseError&) {
         messages.inform(QStringLiteral("Database Error"), text);
+        return false;
     }
 }
 
@@ -43,10 +45,10 @@ void LoadAssessments(ProgramState& state, Connection& connection, MessageBoxes& 
     });
 }
 
-void LoadTopics(ProgramState& state, Connection& connection, MessageBoxes& messages)
+bool LoadTopics(ProgramState& state, Connection& connection, MessageBoxes& messages)
 {
     state.TopicList.clear();
-    reportFailure(messages, QStringLiteral("There was an error loading the topics."), [&] {
+    return reportFailure(messages, QStringLiteral("There was an error loading the topics."), [&] {
         Recordset rows = connection.read(statements::SelectTopics(state.CurrentAssessmentNum));
         const int topicId = rows.field("TopicID");
         const int topic = rows.field("Topic");
@@ -58,24 +60,27 @@ void LoadTopics(ProgramState& state, Connection& connection, MessageBoxes& messa
     });
 }
 
-void LoadSubTopics(ProgramState& state, Connection& connection, MessageBoxes& messages)
+bool LoadSubTopics(ProgramState& state, Connection& connection, MessageBoxes& messages)
 {
     state.SubTopicList.clear();
-    reportFailure(messages, QStringLiteral("There was an error loading the subtopics."), [&] {
-        Recordset rows = connection.read(statements::SelectSubTopics(state.CurrentAssessmentNum));
-        const int topicId = rows.field("TopicID");
-        const int subtopicNum = rows.field("SubtopicNum");
-        const int subTopic = rows.field("SubTopic");
-        while (rows.next()) {
-            state.SubTopicList.append(
-                {rows.integer(topicId), rows.integer(subtopicNum), rows.text(subTopic), true});
-        }
-    });
+    return reportFailure(
+        messages, QStringLiteral("There was an error loading the subtopics."), [&] {
+            Recordset rows =
+                connection.read(statements::SelectSubTopics(state.CurrentAssessmentNum));
+            const int topicId = rows.field("TopicID");
+            const int subtopicNum = rows.field("SubtopicNum");
+            const int subTopic = rows.field("SubTopic");
+            while (rows.next()) {
+                state.SubTopicList.append(
+                    {rows.integer(topicId), rows.integer(subtopicNum), rows.text(subTopic), true});
+            }
+        });
 }
 
 void LoadQuestions(ProgramState& state, Connection& connection)
 {
     state.QuestionList.clear();
+    state.QuestionsLoaded = false;
     Recordset rows = connection.read(statements::SelectQuestions(state.CurrentAssessmentNum));
     const int solIndex = rows.field("SOLIndex");
     const int topicId = rows.field("TopicID");
@@ -86,13 +91,15 @@ void LoadQuestions(ProgramState& state, Connection& connection)
         state.QuestionList.append(
             {key, key, rows.integer(topicId), rows.integer(subtopicNum), rows.text(answer), true});
     }
+    state.QuestionsLoaded = true;
 }
 
-void LoadCurrentAssessment(ProgramState& state, Connection& connection, MessageBoxes& messages)
+bool LoadCurrentAssessment(ProgramState& state, Connection& connection, MessageBoxes& messages)
 {
-    LoadTopics(state, connection, messages);
-    LoadSubTopics(state, connection, messages);
+    const bool topics = LoadTopics(state, connection, messages);
+    const bool subTopics = LoadSubTopics(state, connection, messages);
     LoadQuestions(state, connection);
+    return topics && subTopics;
 }
 
 void SetSubTopicSelected(List1<SubTopicRecord>& subTopicList, std::int32_t topicId,

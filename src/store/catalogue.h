@@ -11,17 +11,18 @@ class MessageBoxes;
 
 // The loaders replace one list of the catalogue of `state.CurrentAssessmentNum`. Rows keep
 // the order in which the database returns them; every selection flag starts set. The first
-// three report a failure with a message box titled "Database Error" and keep the rows read
-// so far. `LoadQuestions` throws `DatabaseError`.
+// three report a failure with a message box titled "Database Error", keep the rows read so
+// far and return false. `LoadQuestions` throws `DatabaseError`.
 
 /// Also reads `LastAssessmentNum`.
 void LoadAssessments(ProgramState& state, Connection& connection, MessageBoxes& messages);
-void LoadTopics(ProgramState& state, Connection& connection, MessageBoxes& messages);
-void LoadSubTopics(ProgramState& state, Connection& connection, MessageBoxes& messages);
+bool LoadTopics(ProgramState& state, Connection& connection, MessageBoxes& messages);
+bool LoadSubTopics(ProgramState& state, Connection& connection, MessageBoxes& messages);
 void LoadQuestions(ProgramState& state, Connection& connection);
 
-/// The three loaders of an assessment in their order: topics, subtopics, questions.
-void LoadCurrentAssessment(ProgramState& state, Connection& connection, MessageBoxes& messages);
+/// The three loaders of an assessment in their order: topics, subtopics, questions. False when
+/// one of them has reported a failure.
+bool LoadCurrentAssessment(ProgramState& state, Connection& connection, MessageBoxes& messages);
 
 /// Sets `Selected` of every record with this topic and subtopic.
 void SetSubTopicSelected(List1<SubTopicRecord>& subTopicList, std::int32_t topicId,

@@ -30,8 +30,8 @@ public:
     /// Position of a field; throws `DatabaseError` when the result has no such field.
     [[nodiscard]] int field(const char* name) const;
 
-    /// Value of a field of the current row; NULL reads as 0. Throws `DatabaseError` when the
-    /// value is not a whole number of 32 bits.
+    /// Value of a field of the current row as SQLite converts it: NULL and text read as 0,
+    /// fractions are cut. Throws `DatabaseError` when the number does not fit 32 bits.
     [[nodiscard]] std::int32_t integer(int field) const;
     /// NULL reads as the empty text. Any text is accepted; bytes that are not UTF-8 read as
     /// replacement characters.

@@ -54,6 +54,8 @@ struct ProgramState
     List1<TopicRecord> TopicList;
     List1<SubTopicRecord> SubTopicList;
     List1<QuestionRecord> QuestionList;
+    /// False after a load of `QuestionList` that failed: the list is not whole.
+    bool QuestionsLoaded = true;
 
     /// `AssessmentNum` of the assessment being worked on; 0 or less means none.
     std::int32_t CurrentAssessmentNum = 0;

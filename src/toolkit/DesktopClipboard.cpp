@@ -1,9 +1,11 @@
 #include "toolkit/DesktopClipboard.h"
 
+#include "presentation/picture_info.h"
 #include "store/errors.h"
 
 #include <QBuffer>
 #include <QClipboard>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
 #include <QImageReader>
@@ -16,6 +18,8 @@ namespace varnholt {
 
 namespace {
 
+/// How long all formats together are waited for once the first has brought nothing.
+constexpr int patienceMs = 2000;
 constexpr qint64 maxFileBytes = 512LL * 1024 * 1024;
 
 void checkSize(QSize size)
@@ -73,6 +77,7 @@ QImage decoded(const QByteArray& bytes)
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     checkSize(reader.size());
+    AllowLargePictures();
     return unscaled(reader.read());
 }
 
@@ -118,10 +123,16 @@ QImage pictureFrom(const QMimeData& data)
 {
     // Raw bytes before the toolkit's own conversion, which takes half a picture for a whole.
     const QStringList formats = pictureFormats(data);
+    QElapsedTimer waiting;
+    waiting.start();
     for (const QString& format : formats) {
         const QImage image = decoded(data.data(format));
         if (!image.isNull()) {
             return image;
+        }
+        // A program that hangs would be waited for again with each further format.
+        if (waiting.hasExpired(patienceMs)) {
+            return {};
         }
     }
     if (formats.isEmpty() && data.hasImage()) {

@@ -85,7 +85,14 @@ bool LongWork::eventFilter(QObject* watched, QEvent* event)
     if (!isInput(event->type())) {
         return QObject::eventFilter(watched, event);
     }
+    // A shortcut's event goes to the shortcut, which stands for the widget that owns it. Other
+    // objects, such as the windowing system's windows, only pass events on to widgets.
+    const bool ofShortcut = event->type() == QEvent::Shortcut;
     const auto* widget = qobject_cast<QWidget*>(watched);
+    for (QObject* owner = watched; ofShortcut && owner && !widget;) {
+        owner = owner->parent();
+        widget = qobject_cast<QWidget*>(owner);
+    }
     if (!widget || widget->window() == dialog_.get() ||
         widget->window() == QApplication::activeModalWidget()) {
         return QObject::eventFilter(watched, event);

@@ -134,6 +134,7 @@ void PictureSurface::invert(const QRect& strip)
     if (strip.isEmpty()) {
         return;
     }
+    ownPixels();
     for (int y = strip.top(); y <= strip.bottom(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(image_.scanLine(y));
         for (int x = strip.left(); x <= strip.right(); ++x) {
@@ -163,6 +164,7 @@ void PictureSurface::drawRegion(const QImage& source, std::int32_t sourceX, std:
     Q_ASSERT(source.format() == QImage::Format_RGB32);
     // Held so that drawing a surface onto itself reads what was there before.
     const QImage kept = source;
+    ownPixels();
     for (int row = 0; row < rows; ++row) {
         std::memcpy(image_.scanLine(toY + row) + 4 * static_cast<std::ptrdiff_t>(toX),
                     kept.constScanLine(fromY + row) + 4 * static_cast<std::ptrdiff_t>(fromX),
@@ -179,6 +181,7 @@ void PictureSurface::blankRegion(std::int32_t x, std::int32_t y, std::int32_t wi
     if (columns == 0 || rows == 0) {
         return;
     }
+    ownPixels();
     for (int row = top; row < top + rows; ++row) {
         auto* line = reinterpret_cast<QRgb*>(image_.scanLine(row));
         std::fill_n(line + left, columns, background);
@@ -189,11 +192,24 @@ void PictureSurface::blankRegion(std::int32_t x, std::int32_t y, std::int32_t wi
 void PictureSurface::printText(std::int32_t x, std::int32_t y, const QString& text,
                                const QFont& font)
 {
+    ownPixels();
     QPainter painter(&image_);
     painter.setFont(font);
     painter.setPen(Qt::black);
     painter.drawText(QPointF(x, y + QFontMetricsF(font, &image_).ascent()), text);
     changed(image_.rect());
+}
+
+void PictureSurface::ownPixels()
+{
+    if (image_.isDetached()) {
+        return;
+    }
+    QImage own = image_.copy();
+    if (own.isNull()) {
+        throw std::bad_alloc();
+    }
+    image_ = std::move(own);
 }
 
 QRegion PictureSurface::takeChanged()

@@ -67,6 +67,10 @@ private:
     void invert(const QRect& strip);
     void changed(const QRect& area);
 
+    /// To be called before writing to `image_`, whose pixels may be shared with `picture_`: the
+    /// copy that the first write makes by itself fails without a word.
+    void ownPixels();
+
     QImage picture_;
     QImage image_;
     QRegion changed_;

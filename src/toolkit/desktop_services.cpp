@@ -96,7 +96,6 @@ QString DesktopMessageBoxes::inputText(const QString& title, const QString& prom
     auto* txtAnswer = named(new QLineEdit(defaultText), "txtAnswer", prompt);
     txtAnswer->selectAll();
     auto* lblHint = new HintLabel("lblHint", txtAnswer, HintLabel::Place::Kept);
-    lblHint->watchForApostrophes(txtAnswer);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
@@ -106,6 +105,8 @@ QString DesktopMessageBoxes::inputText(const QString& title, const QString& prom
     column->addWidget(txtAnswer);
     column->addWidget(lblHint);
     column->addWidget(buttons);
+    // Not before it has its place: on its own it would show as a window.
+    lblHint->watchForApostrophes(txtAnswer);
     txtAnswer->setMinimumWidth(dialog.fontMetrics().averageCharWidth() * 66);
     return dialog.exec() == QDialog::Accepted ? txtAnswer->text() : QString();
 }
@@ -113,8 +114,15 @@ QString DesktopMessageBoxes::inputText(const QString& title, const QString& prom
 std::optional<QString> DesktopFileDialogs::saveFile(const QString& filter,
                                                     const QString& initialName)
 {
-    return chosen(QFileDialog::getSaveFileName(QApplication::activeWindow(), QString(),
-                                               QDir(lastFolder()).filePath(initialName), filter));
+    // Not by one path of both: where there is a folder of that name it would be opened instead.
+    QFileDialog dialog(QApplication::activeWindow(), QString(), lastFolder(), filter);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.selectFile(initialName);
+    if (dialog.exec() != QDialog::Accepted) {
+        return std::nullopt;
+    }
+    return chosen(dialog.selectedFiles().value(0));
 }
 
 std::optional<QString> DesktopFileDialogs::openFile(const QString& filter)

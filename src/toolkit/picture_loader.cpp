@@ -1,5 +1,8 @@
 #include "toolkit/picture_loader.h"
 
+#include "presentation/picture_info.h"
+#include "store/errors.h"
+
 #include <QFileInfo>
 #include <QImageReader>
 #include <QThreadPool>
@@ -17,11 +20,18 @@ constexpr int longestSide = 4096;
 
 QImage decode(const QString& path)
 {
-    // Opening a pipe or a device of that name could wait for ever.
+    // Opening a pipe or a device of that name could wait for ever. What a slide cannot show
+    // is not shown before either: half a picture would pass for a whole one.
     if (!QFileInfo(path).isFile()) {
         return {};
     }
+    try {
+        static_cast<void>(readPictureInfo(path));
+    } catch (const Error&) {
+        return {};
+    }
     QImageReader reader(path);
+    reader.setAutoTransform(true);
     reader.setDecideFormatFromContent(true);
     const QSize size = reader.size();
     if (size.width() > longestSide || size.height() > longestSide) {

@@ -34,6 +34,7 @@ class FakeView : public WorkView
 {
 public:
     QStringList calls;
+    QString reason;
     FakeLabel back;
     FakeLabel face;
 
@@ -49,6 +50,7 @@ public:
             calls.append(what);
         }
     }
+    void explain(const QString& why) override { reason = why; }
 };
 
 inline void writeFile(const QString& path, const QByteArray& bytes)

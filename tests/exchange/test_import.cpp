@@ -205,6 +205,7 @@ TEST_P(Packages, AreImportedOrRefusedWhole)
               result == Package::Imported ? QStringLiteral("Mine,P") : QStringLiteral("Mine"));
     EXPECT_EQ(count("Assessments"), tried ? 2 : 1);
     EXPECT_EQ(in("Import") == "", result != Package::Failed);
+    EXPECT_EQ(view.reason.isEmpty(), result != Package::Failed) << view.reason.toStdString();
     if (result == Package::Imported && counts[2] > 0) {
         EXPECT_TRUE(content(QStringLiteral("P")).last().contains(QLatin1String(references)));
     }

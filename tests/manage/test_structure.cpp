@@ -237,6 +237,16 @@ TEST_F(Structure, FailuresAfterTheStatementStopTheRest)
     press("cmdNewTopic");
     EXPECT_EQ(topics().listCount(), 2);
     EXPECT_EQ(counts(), u"2,2 3,3 2,2 2,1 2"_s);
+
+    // A subtopic whose questions were not read does not pass for empty.
+    topics().setListIndex(0);
+    says({u"Database Error"_s, u"There was an error loading the questions."_s});
+    subtopics().setListIndex(0);
+    EXPECT_FALSE(enabled("cmdDeleteSubtopic"));
+    EXPECT_EQ(subtopics().listCount(), 0);
+    library.sql(u"DROP TRIGGER Bad; UPDATE Questions SET TopicID=1 WHERE TopicID>99999"_s);
+    browse(0, 0);
+    EXPECT_TRUE(enabled("cmdDeleteSubtopic"));
 }
 
 TEST_F(Structure, NothingWithoutAnAssessmentAndNoDeletionByEnter)

@@ -177,11 +177,19 @@ TEST_F(FrmMain, WorksByKeyboard)
               "txtQuestions cmdCreate cboAssessment lstTopics cmdSelectAllTopics "
               "cmdClearAllTopics");
 
-    number().setText(u"x"_s);
-    messages.expectInform(u"Error"_s, u"Please enter a number for the number of questions."_s);
-    QTest::keyClick(&number(), Qt::Key_Return);
-    EXPECT_EQ(number().selectedText(), u"x"_s);
-    EXPECT_EQ(window->focusWidget(), &number());
+    // Enter asks for the slides, but for a button that has the focus.
+    for (QWidget* place : std::initializer_list<QWidget*>{&number(), &topics()}) {
+        number().setText(u"x"_s);
+        place->setFocus();
+        messages.expectInform(u"Error"_s, u"Please enter a number for the number of questions."_s);
+        QTest::keyClick(place, Qt::Key_Return);
+        EXPECT_EQ(number().selectedText(), u"x"_s);
+        EXPECT_EQ(window->focusWidget(), &number());
+    }
+    auto* clear = control<QPushButton>(window.get(), "cmdClearAllTopics");
+    clear->setFocus();
+    QTest::keyClick(clear, Qt::Key_Return);
+    EXPECT_EQ(count(), 0);
 }
 
 TEST_F(FrmMain, BuildsTheDrawnQuestionsWithTheChosenOptionsAndTellsFailures)

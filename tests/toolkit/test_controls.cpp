@@ -10,6 +10,7 @@
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -90,6 +91,10 @@ TEST_F(ListBoxTest, SingleSelectionIsTheCurrentRow)
         "right button", [&] { press(text(2), Qt::RightButton); }, 0, 1, u"-x-"_s);
     expectAfter(
         "selected", [&] { list->setSelected(0, true); }, 1, 0, u"x--"_s);
+    // The chosen row stays marked whatever modifier is held down.
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, text(0));
+    QTest::keyClick(list.get(), Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_TRUE(list->selectionModel()->isSelected(list->currentIndex()));
     expectAfter(
         "unselected", [&] { list->setSelected(0, false); }, 1, -1, u"---"_s);
 }
@@ -162,6 +167,10 @@ TEST(LongWorkTest, IsBusyAtOnceTakesNoInputAndShowsABarAfterHalfASecond)
 {
     QLineEdit window;
     window.show();
+    auto* shortcut = new QShortcut(Qt::Key_F5, &window);
+    const QSignalSpy started(shortcut, &QShortcut::activated);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     const auto bar = [&] { return window.findChild<QProgressDialog*>(); };
     for (const bool cancelled : {false, true}) {
         using enum LongWork::Cancel;
@@ -171,6 +180,8 @@ TEST(LongWorkTest, IsBusyAtOnceTakesNoInputAndShowsABarAfterHalfASecond)
         work.progress(1, 3);
         EXPECT_FALSE(bar()->isVisible());
         QTest::keyClicks(&window, u"typed"_s);
+        QTest::keyClick(window.windowHandle(), Qt::Key_F5);
+        EXPECT_TRUE(started.isEmpty());
         EXPECT_FALSE(window.close());
         QTest::qSleep(600);
         work.progress(2, 3);
@@ -187,6 +198,10 @@ TEST(LongWorkTest, IsBusyAtOnceTakesNoInputAndShowsABarAfterHalfASecond)
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
     QTest::keyClicks(&window, u"x"_s);
     EXPECT_EQ(window.text(), u"x"_s);
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(window.windowHandle(), Qt::Key_F5);
+    EXPECT_EQ(started.size(), 1);
 }
 
 TEST(DesktopMessageBoxesTest, ShowTextAsItIsAndTakeEscapeForNo)
