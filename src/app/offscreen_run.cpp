@@ -52,9 +52,12 @@ public:
     void operator()()
     {
         QDir().mkpath(out_);
+        // As supplied; the library beside the program may have become somebody's own.
+        const QString own = QApplication::applicationDirPath();
+        const QString supplied = own + QStringLiteral("/../share/varnholt/library");
         const QString folder = ChooseProgramFolder({work_.filePath(QStringLiteral("bin")),
                                                     work_.filePath(QStringLiteral("library")),
-                                                    QApplication::applicationDirPath()});
+                                                    QFileInfo::exists(supplied) ? supplied : own});
 
         PrintedMessages messages;
         SystemClock clock;
