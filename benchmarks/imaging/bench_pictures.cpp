@@ -14,8 +14,8 @@ namespace {
 
 constexpr const char* kPhotoPackage = "lomiri-wallpapers-16.04";
 constexpr const char* kPhotoFolder = "/usr/share/backgrounds/";
-constexpr const char* kScreenPackage = "gnome-user-docs";
-constexpr const char* kScreenFolder = "/usr/share/help/C/gnome-help/figures/";
+constexpr const char* kScreenPackage = "geany-common";
+constexpr const char* kScreenFolder = "/usr/share/doc/geany/html/images/";
 
 DeviceContext toContext(const QImage& image)
 {
@@ -122,8 +122,8 @@ std::vector<BenchPicture> benchPictures()
         photo("photo 1024x768", "Dragonfly_by_Bolly.jpg", 1024, 768),
         photo("photo 801x601", "life_by_Aitzol_Berasategi.jpg", 801, 601),
         photo("photo 640x480", "Wine_by_Jakkub_Mede.jpg", 640, 480),
-        screen("screenshot 764x863", "shell-appts.png"),
-        screen("screenshot 841x631", "screenshot-tool.png"),
+        screen("screenshot 904x679", "main_window.png"),
+        screen("screenshot 625x603", "pref_dialog_edit_completions.png"),
         {"text page 1240x1754", [] { return textPage(1240, 1754, 26, false); }},
         {"text page 2480x3508", [] { return textPage(2480, 3508, 52, false); }},
         {"question 800x600", [] { return textPage(800, 600, 24, true); }},

@@ -45,7 +45,7 @@ struct QuestionRecord
     bool Selected = true;
 };
 
-/// Everything the windows share. `main` creates one and hands it to each window by
+/// Everything the windows share. `RunProgram` creates one and hands it to each window by
 /// reference; a routine that needs one list takes that list.
 struct ProgramState
 {

@@ -90,7 +90,7 @@ public:
     [[nodiscard]] virtual std::unique_ptr<PresentationProgram> start() = 0;
 };
 
-/// The outside world as the windows see it. `main` fills it with the real ones, tests with
+/// The outside world as the windows see it. `RunProgram` fills it with the real ones, tests with
 /// recording fakes. The pointers are never null and outlive every window; nothing here is
 /// owned.
 struct Services
