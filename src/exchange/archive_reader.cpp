@@ -2,12 +2,12 @@
 
 #include "exchange/libzip_handles.h"
 #include "exchange/package_fields.h"
+#include "files/disk_space.h"
 #include "store/errors.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStorageInfo>
 #include <QtEndian>
 
 #include <algorithm>
@@ -116,11 +116,11 @@ std::optional<QString> nameToTake(zip_t* archive, zip_uint64_t index)
 
 /// A file made anew, written through the C library: a `QFile` for each picture costs as much
 /// as all else that is done about its name.
-class NewFile
+class UnpackedFile
 {
 public:
     /// Throws `Error`, also when something of that name exists.
-    explicit NewFile(const QString& path)
+    explicit UnpackedFile(const QString& path)
         : path_(path)
 #ifdef Q_OS_WIN
         , file_(_wfopen(path.toStdWString().c_str(), L"wbxN"))
@@ -133,10 +133,10 @@ public:
         }
         std::setvbuf(file_, nullptr, _IONBF, 0);
     }
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
+    UnpackedFile(const UnpackedFile&) = delete;
+    UnpackedFile& operator=(const UnpackedFile&) = delete;
     /// Removes the file unless it was closed.
-    ~NewFile()
+    ~UnpackedFile()
     {
         if (file_) {
             std::fclose(file_);
@@ -196,14 +196,14 @@ public:
             throw damaged(index, zip_strerror(archive_));
         }
         // A second member of one name ends here too.
-        NewFile target(folder_ + u'/' + name);
+        UnpackedFile target(folder_ + u'/' + name);
         copy(index, source.get(), target, pulse);
         target.close();
     }
 
 private:
     template <typename Pulse>
-    void copy(zip_uint64_t index, zip_file_t* source, NewFile& target, Pulse pulse)
+    void copy(zip_uint64_t index, zip_file_t* source, UnpackedFile& target, Pulse pulse)
     {
         std::int64_t size = 0;
         for (;;) {
@@ -246,10 +246,8 @@ private:
 std::int64_t allowedBytes(qint64 archiveBytes, const QString& folder, const UnpackLimits& limits)
 {
     std::int64_t allowed = limits.freeBytes + limits.growth * archiveBytes;
-    const QStorageInfo disk(folder);
-    if (disk.isValid() && disk.bytesAvailable() >= 0) {
-        allowed = std::min(allowed,
-                           std::max<std::int64_t>(0, disk.bytesAvailable() - limits.diskReserve));
+    if (const auto free = FreeBytes(QFileInfo(folder).filesystemFilePath())) {
+        allowed = std::min(allowed, std::max<std::int64_t>(0, *free - limits.diskReserve));
     }
     return allowed;
 }

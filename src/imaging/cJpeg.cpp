@@ -1,7 +1,7 @@
 #include "imaging/cJpeg.h"
 
+#include "files/NewFile.h"
 #include "imaging/jpeg_markers.h"
-#include "imaging/new_file.h"
 
 #include <algorithm>
 #include <initializer_list>

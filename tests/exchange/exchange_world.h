@@ -8,10 +8,12 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QStandardPaths>
 
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdio>
 #include <sys/resource.h>
 
 namespace varnholt::test {
@@ -88,6 +90,17 @@ inline QString runCommand(const QString& command, const QString& folder)
     EXPECT_TRUE(process.waitForFinished(120'000) && process.exitCode() == 0)
         << command.toStdString();
     return QString::fromUtf8(process.readAll());
+}
+
+/// True when the program that a command line starts with is installed; says so when it is not.
+[[nodiscard]] inline bool isInstalled(const QString& command)
+{
+    const QString program = command.section(u' ', 0, 0);
+    const bool found = !QStandardPaths::findExecutable(program).isEmpty();
+    if (!found) {
+        std::printf("left out, not installed: %s\n", qPrintable(program));
+    }
+    return found;
 }
 
 /// While it lives no file grows past `bytes`: what a full disk does.

@@ -4,8 +4,6 @@
 #include "exchange/zip_maker.h"
 #include "store/catalogue.h"
 
-#include <QStandardPaths>
-
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -335,10 +333,10 @@ TEST_F(Import, PackagesOfOtherProgramsAreRead)
     // Stored, deflated, with data descriptors, with folders and extra fields.
     for (const char* command :
          {"zip -qr0 %1 .", "zip -qr9X -fd %1 .", "zip -qr -fz %1 .", "bsdtar -a -cf %1 *",
-          "bsdtar --format zip --options zip:compression=store -cf %1 *", "7z a -tzip -bd %1 .",
-          "7z a -tzip -mx0 -bd %1 .", "python3 -m zipfile -c %1 *", "jar cfM %1 ."}) {
+          "bsdtar --format zip --options zip:compression=store -cf %1 *", "7zz a -tzip -bd %1 .",
+          "7zz a -tzip -mx0 -bd %1 .", "python3 -m zipfile -c %1 *"}) {
         const QString line = QString::fromLatin1(command);
-        if (QStandardPaths::findExecutable(line.section(u' ', 0, 0)).isEmpty()) {
+        if (!isInstalled(line)) {
             continue;
         }
         SCOPED_TRACE(command);
@@ -348,7 +346,6 @@ TEST_F(Import, PackagesOfOtherProgramsAreRead)
         expectImported(1, 1, 2);
         run();
     }
-    EXPECT_GE(made, 8);
     EXPECT_EQ(count("Questions"), 2 * made);
 }
 

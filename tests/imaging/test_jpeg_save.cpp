@@ -1,5 +1,5 @@
+#include "files/NewFile.h"
 #include "imaging/jpeg_markers.h"
-#include "imaging/new_file.h"
 #include "imaging/reference_jpeg.h"
 #include "imaging/test_pictures.h"
 

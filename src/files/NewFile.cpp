@@ -1,4 +1,6 @@
-#include "imaging/new_file.h"
+#include "files/NewFile.h"
+
+#include "files/sync.h"
 
 #include <cerrno>
 #include <random>
@@ -17,7 +19,7 @@ namespace varnholt {
 
 namespace {
 
-constexpr int kAttempts = 16;
+constexpr int attempts = 16;
 
 #if defined(_WIN32)
 int openNew(const std::filesystem::path& path)
@@ -54,92 +56,87 @@ void closeHandle(int handle)
 } // namespace
 
 NewFile::NewFile(const std::filesystem::path& path)
-    : m_path(path)
+    : path_(path)
 {
     std::random_device random;
-    for (int i = 0; i < kAttempts && m_handle < 0; ++i) {
+    for (int i = 0; i < attempts && handle_ < 0; ++i) {
         // Not derived from the name, which may be as long as names can be.
-        m_temporary = path.parent_path() / (".new-" + std::to_string(random()) + ".part");
-        m_handle = openNew(m_temporary);
-        if (m_handle < 0 && errno != EEXIST)
+        temporary_ = path.parent_path() / (".new-" + std::to_string(random()) + ".part");
+        handle_ = openNew(temporary_);
+        if (handle_ < 0 && errno != EEXIST) {
             return;
+        }
     }
 }
 
 NewFile::~NewFile()
 {
-    if (m_handle < 0)
+    if (handle_ < 0) {
         return;
-    closeHandle(m_handle);
+    }
+    closeHandle(handle_);
     std::error_code ignored;
-    std::filesystem::remove(m_temporary, ignored);
+    std::filesystem::remove(temporary_, ignored);
 }
 
 bool NewFile::write(std::span<const std::uint8_t> bytes)
 {
-    while (!bytes.empty() && !m_failed) {
-        const std::ptrdiff_t n = writeSome(m_handle, bytes.data(), bytes.size());
-        if (n > 0)
+    while (!bytes.empty() && !failed_) {
+        const std::ptrdiff_t n = writeSome(handle_, bytes.data(), bytes.size());
+        if (n > 0) {
             bytes = bytes.subspan(static_cast<std::size_t>(n));
-        else if (n == 0 || errno != EINTR)
-            m_failed = true;
+        } else if (n == 0 || errno != EINTR) {
+            failed_ = true;
+        }
     }
-    return !m_failed;
+    return !failed_;
 }
 
 NewFile::Outcome NewFile::finish()
 {
-    if (m_failed || !flush())
+    if (failed_ || SyncFile(handle_)) {
         return Outcome::NotWritten;
+    }
     return giveName();
 }
 
 #if defined(_WIN32)
 
-bool NewFile::flush()
-{
-    return ::_commit(m_handle) == 0;
-}
-
 NewFile::Outcome NewFile::giveName()
 {
-    closeHandle(m_handle);
-    m_handle = -1;
-    if (::MoveFileExW(m_temporary.c_str(), m_path.c_str(), MOVEFILE_WRITE_THROUGH))
+    closeHandle(handle_);
+    handle_ = -1;
+    if (::MoveFileExW(temporary_.c_str(), path_.c_str(), MOVEFILE_WRITE_THROUGH)) {
         return Outcome::Done;
+    }
     const DWORD error = ::GetLastError();
-    ::DeleteFileW(m_temporary.c_str());
+    ::DeleteFileW(temporary_.c_str());
     return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS ? Outcome::NameTaken
                                                                        : Outcome::NotWritten;
 }
 
 #else
 
-bool NewFile::flush()
-{
-    return ::fsync(m_handle) == 0;
-}
-
 NewFile::Outcome NewFile::giveName()
 {
     // A second name for the finished file, which fails when the name is taken; the first
     // goes with this object.
-    if (::link(m_temporary.c_str(), m_path.c_str()) != 0) {
-        if (errno == EEXIST)
+    if (::link(temporary_.c_str(), path_.c_str()) != 0) {
+        if (errno == EEXIST) {
             return Outcome::NameTaken;
+        }
         // No second names on this file system. Here the name might be taken in between.
         std::error_code error;
-        if (std::filesystem::exists(std::filesystem::symlink_status(m_path, error)))
+        if (std::filesystem::exists(std::filesystem::symlink_status(path_, error))) {
             return Outcome::NameTaken;
-        if (::rename(m_temporary.c_str(), m_path.c_str()) != 0)
+        }
+        if (::rename(temporary_.c_str(), path_.c_str()) != 0) {
             return Outcome::NotWritten;
+        }
     }
-    const std::filesystem::path folder =
-        m_path.has_parent_path() ? m_path.parent_path() : std::filesystem::path(".");
-    const int handle = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (handle >= 0) {
-        ::fsync(handle);
-        ::close(handle);
+    if (SyncFolder(path_.parent_path())) {
+        ::unlink(path_.c_str());
+        return Outcome::NotWritten;
     }
     return Outcome::Done;
 }

@@ -8,7 +8,7 @@ namespace varnholt {
 
 /// A file that appears under its name only when it is complete. Until then it stands in the
 /// same folder under a name of its own, which goes when it is not finished. What is there
-/// under the name already is never overwritten.
+/// under the name already is never overwritten. No exceptions, no Qt.
 class NewFile
 {
 public:
@@ -25,19 +25,19 @@ public:
     NewFile& operator=(const NewFile&) = delete;
 
     /// False when the folder does not take a new file.
-    bool isOpen() const { return m_handle >= 0; }
+    [[nodiscard]] bool isOpen() const { return handle_ >= 0; }
+    /// False when the disk takes no more; so is `finish` then.
     bool write(std::span<const std::uint8_t> bytes);
-    /// Puts everything on the disk and gives the file its name.
-    Outcome finish();
+    /// Puts everything on the disk and gives the file its name, on the disk as well.
+    [[nodiscard]] Outcome finish();
 
 private:
-    bool flush();
     Outcome giveName();
 
-    std::filesystem::path m_path;
-    std::filesystem::path m_temporary;
-    int m_handle = -1;
-    bool m_failed = false;
+    std::filesystem::path path_;
+    std::filesystem::path temporary_;
+    int handle_ = -1;
+    bool failed_ = false;
 };
 
 } // namespace varnholt

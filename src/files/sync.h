@@ -1,0 +1,22 @@
+#pragma once
+
+#include <filesystem>
+#include <system_error>
+
+/// Requests to have on the disk what was written so far, so that a power cut does not take it
+/// back. They return an empty error when that is done; a file system that knows no such
+/// request counts as done.
+namespace varnholt {
+
+/// The bytes of an open file. What the program itself still buffers is not looked at.
+[[nodiscard]] std::error_code SyncFile(int descriptor);
+
+/// The names in a folder: files made, renamed or removed there. Nothing to do on Windows,
+/// where names are kept in a journal.
+[[nodiscard]] std::error_code SyncFolder(const std::filesystem::path& folder);
+
+/// All files of the folder's file system, their names included; where the system has no such
+/// request the files in the folder.
+[[nodiscard]] std::error_code SyncFileSystem(const std::filesystem::path& folder);
+
+} // namespace varnholt
