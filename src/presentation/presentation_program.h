@@ -8,7 +8,7 @@ namespace varnholt {
 
 /// The port to the presentation program: exactly the operations the builder needs, in the
 /// terms of a presentation program's object model. Shapes and slides count from 1 in order
-/// of creation; shape operations work on the slide selected last. Positions and sizes are
+/// of creation; shape operations work on the slide appended last. Positions and sizes are
 /// points (1/72 inch) from the slide's top-left corner.
 ///
 /// An object lives for one build. Every operation is synchronous and throws `Error` when
@@ -25,13 +25,12 @@ public:
     /// A new, empty presentation in a window; it becomes the active one. 960 x 540 points.
     virtual void addPresentation() = 0;
     virtual void setVisible() = 0;
-    virtual int slideCount() = 0;
-    /// Adds a blank slide; `index` is 1 to slideCount() + 1.
-    virtual void addBlankSlide(int index) = 0;
-    /// Makes a slide current. A position outside 1..slideCount() is an error.
-    virtual void selectSlide(int index) = 0;
+    /// Adds a blank slide after the last one and selects it: it is the current slide now.
+    virtual void appendBlankSlide() = 0;
     /// Adds a horizontal text box to the current slide.
     virtual void addTextBox(double left, double top, double width, double height) = 0;
+    /// A line break begins a new paragraph, whichever character stands for it; what becomes of
+    /// other characters that no slide can show is said at `slideParagraphs`.
     virtual void setShapeText(int shape, const QString& text) = 0;
     /// Embeds a picture file (not linked) on the current slide. `width` and `height` may be
     /// `ownSize`. `description` is the alternative text.
@@ -40,6 +39,9 @@ public:
     /// Scales a shape relative to its original size, its top-left corner fixed.
     virtual void scaleHeight(int shape, double factor) = 0;
     virtual void scaleWidth(int shape, double factor) = 0;
+    /// The slide to look at when the build is over. The last operation before `finish`: nothing
+    /// is added after it. An `index` outside 1..number of slides is an error.
+    virtual void showSlide(int index) = 0;
 
     /// Called once when the build is over, also after an abort: whatever is left to do
     /// (write, open, show) is done now, so that the slides built so far stay open.

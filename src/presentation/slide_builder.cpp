@@ -27,7 +27,7 @@ public:
         if (input_.answerKey) {
             addAnswerKey();
         }
-        program_.selectSlide(1);
+        program_.showSlide(1);
     }
 
     /// From here on a failure is a matter of the build, no longer of the caller.
@@ -55,9 +55,7 @@ private:
         if (progress_) {
             progress_(++slide_, slides_);
         }
-        const int index = program_.slideCount() + 1;
-        program_.addBlankSlide(index);
-        program_.selectSlide(index);
+        program_.appendBlankSlide();
     }
 
     void addQuestionSlides()

@@ -64,17 +64,13 @@ public:
 
     void addPresentation() override { log_.append(QStringLiteral("Presentations.Add")); }
     void setVisible() override { log_.append(QStringLiteral("Visible = True")); }
-    int slideCount() override { return slides_; }
-    void addBlankSlide(int index) override
+    void appendBlankSlide() override
     {
-        ++slides_;
-        log_.append(QStringLiteral("Slides.Add %1 blank").arg(index));
+        log_.append(QStringLiteral("Slides.Add %1 blank; Slides(%1).Select").arg(++slides_));
     }
-    void selectSlide(int index) override
+    void showSlide(int index) override
     {
-        const QString line = QStringLiteral("Slides(%1).Select").arg(index);
-        log_.last().startsWith(QStringLiteral("Slides.Add %1 ").arg(index)) ? goOn(line)
-                                                                            : log_.append(line);
+        log_.append(QStringLiteral("Slides(%1).Select").arg(index));
     }
     void addTextBox(double left, double top, double width, double height) override
     {

@@ -125,10 +125,10 @@ TEST_F(Impress, AFrozenOfficeCanBeLeftAlone)
         frozen = true;
         alive = 0;
         host_->signalOffice(SIGSTOP);
-        EXPECT_THROW(program->addBlankSlide(1), Cancelled);
+        EXPECT_THROW(program->appendBlankSlide(), Cancelled);
         EXPECT_EQ(asked, 2);
         EXPECT_GT(alive, 1);
-        EXPECT_THROW(program->addBlankSlide(1), Cancelled);
+        EXPECT_THROW(program->appendBlankSlide(), Cancelled);
     }
     EXPECT_THROW(start(settings), Cancelled);
 

@@ -45,7 +45,7 @@ protected:
                 last = call.section(u' ', 2, 2);
             } else if (call.startsWith(u"setShapeText")) {
                 last += u' ' + call.section(u' ', 2);
-            } else if (call == u"slideCount" || call == u"finish") {
+            } else if (call == u"appendBlankSlide" || call == u"showSlide 1") {
                 slides.append(u"%1: %2"_s.arg(boxes).arg(last));
                 boxes = 0;
                 last.clear();
@@ -62,19 +62,19 @@ TEST_F(SlideBuilder, CallsInOrderWithTopicAndKey)
     fillPool(3, {2});
     EXPECT_EQ(build(program_, true, true), BuildOutcome::complete);
     expectCalls(uR"(addPresentation; setVisible
-slideCount; addBlankSlide 1; selectSlide 1
+appendBlankSlide
 addTextBox 0 0 1000 100; setShapeText 1 Topic of 1
 addTextBox 0 40 100 100; addPicture 1.jpg 2 70 -1 -1
 setShapeText 2 #1; scaleHeight 3 1; scaleWidth 3 1
-slideCount; addBlankSlide 2; selectSlide 2
+appendBlankSlide
 addTextBox 0 0 1000 100; setShapeText 1 Topic of 3
 addTextBox 0 40 100 100; addPicture 3.jpg 2 70 -1 -1
 setShapeText 2 #2; scaleHeight 3 1; scaleWidth 3 1
-slideCount; addBlankSlide 3; selectSlide 3
+appendBlankSlide
 addTextBox 0 0 300 100; setShapeText 1 Answer Key
 addTextBox 0 20 100 100; setShapeText 2 1) A1
 addTextBox 0 40 100 100; setShapeText 3 2) A3
-selectSlide 1; finish)"_s);
+showSlide 1; finish)"_s);
 }
 
 TEST_F(SlideBuilder, CallsInOrderWithoutTopicAndKey)
@@ -82,10 +82,10 @@ TEST_F(SlideBuilder, CallsInOrderWithoutTopicAndKey)
     fillPool(1);
     EXPECT_EQ(build(program_, false, false), BuildOutcome::complete);
     expectCalls(uR"(addPresentation; setVisible
-slideCount; addBlankSlide 1; selectSlide 1
+appendBlankSlide
 addTextBox 0 0 100 100; addPicture 1.jpg 2 50 -1 -1
 setShapeText 1 #1; scaleHeight 2 1; scaleWidth 2 1
-selectSlide 1; finish)"_s);
+showSlide 1; finish)"_s);
 }
 
 TEST_F(SlideBuilder, TheKeyBreaksByPoolIndex)
@@ -118,7 +118,7 @@ TEST_F(SlideBuilder, TheKeyBreaksByPoolIndex)
         };
         EXPECT_EQ(build(program_, false, true, progress), BuildOutcome::complete);
         EXPECT_EQ(reported, announced);
-        EXPECT_EQ(program_.callsOf(u"addBlankSlide"_s).size(), announced);
+        EXPECT_EQ(program_.callsOf(u"appendBlankSlide"_s).size(), announced);
         EXPECT_EQ(keySlides().toStdString(), test.key);
     }
 }
@@ -134,16 +134,16 @@ TEST_F(SlideBuilder, AFailureReachesTheCallerOnlyBeforeTheFirstPicture)
     };
     for (const auto& [call, nth, aborts] : std::vector<Failure>{{"addPresentation", 1, false},
                                                                 {"setVisible", 1, false},
-                                                                {"addBlankSlide", 1, false},
+                                                                {"appendBlankSlide", 1, false},
                                                                 {"setShapeText", 1, false},
                                                                 {"addTextBox", 2, false},
                                                                 {"addPicture", 1, true},
                                                                 {"scaleWidth", 1, true},
-                                                                {"addBlankSlide", 2, true},
+                                                                {"appendBlankSlide", 2, true},
                                                                 {"addTextBox", 3, true},
                                                                 {"addPicture", 2, true},
                                                                 {"setShapeText 1 Answer", 1, true},
-                                                                {"selectSlide 1", 2, true}}) {
+                                                                {"showSlide 1", 1, true}}) {
         SCOPED_TRACE(testing::Message() << call << ' ' << nth);
         fillPool(2);
         program_.failAt(QLatin1String(call), nth);
@@ -166,7 +166,7 @@ TEST_F(SlideBuilder, NothingIncludedAndNoKeyFailsAtTheEnd)
 {
     fillPool(2, {1, 2});
     EXPECT_THROW(build(program_, true, false), Error);
-    EXPECT_EQ(program_.callsOf(u"selectSlide"_s), QStringList{u"selectSlide 1"_s});
+    EXPECT_EQ(program_.callsOf(u"showSlide"_s), QStringList{u"showSlide 1"_s});
 }
 
 TEST_F(SlideBuilder, CancelStopsWithoutAWord)

@@ -201,7 +201,7 @@ TEST_F(FrmMain, BuildsTheDrawnQuestionsWithTheChosenOptionsAndTellsFailures)
     press("cmdCreate");
     EXPECT_EQ(calls(u"addPicture"_s).size(), 3);
     EXPECT_EQ(calls(u"setShapeText 1 Topic 1 - Subtopic 1.1"_s).size(), 3);
-    EXPECT_EQ(calls(u"addBlankSlide"_s).size(), 4);
+    EXPECT_EQ(calls(u"appendBlankSlide"_s).size(), 4);
     for (int i = 1; i <= 3; ++i) {
         EXPECT_EQ(calls(u"%1) %2"_s.arg(i).arg(state.DrawPool(i).Answer)).size(), 1);
         EXPECT_TRUE(state.DrawPool(i).Selected);
@@ -210,17 +210,17 @@ TEST_F(FrmMain, BuildsTheDrawnQuestionsWithTheChosenOptionsAndTellsFailures)
 
     choose("optTopicNo");
     press("cmdCreate");
-    EXPECT_EQ(calls(u"addBlankSlide"_s).size(), 4);
+    EXPECT_EQ(calls(u"appendBlankSlide"_s).size(), 4);
     EXPECT_EQ(calls(u"setShapeText 1 #1"_s).size(), 1);
     choose("optKeyNo");
     press("cmdCreate");
-    EXPECT_EQ(calls(u"addBlankSlide"_s).size(), 3);
+    EXPECT_EQ(calls(u"appendBlankSlide"_s).size(), 3);
 
     presentations.startFailure = u"The office does not start."_s;
     messages.expectInform(u"Error"_s, u"The office does not start."_s);
     press("cmdCreate");
     presentations.startFailure.clear();
-    presentations.next.failAt(u"addBlankSlide"_s);
+    presentations.next.failAt(u"appendBlankSlide"_s);
     messages.expectInform(u"Error"_s, u"told to fail"_s);
     press("cmdCreate");
     EXPECT_TRUE(window->isEnabled());

@@ -120,7 +120,7 @@ TEST_F(ReviewWindow, CreateBuildsWhatIsIncludedSoFar)
     create(5);
     click(review, "cmdCreate");
     expectClosed(2);
-    EXPECT_EQ(presentations.calls.filter(u"addBlankSlide"_s).size(), 1);
+    EXPECT_EQ(presentations.calls.filter(u"appendBlankSlide"_s).size(), 1);
     control<QRadioButton>(selection.get(), "optKeyNo")->setChecked(true);
     messages.expectInform(u"Error"_s, u"no such slide"_s);
     create(5);

@@ -32,19 +32,14 @@ public:
 
     void addPresentation() override { record("addPresentation"); }
     void setVisible() override { record("setVisible"); }
-    int slideCount() override
+    void appendBlankSlide() override
     {
-        record("slideCount");
-        return slides_;
-    }
-    void addBlankSlide(int index) override
-    {
-        record("addBlankSlide", index);
+        record("appendBlankSlide");
         ++slides_;
     }
-    void selectSlide(int index) override
+    void showSlide(int index) override
     {
-        record("selectSlide", index);
+        record("showSlide", index);
         if (index < 1 || index > slides_) {
             throw Error(QStringLiteral("no such slide"));
         }

@@ -16,8 +16,8 @@
 #include <com/sun/star/text/XText.hpp>
 #include <com/sun/star/view/DocumentZoomType.hpp>
 
+#include <algorithm>
 #include <cmath>
-#include <utility>
 
 using css::uno::Any;
 using css::uno::Reference;
@@ -48,7 +48,6 @@ sal_Int16 layoutOf(const Reference<css::drawing::XDrawPage>& page)
 void ImpressDocument::close()
 {
     shapes_.clear();
-    newPage_.clear();
     page_.clear();
     pages_.clear();
     graphics_.clear();
@@ -90,38 +89,21 @@ void ImpressDocument::show()
     }
 }
 
-void ImpressDocument::addBlankSlide(int index)
+void ImpressDocument::appendBlankSlide()
 {
-    newPage_ = pages_->insertNewByIndex(slideCount_ == 0 ? 1 : index - 1);
-    newIndex_ = index;
+    // Behind the one a new presentation comes with, which goes only then: a presentation
+    // cannot be without slides.
+    page_ = pages_->insertNewByIndex(std::max(slideCount_, 1));
+    shapes_.clear();
     if (slideCount_ == 0) {
-        setsLayout_ = layoutOf(newPage_) != blankLayout;
-        // A presentation cannot be without slides, so the one it came with goes only now.
+        setsLayout_ = layoutOf(page_) != blankLayout;
         pages_->remove(Reference<css::drawing::XDrawPage>(pages_->getByIndex(0), UNO_QUERY_THROW));
     }
     if (setsLayout_) {
-        Reference<css::beans::XPropertySet>(newPage_, UNO_QUERY_THROW)
+        Reference<css::beans::XPropertySet>(page_, UNO_QUERY_THROW)
             ->setPropertyValue("Layout", Any(blankLayout));
     }
     ++slideCount_;
-}
-
-void ImpressDocument::select(int index)
-{
-    if (index < 1 || index > slideCount_) {
-        throw Error(QStringLiteral("The presentation has no slide %1.").arg(index));
-    }
-    shapes_.clear();
-    if (index == std::exchange(newIndex_, 0)) {
-        page_ = newPage_;
-        return;
-    }
-    page_.set(pages_->getByIndex(index - 1), UNO_QUERY_THROW);
-    for (sal_Int32 i = 0; i < page_->getCount(); ++i) {
-        const Reference<css::drawing::XShape> shape(page_->getByIndex(i), UNO_QUERY_THROW);
-        const css::awt::Size size = shape->getSize();
-        shapes_.push_back({shape, size, size});
-    }
 }
 
 ImpressDocument::Shape& ImpressDocument::shapeAt(int shape)
@@ -136,7 +118,7 @@ void ImpressDocument::addShape(const char* service, const HundredthMm& box, cons
                                const Values& values)
 {
     if (!page_.is()) {
-        throw Error(QStringLiteral("No slide is selected."));
+        throw Error(QStringLiteral("The presentation has no slide yet."));
     }
     const Reference<css::drawing::XShape> shape(
         factory_->createInstance(rtl::OUString::createFromAscii(service)), UNO_QUERY_THROW);
@@ -203,6 +185,15 @@ void ImpressDocument::scaleWidth(int shape, double factor)
 {
     Shape& target = shapeAt(shape);
     resize(target, {sal_Int32(std::lround(target.original.Width * factor)), target.size.Height});
+}
+
+void ImpressDocument::choose(int index)
+{
+    if (index < 1 || index > slideCount_) {
+        throw Error(QStringLiteral("The presentation has no slide %1.").arg(index));
+    }
+    page_.set(pages_->getByIndex(index - 1), UNO_QUERY_THROW);
+    shapes_.clear();
 }
 
 void ImpressDocument::showCurrentSlide()

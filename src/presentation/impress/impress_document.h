@@ -35,16 +35,16 @@ public:
     void create();
     /// Throws `Error` when there is no screen the window could be on.
     void show();
-    [[nodiscard]] int slideCount() const { return slideCount_; }
-    void addBlankSlide(int index);
-    void select(int index);
+    void appendBlankSlide();
     void addTextBox(const HundredthMm& box);
     void setText(int shape, const QString& text);
     void addPicture(const QString& path, const HundredthMm& box, const QString& description);
     /// Scales relative to the size the shape was made with.
     void scaleHeight(int shape, double factor);
     void scaleWidth(int shape, double factor);
-    /// Brings the slide selected last to the screen.
+    /// Names the slide to be on the screen in the end. Nothing may be added after that.
+    void choose(int index);
+    /// Brings the chosen slide to the screen, or the last one where none was chosen.
     void showCurrentSlide();
 
 private:
@@ -72,9 +72,6 @@ private:
     css::uno::Reference<css::drawing::XDrawPage> page_;
     /// Of the current slide, by position.
     std::vector<Shape> shapes_;
-    /// The slide made last, empty and without a selection so far; 0 when there is none such.
-    css::uno::Reference<css::drawing::XDrawPage> newPage_;
-    int newIndex_ = 0;
     int slideCount_ = 0;
     /// Whether new slides come with a layout other than the blank one.
     bool setsLayout_ = false;

@@ -65,21 +65,9 @@ void ImpressProgram::setVisible()
     call([](ImpressDocument& document) { document.show(); });
 }
 
-int ImpressProgram::slideCount()
+void ImpressProgram::appendBlankSlide()
 {
-    const auto count = std::make_shared<int>(0);
-    call([count](ImpressDocument& document) { *count = document.slideCount(); });
-    return *count;
-}
-
-void ImpressProgram::addBlankSlide(int index)
-{
-    call([index](ImpressDocument& document) { document.addBlankSlide(index); });
-}
-
-void ImpressProgram::selectSlide(int index)
-{
-    call([index](ImpressDocument& document) { document.select(index); });
+    call([](ImpressDocument& document) { document.appendBlankSlide(); });
 }
 
 void ImpressProgram::addTextBox(double left, double top, double width, double height)
@@ -129,6 +117,11 @@ void ImpressProgram::scaleHeight(int shape, double factor)
 void ImpressProgram::scaleWidth(int shape, double factor)
 {
     call([shape, factor](ImpressDocument& document) { document.scaleWidth(shape, factor); });
+}
+
+void ImpressProgram::showSlide(int index)
+{
+    call([index](ImpressDocument& document) { document.choose(index); });
 }
 
 void ImpressProgram::finish()

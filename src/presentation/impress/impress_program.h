@@ -1,7 +1,7 @@
 #pragma once
 
 #include "presentation/impress/impress_document.h"
-#include "presentation/impress/office_worker.h"
+#include "presentation/office_worker.h"
 #include "presentation/presentation_program.h"
 
 #include <QTemporaryDir>
@@ -23,15 +23,14 @@ public:
 
     void addPresentation() override;
     void setVisible() override;
-    int slideCount() override;
-    void addBlankSlide(int index) override;
-    void selectSlide(int index) override;
+    void appendBlankSlide() override;
     void addTextBox(double left, double top, double width, double height) override;
     void setShapeText(int shape, const QString& text) override;
     void addPicture(const QString& path, double left, double top, double width, double height,
                     const QString& description) override;
     void scaleHeight(int shape, double factor) override;
     void scaleWidth(int shape, double factor) override;
+    void showSlide(int index) override;
     void finish() override;
 
 private:

@@ -80,33 +80,17 @@ void PptxProgram::addPresentation()
 
 void PptxProgram::setVisible() {}
 
-int PptxProgram::slideCount()
+void PptxProgram::appendBlankSlide()
 {
-    return int(document_.slides.size());
-}
-
-void PptxProgram::addBlankSlide(int index)
-{
-    if (index < 1 || index > slideCount() + 1) {
-        throw Error(QStringLiteral("There is no place %1 for a slide.").arg(index));
-    }
-    document_.slides.insert(document_.slides.begin() + (index - 1), PptxSlide());
-}
-
-void PptxProgram::selectSlide(int index)
-{
-    if (index < 1 || index > slideCount()) {
-        throw Error(QStringLiteral("The presentation has no slide %1.").arg(index));
-    }
-    current_ = index;
+    document_.slides.emplace_back();
 }
 
 PptxSlide& PptxProgram::currentSlide()
 {
-    if (current_ == 0) {
-        throw Error(QStringLiteral("No slide is selected."));
+    if (document_.slides.empty()) {
+        throw Error(QStringLiteral("The presentation has no slide yet."));
     }
-    return document_.slides[size_t(current_) - 1];
+    return document_.slides.back();
 }
 
 PptxShape& PptxProgram::shapeAt(int shape)
@@ -179,6 +163,13 @@ void PptxProgram::scaleWidth(int shape, double factor)
     const Emu original =
         target.media == 0 ? target.width : document_.media[size_t(target.media) - 1].width;
     target.width = std::llround(double(original) * factor);
+}
+
+void PptxProgram::showSlide(int index)
+{
+    if (index < 1 || size_t(index) > document_.slides.size()) {
+        throw Error(QStringLiteral("The presentation has no slide %1.").arg(index));
+    }
 }
 
 QString PptxProgram::giveFinalName()

@@ -36,15 +36,15 @@ public:
     /// Throws when nothing can be written to the folder, before any work is done.
     void addPresentation() override;
     void setVisible() override;
-    int slideCount() override;
-    void addBlankSlide(int index) override;
-    void selectSlide(int index) override;
+    void appendBlankSlide() override;
     void addTextBox(double left, double top, double width, double height) override;
     void setShapeText(int shape, const QString& text) override;
     void addPicture(const QString& path, double left, double top, double width, double height,
                     const QString& description) override;
     void scaleHeight(int shape, double factor) override;
     void scaleWidth(int shape, double factor) override;
+    /// Only looks whether the slide is there: a .pptx opens at its first one.
+    void showSlide(int index) override;
     void finish() override;
 
     /// Where the file was written; empty before `finish` and when nothing was.
@@ -60,7 +60,6 @@ private:
     PptxSettings settings_;
     PptxDocument document_;
     QHash<QString, int> mediaByPath_;
-    int current_ = 0;
     QString folder_;
     /// The name the file is written under.
     QString partPath_;

@@ -1,4 +1,4 @@
-#include "presentation/impress/office_worker.h"
+#include "presentation/office_worker.h"
 
 #include "store/errors.h"
 

@@ -6,8 +6,8 @@
 
 namespace varnholt {
 
-/// A thread that calls into the office suite, so that an office that never answers blocks it
-/// and not the caller. One task at a time; the caller waits, but with its windows alive.
+/// A thread that calls into another program, an office, so that one that never answers blocks
+/// it and not the caller. One task at a time; the caller waits, but with its windows alive.
 class OfficeWorker
 {
 public:
