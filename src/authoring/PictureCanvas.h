@@ -1,7 +1,7 @@
 #pragma once
 
 #include "authoring/canvas_font.h"
-#include "toolkit/PictureSurface.h"
+#include "pictures/PictureSurface.h"
 
 #include <QString>
 

@@ -1,6 +1,6 @@
 #include "authoring/filing.h"
 
-#include "store/picture_files.h"
+#include "pictures/picture_files.h"
 #include "store/statements.h"
 
 #include <QDir>

@@ -3,8 +3,8 @@
 #include "authoring/PictureCanvas.h"
 #include "imaging/cImage.h"
 #include "imaging/cJpeg.h"
+#include "pictures/picture_files.h"
 #include "store/connection.h"
-#include "store/picture_files.h"
 #include "store/statements.h"
 
 #include <QDir>

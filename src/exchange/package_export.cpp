@@ -4,9 +4,9 @@
 #include "exchange/package_fields.h"
 #include "exchange/work_folder.h"
 #include "exchange/work_view.h"
+#include "pictures/picture_files.h"
 #include "store/connection.h"
 #include "store/modMain.h"
-#include "store/picture_files.h"
 #include "store/services.h"
 #include "store/statements.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "manage/filing_preselection.h"
-#include "toolkit/picture_loader.h"
+#include "pictures/picture_loader.h"
 
 #include <QWidget>
 

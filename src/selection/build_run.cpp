@@ -1,9 +1,9 @@
 #include "selection/build_run.h"
 
+#include "pictures/picture_files.h"
 #include "presentation/slide_builder.h"
 #include "store/catalogue.h"
 #include "store/errors.h"
-#include "store/picture_files.h"
 #include "store/services.h"
 #include "toolkit/LongWork.h"
 

@@ -1,7 +1,7 @@
 #include "selection/frmSelect.h"
 
+#include "pictures/picture_files.h"
 #include "store/catalogue.h"
-#include "store/picture_files.h"
 #include "store/services.h"
 #include "toolkit/PictureView.h"
 #include "toolkit/controls.h"

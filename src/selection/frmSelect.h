@@ -1,8 +1,8 @@
 #pragma once
 
+#include "pictures/picture_loader.h"
 #include "selection/build_run.h"
 #include "selection/review.h"
-#include "toolkit/picture_loader.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #include "toolkit/PictureBox.h"
 
-#include "toolkit/PictureSurface.h"
+#include "pictures/PictureSurface.h"
 
 #include <QMouseEvent>
 #include <QPainter>

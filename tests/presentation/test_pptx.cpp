@@ -1,7 +1,7 @@
+#include "pictures/picture_info.h"
 #include "presentation/build_fixture.h"
 #include "presentation/default_programs.h"
 #include "presentation/package_reader.h"
-#include "presentation/picture_info.h"
 #include "presentation/pptx/pptx_program.h"
 #include "presentation/pptx/zip_writer.h"
 #include "store/errors.h"

@@ -1,6 +1,6 @@
+#include "pictures/picture_files.h"
 #include "store/connection.h"
 #include "store/library_file.h"
-#include "store/picture_files.h"
 #include "store/statements.h"
 #include "support/test_library.h"
 #include "support/unprivileged.h"

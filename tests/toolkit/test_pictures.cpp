@@ -1,6 +1,6 @@
+#include "pictures/picture_loader.h"
 #include "support/test_library.h"
 #include "toolkit/PictureView.h"
-#include "toolkit/picture_loader.h"
 
 #include <QBitmap>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "presentation/impress/impress_program.h"
 
-#include "presentation/picture_info.h"
+#include "pictures/picture_info.h"
 #include "store/errors.h"
 
 #include <QFile>

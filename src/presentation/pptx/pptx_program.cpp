@@ -1,6 +1,6 @@
 #include "presentation/pptx/pptx_program.h"
 
-#include "presentation/picture_info.h"
+#include "pictures/picture_info.h"
 #include "presentation/pptx/pptx_writer.h"
 #include "store/errors.h"
 

@@ -1,6 +1,6 @@
-#include "toolkit/picture_loader.h"
+#include "pictures/picture_loader.h"
 
-#include "presentation/picture_info.h"
+#include "pictures/picture_info.h"
 #include "store/errors.h"
 
 #include <QFileInfo>

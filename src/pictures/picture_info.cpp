@@ -1,4 +1,4 @@
-#include "presentation/picture_info.h"
+#include "pictures/picture_info.h"
 
 #include "store/errors.h"
 

@@ -1,4 +1,4 @@
-#include "toolkit/PictureSurface.h"
+#include "pictures/PictureSurface.h"
 
 #include <QFontMetricsF>
 #include <QPainter>

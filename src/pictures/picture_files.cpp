@@ -1,4 +1,4 @@
-#include "store/picture_files.h"
+#include "pictures/picture_files.h"
 
 #include <QDir>
 #include <QFileInfo>
