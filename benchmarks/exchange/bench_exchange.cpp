@@ -34,7 +34,7 @@ public:
     QString last;
 
     void inform(const QString& title, const QString&) override { last = title; }
-    bool yesNo(const QString&, const QString&) override { return true; }
+    bool yesNo(const QString&, const QString&, Answer) override { return true; }
     QString inputText(const QString&, const QString&, const QString& text) override { return text; }
     std::optional<QString> saveFile(const QString&, const QString&) override { return path; }
     std::optional<QString> openFile(const QString&) override { return path; }

@@ -30,7 +30,7 @@ class NoMessageBoxes : public MessageBoxes
 {
 public:
     void inform(const QString&, const QString& text) override { qFatal("%s", qPrintable(text)); }
-    bool yesNo(const QString&, const QString&) override { return false; }
+    bool yesNo(const QString&, const QString&, Answer) override { return false; }
     QString inputText(const QString&, const QString&, const QString&) override { return {}; }
 };
 

@@ -18,7 +18,7 @@ class NoMessages : public MessageBoxes
 {
 public:
     void inform(const QString&, const QString&) override { std::abort(); }
-    bool yesNo(const QString&, const QString&) override { std::abort(); }
+    bool yesNo(const QString&, const QString&, Answer) override { std::abort(); }
     QString inputText(const QString&, const QString&, const QString&) override { std::abort(); }
 };
 

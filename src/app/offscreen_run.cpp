@@ -32,7 +32,7 @@ public:
     {
         throw Error(title + QStringLiteral(": ") + text);
     }
-    bool yesNo(const QString& title, const QString& text) override
+    bool yesNo(const QString& title, const QString& text, Answer) override
     {
         throw Error(title + QStringLiteral(": ") + text);
     }

@@ -6,6 +6,7 @@
 #include "store/library_file.h"
 #include "store/services.h"
 #include "toolkit/DesktopClipboard.h"
+#include "toolkit/HeldKeys.h"
 #include "toolkit/desktop_services.h"
 
 #include <QApplication>
@@ -114,6 +115,7 @@ void NameApplication()
 
 int RunProgram(QApplication& application)
 {
+    const HeldKeys heldKeys;
     DesktopMessageBoxes messages;
     try {
         return run(application, messages);

@@ -2,12 +2,12 @@
 
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
+#include "toolkit/LineEdit.h"
 #include "toolkit/PictureBox.h"
 #include "toolkit/controls.h"
 
 #include <QGridLayout>
 #include <QGuiApplication>
-#include <QLineEdit>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -168,7 +168,7 @@ QLayout* frmAddNewQuestion::buildFiling()
     cmdNewTopic_ = makeButton("cmdNewTopic", QStringLiteral("&New Topic and Subtopic"));
     cmdNewSubtopic_ = makeButton("cmdNewSubtopic", QStringLiteral("Ne&w Subtopic"));
     auto* lblAnswer = makeLabel("lblAnswer", QStringLiteral("&Answer:"));
-    txtAnswer_ = named(new QLineEdit, "txtAnswer", QStringLiteral("Answer"));
+    txtAnswer_ = named(new LineEdit, "txtAnswer", QStringLiteral("Answer"));
     txtAnswer_->installEventFilter(this);
     lblAnswer->setBuddy(txtAnswer_);
     lblAnswerHint_ = new HintLabel("lblAnswerHint", txtAnswer_, HintLabel::Place::Kept);

@@ -3,6 +3,7 @@
 #include "store/modMain.h"
 #include "store/services.h"
 #include "toolkit/HintLabel.h"
+#include "toolkit/LineEdit.h"
 #include "toolkit/ListBox.h"
 #include "toolkit/controls.h"
 
@@ -10,7 +11,6 @@
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QGridLayout>
-#include <QLineEdit>
 
 namespace varnholt {
 
@@ -90,7 +90,7 @@ QGroupBox* frmPictureText::buildStyles()
 void frmPictureText::buildControls()
 {
     auto* lblTextToAdd = makeLabel("lblTextToAdd", QStringLiteral("&Text to Add:"));
-    txtText_ = named(new QLineEdit, "txtText", QStringLiteral("Text to add"));
+    txtText_ = named(new LineEdit, "txtText", QStringLiteral("Text to add"));
     lblTextToAdd->setBuddy(txtText_);
 
     lstFontSize_ =

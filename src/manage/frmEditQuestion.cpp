@@ -5,10 +5,10 @@
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
+#include "toolkit/LineEdit.h"
 #include "toolkit/controls.h"
 
 #include <QGridLayout>
-#include <QLineEdit>
 
 #include <limits>
 
@@ -38,7 +38,7 @@ void frmEditQuestion::buildControls()
     lblSubTopic->setBuddy(cboSubtopics_);
     lblFilingHint_ = new HintLabel("lblFilingHint", cboSubtopics_, HintLabel::Place::Kept);
     auto* lblAnswer = makeLabel("lblAnswer", QStringLiteral("&Answer:"));
-    txtAnswer_ = named(new QLineEdit, "txtAnswer", QStringLiteral("Answer"));
+    txtAnswer_ = named(new LineEdit, "txtAnswer", QStringLiteral("Answer"));
     lblAnswer->setBuddy(txtAnswer_);
     // A longer answer from elsewhere must not lose its end by being filed again.
     txtAnswer_->setMaxLength(std::numeric_limits<int>::max());

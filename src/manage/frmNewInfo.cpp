@@ -3,6 +3,7 @@
 #include "store/connection.h"
 #include "store/services.h"
 #include "toolkit/HintLabel.h"
+#include "toolkit/LineEdit.h"
 #include "toolkit/controls.h"
 
 #include <QGridLayout>
@@ -28,12 +29,12 @@ frmNewInfo::frmNewInfo(Services& services, ProgramState& state, Connection& conn
 void frmNewInfo::buildControls()
 {
     auto* lblNewTopic = makeLabel("lblNewTopic", QStringLiteral("New &Topic:"));
-    txtNewTopic_ = named(new QLineEdit, "txtNewTopic", QStringLiteral("New topic"));
+    txtNewTopic_ = named(new LineEdit, "txtNewTopic", QStringLiteral("New topic"));
     lblNewTopic->setBuddy(txtNewTopic_);
     auto* lblTopicHint = new HintLabel("lblTopicHint", txtNewTopic_, HintLabel::Place::Kept);
 
     auto* lblNewSubtopic = makeLabel("lblNewSubtopic", QStringLiteral("New S&ubtopic:"));
-    txtNewSubtopic_ = named(new QLineEdit, "txtNewSubtopic", QStringLiteral("New subtopic"));
+    txtNewSubtopic_ = named(new LineEdit, "txtNewSubtopic", QStringLiteral("New subtopic"));
     lblNewSubtopic->setBuddy(txtNewSubtopic_);
     auto* lblSubtopicHint =
         new HintLabel("lblSubtopicHint", txtNewSubtopic_, HintLabel::Place::Kept);

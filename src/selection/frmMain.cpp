@@ -6,13 +6,13 @@
 #include "store/connection.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
+#include "toolkit/LineEdit.h"
 #include "toolkit/ListBox.h"
 #include "toolkit/controls.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QScopedValueRollback>
 
 namespace varnholt {
@@ -106,7 +106,7 @@ void frmMain::buildControls()
     bold.setBold(true);
     lblQuestionCount_->setFont(bold);
     auto* lblQuestionNum = makeLabel("lblQuestionNum", QStringLiteral("&Number of  Questions:"));
-    txtQuestions_ = named(new QLineEdit, "txtQuestions", QStringLiteral("Number of questions"));
+    txtQuestions_ = named(new LineEdit, "txtQuestions", QStringLiteral("Number of questions"));
     txtQuestions_->setInputMethodHints(Qt::ImhFormattedNumbersOnly);
     txtQuestions_->setAlignment(Qt::AlignRight);
     lblQuestionNum->setBuddy(txtQuestions_);

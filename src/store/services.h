@@ -22,8 +22,15 @@ public:
     /// A message with an OK button.
     virtual void inform(const QString& title, const QString& text) = 0;
 
-    /// A question with Yes and No buttons; true for Yes. Closing the box answers No.
-    virtual bool yesNo(const QString& title, const QString& text) = 0;
+    enum class Answer
+    {
+        No,
+        Yes
+    };
+    /// A question with Yes and No buttons; true for Yes. Enter gives the preselected answer: the
+    /// one she came for, but never one that takes something away. Closing the box answers No.
+    virtual bool yesNo(const QString& title, const QString& text,
+                       Answer preselected = Answer::No) = 0;
 
     /// A one-line text prompt; the empty string when the user cancels.
     virtual QString inputText(const QString& title, const QString& prompt,

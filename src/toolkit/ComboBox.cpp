@@ -1,14 +1,50 @@
 #include "toolkit/ComboBox.h"
 
+#include "toolkit/LineEdit.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QScreen>
+#include <QStyleOptionComboBox>
+#include <QStyledItemDelegate>
+#include <QTextDocument>
+#include <QToolTip>
+#include <QWheelEvent>
+
+#include <algorithm>
 #include <stdexcept>
 
 namespace varnholt {
+
+namespace {
+
+constexpr qsizetype longestShown = 500;
+constexpr qsizetype longestToolTip = 2000;
+
+/// What of a long text an open list shows.
+class EntryDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    [[nodiscard]] QString displayText(const QVariant& value, const QLocale&) const override
+    {
+        return ShortLine(value.toString(), longestShown);
+    }
+};
+
+} // namespace
 
 ComboBox::ComboBox(QWidget* parent)
     : QComboBox(parent)
 {
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(20);
+    // The base class takes the focus by the wheel, too.
+    setFocusPolicy(Qt::StrongFocus);
+    setItemDelegate(new EntryDelegate(this));
+    view()->setTextElideMode(Qt::ElideMiddle);
+    view()->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connect(this, &QComboBox::activated, this, &ComboBox::Click);
 }
 
@@ -17,6 +53,7 @@ void ComboBox::addEntry(const QString& text, std::int32_t itemData)
     // The base class makes the first entry of an empty list current.
     const int current = currentIndex();
     addItem(text, itemData);
+    setItemData(count() - 1, Qt::convertFromPlainText(text.left(longestToolTip)), Qt::ToolTipRole);
     setCurrentIndex(current);
 }
 
@@ -29,6 +66,41 @@ void ComboBox::setListIndex(int index)
 void ComboBox::showEntry(int index)
 {
     setCurrentIndex(index);
+}
+
+void ComboBox::showPopup()
+{
+    const QRect room = screen()->availableGeometry() & window()->frameGeometry();
+    view()->setMaximumWidth(std::max(width(), room.width()));
+    QComboBox::showPopup();
+}
+
+void ComboBox::initStyleOption(QStyleOptionComboBox* option) const
+{
+    QComboBox::initStyleOption(option);
+    const QRect field =
+        style()->subControlRect(QStyle::CC_ComboBox, option, QStyle::SC_ComboBoxEditField, this);
+    option->currentText = option->fontMetrics.elidedText(
+        ShortLine(option->currentText, longestShown), Qt::ElideMiddle, field.width() - 4);
+}
+
+bool ComboBox::event(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip && toolTip().isEmpty() && currentIndex() >= 0) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
+                           itemData(currentIndex(), Qt::ToolTipRole).toString(), this);
+        return true;
+    }
+    return QComboBox::event(event);
+}
+
+void ComboBox::wheelEvent(QWheelEvent* event)
+{
+    if (hasFocus()) {
+        QComboBox::wheelEvent(event);
+    } else {
+        event->ignore();
+    }
 }
 
 std::int32_t ComboBox::entryData(int index) const

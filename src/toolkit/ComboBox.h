@@ -8,7 +8,9 @@ namespace varnholt {
 
 /// A drop-down list of texts, each with an integer. `Click` fires when the user chooses an
 /// entry (also the one that is current already) and when the program makes one current with
-/// `setListIndex`. Filling and clearing fire nothing.
+/// `setListIndex`. Filling and clearing fire nothing. The wheel chooses only while the list has
+/// the focus. Neither the control nor its open list grows with a long text: what does not fit is
+/// shortened in the middle and shown whole as tooltip.
 class ComboBox : public QComboBox
 {
     Q_OBJECT
@@ -29,8 +31,15 @@ public:
     /// Throws `std::out_of_range` for an index without an entry, -1 among them.
     [[nodiscard]] std::int32_t entryData(int index) const;
 
+    void showPopup() override;
+
 Q_SIGNALS:
     void Click();
+
+protected:
+    void initStyleOption(QStyleOptionComboBox* option) const override;
+    bool event(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 };
 
 } // namespace varnholt

@@ -1,5 +1,7 @@
 #include "toolkit/ListBox.h"
 
+#include "toolkit/LineEdit.h"
+
 #include <QAbstractListModel>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -18,27 +20,14 @@ namespace {
 constexpr qsizetype longestShown = 500;
 constexpr qsizetype longestToolTip = 2000;
 
-/// A text as one row of the list can show it: on one line.
-QString shown(const QString& text)
-{
-    QString line = text.left(longestShown);
-    for (QChar& character : line) {
-        if (character.category() == QChar::Other_Control ||
-            character.category() == QChar::Separator_Line ||
-            character.category() == QChar::Separator_Paragraph) {
-            character = u' ';
-        }
-    }
-    return line;
-}
-
 } // namespace
 
 class ListBoxModel : public QAbstractListModel
 {
 public:
-    ListBoxModel(ListBox::Mode mode, QObject* parent)
-        : QAbstractListModel(parent)
+    ListBoxModel(ListBox::Mode mode, ListBox* list)
+        : QAbstractListModel(list)
+        , list_(list)
         , mode_(mode)
     {}
 
@@ -52,7 +41,7 @@ public:
         const ListBox::Row& row = rows.at(static_cast<std::size_t>(index.row()));
         switch (role) {
         case Qt::DisplayRole:
-            return shown(row.text);
+            return ShortLine(row.text, longestShown);
         case Qt::ToolTipRole:
             return Qt::convertFromPlainText(row.text.left(longestToolTip));
         case Qt::UserRole:
@@ -71,6 +60,16 @@ public:
     {
         const Qt::ItemFlags base = QAbstractListModel::flags(index);
         return mode_ == ListBox::Mode::Multi ? base | Qt::ItemIsUserCheckable : base;
+    }
+
+    /// What an assistive program calls to tick a row.
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override
+    {
+        if (role != Qt::CheckStateRole || mode_ != ListBox::Mode::Multi) {
+            return false;
+        }
+        list_->tick(index.row(), value.toInt() == Qt::Checked);
+        return true;
     }
 
     void setRows(std::vector<ListBox::Row> newRows)
@@ -98,6 +97,7 @@ public:
     std::vector<ListBox::Row> rows;
 
 private:
+    ListBox* list_;
     ListBox::Mode mode_;
 };
 
@@ -137,7 +137,7 @@ ListBox::ListBox(Mode mode, QWidget* parent)
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
     setUniformItemSizes(true);
-    setTextElideMode(Qt::ElideRight);
+    setTextElideMode(Qt::ElideMiddle);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
@@ -226,6 +226,15 @@ void ListBox::setSelected(int row, bool selected)
     Q_EMIT Click();
 }
 
+void ListBox::tick(int row, bool selected)
+{
+    {
+        const QScopedValueRollback quiet(quiet_, quiet_ + 1);
+        setCurrentIndex(model_->index(row));
+    }
+    setSelected(row, selected);
+}
+
 void ListBox::setAllSelected(bool selected, int focusRow)
 {
     if (model_->rows.empty()) {
@@ -289,7 +298,7 @@ void ListBox::pressed(QMouseEvent* event)
         return;
     }
     if (mode_ == Mode::Multi && isOnCheckBox(index, event->position().toPoint())) {
-        setSelected(index.row(), !selected(index.row()));
+        tick(index.row(), !selected(index.row()));
     } else {
         Q_EMIT Click();
     }

@@ -86,7 +86,11 @@ protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
 private:
+    friend class ListBoxModel;
+
     void pressed(QMouseEvent* event);
+    /// As by the user: selects or unselects the row and makes it current, with one `Click`.
+    void tick(int row, bool selected);
     [[nodiscard]] bool isOnCheckBox(const QModelIndex& index, QPoint position) const;
 
     ListBoxModel* model_;

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QString>
 
 namespace varnholt {
@@ -39,6 +40,14 @@ inline QLabel* makeLabel(const char* objectName, const QString& text = {})
     auto* label = named(new QLabel(text), objectName);
     label->setTextFormat(Qt::PlainText);
     return label;
+}
+
+/// Gives a window its first size, smaller where the screen is: its frame and a panel of the
+/// desktop must have room, too.
+inline void resizeWithinScreen(QWidget* window, QSize wanted)
+{
+    const int frame = window->fontMetrics().height() * 2;
+    window->resize(wanted.boundedTo(window->screen()->availableSize() - QSize(frame / 2, frame)));
 }
 
 } // namespace varnholt

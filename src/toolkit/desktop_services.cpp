@@ -1,13 +1,14 @@
 #include "toolkit/desktop_services.h"
 
 #include "toolkit/HintLabel.h"
+#include "toolkit/LineEdit.h"
 #include "toolkit/controls.h"
 
 #include <QApplication>
 #include <QDateTime>
 #include <QDialogButtonBox>
 #include <QFileDialog>
-#include <QLineEdit>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QSettings>
 #include <QStandardPaths>
@@ -40,12 +41,45 @@ private:
     bool set_ = QApplication::overrideCursor() != nullptr;
 };
 
+/// What a box can show of a text that holds a very long name; a box as large as the text might
+/// have its buttons outside the screen.
+QString readable(const QString& text)
+{
+    constexpr qsizetype longestText = 1200;
+    constexpr qsizetype longestWord = 120;
+    const qsizetype end = longestText / 3;
+    const QString cut = text.size() <= longestText ? text
+                                                   : text.left(longestText - end) +
+                                                         QStringLiteral(" … ") + text.right(end);
+    QString lines;
+    qsizetype word = 0;
+    for (const QChar character : cut) {
+        word = character.isSpace() ? 0 : word + 1;
+        if (word == longestWord) {
+            // A line may end here.
+            lines += QChar(0x200b);
+            word = 0;
+        }
+        lines += character;
+    }
+    return lines;
+}
+
 void prepare(QMessageBox& box, const QString& title, const QString& text)
 {
     box.setWindowTitle(title);
     // Names and answers are shown as typed, never read as markup.
     box.setTextFormat(Qt::PlainText);
-    box.setText(text);
+    box.setText(readable(text));
+    if (text.size() > box.text().size()) {
+        box.setDetailedText(text);
+    }
+    // The box measures its text only: room for the title and the frame's buttons beside it.
+    const QFontMetrics metrics(QApplication::font("QMdiSubWindowTitleBar"));
+    const int width = metrics.horizontalAdvance(title) + 10 * metrics.height();
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+        grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    }
 }
 
 QString lastFolder()
@@ -74,14 +108,13 @@ void DesktopMessageBoxes::inform(const QString& title, const QString& text)
     box.exec();
 }
 
-bool DesktopMessageBoxes::yesNo(const QString& title, const QString& text)
+bool DesktopMessageBoxes::yesNo(const QString& title, const QString& text, Answer preselected)
 {
     const PlainPointer pointer;
     QMessageBox box(QApplication::activeWindow());
     prepare(box, title, text);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-    // A stray Enter must not delete anything.
-    box.setDefaultButton(QMessageBox::No);
+    box.setDefaultButton(preselected == Answer::Yes ? QMessageBox::Yes : QMessageBox::No);
     box.setEscapeButton(QMessageBox::No);
     return box.exec() == QMessageBox::Yes;
 }
@@ -92,8 +125,9 @@ QString DesktopMessageBoxes::inputText(const QString& title, const QString& prom
     const PlainPointer pointer;
     QDialog dialog(QApplication::activeWindow());
     dialog.setWindowTitle(title);
-    auto* lblPrompt = makeLabel("lblPrompt", prompt);
-    auto* txtAnswer = named(new QLineEdit(defaultText), "txtAnswer", prompt);
+    auto* lblPrompt = makeLabel("lblPrompt", readable(prompt));
+    lblPrompt->setWordWrap(true);
+    auto* txtAnswer = named(new LineEdit(defaultText), "txtAnswer", prompt);
     txtAnswer->selectAll();
     auto* lblHint = new HintLabel("lblHint", txtAnswer, HintLabel::Place::Kept);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);

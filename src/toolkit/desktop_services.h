@@ -4,13 +4,14 @@
 
 namespace varnholt {
 
-/// The real message boxes: modal to the active window, plain text, without an icon. The text
+/// The real message boxes: modal to the active window, plain text, without an icon, never larger
+/// than the screen however long the names in a text (the whole is under "Show Details"). The text
 /// prompt warns while its text cannot be saved in the library; it takes it all the same.
 class DesktopMessageBoxes : public MessageBoxes
 {
 public:
     void inform(const QString& title, const QString& text) override;
-    bool yesNo(const QString& title, const QString& text) override;
+    bool yesNo(const QString& title, const QString& text, Answer preselected) override;
     QString inputText(const QString& title, const QString& prompt,
                       const QString& defaultText) override;
 };

@@ -131,7 +131,7 @@ public:
     std::deque<QString> names;
 
     void inform(const QString& title, const QString& text) override { note(title, text); }
-    bool yesNo(const QString& title, const QString& text) override
+    bool yesNo(const QString& title, const QString& text, Answer) override
     {
         note(title, text + QStringLiteral(" [Yes]"));
         return true;

@@ -32,7 +32,7 @@ class AnyMessages : public MessageBoxes
 {
 public:
     void inform(const QString& title, const QString&) override { last = title; }
-    bool yesNo(const QString&, const QString&) override { return true; }
+    bool yesNo(const QString&, const QString&, Answer) override { return true; }
     QString inputText(const QString&, const QString&, const QString& text) override
     {
         return text + QString::number(QRandomGenerator::global()->generate());

@@ -32,7 +32,7 @@ protected:
         return texts[pick(5)];
     }
     void inform(const QString& title, const QString&) override { told = title; }
-    bool yesNo(const QString&, const QString&) override { return pick(3) > 0; }
+    bool yesNo(const QString&, const QString&, Answer) override { return pick(3) > 0; }
     QString inputText(const QString&, const QString&, const QString&) override
     {
         return someText();

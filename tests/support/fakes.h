@@ -25,9 +25,10 @@ public:
     {
         script_.emplace_back(described("inform", title, text), QString());
     }
-    void expectYesNo(const QString& title, const QString& text, bool answer)
+    void expectYesNo(const QString& title, const QString& text, bool answer,
+                     Answer preselected = Answer::No)
     {
-        script_.emplace_back(described("yesNo", title, text),
+        script_.emplace_back(described("yesNo", title, text, shown(preselected)),
                              answer ? QStringLiteral("yes") : QString());
     }
     void expectInput(const QString& title, const QString& prompt, const QString& answer,
@@ -52,9 +53,9 @@ public:
     {
         answerTo(described("inform", title, text));
     }
-    bool yesNo(const QString& title, const QString& text) override
+    bool yesNo(const QString& title, const QString& text, Answer preselected) override
     {
-        return !answerTo(described("yesNo", title, text)).isEmpty();
+        return !answerTo(described("yesNo", title, text, shown(preselected))).isEmpty();
     }
     QString inputText(const QString& title, const QString& prompt,
                       const QString& defaultText) override
@@ -63,6 +64,11 @@ public:
     }
 
 private:
+    static QString shown(Answer preselected)
+    {
+        return preselected == Answer::Yes ? QStringLiteral("Enter for Yes")
+                                          : QStringLiteral("Enter for No");
+    }
     static std::string described(const char* kind, const QString& title, const QString& text,
                                  const QString& defaultText = QString())
     {

@@ -1,12 +1,15 @@
 #include "store/errors.h"
 #include "toolkit/ComboBox.h"
+#include "toolkit/HeldKeys.h"
+#include "toolkit/LineEdit.h"
 #include "toolkit/ListBox.h"
 #include "toolkit/LongWork.h"
 #include "toolkit/desktop_services.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -163,6 +166,71 @@ TEST(ComboBoxTest, ReactsToTheUserAndToSetListIndexOnly)
     EXPECT_EQ(clicks.size(), 3);
 }
 
+TEST(LineEditTest, LineBreaksBecomeBlanksHoweverTheyComeIn)
+{
+    LineEdit field(u"a\tb"_s);
+    EXPECT_EQ(field.text(), u"a b"_s);
+    field.setText(u"<>"_s);
+    field.setCursorPosition(1);
+    QApplication::clipboard()->setText(u"1\r\n2\r3\n4\u20285\u20296"_s);
+    field.paste();
+    QTest::keyClicks(&field, u"!"_s);
+    EXPECT_EQ(field.text(), u"<1 2 3 4 5 6!>"_s);
+}
+
+TEST(HeldKeysTest, AKeyActsOnceUntilItIsReleased)
+{
+    struct Case
+    {
+        const char* what;
+        int key;
+        bool flagged;     ///< The windowing system tells of the repetition.
+        bool inField;     ///< A text field has the focus, else the button.
+        int heldClicks;   ///< Of the button, while the key is held for four repetitions.
+        const char* text; ///< What the field holds then.
+    };
+    QWidget window;
+    LineEdit field(&window);
+    QPushButton button(u"&x"_s, &window);
+    QObject::connect(&field, &QLineEdit::returnPressed, &button, &QPushButton::click);
+    button.setAutoDefault(true);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const HeldKeys heldKeys;
+    for (const Case& test : {Case{"Space", Qt::Key_Space, false, false, 1, ""},
+                             Case{"Return", Qt::Key_Return, false, false, 1, ""},
+                             Case{"flagged", Qt::Key_Return, true, false, 1, ""},
+                             Case{"Return in a field", Qt::Key_Return, false, true, 1, ""},
+                             Case{"letter in a field", Qt::Key_A, false, true, 0, "aaaaa"}}) {
+        SCOPED_TRACE(test.what);
+        field.clear();
+        (test.inField ? static_cast<QWidget&>(field) : button).setFocus();
+        const QSignalSpy clicks(&button, &QPushButton::clicked);
+        const QString typed = test.key == Qt::Key_A ? u"a"_s : QString();
+        quint64 now = 1000;
+        const auto send = [&](QEvent::Type type, bool repeat) {
+            QKeyEvent event(type, test.key, {}, typed, test.flagged && repeat);
+            event.setTimestamp(now);
+            QApplication::sendEvent(window.focusWidget(), &event);
+        };
+        send(QEvent::KeyPress, false);
+        for (int i = 0; i < 4; ++i) {
+            now += 40;
+            send(QEvent::KeyRelease, true);
+            send(QEvent::KeyPress, true);
+        }
+        EXPECT_EQ(clicks.size(), test.heldClicks);
+        EXPECT_EQ(field.text(), QLatin1String(test.text));
+        now += 40;
+        send(QEvent::KeyRelease, false);
+        now += 40;
+        send(QEvent::KeyPress, false);
+        send(QEvent::KeyRelease, false);
+        EXPECT_EQ(clicks.size(), 2 * test.heldClicks);
+    }
+}
+
 TEST(LongWorkTest, IsBusyAtOnceTakesNoInputAndShowsABarAfterHalfASecond)
 {
     QLineEdit window;
@@ -206,7 +274,8 @@ TEST(LongWorkTest, IsBusyAtOnceTakesNoInputAndShowsABarAfterHalfASecond)
 
 TEST(DesktopMessageBoxesTest, ShowTextAsItIsAndTakeEscapeForNo)
 {
-    DesktopMessageBoxes boxes;
+    DesktopMessageBoxes desktop;
+    MessageBoxes& boxes = desktop;
     const auto escape = [] {
         QWidget* box = QApplication::activeModalWidget();
         if (auto* message = qobject_cast<QMessageBox*>(box)) {
@@ -223,6 +292,9 @@ TEST(DesktopMessageBoxesTest, ShowTextAsItIsAndTakeEscapeForNo)
     };
     QTimer::singleShot(0, escape);
     EXPECT_FALSE(boxes.yesNo(u"Sure?"_s, u"<b>&x"_s));
+    QTimer::singleShot(0,
+                       [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Return); });
+    EXPECT_TRUE(boxes.yesNo(u"Save?"_s, u"Save it?"_s, MessageBoxes::Answer::Yes));
     QTimer::singleShot(0, escape);
     EXPECT_EQ(boxes.inputText(u"Name"_s, u"Which?"_s, u"default"_s), QString());
 }
