@@ -1,69 +1,27 @@
 #include "store/connection.h"
 
+#include <QCoreApplication>
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QScopeGuard>
-#include <QUrl>
 
 #include <sqlite3.h>
 
-#include <algorithm>
-#include <array>
-#include <initializer_list>
 #include <limits>
 #include <utility>
-#include <vector>
 
 namespace varnholt {
 
 namespace {
 
-constexpr int busyTimeoutMs = 5000;
-
-struct TableRule
-{
-    const char* name;
-    std::initializer_list<const char*> fields;
-};
-
-const std::array<TableRule, 5> libraryTables{{
-    {"Assessments", {"AssessmentNum", "AssessmentName", "Available"}},
-    {"Topics", {"TopicID", "Topic", "AssessmentNum", "Available"}},
-    {"SubTopics", {"SubtopicNum", "TopicID", "SubTopic", "AssessmentNum", "Available"}},
-    {"Questions", {"SOLIndex", "TopicID", "SubTopicNum", "Answer", "AssessmentNum", "Available"}},
-    {"History", {"LastID"}},
-}};
-
-sqlite3* openFile(const QString& path, int flags, bool immutable)
-{
-    QUrl url = QUrl::fromLocalFile(path);
-    if (immutable) {
-        url.setQuery(QStringLiteral("immutable=1"));
-    }
-    sqlite3* database = nullptr;
-    sqlite3_open_v2(url.toEncoded().constData(), &database, flags | SQLITE_OPEN_URI, nullptr);
-    return database;
-}
-
-/// SQLite opens lazily; only a read tells whether the file is a database.
-int touch(sqlite3* database)
-{
-    return sqlite3_exec(database, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
-}
-
-/// The file may be read but not written, or its folder takes no side files.
-bool lacksRights(int result)
-{
-    return result == SQLITE_CANTOPEN || (result & 0xff) == SQLITE_READONLY;
-}
-
-QString shown(const QString& path)
-{
-    return QDir::toNativeSeparators(path);
-}
+constexpr int idleMs = 1000;
 
 } // namespace
+
+Connection::Connection()
+{
+    idle_.setSingleShot(true);
+    idle_.setInterval(idleMs);
+    QObject::connect(&idle_, &QTimer::timeout, &idle_, [this] { settle(); });
+}
 
 Recordset::Recordset(sqlite3* database, sqlite3_stmt* statement)
     : database_(database)
@@ -132,68 +90,36 @@ Connection::~Connection()
     close();
 }
 
-void Connection::open(const QString& path)
-{
-    close();
-    const QFileInfo file(path);
-    if (!file.exists()) {
-        throw DatabaseError(
-            QStringLiteral("The question library was not found:\n%1").arg(shown(path)));
-    }
-    if (!file.isFile()) {
-        throw DatabaseError(
-            QStringLiteral("The question library should be a file, but this is a folder:\n%1")
-                .arg(shown(path)));
-    }
-    if (!QFile(path).open(QIODevice::ReadOnly)) {
-        throw DatabaseError(
-            QStringLiteral("You do not have the right to read the question library:\n%1")
-                .arg(shown(path)));
-    }
-
-    auto closeOnFailure = qScopeGuard([this] { close(); });
-    path_ = path;
-    database_ = openFile(path, SQLITE_OPEN_READWRITE, false);
-    int result = database_ ? sqlite3_busy_timeout(database_, busyTimeoutMs) : SQLITE_NOMEM;
-    if (result == SQLITE_OK) {
-        result = touch(database_);
-    }
-    if (lacksRights(result)) {
-        result = reopenForReading();
-    }
-    if (result == SQLITE_OK) {
-        checkSchema();
-    }
-    if (result == SQLITE_OK && !isReadOnly()) {
-        result = sqlite3_exec(database_, "PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL",
-                              nullptr, nullptr, nullptr);
-        if (lacksRights(result)) {
-            result = reopenForReading();
-        }
-    }
-    if (result != SQLITE_OK) {
-        const QString reason =
-            QString::fromUtf8(database_ ? sqlite3_errmsg(database_) : "out of memory");
-        throw DatabaseError(
-            result == SQLITE_NOTADB
-                ? QStringLiteral("This file is not a question library:\n%1").arg(shown(path))
-                : QStringLiteral("The question library could not be opened:\n%1\n\n(%2)")
-                      .arg(shown(path), reason));
-    }
-    closeOnFailure.dismiss();
-}
-
-/// A write-ahead library in a folder that takes no side files can still be read.
-int Connection::reopenForReading()
-{
-    sqlite3_close_v2(database_);
-    database_ = openFile(path_, SQLITE_OPEN_READONLY, true);
-    return database_ ? touch(database_) : SQLITE_NOMEM;
-}
-
 void Connection::close()
 {
+    settle();
+    idle_.stop();
     sqlite3_close_v2(std::exchange(database_, nullptr));
+    mergedCopy_.reset();
+}
+
+bool Connection::settle()
+{
+    idle_.stop();
+    if (!database_ || isReadOnly()) {
+        return true;
+    }
+    // Waiting for another reader would stop the window.
+    sqlite3_busy_timeout(database_, 0);
+    const int result =
+        sqlite3_wal_checkpoint_v2(database_, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+    sqlite3_busy_timeout(database_, busyTimeoutMs);
+    if (result != SQLITE_OK) {
+        settleWhenIdle();
+    }
+    return result == SQLITE_OK;
+}
+
+void Connection::settleWhenIdle()
+{
+    if (QCoreApplication::instance()) {
+        idle_.start();
+    }
 }
 
 bool Connection::isReadOnly() const
@@ -209,9 +135,12 @@ void Connection::execute(const QString& statement)
     sqlite3_file_control(database_, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
     if (moved) {
         throw DatabaseError(QStringLiteral("The question library has been moved or deleted:\n%1")
-                                .arg(shown(path_)));
+                                .arg(QDir::toNativeSeparators(path_)));
     }
     run(statement.toUtf8().constData());
+    if (sqlite3_get_autocommit(database_)) {
+        settleWhenIdle();
+    }
 }
 
 Recordset Connection::read(const QString& statement)
@@ -224,34 +153,6 @@ Recordset Connection::read(const QString& statement)
         fail();
     }
     return Recordset(database_, prepared);
-}
-
-void Connection::checkSchema()
-{
-    for (const TableRule& table : libraryTables) {
-        Recordset fields =
-            read(QStringLiteral("PRAGMA table_info(%1)").arg(QString::fromUtf8(table.name)));
-        const int name = fields.field("name");
-        std::vector<QString> found;
-        while (fields.next()) {
-            found.push_back(fields.text(name));
-        }
-        for (const char* field : table.fields) {
-            const auto matches = [&](const QString& other) {
-                return other.compare(QLatin1String(field), Qt::CaseInsensitive) == 0;
-            };
-            if (std::none_of(found.begin(), found.end(), matches)) {
-                throw DatabaseError(
-                    QStringLiteral("This file is a database, but not a question library (%1 "
-                                   "missing):\n%2")
-                        .arg(found.empty()
-                                 ? QStringLiteral("table %1 is").arg(QLatin1String(table.name))
-                                 : QStringLiteral("field %1 of table %2 is")
-                                       .arg(QLatin1String(field), QLatin1String(table.name)),
-                             shown(path_)));
-            }
-        }
-    }
 }
 
 void Connection::requireOpen() const
@@ -291,6 +192,7 @@ void Transaction::commit()
 {
     connection_.run("COMMIT");
     open_ = false;
+    connection_.settleWhenIdle();
 }
 
 } // namespace varnholt

@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QTemporaryDir>
+#include <QTimer>
 
 #include <cstdint>
 #include <memory>
@@ -50,21 +52,34 @@ private:
 
 /// The one connection to the library file. Opened when the frame loads and closed when it
 /// unloads; every window shares it. Not thread-safe.
+///
+/// What was committed is on the disk, at first in a log beside the file (`-wal`). A second after
+/// the last change, and on closing, it is brought into the file itself, so that a copy of the
+/// file alone is whole. On a network drive there is no such log: it needs memory that only the
+/// programs of one machine can share.
 class Connection
 {
 public:
-    Connection() = default;
+    enum class Access
+    {
+        Change,  ///< where the file can be changed
+        ReadOnly ///< whatever the rights
+    };
+
+    Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
     ~Connection();
 
     /// Opens an existing library file. The file is never created or overwritten. A file that
-    /// cannot be written is opened for reading. Throws `DatabaseError` with a sentence that
-    /// names the path when it is missing, unreadable, not a database, or not a library
-    /// (a table or field is missing); the connection is then closed.
-    void open(const QString& path);
+    /// cannot be written is opened for reading; when changes stand beside it that were not yet
+    /// brought into it, a merged copy of both is read. Throws `DatabaseError` with a sentence
+    /// that names the path when it is missing, unreadable, not a database, or not a library
+    /// (a table or field is missing), and `LibraryBusy` when another program locks it; the
+    /// connection is then closed.
+    void open(const QString& path, Access access = Access::Change);
 
-    /// Closes the connection; does nothing when it is closed.
+    /// Settles and closes the connection; does nothing when it is closed.
     void close();
 
     [[nodiscard]] bool isOpen() const { return database_ != nullptr; }
@@ -77,17 +92,30 @@ public:
     /// Opens a read. Throws `DatabaseError`.
     [[nodiscard]] Recordset read(const QString& statement);
 
+    /// Brings everything committed into the file itself and onto the disk. Does not wait: false
+    /// when a transaction or another reader is in the way just now, and then it is tried again
+    /// when idle. What was committed is safe either way.
+    bool settle();
+
 private:
     friend class Transaction;
 
+    /// For how long a statement waits for other programs.
+    static constexpr int busyTimeoutMs = 5000;
+
+    int openDatabase(Access access);
     int reopenForReading();
+    QString mergeIntoCopy();
     void checkSchema();
     void requireOpen() const;
     void run(const char* sql);
+    void settleWhenIdle();
     [[noreturn]] void fail() const;
 
     sqlite3* database_ = nullptr;
     QString path_;
+    QTimer idle_;
+    std::unique_ptr<QTemporaryDir> mergedCopy_;
 };
 
 /// Several statements seen whole or not at all: rolled back unless committed.

@@ -34,6 +34,13 @@ public:
     using Error::Error;
 };
 
+/// Another program locks the library file; a later try may work.
+class LibraryBusy : public DatabaseError
+{
+public:
+    using DatabaseError::DatabaseError;
+};
+
 /// A number does not fit the 16-bit value a handler keeps it in.
 class OverflowError : public Error
 {

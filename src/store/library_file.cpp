@@ -1,12 +1,13 @@
 #include "store/library_file.h"
 
+#include "files/placing.h"
+#include "files/sync.h"
 #include "store/connection.h"
 #include "store/errors.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QTemporaryFile>
 
 namespace varnholt {
@@ -22,19 +23,12 @@ bool canWrite(const QString& folder)
 
 void copyFile(const QString& from, const QString& to)
 {
-    QFile source(from);
-    QSaveFile target(to);
-    bool done = source.open(QIODevice::ReadOnly) && target.open(QIODevice::WriteOnly);
-    while (done && !source.atEnd()) {
-        const QByteArray block = source.read(1 << 20);
-        done = !block.isEmpty() && target.write(block) == block.size();
-    }
-    if (!done || !target.commit()) {
+    const std::error_code error = PlaceFile(QFileInfo(from).filesystemFilePath(),
+                                            QFileInfo(to).filesystemFilePath(), Placing::Copy);
+    if (error || !QFile::setPermissions(to, QFile::permissions(to) | QFile::WriteOwner)) {
         throw Error(
             QStringLiteral("The supplied question library could not be copied to\n%1\n\n(%2)")
-                .arg(QDir::toNativeSeparators(to), source.error() != QFile::NoError
-                                                       ? source.errorString()
-                                                       : target.errorString()));
+                .arg(QDir::toNativeSeparators(to), QString::fromStdString(error.message())));
     }
 }
 
@@ -48,14 +42,34 @@ void copyLibrary(const QString& from, const QString& to)
     for (const QString& name : pictures.entryList(QDir::Files)) {
         copyFile(pictures.filePath(name), to + QStringLiteral("/Files/") + name);
     }
-    copyFile(LibraryPath(from), LibraryPath(to));
+    // Changes that were not brought into the file belong to it. What is on the disk before the
+    // file itself cannot be missing from a library that is there.
+    const QString original = LibraryPath(from);
+    const QString copy = LibraryPath(to);
+    for (const QString& ending : {QStringLiteral("-wal"), QStringLiteral("-journal"), QString()}) {
+        QFile::remove(copy + ending);
+        if (ending.isEmpty()) {
+            (void)SyncFileSystem(QFileInfo(to).filesystemFilePath());
+        }
+        if (QFileInfo::exists(original + ending)) {
+            copyFile(original + ending, copy + ending);
+        }
+    }
 }
 
 } // namespace
 
 QString LibraryPath(const QString& programFolder)
 {
-    return programFolder + QStringLiteral("/Varnholt.mdb");
+    const QString usual = programFolder + QStringLiteral("/Varnholt.mdb");
+    if (QFileInfo(usual).isFile()) {
+        return usual;
+    }
+    // Name filters match without regard to case.
+    const QStringList spellings =
+        QDir(programFolder)
+            .entryList({QStringLiteral("Varnholt.mdb")}, QDir::Files | QDir::Hidden, QDir::Name);
+    return spellings.isEmpty() ? usual : programFolder + u'/' + spellings.first();
 }
 
 QString ChooseProgramFolder(const FolderChoice& choice)

@@ -24,7 +24,8 @@ struct FolderChoice
 /// Throws `Error` when the copy fails.
 [[nodiscard]] QString ChooseProgramFolder(const FolderChoice& choice);
 
-/// "Varnholt.mdb" in the program folder.
+/// "Varnholt.mdb" in the program folder, in whatever case it is spelled; of several spellings
+/// this one. The path it should have when there is none.
 [[nodiscard]] QString LibraryPath(const QString& programFolder);
 
 /// Opens the library of the program folder. Throws `DatabaseError`.

@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -31,6 +32,22 @@ protected:
         }
         return {};
     }
+    /// The library as a program leaves it that is killed after adding an assessment.
+    void killAfterAdding(const QString& name)
+    {
+        const QString path = library.databasePath();
+        connection.open(path);
+        connection.execute(InsertAssessment(name));
+        for (const QString& ending : {QString(), u"-wal"_s}) {
+            QFile::copy(path + ending, path + u".kept"_s + ending);
+        }
+        connection.close();
+        for (const QString& ending : {QString(), u"-wal"_s}) {
+            QFile::remove(path + ending);
+            ASSERT_TRUE(QFile::rename(path + u".kept"_s + ending, path + ending));
+        }
+    }
+
     TestLibrary library;
     Connection connection;
 };
@@ -100,7 +117,12 @@ TEST_P(LockedLibrary, IsOpenedForReading)
     const auto [mode, permissions] = GetParam();
     const QString path = library.databasePath();
     library.addAssessment(u"A"_s);
-    library.sql(u"PRAGMA journal_mode = "_s + QLatin1String(mode));
+    if (QLatin1String(mode) == "KILLED"_L1) {
+        library.sql(u"DELETE FROM Assessments"_s);
+        killAfterAdding(u"B"_s);
+    } else {
+        library.sql(u"PRAGMA journal_mode = "_s + QLatin1String(mode));
+    }
     QFile::setPermissions(path, QFile::Permissions(permissions));
     QFile::setPermissions(library.folder(), QFile::Permissions(0x5555));
     {
@@ -118,10 +140,10 @@ TEST_P(LockedLibrary, IsOpenedForReading)
     QFile::setPermissions(library.folder(), QFile::Permissions(0x7777));
 }
 
-// As supplied and as the program leaves it; the file locked, or only its
-// folder.
+// As supplied, as the program leaves it, and with a row that stands only beside the file; the
+// file locked, or only its folder.
 INSTANTIATE_TEST_SUITE_P(Modes, LockedLibrary,
-                         testing::Combine(testing::Values("DELETE", "WAL"),
+                         testing::Combine(testing::Values("DELETE", "WAL", "KILLED"),
                                           testing::Values(0x4444, 0x6666)));
 
 TEST_F(LibraryConnection, WritesFailLoudlyOnceTheFileHasGone)
@@ -131,6 +153,28 @@ TEST_F(LibraryConnection, WritesFailLoudlyOnceTheFileHasGone)
     connection.execute(UpdateHistory(1));
     QFile::rename(library.databasePath(), library.databasePath() + u".away"_s);
     EXPECT_THROW(connection.execute(UpdateHistory(2)), DatabaseError);
+}
+
+TEST_F(LibraryConnection, ACopyOfTheFileAloneIsWholeOnceSettled)
+{
+    const QString copy = library.folder() + u"/copy.mdb"_s;
+    connection.open(library.databasePath());
+    const auto copied = [&] {
+        QFile::remove(copy);
+        QFile::copy(library.databasePath(), copy);
+        Connection other;
+        other.open(copy);
+        return other.read(SelectAssessmentsNamed(u"A"_s)).next();
+    };
+    connection.execute(InsertAssessment(u"A"_s));
+    EXPECT_FALSE(copied());
+    {
+        Recordset reading = connection.read(SelectAssessments());
+        EXPECT_TRUE(reading.next());
+        EXPECT_FALSE(connection.settle());
+    }
+    // By itself, as soon as nothing is in the way.
+    EXPECT_TRUE(QTest::qWaitFor(copied, 60'000));
 }
 
 TEST_F(LibraryConnection, TransactionsAreSeenWholeOrNotAtAll)
@@ -186,6 +230,14 @@ TEST(ProgramFolder, IsTheExecutablesOrACopyOfTheSuppliedLibrary)
     EXPECT_TRUE(QFile::exists(FindPictureFile(user, 1)));
     CloseLibraryDatabase(connection);
 
+    // Found in any spelling; of two, the exact one.
+    QFile::rename(LibraryPath(user), user + u"/VARNHOLT.MDB"_s);
+    EXPECT_EQ(ChooseProgramFolder({user, {}, supplied.folder()}), user);
+    OpenLibraryDatabase(connection, user);
+    CloseLibraryDatabase(connection);
+    QFile::copy(LibraryPath(user), user + u"/Varnholt.mdb"_s);
+    EXPECT_EQ(LibraryPath(user), user + u"/Varnholt.mdb"_s);
+
     // The user's library is never replaced by a later start.
     touch(LibraryPath(user));
     EXPECT_EQ(ChooseProgramFolder({empty, user, supplied.folder()}), user);
@@ -197,10 +249,13 @@ TEST(ProgramFolder, IsTheExecutablesOrACopyOfTheSuppliedLibrary)
     EXPECT_THROW(OpenLibraryDatabase(connection, empty), DatabaseError);
 }
 
-TEST(ProgramFolder, ThatCannotBeWrittenIsCopiedOrTheFailureTold)
+using LockedFolder = LibraryConnection;
+
+TEST_F(LockedFolder, IsCopiedWithAllItHoldsOrTheFailureTold)
 {
-    TestLibrary locked;
+    TestLibrary& locked = library;
     locked.addQuestion(1, 1, 1, u"A"_s);
+    killAfterAdding(u"last"_s);
     QTemporaryDir home;
     const QString copy = home.filePath(u"data"_s);
     QFile::setPermissions(home.path(), QFile::Permissions(0x7777));
@@ -212,8 +267,10 @@ TEST(ProgramFolder, ThatCannotBeWrittenIsCopiedOrTheFailureTold)
         EXPECT_EQ(ChooseProgramFolder({locked.folder(), copy, {}}), copy);
     }
     QFile::setPermissions(locked.folder(), QFile::Permissions(0x7777));
-    EXPECT_TRUE(QFile::exists(LibraryPath(copy)));
     EXPECT_TRUE(QFile::exists(FindPictureFile(copy, 1)));
+    connection.open(LibraryPath(copy));
+    EXPECT_FALSE(connection.isReadOnly());
+    EXPECT_TRUE(connection.read(SelectAssessmentsNamed(u"last"_s)).next());
 }
 
 } // namespace
