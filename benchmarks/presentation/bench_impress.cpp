@@ -68,7 +68,6 @@ constexpr int runs = 5;
 
 double ours(const OfficeHost& host, const List1<QuestionRecord>& pool)
 {
-    ScriptedMessageBoxes boxes;
     const auto program = ImpressPlugin::instance().start(host.settings());
     const BuildInput input{
         pool, true, false, [](const QuestionRecord&) { return QStringLiteral("Algebra - Roots"); },
@@ -77,7 +76,9 @@ double ours(const OfficeHost& host, const List1<QuestionRecord>& pool)
         }};
     QElapsedTimer timer;
     timer.start();
-    BuildPresentation(*program, input, boxes);
+    if (BuildPresentation(*program, input).end != BuildOutcome::End::Complete) {
+        qFatal("the build failed");
+    }
     return double(timer.nsecsElapsed()) / 1e6;
 }
 

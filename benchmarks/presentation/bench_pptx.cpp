@@ -3,7 +3,6 @@
 
 #include "presentation/pptx/pptx_program.h"
 #include "presentation/slide_builder.h"
-#include "store/services.h"
 #include "support/report.h"
 
 #include <QCoreApplication>
@@ -25,14 +24,6 @@ namespace {
 
 constexpr int slides = 500;
 constexpr qsizetype pictureSize = 60'000;
-
-class NoMessageBoxes : public MessageBoxes
-{
-public:
-    void inform(const QString&, const QString& text) override { qFatal("%s", qPrintable(text)); }
-    bool yesNo(const QString&, const QString&, Answer) override { return false; }
-    QString inputText(const QString&, const QString&, const QString&) override { return {}; }
-};
 
 QString picture(const QString& folder, int number)
 {
@@ -67,8 +58,9 @@ void buildPptx(const QString& folder, int count)
     PptxSettings settings;
     settings.programFolder = folder;
     PptxProgram program(settings);
-    NoMessageBoxes boxes;
-    BuildPresentation(program, input, boxes);
+    if (BuildPresentation(program, input).end != BuildOutcome::End::Complete) {
+        qFatal("the build failed");
+    }
     QFile::remove(program.writtenPath());
 }
 

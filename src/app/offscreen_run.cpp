@@ -68,7 +68,7 @@ public:
             presentation_ = path;
             return true;
         };
-        DefaultPresentationPrograms presentations(messages, folder, settings);
+        DefaultPresentationPrograms presentations(folder, settings);
         Services services;
         services.messageBoxes = &messages;
         services.clock = &clock;

@@ -71,7 +71,7 @@ int run(QApplication& application, MessageBoxes& messages)
     DesktopClipboard clipboard;
     SystemClock clock;
     SplitMix64 random;
-    DefaultPresentationPrograms presentations(messages, programFolder);
+    DefaultPresentationPrograms presentations(programFolder);
     Services services;
     services.messageBoxes = &messages;
     services.fileDialogs = &fileDialogs;

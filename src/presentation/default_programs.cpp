@@ -18,13 +18,13 @@ namespace varnholt {
 
 namespace {
 
-const QString messageTitle = QStringLiteral("Presentation");
+#ifndef Q_OS_WIN
 
 /// False only when the desktop says that no program is registered for .pptx files: what opens
 /// them starts anyway then and fails unseen.
 bool programIsRegistered()
 {
-    const QString query = QStandardPaths::findExecutable(QStringLiteral("xdg-mime"));
+    const QString query = QStandardPaths::findExecutable(u"xdg-mime"_s);
     if (query.isEmpty()) {
         return true;
     }
@@ -37,12 +37,42 @@ bool programIsRegistered()
            !process.readAllStandardOutput().trimmed().isEmpty();
 }
 
+/// Whether the desktop has a program for the file and the means to find it. Without the means
+/// Qt would hand the file to a web browser.
+bool openWithDesktopsChoice(const QString& path)
+{
+    return !QStandardPaths::findExecutable(u"xdg-open"_s).isEmpty() && programIsRegistered() &&
+           QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+bool openWithOffice(const QString& path, const QStringList& arguments)
+{
+    for (const QString& name : {u"soffice"_s, u"libreoffice"_s}) {
+        QString office = QStandardPaths::findExecutable(name);
+        if (office.isEmpty()) {
+            office = QStandardPaths::findExecutable(
+                name, {u"/usr/lib/libreoffice/program"_s, u"/opt/libreoffice/program"_s});
+        }
+        if (!office.isEmpty() &&
+            QProcess::startDetached(office, arguments + QStringList{u"--nologo"_s, path})) {
+            return true;
+        }
+    }
+    return false;
+}
+
+#endif
+
 } // namespace
 
 bool PresentationSettings::openWithDesktop(const QString& path)
 {
-    return displayIsThere() && programIsRegistered() &&
-           QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+#ifdef Q_OS_WIN
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+#else
+    return displayIsThere() && (openWithDesktopsChoice(path) ||
+                                openWithOffice(path, impressFromEnvironment().arguments));
+#endif
 }
 
 bool PresentationSettings::displayIsThere()
@@ -70,50 +100,42 @@ ImpressSettings PresentationSettings::impressFromEnvironment()
     return settings;
 }
 
-void PresentationSettings::processWaitingEvents()
-{
-    QCoreApplication::processEvents();
-}
-
-DefaultPresentationPrograms::DefaultPresentationPrograms(MessageBoxes& messages,
-                                                         QString programFolder,
+DefaultPresentationPrograms::DefaultPresentationPrograms(QString programFolder,
                                                          PresentationSettings settings)
-    : messages_(messages)
-    , programFolder_(std::move(programFolder))
+    : programFolder_(std::move(programFolder))
     , settings_(std::move(settings))
 {}
 
-std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::startPptx() const
+std::unique_ptr<PresentationProgram>
+DefaultPresentationPrograms::startPptx(const KeepGoing& keepGoing,
+                                       const QString& insteadBecause) const
 {
     PptxSettings settings;
     settings.programFolder = programFolder_;
     settings.now = settings_.now;
     settings.open = settings_.open;
-    settings.alive = settings_.alive;
-    settings.notify = [this](const QString& message) { messages_.inform(messageTitle, message); };
+    settings.keepGoing = keepGoing;
+    settings.insteadBecause = insteadBecause;
     return std::make_unique<PptxProgram>(std::move(settings));
 }
 
-std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::startImpress() const
+std::unique_ptr<PresentationProgram>
+DefaultPresentationPrograms::startImpress(const KeepGoing& keepGoing) const
 {
     ImpressSettings settings = settings_.impress;
-    settings.alive = settings_.alive;
-    settings.keepWaiting = [this] {
-        return messages_.yesNo(messageTitle,
-                               QStringLiteral("Impress has not answered for a while. Do you want "
-                                              "to keep waiting for it?"));
-    };
+    settings.keepGoing = keepGoing;
     return ImpressPlugin::instance().start(settings);
 }
 
-std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start()
+std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start(SlidesInto into,
+                                                                        const KeepGoing& keepGoing)
 {
     const QString& asked = settings_.program;
-    if (asked == u"pptx") {
-        return startPptx();
+    if (into == SlidesInto::File || asked == u"pptx") {
+        return startPptx(keepGoing);
     }
     if (asked == u"impress") {
-        return startImpress();
+        return startImpress(keepGoing);
     }
     if (asked == u"powerpoint" && !powerPointAvailable()) {
         throw Error(QStringLiteral("PowerPoint is not available on this computer."));
@@ -124,22 +146,22 @@ std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start()
                         .arg(asked));
     }
     if (!settings_.hasDisplay() || ImpressPlugin::instance().entry() == nullptr) {
-        return startPptx();
+        return startPptx(keepGoing);
     }
-    QString reason;
     try {
-        return startImpress();
+        return startImpress(keepGoing);
     } catch (const Cancelled&) {
-        // The user would rather not wait for Impress; the slides are wanted all the same.
-        return startPptx();
+        throw;
     } catch (const Error& error) {
-        reason = error.message();
+        return startPptx(keepGoing,
+                         QStringLiteral("Impress did not start: %1").arg(error.message()));
     }
-    messages_.inform(messageTitle,
-                     QStringLiteral("Impress did not start: %1\n\nThe slides are written to a "
-                                    "presentation file instead.")
-                         .arg(reason));
-    return startPptx();
+}
+
+bool DefaultPresentationPrograms::canWriteFileInstead() const
+{
+    return settings_.program.isEmpty() && settings_.hasDisplay() &&
+           ImpressPlugin::instance().entry() != nullptr;
 }
 
 } // namespace varnholt

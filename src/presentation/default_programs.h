@@ -18,18 +18,14 @@ struct PresentationSettings
     std::function<QDateTime()> now = QDateTime::currentDateTime;
     /// Opens a finished .pptx; false when there is no program for it.
     std::function<bool(const QString& path)> open = &openWithDesktop;
-    /// Called while something outside is waited for. Must not throw.
-    std::function<void()> alive = &processWaitingEvents;
-
     /// Whether a window of another program would be seen.
     std::function<bool()> hasDisplay = &displayIsThere;
-    /// How the office is started; `alive` and `keepWaiting` are filled in here.
+    /// How the office is started; `keepGoing` is filled in here.
     ImpressSettings impress = impressFromEnvironment();
 
-    /// The desktop's program for the file; false also where there is no display to show it on.
+    /// The desktop's program for the file, or an office suite where the desktop knows none;
+    /// false also where there is no display to show it on.
     static bool openWithDesktop(const QString& path);
-    /// Lets windows repaint and dialogs react.
-    static void processWaitingEvents();
     static bool displayIsThere();
     /// `VARNHOLT_OFFICE_PROFILE` names a folder to keep the office's profile in, apart from
     /// the user's own.
@@ -38,22 +34,23 @@ struct PresentationSettings
 
 /// PowerPoint where the machine has it, else Impress where it is installed and there is a
 /// display to show it on, else the .pptx file. An Impress that was chosen here but does not
-/// start is replaced by the .pptx after a message, because the user is waiting for slides; one
-/// that was asked for by name is an `Error`.
+/// start is replaced by the .pptx, which tells why in its notice, because the user is waiting
+/// for slides; one that was asked for by name is an `Error`.
 class DefaultPresentationPrograms final : public PresentationPrograms
 {
 public:
-    /// `messages` must outlive this object and every program it starts.
-    DefaultPresentationPrograms(MessageBoxes& messages, QString programFolder,
-                                PresentationSettings settings = {});
+    explicit DefaultPresentationPrograms(QString programFolder, PresentationSettings settings = {});
 
-    [[nodiscard]] std::unique_ptr<PresentationProgram> start() override;
+    [[nodiscard]] std::unique_ptr<PresentationProgram> start(SlidesInto into,
+                                                             const KeepGoing& keepGoing) override;
+    [[nodiscard]] bool canWriteFileInstead() const override;
 
 private:
-    [[nodiscard]] std::unique_ptr<PresentationProgram> startPptx() const;
-    [[nodiscard]] std::unique_ptr<PresentationProgram> startImpress() const;
+    [[nodiscard]] std::unique_ptr<PresentationProgram>
+    startPptx(const KeepGoing& keepGoing, const QString& insteadBecause = {}) const;
+    [[nodiscard]] std::unique_ptr<PresentationProgram>
+    startImpress(const KeepGoing& keepGoing) const;
 
-    MessageBoxes& messages_;
     QString programFolder_;
     PresentationSettings settings_;
 };

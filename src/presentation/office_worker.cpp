@@ -2,8 +2,6 @@
 
 #include "store/errors.h"
 
-#include <QElapsedTimer>
-
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -30,8 +28,8 @@ struct OfficeWorker::Shared
     bool stop = false;
 };
 
-OfficeWorker::OfficeWorker(Patience patience, std::function<void()> breakOff)
-    : patience_(std::move(patience))
+OfficeWorker::OfficeWorker(KeepGoing keepGoing, std::function<void()> breakOff)
+    : keepGoing_(std::move(keepGoing))
     , breakOff_(std::move(breakOff))
     , shared_(std::make_shared<Shared>())
     , thread_([shared = shared_] { work(shared); })
@@ -112,22 +110,10 @@ void OfficeWorker::run(std::function<void()> task)
         throw Cancelled();
     }
     give(std::move(task));
-    QElapsedTimer waiting;
-    waiting.start();
     while (!wait(aliveEveryMs)) {
-        if (patience_.alive) {
-            patience_.alive();
-        }
-        if (patience_.keepWaiting && waiting.hasExpired(patience_.patienceMs)) {
-            const bool goOn = patience_.keepWaiting();
-            if (wait(0)) {
-                break;
-            }
-            if (!goOn) {
-                giveUp();
-                throw Cancelled();
-            }
-            waiting.restart();
+        if (keepGoing_ && !keepGoing_()) {
+            giveUp();
+            throw Cancelled();
         }
     }
     if (const std::exception_ptr error = std::exchange(shared_->error, nullptr)) {

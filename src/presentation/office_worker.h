@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/services.h"
+
 #include <functional>
 #include <memory>
 #include <thread>
@@ -11,25 +13,17 @@ namespace varnholt {
 class OfficeWorker
 {
 public:
-    struct Patience
-    {
-        /// Called while a task runs, about 50 times a second.
-        std::function<void()> alive;
-        /// Asked after every `patienceMs` of one task; false gives up. May be empty.
-        std::function<bool()> keepWaiting;
-        int patienceMs = 15'000;
-    };
-
-    /// `breakOff` must make a call that hangs return soon; it is called from the caller's
+    /// `keepGoing` is called about 50 times a second while a task runs; false gives up. It may be
+    /// empty. `breakOff` must make a call that hangs return soon; it is called from the caller's
     /// thread when waiting is given up.
-    OfficeWorker(Patience patience, std::function<void()> breakOff);
+    OfficeWorker(KeepGoing keepGoing, std::function<void()> breakOff);
     /// Waits a few seconds for the thread and leaves it behind when it hangs even so.
     ~OfficeWorker();
     OfficeWorker(const OfficeWorker&) = delete;
     OfficeWorker& operator=(const OfficeWorker&) = delete;
 
     /// Runs the task on the thread and passes on what it throws. Throws `Cancelled` when
-    /// `keepWaiting` says no, and from then on always. A task that is given up may still be
+    /// `keepGoing` says no, and from then on always. A task that is given up may still be
     /// running when this returns, so it must own all it touches.
     void run(std::function<void()> task);
 
@@ -45,7 +39,7 @@ private:
     bool wait(int limitMs);
     void giveUp();
 
-    Patience patience_;
+    KeepGoing keepGoing_;
     std::function<void()> breakOff_;
     std::shared_ptr<Shared> shared_;
     std::thread thread_;

@@ -1,10 +1,19 @@
 #pragma once
 
+#include "store/errors.h"
+
 #include <QString>
 
 #include <functional>
 
 namespace varnholt {
+
+/// The presentation program has gone, or its presentation was closed, in the middle of a build.
+class ProgramGone : public Error
+{
+public:
+    using Error::Error;
+};
 
 /// The port to the presentation program: exactly the operations the builder needs, in the
 /// terms of a presentation program's object model. Shapes and slides count from 1 in order
@@ -47,6 +56,10 @@ public:
     /// (write, open, show) is done now, so that the slides built so far stay open.
     /// May throw `Error`.
     virtual void finish() = 0;
+
+    /// After `finish`: what the user should be told about the result, in whole sentences; empty
+    /// when it is simply there to be seen.
+    [[nodiscard]] virtual QString notice() const { return {}; }
 };
 
 /// What a build tells the window about itself. `slide` of `slides` is being made now.

@@ -1,7 +1,6 @@
 #include "presentation/slide_builder.h"
 
 #include "store/errors.h"
-#include "store/services.h"
 
 namespace varnholt {
 
@@ -33,6 +32,19 @@ public:
     /// From here on a failure is a matter of the build, no longer of the caller.
     [[nodiscard]] bool firstPictureReached() const { return firstPictureReached_; }
 
+    /// How a build ends that has failed now because of `failure`.
+    [[nodiscard]] BuildOutcome abortedBy(const std::exception& failure) const
+    {
+        BuildOutcome outcome;
+        outcome.end = BuildOutcome::End::Aborted;
+        const auto* error = dynamic_cast<const Error*>(&failure);
+        outcome.reason = error ? error->message() : QString::fromUtf8(failure.what());
+        outcome.poolIndex = poolIndex_;
+        outcome.number = number_;
+        outcome.pictureIsBad = addingPicture_ && !dynamic_cast<const ProgramGone*>(&failure);
+        return outcome;
+    }
+
 private:
     [[nodiscard]] bool breaksKeyAfter(int poolIndex) const
     {
@@ -61,14 +73,18 @@ private:
     void addQuestionSlides()
     {
         int number = 0;
-        for (const QuestionRecord& record : input_.drawPool) {
+        for (poolIndex_ = 1; poolIndex_ <= input_.drawPool.upperBound(); ++poolIndex_) {
+            const QuestionRecord& record = input_.drawPool(poolIndex_);
             if (record.Selected) {
-                addQuestionSlide(record, ++number);
+                number_ = ++number;
+                addQuestionSlide(record);
             }
         }
+        poolIndex_ = 0;
+        number_ = 0;
     }
 
-    void addQuestionSlide(const QuestionRecord& record, int number)
+    void addQuestionSlide(const QuestionRecord& record)
     {
         const QString path = input_.picturePath(record);
         appendSlide();
@@ -80,9 +96,11 @@ private:
         }
         program_.addTextBox(0, 40 * t, 100, 100);
         firstPictureReached_ = true;
+        addingPicture_ = true;
         program_.addPicture(path, 2, 50 + 20 * t, PresentationProgram::ownSize,
-                            PresentationProgram::ownSize, pictureDescription(number));
-        program_.setShapeText(t + 1, u'#' + QString::number(number));
+                            PresentationProgram::ownSize, pictureDescription(number_));
+        addingPicture_ = false;
+        program_.setShapeText(t + 1, u'#' + QString::number(number_));
         program_.scaleHeight(t + 2, 1);
         program_.scaleWidth(t + 2, 1);
     }
@@ -121,17 +139,12 @@ private:
     const BuildProgress& progress_;
     const int slides_;
     int slide_ = 0;
+    /// Of the question whose slide is being made; 0 outside of those slides.
+    int poolIndex_ = 0;
+    int number_ = 0;
     bool firstPictureReached_ = false;
+    bool addingPicture_ = false;
 };
-
-void reportAbort(MessageBoxes& messageBoxes)
-{
-    messageBoxes.inform(
-        QStringLiteral("File Missing"),
-        QStringLiteral("The creation of the powerpoint has been aborted because one of the "
-                       "questions selected is missing a picture file. Please go to Manage "
-                       "Assessments and delete that questions."));
-}
 
 /// The failure that led here is the one worth telling about.
 void finishQuietly(PresentationProgram& program)
@@ -145,24 +158,34 @@ void finishQuietly(PresentationProgram& program)
 } // namespace
 
 BuildOutcome BuildPresentation(PresentationProgram& program, const BuildInput& input,
-                               MessageBoxes& messageBoxes, const BuildProgress& progress)
+                               const BuildProgress& progress)
 {
-    program.addPresentation();
-    Build build(program, input, progress);
-    BuildOutcome outcome = BuildOutcome::complete;
+    BuildOutcome outcome;
     try {
-        build.run();
+        program.addPresentation();
+        Build build(program, input, progress);
+        try {
+            build.run();
+        } catch (const Cancelled&) {
+            throw;
+        } catch (const std::exception& failure) {
+            if (!build.firstPictureReached()) {
+                finishQuietly(program);
+                throw;
+            }
+            outcome = build.abortedBy(failure);
+        }
+        program.finish();
+        outcome.notice = program.notice();
     } catch (const Cancelled&) {
-        return BuildOutcome::cancelled;
-    } catch (const std::exception&) {
-        if (!build.firstPictureReached()) {
-            finishQuietly(program);
+        outcome.end = BuildOutcome::End::Cancelled;
+    } catch (const Error& error) {
+        if (outcome.end != BuildOutcome::End::Aborted) {
             throw;
         }
-        reportAbort(messageBoxes);
-        outcome = BuildOutcome::aborted;
+        // The abort is told of anyway; this comes on top of it.
+        outcome.notice = error.message();
     }
-    program.finish();
     return outcome;
 }
 

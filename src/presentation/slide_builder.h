@@ -10,8 +10,6 @@
 
 namespace varnholt {
 
-class MessageBoxes;
-
 /// What one build is made from. The references must outlive the build.
 struct BuildInput
 {
@@ -28,27 +26,45 @@ struct BuildInput
     std::function<QString(const QuestionRecord&)> picturePath;
 };
 
-enum class BuildOutcome
+/// What came of a build. The texts are whole sentences for the user.
+struct BuildOutcome
 {
-    complete,
-    /// A picture was missing or unreadable, or the presentation program failed later on. The
-    /// user has been told; the slides so far stay open.
-    aborted,
-    /// The progress callback threw `Cancelled`. Nothing was said and nothing is finished:
-    /// what an outside program already shows stays there, a file is not written.
-    cancelled,
+    enum class End
+    {
+        Complete,
+        /// A picture was missing or unreadable, or the presentation program failed later on;
+        /// the slides made so far stay open.
+        Aborted,
+        /// The user stopped it. What an outside program already shows stays there, a file is
+        /// not written.
+        Cancelled,
+        /// There are no slides, or they could not be written or shown.
+        Failed,
+    };
+
+    End end = End::Complete;
+    /// Why it was aborted or failed.
+    QString reason;
+    /// Aborted: where. The position in the draw pool of the question whose slide was being
+    /// made and its number in the presentation; 0 past the question slides.
+    int poolIndex = 0;
+    int number = 0;
+    /// Aborted: whether the question's picture is the reason, not the presentation program.
+    bool pictureIsBad = false;
+    /// What else there is to know, for example where the file lies; mostly empty.
+    QString notice;
 };
 
 /// Builds the presentation: one slide per selected record, then the answer key.
 ///
 /// A failure before the first picture step (the program does not start, the first slide
-/// cannot be added, there is no slide to show at the end) reaches the caller as it is. From
-/// the first picture on any failure ends the build with the "File Missing" message.
-/// `PresentationProgram::finish` is called in every case but a cancelled build; an `Error`
-/// of its own (a full disk) reaches the caller.
+/// cannot be added, there is no slide to show at the end) reaches the caller as it is, as does
+/// an `Error` of `PresentationProgram::finish` (a full disk) after a whole build. From the
+/// first picture on any failure ends the build as aborted. `finish` is called in every case
+/// but a cancelled build.
 ///
-/// `progress` may be empty; it is called before each slide is added.
-BuildOutcome BuildPresentation(PresentationProgram& program, const BuildInput& input,
-                               MessageBoxes& messageBoxes, const BuildProgress& progress = {});
+/// `progress` may be empty; it is called before each slide is added and may throw `Cancelled`.
+[[nodiscard]] BuildOutcome BuildPresentation(PresentationProgram& program, const BuildInput& input,
+                                             const BuildProgress& progress = {});
 
 } // namespace varnholt

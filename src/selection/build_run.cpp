@@ -1,33 +1,122 @@
 #include "selection/build_run.h"
 
 #include "pictures/picture_files.h"
-#include "presentation/slide_builder.h"
 #include "store/catalogue.h"
 #include "store/errors.h"
 #include "store/services.h"
 #include "toolkit/LongWork.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
 namespace varnholt {
 
-void RunBuild(QWidget* window, Services& services, const ProgramState& state,
-              const SlideOptions& options)
+namespace {
+
+QString sentence(const char* text)
 {
+    return QCoreApplication::translate("RunBuild", text);
+}
+
+/// So long without an answer, and the user is told that she may as well stop.
+constexpr int longWaitMs = 10'000;
+
+/// The progress bar lives in here and nobody speaks meanwhile. `silent` becomes whether in the
+/// end the presentation program had not answered for long.
+BuildOutcome build(SlidesInto into, QWidget* window, const Services& services,
+                   const ProgramState& state, const SlideOptions& options, bool& silent)
+{
+    PresentationPrograms& programs = *services.presentationPrograms;
+    const bool mayStaySilent = into == SlidesInto::Program && programs.canWriteFileInstead();
+    const BuildInput input{
+        state.DrawPool, options.topicLine, options.answerKey,
+        [&](const QuestionRecord& question) { return GetTopicText(state, question); },
+        [&](const QuestionRecord& question) {
+            return FindPictureFile(services.programFolder, question.PictureIndex);
+        }};
+    const QString creating = sentence("Creating the slides…");
+    LongWork work(window, creating, LongWork::Cancel::Offered);
+    QElapsedTimer sinceStep;
+    sinceStep.start();
+    const auto keepGoing = [&] {
+        silent = mayStaySilent && sinceStep.hasExpired(longWaitMs);
+        if (silent) {
+            work.setLabel(sentence("The presentation program has not answered for a while. You "
+                                   "can go on waiting for it or cancel."));
+        }
+        return work.goOn();
+    };
+    const auto progress = [&](int slide, int slides) {
+        sinceStep.start();
+        silent = false;
+        work.setLabel(creating);
+        work.progress(slide, slides);
+    };
+    BuildOutcome outcome;
     try {
-        LongWork work(window, QStringLiteral("Creating the slides…"), LongWork::Cancel::Offered);
-        const std::unique_ptr<PresentationProgram> program = services.presentationPrograms->start();
-        const BuildInput input{
-            state.DrawPool, options.topicLine, options.answerKey,
-            [&](const QuestionRecord& question) { return GetTopicText(state, question); },
-            [&](const QuestionRecord& question) {
-                return FindPictureFile(services.programFolder, question.PictureIndex);
-            }};
-        BuildPresentation(*program, input, *services.messageBoxes,
-                          [&work](int slide, int slides) { work.progress(slide, slides); });
+        const auto program = programs.start(into, keepGoing);
+        outcome = BuildPresentation(*program, input, progress);
     } catch (const Cancelled&) {
-        // Stopped before the first slide; there is nothing to tell.
+        outcome.end = BuildOutcome::End::Cancelled;
     } catch (const Error& error) {
-        services.messageBoxes->inform(QStringLiteral("Error"), error.message());
+        outcome.end = BuildOutcome::End::Failed;
+        outcome.reason = error.message();
     }
+    return outcome;
+}
+
+/// Why a build was aborted, at which question, and what to make of it.
+QString explanation(const BuildOutcome& outcome, const ProgramState& state)
+{
+    QString text = outcome.reason;
+    if (outcome.number > 0) {
+        text += QStringLiteral("\n\n") +
+                sentence("It happened at question %1 of the presentation (%2).")
+                    .arg(outcome.number)
+                    .arg(GetTopicText(state, state.DrawPool(outcome.poolIndex)));
+    }
+    if (!outcome.pictureIsBad) {
+        text += QStringLiteral("\n\n") +
+                sentence("No picture is missing, so there is nothing to delete. Please "
+                         "create the slides once more.");
+    }
+    return text;
+}
+
+void tell(MessageBoxes& messages, const BuildOutcome& outcome, const ProgramState& state)
+{
+    if (outcome.end == BuildOutcome::End::Failed) {
+        messages.inform(QStringLiteral("Error"), outcome.reason);
+    } else if (outcome.end == BuildOutcome::End::Aborted) {
+        messages.explain(
+            QStringLiteral("File Missing"),
+            QStringLiteral("The creation of the powerpoint has been aborted because one of the "
+                           "questions selected is missing a picture file. Please go to Manage "
+                           "Assessments and delete that questions."),
+            explanation(outcome, state));
+    }
+    if (!outcome.notice.isEmpty()) {
+        messages.inform(sentence("Presentation"), outcome.notice);
+    }
+}
+
+} // namespace
+
+BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& state,
+                      const SlideOptions& options)
+{
+    bool silent = false;
+    BuildOutcome outcome = build(SlidesInto::Program, window, services, state, options, silent);
+    if (outcome.end == BuildOutcome::End::Cancelled && silent &&
+        services.messageBoxes->yesNo(
+            sentence("Presentation"),
+            sentence("The presentation program has not answered. Do you want the slides in a "
+                     "presentation file instead?"),
+            MessageBoxes::Answer::Yes)) {
+        outcome = build(SlidesInto::File, window, services, state, options, silent);
+    }
+    tell(*services.messageBoxes, outcome, state);
+    return outcome;
 }
 
 } // namespace varnholt

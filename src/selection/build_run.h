@@ -1,5 +1,7 @@
 #pragma once
 
+#include "presentation/slide_builder.h"
+
 class QWidget;
 
 namespace varnholt {
@@ -15,9 +17,10 @@ struct SlideOptions
 };
 
 /// Builds the presentation of the marked questions of `DrawPool` with a busy pointer and,
-/// on long builds, a progress bar over `window`. Every failure is reported to the user; the
-/// slides built until then stay open.
-void RunBuild(QWidget* window, Services& services, const ProgramState& state,
-              const SlideOptions& options);
+/// on long builds, a progress bar over `window`. When all that has gone the user is told what
+/// there is to tell, so the caller says nothing more; the slides built until then stay open.
+/// Throws nothing that the build threw.
+BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& state,
+                      const SlideOptions& options);
 
 } // namespace varnholt

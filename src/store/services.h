@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -21,6 +22,12 @@ public:
 
     /// A message with an OK button.
     virtual void inform(const QString& title, const QString& text) = 0;
+
+    /// The same with what explains it in the same box, below the text.
+    virtual void explain(const QString& title, const QString& text, const QString& explanation)
+    {
+        inform(title, text + QStringLiteral("\n\n") + explanation);
+    }
 
     enum class Answer
     {
@@ -87,14 +94,30 @@ public:
     }
 };
 
+/// Called several times a second while something outside is waited for; false when the user has
+/// asked to stop. Must not throw.
+using KeepGoing = std::function<bool()>;
+
+enum class SlidesInto
+{
+    /// The presentation program of choice, which may be another program that does not answer.
+    Program,
+    /// A file, which needs no other program.
+    File
+};
+
 /// Gives out a fresh object of the presentation port for each build.
 class PresentationPrograms
 {
 public:
     virtual ~PresentationPrograms() = default;
 
-    /// Never null. Starting the program may throw `Error`.
-    [[nodiscard]] virtual std::unique_ptr<PresentationProgram> start() = 0;
+    /// Never null. Starting the program may throw `Error`, and `Cancelled` when `keepGoing` says
+    /// so; it serves the program for all of its life and may be empty.
+    [[nodiscard]] virtual std::unique_ptr<PresentationProgram>
+    start(SlidesInto into, const KeepGoing& keepGoing) = 0;
+    /// Whether a file would be something else than what is chosen.
+    [[nodiscard]] virtual bool canWriteFileInstead() const { return false; }
 };
 
 /// The outside world as the windows see it. `RunProgram` fills it with the real ones, tests with

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
 
@@ -12,6 +13,7 @@ namespace varnholt {
 namespace {
 
 constexpr int patienceMs = 500;
+constexpr int eventsEveryMs = 10;
 
 bool isInput(QEvent::Type type)
 {
@@ -38,17 +40,23 @@ bool isInput(QEvent::Type type)
 
 LongWork::LongWork(QWidget* window, const QString& label, Cancel cancel)
     : dialog_(std::make_unique<QProgressDialog>(window))
+    , bar_(new QProgressBar)
+    , cancel_(cancel)
 {
     dialog_->setWindowTitle(QApplication::applicationDisplayName());
     dialog_->setLabelText(label);
     dialog_->setWindowModality(Qt::ApplicationModal);
-    dialog_->setMinimumDuration(patienceMs);
     dialog_->setAutoClose(false);
     dialog_->setAutoReset(false);
+    // The dialog's own `setValue` would open it by a timer: the bar's value is set here instead.
+    bar_->setRange(0, 0);
+    dialog_->setBar(bar_);
     if (cancel == Cancel::NotOffered) {
         dialog_->setCancelButton(nullptr);
         dialog_->setWindowFlag(Qt::WindowCloseButtonHint, false);
     }
+    // Stops the timer that a dialog of this kind is made with.
+    dialog_->reset();
     takeOver();
 }
 
@@ -59,6 +67,9 @@ LongWork::LongWork()
 
 void LongWork::takeOver()
 {
+    sinceStart_.start();
+    sinceEvents_.start();
+    modalAtStart_ = QApplication::activeModalWidget();
     QApplication::setOverrideCursor(Qt::WaitCursor);
     qApp->installEventFilter(this);
 }
@@ -71,17 +82,43 @@ LongWork::~LongWork()
 
 void LongWork::progress(int step, int steps)
 {
-    if (dialog_->maximum() != steps) {
-        dialog_->setMaximum(steps);
-    }
-    dialog_->setValue(step - 1);
-    if (dialog_->wasCanceled()) {
+    bar_->setRange(0, steps);
+    bar_->setValue(step - 1);
+    if (!goOn()) {
         throw Cancelled();
+    }
+}
+
+bool LongWork::goOn()
+{
+    const QWidget* modal = QApplication::activeModalWidget();
+    if (dialog_ && !dialog_->isVisible() && !dialog_->wasCanceled() &&
+        sinceStart_.hasExpired(patienceMs) && (!modal || modal == modalAtStart_)) {
+        dialog_->show();
+        QCoreApplication::processEvents();
+    }
+    if (sinceEvents_.hasExpired(eventsEveryMs)) {
+        QCoreApplication::processEvents();
+        sinceEvents_.start();
+    }
+    return !dialog_ || !dialog_->wasCanceled();
+}
+
+void LongWork::setLabel(const QString& label)
+{
+    if (dialog_->labelText() != label) {
+        dialog_->setLabelText(label);
     }
 }
 
 bool LongWork::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::Show && dialog_ && dialog_->isVisible()) {
+        const auto* shown = qobject_cast<QWidget*>(watched);
+        if (shown && shown != dialog_.get() && shown->isWindow() && shown->isModal()) {
+            dialog_->hide();
+        }
+    }
     if (!isInput(event->type())) {
         return QObject::eventFilter(watched, event);
     }
@@ -93,8 +130,10 @@ bool LongWork::eventFilter(QObject* watched, QEvent* event)
         owner = owner->parent();
         widget = qobject_cast<QWidget*>(owner);
     }
-    if (!widget || widget->window() == dialog_.get() ||
-        widget->window() == QApplication::activeModalWidget()) {
+    const bool ofBar = widget && dialog_ && widget->window() == dialog_.get();
+    const bool ofMessage = widget && !ofBar && widget->window() != modalAtStart_ &&
+                           widget->window() == QApplication::activeModalWidget();
+    if (!widget || ofMessage || (ofBar && cancel_ == Cancel::Offered)) {
         return QObject::eventFilter(watched, event);
     }
     if (event->type() == QEvent::Close) {

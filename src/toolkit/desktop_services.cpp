@@ -9,6 +9,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QGridLayout>
+#include <QLabel>
 #include <QMessageBox>
 #include <QSettings>
 #include <QStandardPaths>
@@ -101,8 +102,19 @@ std::optional<QString> chosen(const QString& path)
 
 void DesktopMessageBoxes::inform(const QString& title, const QString& text)
 {
+    explain(title, text, QString());
+}
+
+void DesktopMessageBoxes::explain(const QString& title, const QString& text,
+                                  const QString& explanation)
+{
     const PlainPointer pointer;
     QMessageBox box(QApplication::activeWindow());
+    // First, because it lays the box out anew.
+    box.setInformativeText(readable(explanation));
+    if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+        label->setTextFormat(Qt::PlainText);
+    }
     prepare(box, title, text);
     box.setStandardButtons(QMessageBox::Ok);
     box.exec();

@@ -11,6 +11,7 @@ class DesktopMessageBoxes : public MessageBoxes
 {
 public:
     void inform(const QString& title, const QString& text) override;
+    void explain(const QString& title, const QString& text, const QString& explanation) override;
     bool yesNo(const QString& title, const QString& text, Answer preselected) override;
     QString inputText(const QString& title, const QString& prompt,
                       const QString& defaultText) override;

@@ -47,8 +47,7 @@ protected:
             written = path;
             return true;
         };
-        programs = std::make_unique<DefaultPresentationPrograms>(messages, services.programFolder,
-                                                                 settings);
+        programs = std::make_unique<DefaultPresentationPrograms>(services.programFolder, settings);
         services.messageBoxes = &messages;
         services.clock = &clock;
         services.random = &random;

@@ -115,7 +115,7 @@ public:
     QStringList log;
     QString programFolder;
 
-    [[nodiscard]] std::unique_ptr<PresentationProgram> start() override
+    [[nodiscard]] std::unique_ptr<PresentationProgram> start(SlidesInto, const KeepGoing&) override
     {
         return std::make_unique<ObjectModelLog>(log, programFolder);
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "presentation/slide_builder.h"
-#include "support/fakes.h"
 
 #include <QFile>
 #include <QImage>
@@ -12,10 +11,7 @@
 
 namespace varnholt::test {
 
-inline const QString abortTitle = QStringLiteral("File Missing");
-inline const QString abortText = QStringLiteral(
-    "The creation of the powerpoint has been aborted because one of the questions selected is "
-    "missing a picture file. Please go to Manage Assessments and delete that questions.");
+using End = BuildOutcome::End;
 
 /// A picture; no density is written when `dotsPerInch` is 0.
 inline QString writePicture(const QString& path, QSize size, double dotsPerInch,
@@ -62,13 +58,12 @@ protected:
             pool_, topicLine, answerKey,
             [this](const QuestionRecord& q) { return topics_.at(q.SOLIndex - 1); },
             [this](const QuestionRecord& q) { return picture(q.PictureIndex); }};
-        return BuildPresentation(program, input, boxes_, progress);
+        return BuildPresentation(program, input, progress);
     }
 
     QTemporaryDir folder_;
     List1<QuestionRecord> pool_;
     QStringList topics_;
-    ScriptedMessageBoxes boxes_;
 };
 
 } // namespace varnholt::test

@@ -70,7 +70,7 @@ void expectSame(const QStringList& built, const QStringList& read)
 TEST_F(Impress, HoldsTheSameShapesAsItReadsFromThePptxFile)
 {
     for (const bool topic : {false, true}) {
-        EXPECT_EQ(build(*start(), topic, true), BuildOutcome::complete);
+        EXPECT_EQ(build(*start(), topic, true).end, End::Complete);
         QStringList built = held();
         // Three slides, the first on show, changed, without a file, in a visible window.
         EXPECT_EQ(built.takeFirst(), u"document;3;1;True;False;True");
@@ -81,7 +81,7 @@ TEST_F(Impress, HoldsTheSameShapesAsItReadsFromThePptxFile)
         PptxSettings settings;
         settings.programFolder = folder_.path();
         PptxProgram pptx(settings);
-        EXPECT_EQ(build(pptx, topic, true), BuildOutcome::complete);
+        EXPECT_EQ(build(pptx, topic, true).end, End::Complete);
         host_->runMacro(u"OpenFile"_s, {pptx.writtenPath()});
         expectSame(built, held().mid(1));
     }
@@ -98,9 +98,11 @@ TEST_F(Impress, AMissingPictureAClosedAndAKilledOfficeAbort)
                 happens();
             }
         };
-        boxes_.expectInform(abortTitle, abortText);
-        EXPECT_EQ(build(*start(), true, true, secondSlide), BuildOutcome::aborted);
-        if (!QFile::exists(picture(2))) {
+        const BuildOutcome outcome = build(*start(), true, true, secondSlide);
+        EXPECT_EQ(outcome.end, End::Aborted);
+        EXPECT_EQ(outcome.number, 2);
+        EXPECT_EQ(outcome.pictureIsBad, !QFile::exists(picture(2)));
+        if (outcome.pictureIsBad) {
             const QStringList lines = held();
             EXPECT_TRUE(lines.first().startsWith(u"document;2;2;")) << "slides, the one on show";
             EXPECT_TRUE(lines.last().endsWith(u";;")) << "a number box without its number";
@@ -115,34 +117,20 @@ TEST_F(Impress, AFrozenOfficeCanBeLeftAlone)
     ImpressSettings settings = host_->settings();
     bool frozen = false;
     int asked = 0;
-    int alive = 0;
-    settings.patienceMs = 300;
-    settings.keepWaiting = [&] { return !frozen || ++asked < 2; };
-    settings.alive = [&] { ++alive; };
+    settings.keepGoing = [&] { return !frozen || ++asked < 3; };
     {
         const auto program = start(settings);
-        program->addPresentation();
-        frozen = true;
-        alive = 0;
-        host_->signalOffice(SIGSTOP);
-        EXPECT_THROW(program->appendBlankSlide(), Cancelled);
-        EXPECT_EQ(asked, 2);
-        EXPECT_GT(alive, 1);
-        EXPECT_THROW(program->appendBlankSlide(), Cancelled);
+        const auto freezes = [&](int slide, int) {
+            if (slide == 2) {
+                host_->signalOffice(SIGSTOP);
+                frozen = true;
+            }
+        };
+        EXPECT_EQ(build(*program, true, true, freezes).end, End::Cancelled);
+        EXPECT_EQ(asked, 3);
+        EXPECT_THROW(program->addTextBox(0, 0, 1, 1), Cancelled);
     }
     EXPECT_THROW(start(settings), Cancelled);
-
-    // Who will not wait for it has her slides in a file.
-    PresentationSettings choice;
-    choice.program.clear();
-    choice.hasDisplay = [] { return true; };
-    choice.impress = settings;
-    choice.impress.patienceMs = 100;
-    boxes_.expectYesNo(
-        u"Presentation"_s,
-        u"Impress has not answered for a while. Do you want to keep waiting for it?"_s, false);
-    DefaultPresentationPrograms programs(boxes_, folder_.path(), choice);
-    EXPECT_NE(dynamic_cast<PptxProgram*>(programs.start().get()), nullptr);
     host_->signalOffice(SIGCONT);
     host_->signalOffice(SIGKILL);
 }
@@ -156,9 +144,11 @@ TEST_F(Impress, AnOfficeThatDoesNotStartIsAnError)
     script.write("#!/bin/sh\nexec sleep 20\n");
     script.setPermissions(script.permissions() | QFile::ExeOwner);
     script.close();
+    addQuestion(u"A"_s);
     PresentationSettings settings;
     settings.program.clear();
     settings.hasDisplay = [] { return true; };
+    settings.open = [](const QString&) { return true; };
     settings.impress.handOverMs = 100;
     for (const auto& [program, reason] :
          {std::pair{silent, u"The office suite does not answer."_s},
@@ -166,12 +156,13 @@ TEST_F(Impress, AnOfficeThatDoesNotStartIsAnError)
         settings.impress.program = program;
         settings.impress.startLimitMs = program == silent ? 1500 : 60'000;
         // Meanwhile the teacher has her slides in a file.
-        boxes_.expectInform(
-            u"Presentation"_s,
-            u"Impress did not start: %1\n\nThe slides are written to a presentation "
-            "file instead."_s.arg(reason));
-        DefaultPresentationPrograms programs(boxes_, folder_.path(), settings);
-        EXPECT_NE(dynamic_cast<PptxProgram*>(programs.start().get()), nullptr);
+        DefaultPresentationPrograms programs(folder_.path(), settings);
+        const auto file = programs.start(SlidesInto::Program, {});
+        ASSERT_NE(dynamic_cast<PptxProgram*>(file.get()), nullptr);
+        const QString notice = build(*file, true, true).notice;
+        EXPECT_TRUE(notice.startsWith(u"Impress did not start: %1\n\nThe slides were written to a "
+                                      "presentation file instead."_s.arg(reason)))
+            << qPrintable(notice);
     }
     settings.impress.program = u"/no/such/program"_s;
     EXPECT_THROW(start(settings.impress), Error);

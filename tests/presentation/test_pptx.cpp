@@ -49,7 +49,7 @@ TEST_F(Pptx, PackageKeepsTheRules)
     addQuestion(u"D"_s);
     pool_(4).PictureIndex = 2;
     PptxProgram program(settings_);
-    ASSERT_EQ(build(program, true, true), BuildOutcome::complete);
+    ASSERT_EQ(build(program, true, true).end, End::Complete);
     const PackageReader package(program.writtenPath());
 
     // Every part has a type of its own or by its extension, and a relationship leads to it.
@@ -131,14 +131,16 @@ TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)
         EXPECT_EQ(written(), opened);
         return opened.size() == 1;
     };
-    DefaultPresentationPrograms programs(boxes_, folder_.path(), settings);
-    EXPECT_EQ(build(*programs.start(), false, false), BuildOutcome::complete);
-    boxes_.expectInform(
-        u"Presentation"_s,
-        u"The presentation is finished, but there is no program on this computer to show it. "
-        "You find it here:\n\n"_s +
-            folder_.filePath(u"Presentations/Varnholt 2026-11-21 14.05 (2).pptx"_s));
-    EXPECT_EQ(build(*programs.start(), false, false), BuildOutcome::complete);
+    DefaultPresentationPrograms programs(folder_.path(), settings);
+    EXPECT_EQ(build(*programs.start(SlidesInto::Program, {}), false, false).end, End::Complete);
+    // Nothing opens this one, which is also cut short.
+    addQuestion(u"B"_s);
+    const BuildOutcome outcome = build(*programs.start(SlidesInto::Program, {}), false, false);
+    EXPECT_EQ(outcome.end, End::Aborted);
+    EXPECT_EQ(outcome.notice,
+              u"There is no program on this computer to show the presentation.\n\n"
+              "You find it here:\n"_s +
+                  folder_.filePath(u"Presentations/Varnholt 2026-11-21 14.05 (2).pptx"_s));
     EXPECT_EQ(opened, (QStringList{u"Varnholt 2026-11-21 14.05 (2).pptx"_s,
                                    u"Varnholt 2026-11-21 14.05.pptx"_s}));
 }
@@ -149,7 +151,7 @@ TEST_F(Pptx, IsWhatServesWithoutADisplayAndOtherNamesAreErrors)
     settings.program.clear();
     settings.hasDisplay = [] { return false; };
     const auto start = [&] {
-        return DefaultPresentationPrograms(boxes_, folder_.path(), settings).start();
+        return DefaultPresentationPrograms(folder_.path(), settings).start(SlidesInto::Program, {});
     };
     EXPECT_NE(dynamic_cast<PptxProgram*>(start().get()), nullptr);
     for (const char* name : {"powerpoint", "keynote"}) {
@@ -163,9 +165,11 @@ TEST_F(Pptx, MissingPictureKeepsTheSlidesSoFar)
     writePicture(picture(1), {60, 35}, 96);
     addQuestion(u"A"_s);
     addQuestion(u"B"_s, u"Second"_s);
-    boxes_.expectInform(abortTitle, abortText);
     PptxProgram program(settings_);
-    EXPECT_EQ(build(program, true, true), BuildOutcome::aborted);
+    const BuildOutcome outcome = build(program, true, true);
+    EXPECT_EQ(outcome.end, End::Aborted);
+    EXPECT_TRUE(outcome.pictureIsBad);
+    EXPECT_EQ(outcome.notice, QString());
     const PackageReader package(program.writtenPath());
     EXPECT_EQ(package.values(u"ppt/presentation.xml"_s, "p:sldId"_L1, "id"_L1).size(), 2);
     EXPECT_EQ(package.values(PackageReader::slideName(1), "p:pic"_L1, "x"_L1).size(), 1);
@@ -185,7 +189,7 @@ TEST_F(Pptx, FullDiskIsAnErrorThatSaysSoAndLeavesNothing)
     setrlimit(RLIMIT_FSIZE, &tight);
     QString message;
     try {
-        build(program, false, false);
+        static_cast<void>(build(program, false, false));
     } catch (const Error& error) {
         message = error.message();
     }

@@ -60,7 +60,7 @@ protected:
 TEST_F(SlideBuilder, CallsInOrderWithTopicAndKey)
 {
     fillPool(3, {2});
-    EXPECT_EQ(build(program_, true, true), BuildOutcome::complete);
+    EXPECT_EQ(build(program_, true, true).end, End::Complete);
     expectCalls(uR"(addPresentation; setVisible
 appendBlankSlide
 addTextBox 0 0 1000 100; setShapeText 1 Topic of 1
@@ -80,7 +80,7 @@ showSlide 1; finish)"_s);
 TEST_F(SlideBuilder, CallsInOrderWithoutTopicAndKey)
 {
     fillPool(1);
-    EXPECT_EQ(build(program_, false, false), BuildOutcome::complete);
+    EXPECT_EQ(build(program_, false, false).end, End::Complete);
     expectCalls(uR"(addPresentation; setVisible
 appendBlankSlide
 addTextBox 0 0 100 100; addPicture 1.jpg 2 50 -1 -1
@@ -116,7 +116,7 @@ TEST_F(SlideBuilder, TheKeyBreaksByPoolIndex)
             EXPECT_EQ(slide, ++reported);
             announced = slides;
         };
-        EXPECT_EQ(build(program_, false, true, progress), BuildOutcome::complete);
+        EXPECT_EQ(build(program_, false, true, progress).end, End::Complete);
         EXPECT_EQ(reported, announced);
         EXPECT_EQ(program_.callsOf(u"appendBlankSlide"_s).size(), announced);
         EXPECT_EQ(keySlides().toStdString(), test.key);
@@ -129,27 +129,34 @@ TEST_F(SlideBuilder, AFailureReachesTheCallerOnlyBeforeTheFirstPicture)
     {
         const char* call;
         int nth;
-        /// Whether the user gets the message; else the caller gets the error.
+        /// Whether it becomes the outcome; else the caller gets the error.
         bool aborts;
+        /// Of the question it happens at.
+        int number = 0;
     };
-    for (const auto& [call, nth, aborts] : std::vector<Failure>{{"addPresentation", 1, false},
-                                                                {"setVisible", 1, false},
-                                                                {"appendBlankSlide", 1, false},
-                                                                {"setShapeText", 1, false},
-                                                                {"addTextBox", 2, false},
-                                                                {"addPicture", 1, true},
-                                                                {"scaleWidth", 1, true},
-                                                                {"appendBlankSlide", 2, true},
-                                                                {"addTextBox", 3, true},
-                                                                {"addPicture", 2, true},
-                                                                {"setShapeText 1 Answer", 1, true},
-                                                                {"showSlide 1", 1, true}}) {
+    for (const auto& [call, nth, aborts, number] :
+         std::vector<Failure>{{"addPresentation", 1, false},
+                              {"setVisible", 1, false},
+                              {"appendBlankSlide", 1, false},
+                              {"setShapeText", 1, false},
+                              {"addTextBox", 2, false},
+                              {"addPicture", 1, true, 1},
+                              {"scaleWidth", 1, true, 1},
+                              {"appendBlankSlide", 2, true, 2},
+                              {"addTextBox", 3, true, 2},
+                              {"addPicture", 2, true, 2},
+                              {"setShapeText 1 Answer", 1, true},
+                              {"showSlide 1", 1, true}}) {
         SCOPED_TRACE(testing::Message() << call << ' ' << nth);
-        fillPool(2);
+        fillPool(3, {1});
         program_.failAt(QLatin1String(call), nth);
         if (aborts) {
-            boxes_.expectInform(abortTitle, abortText);
-            EXPECT_EQ(build(program_, true, true), BuildOutcome::aborted);
+            const BuildOutcome outcome = build(program_, true, true);
+            EXPECT_EQ(outcome.end, End::Aborted);
+            EXPECT_EQ(outcome.reason, u"told to fail");
+            EXPECT_EQ(outcome.number, number);
+            EXPECT_EQ(outcome.poolIndex, number > 0 ? number + 1 : 0);
+            EXPECT_EQ(outcome.pictureIsBad, qstrcmp(call, "addPicture") == 0);
         } else {
             EXPECT_THROW(build(program_, true, true), Error);
         }
@@ -158,7 +165,6 @@ TEST_F(SlideBuilder, AFailureReachesTheCallerOnlyBeforeTheFirstPicture)
         }
         EXPECT_TRUE(program_.calls.last().startsWith(QLatin1String(call)));
         EXPECT_EQ(program_.callsOf(QLatin1String(call)).size(), nth);
-        boxes_.verify();
     }
 }
 
@@ -177,7 +183,7 @@ TEST_F(SlideBuilder, CancelStopsWithoutAWord)
             throw Cancelled();
         }
     };
-    EXPECT_EQ(build(program_, true, true, cancelAtSecond), BuildOutcome::cancelled);
+    EXPECT_EQ(build(program_, true, true, cancelAtSecond).end, End::Cancelled);
     EXPECT_EQ(program_.calls.last(), u"scaleWidth 3 1");
 }
 

@@ -223,6 +223,15 @@ TEST_F(FrmMain, BuildsTheDrawnQuestionsWithTheChosenOptionsAndTellsFailures)
     presentations.next.failAt(u"appendBlankSlide"_s);
     messages.expectInform(u"Error"_s, u"told to fail"_s);
     press("cmdCreate");
+    presentations.next = {};
+    presentations.next.failAt(u"addPicture"_s, 2);
+    messages.expectInform(
+        u"File Missing"_s,
+        u"The creation of the powerpoint has been aborted because one of the questions selected "
+        "is missing a picture file. Please go to Manage Assessments and delete that questions."
+        "\n\ntold to fail\n\nIt happened at question 2 of the presentation (Topic 1 - Subtopic 1.1)."_s);
+    messages.beforeAnswer = [] { EXPECT_EQ(QApplication::overrideCursor(), nullptr); };
+    press("cmdCreate");
     EXPECT_TRUE(window->isEnabled());
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }

@@ -92,7 +92,7 @@ public:
     QStringList calls;
     int started = 0;
 
-    [[nodiscard]] std::unique_ptr<PresentationProgram> start() override
+    [[nodiscard]] std::unique_ptr<PresentationProgram> start(SlidesInto, const KeepGoing&) override
     {
         if (!startFailure.isEmpty()) {
             throw Error(startFailure);

@@ -251,8 +251,18 @@ TEST(LongWorkTest, IsBusyAtOnceTakesNoInputAndShowsABarAfterHalfASecond)
         QTest::keyClick(window.windowHandle(), Qt::Key_F5);
         EXPECT_TRUE(started.isEmpty());
         EXPECT_FALSE(window.close());
-        QTest::qSleep(600);
+        QTest::qWait(600);
+        EXPECT_FALSE(bar()->isVisible()) << "it would cover a message that stands now";
         work.progress(2, 3);
+        EXPECT_TRUE(bar()->isVisible());
+        QMessageBox message;
+        QTimer::singleShot(0, &message, [&] {
+            EXPECT_TRUE(work.goOn());
+            EXPECT_FALSE(bar()->isVisible());
+            QTest::keyClick(&message, Qt::Key_Escape);
+        });
+        message.exec();
+        EXPECT_TRUE(work.goOn());
         EXPECT_TRUE(bar()->isVisible());
         EXPECT_EQ(bar()->value(), 1);
         EXPECT_EQ(bar()->maximum(), 3);

@@ -31,7 +31,7 @@ void ImpressProgram::call(Task task)
             task(*document);
         } catch (const css::lang::DisposedException&) {
             *gone = true;
-            throw Error(QStringLiteral("Impress, or the presentation in it, was closed."));
+            throw ProgramGone(QStringLiteral("Impress, or the presentation in it, was closed."));
         } catch (const css::uno::Exception& exception) {
             throw Error(QStringLiteral("Impress reported: %1").arg(fromUno(exception.Message)));
         }
@@ -40,13 +40,11 @@ void ImpressProgram::call(Task task)
 
 ImpressProgram::ImpressProgram(const ImpressSettings& settings)
     : document_(std::make_shared<ImpressDocument>())
-    , worker_({settings.alive, settings.keepWaiting, settings.patienceMs},
-              [document = document_] { document->breakOff(); })
+    , worker_(settings.keepGoing, [document = document_] { document->breakOff(); })
 {
     ImpressSettings own = settings;
     // The worker must not call back into windows.
-    own.alive = nullptr;
-    own.keepWaiting = nullptr;
+    own.keepGoing = nullptr;
     call([own](ImpressDocument& document) { document.open(own); });
 }
 

@@ -1,13 +1,11 @@
 #pragma once
 
+#include "store/services.h"
+
 #include <QString>
 #include <QStringList>
 
-#include <functional>
-
 namespace varnholt {
-
-class PresentationProgram;
 
 /// How the plug-in reaches the office suite. Handed across the plug-in's border, so host and
 /// plug-in must come from one build.
@@ -19,12 +17,9 @@ struct ImpressSettings
     QStringList arguments;
     /// Environment entries for it, "NAME=value".
     QStringList environment;
-    /// Called while the office is waited for, about 50 times a second. Must not throw.
-    std::function<void()> alive;
-    /// Asked after every `patienceMs` without an answer; false gives up. Empty: never give up
-    /// before `startLimitMs`.
-    std::function<bool()> keepWaiting;
-    int patienceMs = 15'000;
+    /// Called while the office is waited for, about 50 times a second; false gives up. May be
+    /// empty.
+    KeepGoing keepGoing;
     /// An office that has not answered after this does not start.
     int startLimitMs = 90'000;
     /// The starting program ends at once where it hands over to an office that runs; how long

@@ -41,6 +41,24 @@ void removeOldParts(const QDir& folder, const QDateTime& now)
     }
 }
 
+QString noticeOf(const QString& insteadBecause, bool opened, const QString& path)
+{
+    QStringList paragraphs;
+    if (!insteadBecause.isEmpty()) {
+        paragraphs.append(insteadBecause);
+        paragraphs.append(
+            QStringLiteral("The slides were written to a presentation file instead."));
+    }
+    if (!opened) {
+        paragraphs.append(
+            QStringLiteral("There is no program on this computer to show the presentation."));
+    }
+    if (!paragraphs.isEmpty()) {
+        paragraphs.append(QStringLiteral("You find it here:\n%1").arg(path));
+    }
+    return paragraphs.join(u"\n\n");
+}
+
 } // namespace
 
 PptxProgram::PptxProgram(PptxSettings settings)
@@ -195,13 +213,10 @@ void PptxProgram::finish()
     }
     const QDateTime time = now();
     document_.title = QStringLiteral("Varnholt ") + time.toString(u"yyyy-MM-dd HH.mm");
-    writePptx(partPath_, document_, time, settings_.alive);
+    writePptx(partPath_, document_, time, settings_.keepGoing);
     writtenPath_ = giveFinalName();
-    if (settings_.open && !settings_.open(writtenPath_) && settings_.notify) {
-        settings_.notify(QStringLiteral("The presentation is finished, but there is no program on "
-                                        "this computer to show it. You find it here:\n\n%1")
-                             .arg(native(writtenPath_)));
-    }
+    const bool opened = !settings_.open || settings_.open(writtenPath_);
+    notice_ = noticeOf(settings_.insteadBecause, opened, native(writtenPath_));
 }
 
 } // namespace varnholt

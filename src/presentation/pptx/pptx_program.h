@@ -2,6 +2,7 @@
 
 #include "presentation/pptx/pptx_document.h"
 #include "presentation/presentation_program.h"
+#include "store/services.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -18,10 +19,10 @@ struct PptxSettings
     std::function<QDateTime()> now;
     /// Opens the finished file with the desktop's program for it; false when there is none.
     std::function<bool(const QString& path)> open;
-    /// Tells the user something that is not a failure of the build.
-    std::function<void(const QString& message)> notify;
-    /// Keeps the windows painted while the file is written. Must not throw.
-    std::function<void()> alive;
+    /// Why the slides go to a file although another program was wanted, a whole sentence; empty
+    /// when none was.
+    QString insteadBecause;
+    KeepGoing keepGoing;
 };
 
 /// The back end that needs no presentation program: a document in memory which `finish`
@@ -46,6 +47,7 @@ public:
     /// Only looks whether the slide is there: a .pptx opens at its first one.
     void showSlide(int index) override;
     void finish() override;
+    [[nodiscard]] QString notice() const override { return notice_; }
 
     /// Where the file was written; empty before `finish` and when nothing was.
     [[nodiscard]] QString writtenPath() const { return writtenPath_; }
@@ -64,6 +66,7 @@ private:
     /// The name the file is written under.
     QString partPath_;
     QString writtenPath_;
+    QString notice_;
 };
 
 } // namespace varnholt

@@ -2,11 +2,12 @@
 
 #include "presentation/pptx/pptx_parts.h"
 #include "presentation/pptx/zip_writer.h"
+#include "store/errors.h"
 
 namespace varnholt {
 
 void writePptx(const QString& path, const PptxDocument& document, const QDateTime& now,
-               const std::function<void()>& alive)
+               const KeepGoing& keepGoing)
 {
     ZipWriter archive(path, now);
     // Readers that recognise a file by its beginning expect this part first.
@@ -30,8 +31,8 @@ void writePptx(const QString& path, const PptxDocument& document, const QDateTim
     for (int media = 1; media <= int(document.media.size()); ++media) {
         const PptxMedia& picture = document.media[size_t(media) - 1];
         const QByteArray name = pptxMediaName(document, media);
-        if (alive) {
-            alive();
+        if (keepGoing && !keepGoing()) {
+            throw Cancelled();
         }
         if (picture.bytes.isEmpty()) {
             archive.addFile(name, picture.path);
