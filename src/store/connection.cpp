@@ -127,16 +127,20 @@ bool Connection::isReadOnly() const
     return database_ && sqlite3_db_readonly(database_, "main") == 1;
 }
 
-void Connection::execute(const QString& statement)
+void Connection::requireInPlace() const
 {
     requireOpen();
-    // A library that was deleted or replaced under us must not swallow changes silently.
     int moved = 0;
     sqlite3_file_control(database_, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
     if (moved) {
         throw DatabaseError(QStringLiteral("The question library has been moved or deleted:\n%1")
                                 .arg(QDir::toNativeSeparators(path_)));
     }
+}
+
+void Connection::execute(const QString& statement)
+{
+    requireInPlace();
     run(statement.toUtf8().constData());
     if (sqlite3_get_autocommit(database_)) {
         settleWhenIdle();

@@ -97,7 +97,12 @@ public:
     /// when idle. What was committed is safe either way.
     bool settle();
 
+    /// Throws `DatabaseError` when the file has been moved or deleted since it was opened: changes
+    /// must not be swallowed silently.
+    void requireInPlace() const;
+
 private:
+    friend class Statement;
     friend class Transaction;
 
     /// For how long a statement waits for other programs.

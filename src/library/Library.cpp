@@ -1,0 +1,293 @@
+#include "library/Library.h"
+
+#include "library/library_change.h"
+#include "library/question_picture.h"
+#include "pictures/picture_files.h"
+#include "store/library_file.h"
+#include "store/plus_statements.h"
+#include "store/services.h"
+#include "store/statements.h"
+
+#include <QFile>
+
+namespace varnholt {
+
+namespace sql = plus_statements;
+
+Library::Library(QString programFolder, const Clock& clock, std::vector<QString> scripts)
+    : programFolder_(std::move(programFolder))
+    , clock_(clock)
+    , tables_(connection_, std::move(scripts))
+    , journal_(connection_)
+{}
+
+Library::~Library()
+{
+    close();
+}
+
+void Library::open()
+{
+    close();
+    OpenLibraryDatabase(connection_, programFolder_);
+    refresh();
+}
+
+void Library::close()
+{
+    journal_.clear();
+    tables_.clear();
+    CloseLibraryDatabase(connection_);
+}
+
+void Library::refresh()
+{
+    tables_.refresh();
+}
+
+std::int64_t Library::now() const
+{
+    constexpr std::int64_t millisecondsPerSecond = 1000;
+    return clock_.millisecondsSinceEpoch() / millisecondsPerSecond;
+}
+
+std::int32_t Library::newestKey(const QString& statement, const char* field)
+{
+    Recordset rows = connection_.read(statement);
+    const int key = rows.field(field);
+    if (!rows.next()) {
+        throw DatabaseError(tr("The row just added was not found in the library."));
+    }
+    return rows.integer(key);
+}
+
+std::int32_t Library::addAssessment(const QString& name)
+{
+    Change change(*this);
+    connection_.execute(statements::InsertAssessment(name));
+    // The new one is the last in the order of the database.
+    Recordset rows = connection_.read(statements::SelectAssessments());
+    const int number = rows.field("AssessmentNum");
+    std::int32_t last = 0;
+    while (rows.next()) {
+        last = rows.integer(number);
+    }
+    change.add({ItemKind::Assessment, last});
+    change.commit();
+    return last;
+}
+
+std::int32_t Library::addTopic(std::int32_t assessmentNum, const QString& name)
+{
+    Change change(*this);
+    connection_.execute(statements::InsertTopic(name, assessmentNum));
+    const std::int32_t key =
+        newestKey(statements::SelectTopicsNewestFirst(assessmentNum), "TopicID");
+    change.add({ItemKind::Topic, key});
+    change.commit();
+    return key;
+}
+
+std::int32_t Library::addSubtopic(std::int32_t assessmentNum, std::int32_t topicId,
+                                  const QString& name)
+{
+    Change change(*this);
+    connection_.execute(statements::InsertSubtopic(topicId, name, assessmentNum));
+    const std::int32_t key =
+        newestKey(statements::SelectSubtopicsNewestFirst(assessmentNum), "SubtopicNum");
+    change.add({ItemKind::Subtopic, key});
+    change.commit();
+    return key;
+}
+
+void Library::deleteRow(Item item, const QString& statement)
+{
+    Change change(*this);
+    change.touch(item);
+    connection_.execute(statement);
+    change.commit();
+}
+
+void Library::deleteAssessment(std::int32_t assessmentNum)
+{
+    deleteRow({ItemKind::Assessment, assessmentNum}, statements::DeleteAssessment(assessmentNum));
+}
+
+void Library::deleteTopic(std::int32_t topicId)
+{
+    deleteRow({ItemKind::Topic, topicId}, statements::DeleteTopic(topicId));
+}
+
+void Library::deleteSubtopic(std::int32_t subtopicNum)
+{
+    deleteRow({ItemKind::Subtopic, subtopicNum}, statements::DeleteSubtopic(subtopicNum));
+}
+
+void Library::deleteQuestion(std::int32_t solIndex)
+{
+    deleteRow({ItemKind::Question, solIndex}, statements::DeleteQuestion(solIndex));
+}
+
+void Library::editQuestion(std::int32_t solIndex, std::int32_t topicId, std::int32_t subtopicNum,
+                           const QString& answer)
+{
+    Change change(*this);
+    change.touch({ItemKind::Question, solIndex});
+    connection_.execute(statements::UpdateQuestion(solIndex, topicId, subtopicNum, answer));
+    change.commit();
+}
+
+std::int32_t Library::addQuestion(const Filing& filing, const QString& answer,
+                                  const PictureWriter& writePicture)
+{
+    Change change(*this);
+    connection_.execute(statements::InsertQuestion(filing.TopicID, answer, filing.AssessmentNum,
+                                                   filing.SubtopicNum));
+    const auto readKey = [&] {
+        return newestKey(statements::SelectQuestionsNewestFirst(filing.AssessmentNum), "SOLIndex");
+    };
+    std::int32_t key = 0;
+    try {
+        key = readKey();
+        SetOldPictureAside(programFolder_, key);
+        writePicture(NewPictureFile(programFolder_, key));
+    } catch (const std::exception& failure) {
+        if (key == 0) {
+            key = readKey();
+        }
+        if (HasPictureFile(programFolder_, key)) {
+            throw;
+        }
+        change.add({ItemKind::Question, key});
+        change.commit();
+        const QString withoutPicture = tr("The question is in the library without its picture.");
+        const auto* known = dynamic_cast<const Error*>(&failure);
+        throw Error(known ? known->message() + u' ' + withoutPicture : withoutPicture);
+    }
+    change.add({ItemKind::Question, key});
+    try {
+        change.commit();
+    } catch (const Error&) {
+        QFile::remove(NewPictureFile(programFolder_, key));
+        throw;
+    }
+    return key;
+}
+
+void Library::rememberAssessment(std::int32_t assessmentNum)
+{
+    connection_.execute(statements::UpdateHistory(assessmentNum));
+}
+
+void Library::requireFeatures() const
+{
+    if (const FeatureState state = features(); !state.on) {
+        throw Error(state.reason);
+    }
+}
+
+QString Library::storedName(ItemKind kind, const QString& name)
+{
+    return kind == ItemKind::Assessment ? name : name.trimmed();
+}
+
+void Library::rename(Item item, const QString& name)
+{
+    requireFeatures();
+    const QString stored = storedName(item.kind, name);
+    if (item.kind == ItemKind::Question || stored.isEmpty()) {
+        throw Error(tr("A name is needed."));
+    }
+    if (!statements::canHold(stored)) {
+        throw Error(tr("A name cannot hold an apostrophe (')."));
+    }
+    Change change(*this);
+    change.touch(item);
+    Statement(connection_, sql::UpdateName(static_cast<int>(item.kind)))
+        .bind(1, std::int64_t{item.key})
+        .bind(2, stored)
+        .run();
+    change.commit();
+}
+
+RestoreOutcome Library::restore(Item item, const QString& newName)
+{
+    requireFeatures();
+    const RestorePlan plan = planRestore(item);
+    if (plan.nothingToDo) {
+        return RestoreOutcome::NothingToDo;
+    }
+    if (plan.placeMissing) {
+        return RestoreOutcome::PlaceMissing;
+    }
+    if (plan.nameTaken) {
+        if (newName.isEmpty() ||
+            IsAssessmentNameTaken(connection_, newName, plan.nameTaken->item.key)) {
+            return RestoreOutcome::NameTaken;
+        }
+        if (!statements::canHold(newName)) {
+            throw Error(tr("A name cannot hold an apostrophe (')."));
+        }
+    }
+    Change change(*this);
+    // The step is about the row that was asked for: it comes first.
+    std::vector<NamedItem> rows{plan.item};
+    rows.insert(rows.end(), plan.alsoBack.begin(), plan.alsoBack.end());
+    for (const NamedItem& row : rows) {
+        change.touch(row.item);
+        const int kind = static_cast<int>(row.item.kind);
+        Statement(connection_, sql::UpdateAvailable(kind))
+            .bind(1, std::int64_t{row.item.key})
+            .run();
+        if (plan.nameTaken && plan.nameTaken->item == row.item) {
+            Statement(connection_, sql::UpdateName(kind))
+                .bind(1, std::int64_t{row.item.key})
+                .bind(2, newName)
+                .run();
+        }
+    }
+    change.commit();
+    return RestoreOutcome::Done;
+}
+
+std::optional<StepInfo> Library::undoStep()
+{
+    return tables_.exist() && features().on ? journal_.undoStep() : std::nullopt;
+}
+
+std::optional<StepInfo> Library::redoStep()
+{
+    return tables_.exist() && features().on ? journal_.redoStep() : std::nullopt;
+}
+
+UndoOutcome Library::undo()
+{
+    return turn(&Journal::undo);
+}
+
+UndoOutcome Library::redo()
+{
+    return turn(&Journal::redo);
+}
+
+UndoOutcome Library::turn(UndoOutcome (Journal::*direction)(std::int64_t))
+{
+    UndoOutcome outcome;
+    if (!features().on) {
+        outcome.result = UndoOutcome::Result::Off;
+        return outcome;
+    }
+    if (!tables_.exist()) {
+        return outcome;
+    }
+    Transaction transaction(connection_);
+    connection_.requireInPlace();
+    outcome = (journal_.*direction)(now());
+    if (outcome.result == UndoOutcome::Result::Done) {
+        transaction.commit();
+        Q_EMIT changed({outcome.changed});
+    }
+    return outcome;
+}
+
+} // namespace varnholt

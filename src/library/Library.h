@@ -1,0 +1,152 @@
+#pragma once
+
+#include "library/ImportPlan.h"
+#include "library/Journal.h"
+#include "library/PlusTables.h"
+#include "library/Trash.h"
+#include "library/items.h"
+#include "library/restore.h"
+#include "store/connection.h"
+#include "store/errors.h"
+
+#include <QObject>
+
+#include <functional>
+
+namespace varnholt {
+
+class Clock;
+
+/// An import that did not come to its end.
+class ImportFailure : public Error
+{
+public:
+    ImportFailure(const QString& reason, bool keeps)
+        : Error(reason)
+        , rowsStay(keeps)
+    {}
+    /// The rows added until then stay, under an assessment that is deleted again. Otherwise nothing
+    /// has been added.
+    bool rowsStay;
+};
+
+/// How bringing something back from the trash ended.
+enum class RestoreOutcome
+{
+    Done,
+    /// Another assessment has taken the name: `restore` needs a new one.
+    NameTaken,
+    /// See `RestorePlan`; nothing has been changed.
+    PlaceMissing,
+    NothingToDo
+};
+
+/// The one owner of a library: its connection, its picture folder and its journal. It has a verb
+/// for each change that a user can make. A verb is one transaction: the statements of the change
+/// and a step in the journal. It is done whole or leaves everything as it was, and `changed` tells
+/// the windows once it is done. Verbs ask nobody anything; they throw `Error` with a sentence that
+/// a user can read. Where the library can take no journal (see `features`) the verbs of the classic
+/// program work without one.
+///
+/// Names and answers in the classic verbs hold no apostrophe, as `statements` says.
+class Library : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `programFolder` holds the library file and the folder of its pictures. The clock outlives
+    /// the library.
+    Library(QString programFolder, const Clock& clock,
+            std::vector<QString> scripts = PlusTables::ownScripts());
+    ~Library() override;
+
+    /// Opens the library of the program folder. Throws `DatabaseError`.
+    void open();
+    void close();
+    /// Looks anew at a library whose file has been replaced under the open connection.
+    void refresh();
+
+    /// For reading. What is written past the verbs is in no journal and is told to nobody.
+    [[nodiscard]] Connection& connection() { return connection_; }
+    [[nodiscard]] const QString& programFolder() const { return programFolder_; }
+    [[nodiscard]] FeatureState features() const { return tables_.state(); }
+    [[nodiscard]] PlusTables& tables() { return tables_; }
+
+    // Adding. The key of the new row is returned. Deleting marks the row as not available and
+    // touches nothing below it; whether it may be deleted is the caller's question.
+
+    std::int32_t addAssessment(const QString& name);
+    void deleteAssessment(std::int32_t assessmentNum);
+    std::int32_t addTopic(std::int32_t assessmentNum, const QString& name);
+    void deleteTopic(std::int32_t topicId);
+    std::int32_t addSubtopic(std::int32_t assessmentNum, std::int32_t topicId, const QString& name);
+    void deleteSubtopic(std::int32_t subtopicNum);
+    void deleteQuestion(std::int32_t solIndex);
+    /// Files a question elsewhere in its assessment and gives it an answer.
+    void editQuestion(std::int32_t solIndex, std::int32_t topicId, std::int32_t subtopicNum,
+                      const QString& answer);
+
+    /// Writes a question's picture to a path where there is no file yet; a file appears there only
+    /// when it is whole. Throws `Error`.
+    using PictureWriter = std::function<void(const QString& path)>;
+    /// The row and the picture become visible together: a program killed in between leaves neither,
+    /// and at most a picture without a row. When the picture fails the row stays without one, and
+    /// the `Error` says so. A file that has the new key's name already belongs to no question of
+    /// this library (keys are never used twice; a library put back from a backup comes to this): it
+    /// is renamed to "<name>.bak". Where that fails the row goes, too.
+    std::int32_t addQuestion(const Filing& filing, const QString& answer,
+                             const PictureWriter& writePicture);
+
+    /// Adds what the plan says. Throws `ImportFailure`, and `Cancelled` when a step was cancelled:
+    /// nothing has been added then.
+    ImportResult apply(const ImportPlan& plan, const ImportSteps& steps);
+
+    /// The assessment to begin with at the next start, 0 for none. Not a step of the journal.
+    void rememberAssessment(std::int32_t assessmentNum);
+
+    // What the classic program did not have. These throw `Error` with the reason where `features`
+    // are off, unless said otherwise.
+
+    /// Gives an assessment, topic or subtopic another name, by the rules of new names.
+    void rename(Item item, const QString& name);
+    /// A name as it would be stored; empty when it is none.
+    [[nodiscard]] static QString storedName(ItemKind kind, const QString& name);
+
+    /// What `restore` would do.
+    [[nodiscard]] RestorePlan planRestore(Item item) { return PlanRestore(connection_, item); }
+    /// Brings a row back, and what it stands under with it. `newName` is for the assessment whose
+    /// name is taken.
+    RestoreOutcome restore(Item item, const QString& newName = {});
+    /// Also of a library that can only be read.
+    [[nodiscard]] Trash trash() { return Trash(connection_, tables_.exist()); }
+
+    /// The steps that `undo` and `redo` are about to take; none where they can take none.
+    [[nodiscard]] std::optional<StepInfo> undoStep();
+    [[nodiscard]] std::optional<StepInfo> redoStep();
+    UndoOutcome undo();
+    UndoOutcome redo();
+
+Q_SIGNALS:
+    /// After each change, when everything is done. Handlers must not throw.
+    void changed(const varnholt::LibraryChange& change);
+
+private:
+    class Change;
+
+    [[nodiscard]] std::int64_t now() const;
+    /// The field of the first row of a read: the newest.
+    [[nodiscard]] std::int32_t newestKey(const QString& statement, const char* field);
+    void requireFeatures() const;
+    void deleteRow(Item item, const QString& statement);
+    void addImportedRows(const ImportPlan& plan, const ImportSteps& steps,
+                         std::int32_t assessmentNum);
+    UndoOutcome turn(UndoOutcome (Journal::*direction)(std::int64_t));
+
+    QString programFolder_;
+    const Clock& clock_;
+    Connection connection_;
+    PlusTables tables_;
+    Journal journal_;
+};
+
+} // namespace varnholt

@@ -1,0 +1,149 @@
+#include "library/Trash.h"
+
+#include "store/connection.h"
+#include "store/plus_statements.h"
+#include "store/statement.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace varnholt {
+
+namespace sql = plus_statements;
+
+namespace {
+
+constexpr int kinds = 4;
+
+std::uint64_t packed(Item item)
+{
+    return static_cast<std::uint64_t>(item.kind) << 32 | static_cast<std::uint32_t>(item.key);
+}
+
+Item readItem(const Statement& row)
+{
+    return {static_cast<ItemKind>(row.integer(0)), static_cast<std::int32_t>(row.integer(1))};
+}
+
+/// How many names of a row's place its kind has.
+int depth(ItemKind kind)
+{
+    return static_cast<int>(kind) - 1;
+}
+
+TrashTexts readTexts(const Statement& row, int field, ItemKind kind)
+{
+    TrashTexts texts{row.text(field), {}};
+    for (int i = 1; i <= depth(kind); ++i) {
+        texts.place.append(row.text(field + i));
+    }
+    return texts;
+}
+
+} // namespace
+
+QString TrashTexts::placeText() const
+{
+    return place.join(QStringLiteral(" > "));
+}
+
+Trash::Trash(Connection& connection, bool dated)
+    : connection_(connection)
+{
+    std::unordered_map<std::int32_t, std::vector<std::size_t>> withAssessment;
+    Statement rows(connection_, sql::SelectTrash);
+    while (rows.next()) {
+        entries_.push_back({readItem(rows), std::nullopt, rows.integer(2) != 0});
+        if (rows.integer(2) != 0) {
+            withAssessment[static_cast<std::int32_t>(rows.integer(2))].push_back(entries_.size() -
+                                                                                 1);
+        }
+    }
+    if (dated && !entries_.empty()) {
+        readDates();
+    }
+    for (const auto& [assessment, positions] : withAssessment) {
+        const Item gone{ItemKind::Assessment, assessment};
+        const auto entry = std::find_if(entries_.begin(), entries_.end(),
+                                        [&](const TrashEntry& e) { return e.item == gone; });
+        for (const std::size_t position : positions) {
+            entries_[position].deletedAt = entry->deletedAt;
+        }
+    }
+    sort();
+}
+
+void Trash::readDates()
+{
+    std::unordered_map<std::uint64_t, std::size_t> positions;
+    positions.reserve(entries_.size());
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (!entries_[i].goneWithAssessment) {
+            positions.emplace(packed(entries_[i].item), i);
+        }
+    }
+    Statement changes(connection_, sql::SelectChangeTimes);
+    while (changes.next()) {
+        // The last of a row's changes is the one that it went with.
+        if (const auto found = positions.find(packed(readItem(changes)));
+            found != positions.end()) {
+            entries_[found->second].deletedAt = changes.integer(2);
+        }
+    }
+}
+
+void Trash::sort()
+{
+    // The newest rows first among those of one moment; what comes out of the library is in the
+    // order of kinds and keys already.
+    std::reverse(entries_.begin(), entries_.end());
+    std::stable_sort(entries_.begin(), entries_.end(),
+                     [](const TrashEntry& a, const TrashEntry& b) {
+                         return a.deletedAt.value_or(0) > b.deletedAt.value_or(0);
+                     });
+}
+
+TrashTexts Trash::texts(Item item) const
+{
+    Statement row(connection_, sql::SelectTrashTexts(static_cast<int>(item.kind)));
+    row.bind(1, std::int64_t{item.key});
+    return row.next() ? readTexts(row, 0, item.kind) : TrashTexts{};
+}
+
+std::vector<std::size_t> Trash::matching(const QString& filter) const
+{
+    const QStringList words = filter.simplified().split(u' ', Qt::SkipEmptyParts);
+    std::vector<std::size_t> positions;
+    if (words.isEmpty()) {
+        positions.resize(entries_.size());
+        for (std::size_t i = 0; i < positions.size(); ++i) {
+            positions[i] = i;
+        }
+        return positions;
+    }
+    QHash<std::uint64_t, bool> matches;
+    for (int kind = 1; kind <= kinds; ++kind) {
+        Statement rows(connection_, sql::SelectAllTrashTexts(kind));
+        while (rows.next()) {
+            const Item item{static_cast<ItemKind>(kind),
+                            static_cast<std::int32_t>(rows.integer(0))};
+            const TrashTexts texts = readTexts(rows, 1, item.kind);
+            const QString all = texts.name + u' ' + texts.placeText();
+            if (std::all_of(words.begin(), words.end(), [&](const QString& word) {
+                    return all.contains(word, Qt::CaseInsensitive);
+                })) {
+                matches.insert(packed(item), true);
+            }
+        }
+    }
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (matches.contains(packed(entries_[i].item))) {
+            positions.push_back(i);
+        }
+    }
+    return positions;
+}
+
+} // namespace varnholt

@@ -1,0 +1,151 @@
+#include "store/plus_statements.h"
+
+#include <stdexcept>
+
+namespace varnholt::plus_statements {
+
+namespace {
+
+// The fields of a row in the order of its image.
+#define ASSESSMENT_FIELDS "json_array(Available, CAST(AssessmentName AS TEXT))"
+#define TOPIC_FIELDS "json_array(Available, CAST(Topic AS TEXT), AssessmentNum)"
+#define SUBTOPIC_FIELDS "json_array(Available, CAST(SubTopic AS TEXT), TopicID, AssessmentNum)"
+#define QUESTION_FIELDS                                                                            \
+    "json_array(Available, CAST(Answer AS TEXT), TopicID, SubTopicNum, AssessmentNum)"
+
+#define FROM_ASSESSMENTS " FROM Assessments WHERE AssessmentNum "
+#define FROM_TOPICS " FROM Topics WHERE TopicID "
+#define FROM_SUBTOPICS " FROM SubTopics WHERE SubtopicNum "
+#define FROM_QUESTIONS " FROM Questions WHERE SOLIndex "
+
+#define INSERT_CHANGE(kind, key, fields)                                                           \
+    "INSERT INTO PlusChanges (At, Step, Kind, ItemKey, Before, After) SELECT ?1, ?2, " kind        \
+    ", " key ", ?4, " fields
+#define INSERT_ADDED(kind, key, fields)                                                            \
+    "INSERT INTO PlusChanges (At, Step, Kind, ItemKey, Before, After) SELECT ?1, ?2, " kind        \
+    ", " key ", NULL, " fields
+
+#define ASSESSMENT_TEXTS "i.AssessmentName, NULL, NULL, NULL FROM Assessments i"
+#define TOPIC_TEXTS                                                                                \
+    "i.Topic, a.AssessmentName, NULL, NULL FROM Topics i LEFT JOIN Assessments a USING "           \
+    "(AssessmentNum)"
+#define SUBTOPIC_TEXTS                                                                             \
+    "i.SubTopic, a.AssessmentName, t.Topic, NULL FROM SubTopics i LEFT JOIN Assessments a ON "     \
+    "a.AssessmentNum = i.AssessmentNum LEFT JOIN Topics t ON t.TopicID = i.TopicID"
+#define QUESTION_TEXTS                                                                             \
+    "i.Answer, a.AssessmentName, t.Topic, s.SubTopic FROM Questions i LEFT JOIN Assessments a ON " \
+    "a.AssessmentNum = i.AssessmentNum LEFT JOIN Topics t ON t.TopicID = i.TopicID LEFT JOIN "     \
+    "SubTopics s ON s.SubtopicNum = i.SubTopicNum"
+
+/// The statement of a kind out of four.
+const char* ofKind(int kind, const char* const (&statements)[4])
+{
+    if (kind < 1 || kind > 4) {
+        throw std::logic_error("no such kind of row");
+    }
+    return statements[kind - 1];
+}
+
+} // namespace
+
+const char* SelectImage(int kind)
+{
+    return ofKind(kind, {"SELECT " ASSESSMENT_FIELDS FROM_ASSESSMENTS "= ?1",
+                         "SELECT " TOPIC_FIELDS FROM_TOPICS "= ?1",
+                         "SELECT " SUBTOPIC_FIELDS FROM_SUBTOPICS "= ?1",
+                         "SELECT " QUESTION_FIELDS FROM_QUESTIONS "= ?1"});
+}
+
+const char* SelectName(int kind)
+{
+    return ofKind(kind, {"SELECT AssessmentName, Available IS 1" FROM_ASSESSMENTS "= ?1",
+                         "SELECT Topic, Available IS 1" FROM_TOPICS "= ?1",
+                         "SELECT SubTopic, Available IS 1" FROM_SUBTOPICS "= ?1",
+                         "SELECT Answer, Available IS 1" FROM_QUESTIONS "= ?1"});
+}
+
+const char* UpdateFromImage(int kind)
+{
+    return ofKind(
+        kind,
+        {"UPDATE Assessments SET Available = ?2 ->> 0, AssessmentName = ?2 ->> 1 "
+         "WHERE AssessmentNum = ?1",
+         "UPDATE Topics SET Available = ?2 ->> 0, Topic = ?2 ->> 1, AssessmentNum = ?2 ->> 2 "
+         "WHERE TopicID = ?1",
+         "UPDATE SubTopics SET Available = ?2 ->> 0, SubTopic = ?2 ->> 1, TopicID = ?2 ->> 2, "
+         "AssessmentNum = ?2 ->> 3 WHERE SubtopicNum = ?1",
+         "UPDATE Questions SET Available = ?2 ->> 0, Answer = ?2 ->> 1, TopicID = ?2 ->> 2, "
+         "SubTopicNum = ?2 ->> 3, AssessmentNum = ?2 ->> 4 WHERE SOLIndex = ?1"});
+}
+
+const char* UpdateAvailable(int kind)
+{
+    return ofKind(kind, {"Update Assessments set Available = true where AssessmentNum = ?1",
+                         "Update Topics set Available = true where TopicID = ?1",
+                         "Update Subtopics set Available = true where SubtopicNum = ?1",
+                         "Update Questions set Available = true where SOLIndex = ?1"});
+}
+
+const char* UpdateName(int kind)
+{
+    return ofKind(kind, {"Update Assessments set AssessmentName = ?2 where AssessmentNum = ?1",
+                         "Update Topics set Topic = ?2 where TopicID = ?1",
+                         "Update Subtopics set SubTopic = ?2 where SubtopicNum = ?1",
+                         "Update Questions set Answer = ?2 where SOLIndex = ?1"});
+}
+
+const char* SelectLargestKey(int kind)
+{
+    return ofKind(kind, {"SELECT coalesce(max(AssessmentNum), 0) FROM Assessments",
+                         "SELECT coalesce(max(TopicID), 0) FROM Topics",
+                         "SELECT coalesce(max(SubtopicNum), 0) FROM SubTopics",
+                         "SELECT coalesce(max(SOLIndex), 0) FROM Questions"});
+}
+
+const char* SelectPlace(int kind)
+{
+    return ofKind(kind, {"SELECT 0, 0, 0" FROM_ASSESSMENTS "= ?1",
+                         "SELECT AssessmentNum, 0, 0" FROM_TOPICS "= ?1",
+                         "SELECT AssessmentNum, TopicID, 0" FROM_SUBTOPICS "= ?1",
+                         "SELECT AssessmentNum, TopicID, SubTopicNum" FROM_QUESTIONS "= ?1"});
+}
+
+const char* InsertChange(int kind)
+{
+    return ofKind(kind, {INSERT_CHANGE("1", "AssessmentNum", ASSESSMENT_FIELDS) FROM_ASSESSMENTS
+                         "= ?3 AND " ASSESSMENT_FIELDS " IS NOT ?4",
+                         INSERT_CHANGE("2", "TopicID", TOPIC_FIELDS) FROM_TOPICS
+                         "= ?3 AND " TOPIC_FIELDS " IS NOT ?4",
+                         INSERT_CHANGE("3", "SubtopicNum", SUBTOPIC_FIELDS) FROM_SUBTOPICS
+                         "= ?3 AND " SUBTOPIC_FIELDS " IS NOT ?4",
+                         INSERT_CHANGE("4", "SOLIndex", QUESTION_FIELDS) FROM_QUESTIONS
+                         "= ?3 AND " QUESTION_FIELDS " IS NOT ?4"});
+}
+
+const char* InsertAdded(int kind)
+{
+    return ofKind(kind,
+                  {INSERT_ADDED("1", "AssessmentNum", ASSESSMENT_FIELDS) FROM_ASSESSMENTS "> ?3",
+                   INSERT_ADDED("2", "TopicID", TOPIC_FIELDS) FROM_TOPICS "> ?3",
+                   INSERT_ADDED("3", "SubtopicNum", SUBTOPIC_FIELDS) FROM_SUBTOPICS "> ?3",
+                   INSERT_ADDED("4", "SOLIndex", QUESTION_FIELDS) FROM_QUESTIONS "> ?3"});
+}
+
+const char* SelectTrashTexts(int kind)
+{
+    return ofKind(kind, {"SELECT " ASSESSMENT_TEXTS " WHERE i.AssessmentNum = ?1",
+                         "SELECT " TOPIC_TEXTS " WHERE i.TopicID = ?1",
+                         "SELECT " SUBTOPIC_TEXTS " WHERE i.SubtopicNum = ?1",
+                         "SELECT " QUESTION_TEXTS " WHERE i.SOLIndex = ?1"});
+}
+
+const char* SelectAllTrashTexts(int kind)
+{
+    return ofKind(kind, {"SELECT i.AssessmentNum, " ASSESSMENT_TEXTS " WHERE i.Available IS NOT 1",
+                         "SELECT i.TopicID, " TOPIC_TEXTS " WHERE i.Available IS NOT 1",
+                         "SELECT i.SubtopicNum, " SUBTOPIC_TEXTS " WHERE i.Available IS NOT 1",
+                         "SELECT i.SOLIndex, " QUESTION_TEXTS
+                         " WHERE i.Available IS NOT 1 OR a.Available IS NOT 1"});
+}
+
+} // namespace varnholt::plus_statements

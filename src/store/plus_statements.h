@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstdint>
+
+/// The statements that the classic program did not have, with places for bound values (?1, ?2, ...)
+/// instead of values in the text. `kind` is that of the journal: 1 assessment, 2 topic, 3 subtopic,
+/// 4 question. A row's image is the JSON array of its fields, Available first and then the name or
+/// the answer.
+namespace varnholt::plus_statements {
+
+// The tables of the program's own.
+
+/// One row when there are any.
+inline constexpr char FindTables[] =
+    "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = 'PlusInfo'";
+inline constexpr char SelectInfo[] = "SELECT Version, LibraryID FROM PlusInfo";
+inline constexpr char UpdateVersion[] = "UPDATE PlusInfo SET Version = ?1";
+
+// Rows of the classic tables.
+
+/// ?1 key: the row's image.
+[[nodiscard]] const char* SelectImage(int kind);
+/// ?1 key: the row's name and 1 when it is available.
+[[nodiscard]] const char* SelectName(int kind);
+/// ?1 key, ?2 image: gives a row the fields of an image.
+[[nodiscard]] const char* UpdateFromImage(int kind);
+/// ?1 key: the way back from the trash.
+[[nodiscard]] const char* UpdateAvailable(int kind);
+/// ?1 key, ?2 name.
+[[nodiscard]] const char* UpdateName(int kind);
+/// The largest key, 0 without rows.
+[[nodiscard]] const char* SelectLargestKey(int kind);
+/// ?1 key: AssessmentNum, TopicID and SubtopicNum that the row stands under, 0 where its kind
+/// knows none.
+[[nodiscard]] const char* SelectPlace(int kind);
+/// ?1 name: the available assessments of that name.
+inline constexpr char SelectAssessmentsNamed[] =
+    "SELECT AssessmentNum FROM Assessments WHERE AssessmentName = ?1 AND Available = 1";
+
+// The journal.
+
+/// The number of the next step, and 1 when the newest step is undone; no row for an empty journal.
+inline constexpr char SelectNextStep[] =
+    "SELECT ChangeID + 1, Step < 0 FROM PlusChanges ORDER BY ChangeID DESC LIMIT 1";
+/// ?1 a step just recorded: the undone steps before it can never be done again.
+inline constexpr char DropRedoSteps[] =
+    "UPDATE PlusChanges SET Step = 0 WHERE Step < 0 AND ChangeID < ?1 AND ChangeID > coalesce(("
+    "SELECT ChangeID FROM PlusChanges WHERE Step > 0 AND ChangeID < ?1 ORDER BY ChangeID DESC "
+    "LIMIT "
+    "1), 0) AND EXISTS (SELECT 1 FROM PlusChanges WHERE ChangeID >= ?1)";
+/// ?1 time, ?2 step, ?3 key, ?4 image before: records a row as it is now, unless it is as before.
+[[nodiscard]] const char* InsertChange(int kind);
+/// ?1 time, ?2 step, ?3 largest key before: records every row added since.
+[[nodiscard]] const char* InsertAdded(int kind);
+/// The step that can be undone next.
+inline constexpr char SelectUndoStep[] =
+    "SELECT Step FROM PlusChanges WHERE Step > 0 ORDER BY ChangeID DESC LIMIT 1";
+/// The step that can be done again next: the first undone one after everything that is done.
+inline constexpr char SelectRedoStep[] =
+    "SELECT -Step FROM PlusChanges WHERE Step < 0 AND ChangeID > coalesce((SELECT ChangeID FROM "
+    "PlusChanges WHERE Step > 0 ORDER BY ChangeID DESC LIMIT 1), 0) ORDER BY ChangeID LIMIT 1";
+/// ?1 step as it stands in the table: Kind, ItemKey, Before, After and an image in which the row
+/// that the step added is not available; in order.
+inline constexpr char SelectStep[] =
+    "SELECT Kind, ItemKey, Before, After, json_set(After, '$[0]', 0) FROM PlusChanges "
+    "WHERE ChangeID >= abs(?1) AND Step = ?1 ORDER BY ChangeID";
+/// ?1 step as it stands in the table, ?2 time.
+inline constexpr char TurnStep[] =
+    "UPDATE PlusChanges SET Step = -Step, At = ?2 WHERE ChangeID >= abs(?1) AND Step = ?1";
+/// ?1 step as it stands in the table, its rows changed already: Kind and key of what is available
+/// under a topic or subtopic of the step that is not.
+inline constexpr char SelectOrphans[] =
+    "WITH Changed AS (SELECT Kind, ItemKey FROM PlusChanges WHERE ChangeID >= abs(?1) AND Step = "
+    "?1)"
+    " SELECT 3, SubtopicNum FROM SubTopics WHERE Available = 1 AND TopicID IN (SELECT TopicID FROM "
+    "Topics JOIN Changed ON Kind = 2 AND ItemKey = TopicID WHERE Available IS NOT 1)"
+    " UNION ALL SELECT 4, SOLIndex FROM Questions WHERE Available = 1 AND SubTopicNum IN (SELECT "
+    "SubtopicNum FROM SubTopics JOIN Changed ON Kind = 3 AND ItemKey = SubtopicNum WHERE Available "
+    "IS NOT 1)";
+/// As before: Kind and key of what is not available above an available row of the step that it
+/// has put there.
+inline constexpr char SelectGoneParents[] =
+    "WITH Changed AS (SELECT Kind, ItemKey FROM PlusChanges WHERE ChangeID >= abs(?1) AND Step = ?1"
+    " AND (Before IS NULL OR json_array(Before -> '$[0]', Before -> '$[2]', Before -> '$[3]') IS "
+    "NOT"
+    " json_array(After -> '$[0]', After -> '$[2]', After -> '$[3]')))"
+    " SELECT 2, t.TopicID FROM Changed JOIN SubTopics s ON Kind = 3 AND ItemKey = s.SubtopicNum"
+    " JOIN Topics t ON t.TopicID = s.TopicID WHERE s.Available = 1 AND t.Available IS NOT 1"
+    " UNION SELECT 3, s.SubtopicNum FROM Changed JOIN Questions q ON Kind = 4 AND ItemKey = "
+    "q.SOLIndex JOIN SubTopics s ON s.SubtopicNum = q.SubTopicNum WHERE q.Available = 1 AND "
+    "s.Available IS NOT 1";
+
+// The trash.
+
+/// Kind, key and the number of the gone assessment (0 when the row itself is gone) of every row
+/// that a user cannot reach.
+inline constexpr char SelectTrash[] =
+    "SELECT 1, AssessmentNum, 0 FROM Assessments WHERE Available IS NOT 1"
+    " UNION ALL SELECT 2, TopicID, 0 FROM Topics WHERE Available IS NOT 1"
+    " UNION ALL SELECT 3, SubtopicNum, 0 FROM SubTopics WHERE Available IS NOT 1"
+    " UNION ALL SELECT 4, SOLIndex, 0 FROM Questions WHERE Available IS NOT 1"
+    " UNION ALL SELECT 4, SOLIndex, AssessmentNum FROM Questions WHERE Available = 1 AND "
+    "AssessmentNum IN (SELECT AssessmentNum FROM Assessments WHERE Available IS NOT 1)";
+/// Kind, key and time of every change, oldest first.
+inline constexpr char SelectChangeTimes[] =
+    "SELECT Kind, ItemKey, At FROM PlusChanges ORDER BY ChangeID";
+/// ?1 key: name, and the names of the assessment, topic and subtopic that the row stands under.
+[[nodiscard]] const char* SelectTrashTexts(int kind);
+/// Key and the texts of `SelectTrashTexts`, of the rows of a kind that are in the trash.
+[[nodiscard]] const char* SelectAllTrashTexts(int kind);
+
+} // namespace varnholt::plus_statements
