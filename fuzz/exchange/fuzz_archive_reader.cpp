@@ -37,7 +37,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         file.write(reinterpret_cast<const char*>(data), static_cast<qint64>(size));
     }
     try {
-        static_cast<void>(UnpackArchive(archive, out, limits));
+        static_cast<void>(UnpackArchive(archive, out, limits, {},
+                                        size % 2 ? Members::OfPackage : Members::AtRoot));
     } catch (const Error&) {
         // Refused: fine.
     }

@@ -12,7 +12,9 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QSettings>
 #include <QVBoxLayout>
 
@@ -50,6 +52,7 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     lblEmpty_->hide();
     childArea_->addWidget(lblEmpty_, 1);
     setCentralWidget(area);
+    setAcceptDrops(true);
 
     const QFontMetrics metrics = fontMetrics();
     resize(metrics.averageCharWidth() * 150, metrics.height() * 42);
@@ -141,6 +144,27 @@ void frmAssessment::mnuExport_Click()
 void frmAssessment::mnuImport_Click()
 {
     openChild([this] { return new frmImport(services_, connection_); });
+}
+
+void frmAssessment::dragEnterEvent(QDragEnterEvent* event)
+{
+    const QString package = DraggedPackage(*event->mimeData());
+    if (package.endsWith(QStringLiteral(".zip"), Qt::CaseInsensitive)) {
+        event->acceptProposedAction();
+    }
+}
+
+void frmAssessment::dropEvent(QDropEvent* event)
+{
+    event->acceptProposedAction();
+    // Afterwards, because the program that the file comes from waits for this to return.
+    const auto importPackage = [this, package = DraggedPackage(*event->mimeData())] {
+        mnuImport_Click();
+        if (auto* window = qobject_cast<frmImport*>(child_)) {
+            window->importFile(package);
+        }
+    };
+    QMetaObject::invokeMethod(this, importPackage, Qt::QueuedConnection);
 }
 
 void frmAssessment::mnuTutorial_Click()

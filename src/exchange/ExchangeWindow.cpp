@@ -167,7 +167,8 @@ ExchangeWindow::ExchangeWindow(const char* objectName, const QString& title)
 
 ExchangeWindow::~ExchangeWindow() = default;
 
-void ExchangeWindow::buildColumn(const QList<QWidget*>& controls, QPushButton* startButton)
+void ExchangeWindow::buildColumn(const QList<QWidget*>& controls, QPushButton* startButton,
+                                 QWidget* followUp)
 {
     startButton_ = startButton;
     auto* lblTitle = makeLabel("lblTitle", windowTitle());
@@ -194,6 +195,9 @@ void ExchangeWindow::buildColumn(const QList<QWidget*>& controls, QPushButton* s
     lblReason_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     rows->addSpacing(fontMetrics().height() / 2);
     rows->addWidget(lblReason_);
+    if (followUp) {
+        rows->addWidget(followUp, 0, Qt::AlignLeft);
+    }
     rows->addStretch();
 
     auto* middle = new QHBoxLayout(this);
@@ -270,9 +274,9 @@ void ExchangeWindow::progress(const QString& what, std::int64_t done, std::int64
     bar_->processEvents();
 }
 
-void ExchangeWindow::explain(const QString& reason)
+void ExchangeWindow::explain(const QString& sentence)
 {
-    lblReason_->setText(reason);
+    lblReason_->setText(sentence);
 }
 
 } // namespace varnholt

@@ -31,9 +31,10 @@ public:
 protected:
     ExchangeWindow(const char* objectName, const QString& title);
 
-    /// Builds the column: title, controls, bar, button. Enter presses the button wherever
-    /// the focus is.
-    void buildColumn(const QList<QWidget*>& controls, QPushButton* startButton);
+    /// Builds the column: title, controls, bar, button, the reason of a failure, and below it
+    /// `followUp` if there is one. Enter presses the button wherever the focus is.
+    void buildColumn(const QList<QWidget*>& controls, QPushButton* startButton,
+                     QWidget* followUp = nullptr);
 
     /// Runs `work` unless it is running already.
     template <typename Work>
@@ -46,6 +47,9 @@ protected:
         work(static_cast<WorkView&>(*this));
     }
 
+    /// Keeps a sentence on show below the start button; nothing when it is empty.
+    void explain(const QString& sentence) override;
+
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
@@ -57,7 +61,6 @@ private:
     ProgressLabel& backLabel() override;
     ProgressLabel& faceLabel() override;
     void progress(const QString& what, std::int64_t done, std::int64_t all) override;
-    void explain(const QString& reason) override;
 
     QPushButton* startButton_ = nullptr;
     QLabel* lblReason_ = nullptr;

@@ -1,10 +1,14 @@
 #include "exchange/archive_file.h"
 
-#include "exchange/work_folder.h"
+#include "exchange/in_background.h"
+#include "files/sync.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace varnholt {
 
@@ -14,8 +18,9 @@ constexpr qsizetype bufferSize = 256 * 1024;
 
 } // namespace
 
-ArchiveFile::ArchiveFile(const QString& path)
+ArchiveFile::ArchiveFile(const QString& path, std::function<void()> pulse)
     : file_(path)
+    , pulse_(std::move(pulse))
 {
     buffer_.reserve(bufferSize);
     zip_error_init(&error_);
@@ -59,17 +64,49 @@ bool ArchiveFile::flush()
         file_.seek(bufferStart_) && file_.write(buffer_) == static_cast<qint64>(buffer_.size());
     buffer_.resize(0);
     bufferStart_ = position_;
+    return noted(done, file_.errorString());
+}
+
+bool ArchiveFile::noted(bool done, const QString& reason)
+{
+    if (!done && reason_.isEmpty()) {
+        reason_ = reason;
+    }
     return done;
+}
+
+bool ArchiveFile::finish()
+{
+    const auto onDisk = [this](const auto& request) {
+        const std::error_code error = InBackground(request, pulse_);
+        return noted(!error, QString::fromStdString(error.message()));
+    };
+    if (!flush() || !noted(file_.flush(), file_.errorString()) ||
+        !onDisk([descriptor = file_.handle()] { return SyncFile(descriptor); })) {
+        return false;
+    }
+    // Found before the file is there: a link leads to another folder.
+    const QFileInfo target(file_.fileName());
+    const QFileInfo file(target.exists() ? target.canonicalFilePath() : target.absoluteFilePath());
+    return noted(file_.commit(), file_.errorString()) &&
+           onDisk([folder = QFileInfo(file.path()).filesystemFilePath()] {
+               return SyncFolder(folder);
+           });
 }
 
 bool ArchiveFile::commit()
 {
-    if (!flush() || !SyncFile(file_)) {
-        file_.cancelWriting();
-        file_.commit();
-        return false;
+    bool done = false;
+    try {
+        done = finish();
+    } catch (const std::exception& failure) {
+        // No thread to wait on; libzip lets no exception pass.
+        static_cast<void>(noted(false, QString::fromUtf8(failure.what())));
     }
-    return file_.commit();
+    if (!done) {
+        file_.cancelWriting();
+    }
+    return done;
 }
 
 zip_int64_t ArchiveFile::command(void* self, void* data, zip_uint64_t length,

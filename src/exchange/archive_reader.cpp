@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -95,23 +96,56 @@ std::optional<QString> ownName(const QString& name)
         !std::all_of(name.begin(), name.end(), isPlainCharacter)) {
         return std::nullopt;
     }
-    for (const QString& known : {topicsFile, subTopicsFile, questionsFile, assessmentInfoFile}) {
-        if (name.compare(known, Qt::CaseInsensitive) == 0) {
-            return known;
+    const QString proper = packageMember(name);
+    return proper.isEmpty() ? name : proper;
+}
+
+QString nameIn(zip_t* archive, zip_uint64_t index)
+{
+    const char* name = zip_get_name(archive, index, ZIP_FL_ENC_GUESS);
+    return QString::fromUtf8(name ? name : "");
+}
+
+/// What stands before the names of a package's files: nothing, or the one folder that somebody
+/// packed with them. Throws `Error` when more than one folder looks like a package.
+QString packageFolder(zip_t* archive, zip_uint64_t members)
+{
+    QString found;
+    for (zip_uint64_t index = 0; index < members; ++index) {
+        const QString name = nameIn(archive, index);
+        if (!name.endsWith(assessmentInfoFile, Qt::CaseInsensitive)) {
+            continue;
         }
+        const QString folder = name.chopped(assessmentInfoFile.size());
+        if (folder.isEmpty()) {
+            return folder;
+        }
+        if (!folder.endsWith(u'/') || folder.startsWith(u'/') ||
+            folder.contains(QStringLiteral("..")) || folder.contains(u':')) {
+            continue;
+        }
+        if (!found.isEmpty() && found != folder) {
+            throw Error(QStringLiteral("The archive holds more than one package, each in a folder "
+                                       "of its own. Unpack it and put the files of each folder "
+                                       "into an archive of their own."));
+        }
+        found = folder;
     }
-    bool isKey = false;
-    const QString picture =
-        pictureMember(QStringView(name).chopped(std::min<qsizetype>(name.size(), 4)).toInt(&isKey));
-    return isKey && name.compare(picture, Qt::CaseInsensitive) == 0 ? picture : name;
+    return found;
 }
 
 /// The name under which a member is written; none when it is left out.
-std::optional<QString> nameToTake(zip_t* archive, zip_uint64_t index)
+std::optional<QString> nameToTake(zip_t* archive, zip_uint64_t index, const QString& folder,
+                                  Members members)
 {
-    const char* given = zip_get_name(archive, index, ZIP_FL_ENC_GUESS);
-    std::optional<QString> name = ownName(QString::fromUtf8(given ? given : ""));
-    return name && isOrdinaryFile(archive, index) ? name : std::nullopt;
+    const QString given = nameIn(archive, index);
+    if (!given.startsWith(folder)) {
+        return std::nullopt;
+    }
+    std::optional<QString> name = ownName(given.sliced(folder.size()));
+    const bool wanted = name && (members == Members::AtRoot || !packageMember(*name).isEmpty()) &&
+                        isOrdinaryFile(archive, index);
+    return wanted ? name : std::nullopt;
 }
 
 /// A file made anew, written through the C library: a `QFile` for each picture costs as much
@@ -179,21 +213,29 @@ private:
 class Unpacking
 {
 public:
-    Unpacking(zip_t* archive, const QString& folder, std::int64_t memberBytes,
-              std::int64_t allBytes)
+    /// `archiveBytes` is the archive's own size.
+    Unpacking(zip_t* archive, std::int64_t archiveBytes, const QString& folder,
+              const UnpackLimits& limits)
         : archive_(archive)
         , folder_(folder)
-        , memberBytes_(memberBytes)
-        , left_(allBytes)
+        , memberBytes_(limits.memberBytes)
+        , left_(limits.freeBytes + limits.growth * archiveBytes)
         , buffer_(256 * 1024)
-    {}
+    {
+        if (const auto free = FreeBytes(QFileInfo(folder).filesystemFilePath())) {
+            diskLeft_ = std::max<std::int64_t>(0, *free - limits.diskReserve);
+        }
+    }
+
+    /// Bytes that the limits still allow.
+    [[nodiscard]] std::int64_t left() const { return left_; }
 
     template <typename Pulse>
     void take(zip_uint64_t index, const QString& name, Pulse pulse)
     {
         const ZipFileHandle source(zip_fopen_index(archive_, index, 0));
         if (!source) {
-            throw damaged(index, zip_strerror(archive_));
+            throw damaged(index, zip_get_error(archive_));
         }
         // A second member of one name ends here too.
         UnpackedFile target(folder_ + u'/' + name);
@@ -209,15 +251,20 @@ private:
         for (;;) {
             const zip_int64_t got = zip_fread(source, buffer_.data(), buffer_.size());
             if (got < 0) {
-                throw damaged(index, zip_file_strerror(source));
+                throw damaged(index, zip_file_get_error(source));
             }
             if (got == 0) {
                 break;
             }
             size += got;
             left_ -= got;
+            diskLeft_ -= got;
             if (size > memberBytes_ || left_ < 0) {
                 throw Error(QStringLiteral("The archive unpacks to far more than a package."));
+            }
+            if (diskLeft_ < 0) {
+                throw Error(QStringLiteral("The disk has too little free space to unpack the "
+                                           "archive. Make room on it and try again."));
             }
             target.write(buffer_.data(), got);
             pulse();
@@ -225,42 +272,74 @@ private:
         zip_stat_t declared;
         if (zip_stat_index(archive_, index, 0, &declared) != 0 ||
             declared.size != static_cast<zip_uint64_t>(size)) {
-            throw damaged(index, "its size is not the one declared");
+            throw damaged(index, nullptr);
         }
     }
 
-    static Error damaged(zip_uint64_t index, const char* reason)
+    [[nodiscard]] Error damaged(zip_uint64_t index, zip_error_t* error) const
     {
-        return Error(QStringLiteral("File %1 of the archive cannot be read (%2).")
-                         .arg(index + 1)
-                         .arg(QString::fromUtf8(reason)));
+        const QString name = nameIn(archive_, index);
+        switch (error ? zip_error_code_zip(error) : ZIP_ER_INCONS) {
+        case ZIP_ER_NOPASSWD:
+        case ZIP_ER_WRONGPASSWD:
+        case ZIP_ER_ENCRNOTSUPP:
+            return Error(QStringLiteral("The archive is protected by a password. Ask for one "
+                                        "without."));
+        case ZIP_ER_COMPNOTSUPP:
+            return Error(QStringLiteral("The file %1 is packed in a way that cannot be read. Pack "
+                                        "the archive again as an ordinary zip file.")
+                             .arg(name));
+        case ZIP_ER_READ:
+        case ZIP_ER_SEEK:
+        case ZIP_ER_OPEN:
+            return Error(QStringLiteral("The archive cannot be read to its end (%1). Copy it to "
+                                        "this computer and try again.")
+                             .arg(QString::fromUtf8(zip_error_strerror(error))));
+        case ZIP_ER_MEMORY:
+            return Error(QStringLiteral("There is not enough memory to unpack the archive."));
+        default:
+            return Error(QStringLiteral("The file %1 in the archive is damaged. Ask for the "
+                                        "package once more.")
+                             .arg(name));
+        }
     }
 
     zip_t* archive_;
     QString folder_;
     std::int64_t memberBytes_;
     std::int64_t left_;
+    /// Bytes that the disk has room for.
+    std::int64_t diskLeft_ = std::numeric_limits<std::int64_t>::max();
     std::vector<char> buffer_;
 };
 
-std::int64_t allowedBytes(qint64 archiveBytes, const QString& folder, const UnpackLimits& limits)
+/// Why libzip did not open an archive.
+Error notOpened(int code)
 {
-    std::int64_t allowed = limits.freeBytes + limits.growth * archiveBytes;
-    if (const auto free = FreeBytes(QFileInfo(folder).filesystemFilePath())) {
-        allowed = std::min(allowed, std::max<std::int64_t>(0, *free - limits.diskReserve));
+    zip_error_t error;
+    zip_error_init_with_code(&error, code);
+    const QString reason = QString::fromUtf8(zip_error_strerror(&error));
+    zip_error_fini(&error);
+    switch (code) {
+    case ZIP_ER_NOZIP:
+    case ZIP_ER_INCONS:
+    case ZIP_ER_EOF:
+        return Error(QStringLiteral("This is not a zip archive, or it is damaged or incomplete. "
+                                    "Ask for the package once more."));
+    default:
+        return Error(QStringLiteral("The archive cannot be opened (%1).").arg(reason));
     }
-    return allowed;
 }
 
 } // namespace
 
-QString UnpackArchive(const QString& archivePath, const QString& folder, const UnpackLimits& limits,
-                      const UnpackProgress& progress)
+Unpacked UnpackArchive(const QString& archivePath, const QString& folder,
+                       const UnpackLimits& limits, const UnpackProgress& progress, Members members)
 {
     QFile file(archivePath);
     if (!QFileInfo(archivePath).isFile() || !file.open(QIODevice::ReadOnly)) {
-        throw Error(QStringLiteral("The archive cannot be read: %1")
-                        .arg(QDir::toNativeSeparators(archivePath)));
+        throw Error(QStringLiteral("The archive cannot be read: %1 (%2).")
+                        .arg(QDir::toNativeSeparators(archivePath), file.errorString()));
     }
     checkDirectorySize(file, limits.members);
     const qint64 archiveBytes = file.size();
@@ -270,23 +349,26 @@ QString UnpackArchive(const QString& archivePath, const QString& folder, const U
     const ZipArchiveHandle archive(
         zip_open(QFile::encodeName(archivePath).constData(), ZIP_RDONLY, &code));
     if (!archive) {
-        throw Error(QStringLiteral("This is not a readable zip archive (%1).").arg(code));
+        throw notOpened(code);
     }
     if (zip_get_num_entries(archive.get(), 0) > limits.members) {
         throw Error(QStringLiteral("The archive holds far too many files."));
     }
 
-    Unpacking unpacking(archive.get(), folder, limits.memberBytes,
-                        allowedBytes(archiveBytes, folder, limits));
-    const int members = static_cast<int>(zip_get_num_entries(archive.get(), 0));
-    for (int member = 0; member < members; ++member) {
+    Unpacking unpacking(archive.get(), archiveBytes, folder, limits);
+    const int count = static_cast<int>(zip_get_num_entries(archive.get(), 0));
+    const QString inside = members == Members::OfPackage
+                               ? packageFolder(archive.get(), static_cast<zip_uint64_t>(count))
+                               : QString();
+    for (int member = 0; member < count; ++member) {
         const auto index = static_cast<zip_uint64_t>(member);
         const auto report = [&](int done) {
             if (progress) {
-                progress(done, members);
+                progress(done, count);
             }
         };
-        if (const std::optional<QString> name = nameToTake(archive.get(), index)) {
+        const auto name = nameToTake(archive.get(), index, inside, members);
+        if (name) {
             unpacking.take(index, *name, [&] { report(member); });
         }
         report(member + 1);
@@ -294,7 +376,7 @@ QString UnpackArchive(const QString& archivePath, const QString& folder, const U
 
     int length = 0;
     const char* comment = zip_get_archive_comment(archive.get(), &length, ZIP_FL_ENC_RAW);
-    return QString::fromLatin1(comment, comment ? length : 0);
+    return {QString::fromLatin1(comment, comment ? length : 0), unpacking.left()};
 }
 
 } // namespace varnholt

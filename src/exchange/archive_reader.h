@@ -21,20 +21,38 @@ struct UnpackLimits
     std::int64_t members = 100'000;
 };
 
+/// Which members of an archive are taken.
+enum class Members
+{
+    /// All files at the root.
+    AtRoot,
+    /// Those that a package can hold. They may also stand in one folder, as somebody who packs
+    /// a folder leaves them.
+    OfPackage
+};
+
+struct Unpacked
+{
+    QString comment;
+    /// What the limits would have allowed beyond the bytes unpacked.
+    std::int64_t bytesLeft = 0;
+};
+
 /// Called when member `member` of `members` is done, and now and then before.
 using UnpackProgress = std::function<void(int member, int members)>;
 
-/// Unpacks the files at the root of an archive into an existing folder and returns the
-/// archive's comment.
+/// Unpacks the files at the root of an archive into an existing folder.
 ///
 /// The archive is not trusted. Taken are ordinary files with plain names; the members of a
 /// package are written under their proper names whatever the case they come in. Left out:
 /// folders and what is in them, links, devices, names with "..", slashes, backslashes, colons
 /// or control characters. Refused with `Error`: what is not an archive, damaged or encrypted
-/// members, two members of one name, more members or bytes than the limits allow. No file
-/// that exists already is written to; files done before a refusal stay.
-[[nodiscard]] QString UnpackArchive(const QString& archivePath, const QString& folder,
-                                    const UnpackLimits& limits = {},
-                                    const UnpackProgress& progress = {});
+/// members, two members of one name, several packages in one archive, more members or bytes
+/// than the limits or the disk allow. No file that exists already is written to; files done
+/// before a refusal stay.
+[[nodiscard]] Unpacked UnpackArchive(const QString& archivePath, const QString& folder,
+                                     const UnpackLimits& limits = {},
+                                     const UnpackProgress& progress = {},
+                                     Members members = Members::AtRoot);
 
 } // namespace varnholt

@@ -1,16 +1,17 @@
 #include "exchange/cZip.h"
 
 #include "exchange/archive_file.h"
-#include "exchange/archive_reader.h"
 #include "exchange/progress_label.h"
 #include "store/errors.h"
 #include "store/services.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <exception>
 
@@ -93,8 +94,13 @@ cZip::cZip(MessageBoxes& messages)
 
 bool cZip::AddFilesToZip(const List1<QString>& files, ProgressLabel& back, ProgressLabel& face)
 {
-    ArchiveFile target(ZipFileName_);
+    const auto explain = [this](const QString& why) {
+        reason_ = QStringLiteral("The package could not be saved as %1 (%2).")
+                      .arg(QDir::toNativeSeparators(ZipFileName_), why);
+    };
+    ArchiveFile target(ZipFileName_, [&face] { face.processEvents(); });
     if (!target.open()) {
+        explain(target.file().errorString());
         messages_.inform(QStringLiteral("Varnholt"),
                          QStringLiteral("Error %1 (%2) in procedure AddFilesToZip of Modulo di "
                                         "classe clsZip")
@@ -103,7 +109,9 @@ bool cZip::AddFilesToZip(const List1<QString>& files, ProgressLabel& back, Progr
         return false;
     }
     InitProgress(1, files.upperBound(), back, face);
-    if (!pack(target, files, back, face)) {
+    const QString failure = pack(target, files, back, face);
+    if (!failure.isEmpty()) {
+        explain(failure);
         messages_.inform(
             QStringLiteral("Export Error"),
             QStringLiteral("There is a problem creating this export file.  Please try again."));
@@ -112,18 +120,20 @@ bool cZip::AddFilesToZip(const List1<QString>& files, ProgressLabel& back, Progr
     return true;
 }
 
-bool cZip::pack(ArchiveFile& target, const List1<QString>& files, ProgressLabel& back,
-                ProgressLabel& face)
+QString cZip::pack(ArchiveFile& target, const List1<QString>& files, ProgressLabel& back,
+                   ProgressLabel& face)
 {
     if (files.isEmpty()) {
         // libzip writes no archive without members.
-        return target.write(emptyArchive.data(), emptyArchive.size()) && target.commit();
+        return target.write(emptyArchive.data(), emptyArchive.size()) && target.commit()
+                   ? QString()
+                   : target.reason();
     }
     ZipSourceHandle sink = target.source();
     ZipArchiveHandle archive(
         sink ? zip_open_from_source(sink.get(), ZIP_CREATE | ZIP_TRUNCATE, nullptr) : nullptr);
     if (!archive) {
-        return false;
+        return qt_error_string(ENOMEM);
     }
     static_cast<void>(sink.release());
 
@@ -131,25 +141,33 @@ bool cZip::pack(ArchiveFile& target, const List1<QString>& files, ProgressLabel&
     if (!addMembers(archive.get(), files) ||
         zip_set_archive_comment(archive.get(), comment.constData(),
                                 static_cast<zip_uint16_t>(comment.size())) != 0) {
-        return false;
+        return QString::fromUtf8(zip_strerror(archive.get()));
     }
     FileCounter counter{files.upperBound(), [&](int file) { UpdateProgress(file, back, face); },
                         [&] { face.processEvents(); }};
     zip_register_progress_callback_with_state(archive.get(), 0, &FileCounter::report, nullptr,
                                               &counter);
-    const bool closed = zip_close(archive.get()) == 0;
-    if (closed) {
+    QString failure;
+    if (zip_close(archive.get()) == 0) {
         static_cast<void>(archive.release());
+    } else {
+        // The file knows better than libzip, which takes every failure of it for a full disk.
+        failure = target.reason();
+        if (failure.isEmpty()) {
+            failure = QString::fromUtf8(zip_strerror(archive.get()));
+        }
     }
     if (counter.failure) {
         std::rethrow_exception(counter.failure);
     }
-    return closed;
+    return failure;
 }
 
 bool cZip::UnzipToFolder(const QString& sFolderName)
 {
-    comment_ = UnpackArchive(ZipFileName_, sFolderName, {}, unzipProgress);
+    const Unpacked unpacked = UnpackArchive(ZipFileName_, sFolderName, {}, unzipProgress, members);
+    comment_ = unpacked.comment;
+    bytesLeft = unpacked.bytesLeft;
     return false;
 }
 
@@ -158,7 +176,7 @@ void cZip::CreateEmptyZip(const QString& path)
     ArchiveFile target(path);
     if (!target.open() || !target.write(emptyArchive.data(), emptyArchive.size()) ||
         !target.commit()) {
-        throw Error(target.file().errorString());
+        throw Error(target.reason());
     }
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "exchange/archive_reader.h"
 #include "store/list1.h"
 
 #include <QString>
 
 #include <cstdint>
-#include <functional>
 
 namespace varnholt {
 
@@ -32,10 +32,17 @@ public:
     /// is as it was. The archive appears under its name when it is complete and on the disk.
     bool AddFilesToZip(const List1<QString>& files, ProgressLabel& back, ProgressLabel& face);
 
-    /// Called while unpacking: member `member` of `members` is done.
-    std::function<void(int member, int members)> unzipProgress;
+    /// Why the last `AddFilesToZip` failed, a sentence.
+    [[nodiscard]] const QString& reason() const { return reason_; }
 
-    /// Unpacks the members at the root of the archive into an existing folder (see
+    /// Called while unpacking.
+    UnpackProgress unzipProgress;
+
+    /// What `UnzipToFolder` takes, and how many more bytes it would have unpacked.
+    Members members = Members::AtRoot;
+    std::int64_t bytesLeft = 0;
+
+    /// Unpacks the members of the archive into an existing folder (see
     /// `UnpackArchive` for which) before it returns. Throws `Error`. The result is always
     /// false and says nothing.
     bool UnzipToFolder(const QString& sFolderName);
@@ -48,12 +55,14 @@ public:
     void UpdateProgress(std::int32_t current, ProgressLabel& back, ProgressLabel& face);
 
 private:
-    bool pack(class ArchiveFile& target, const List1<QString>& files, ProgressLabel& back,
-              ProgressLabel& face);
+    /// Empty when done, else why not.
+    QString pack(class ArchiveFile& target, const List1<QString>& files, ProgressLabel& back,
+                 ProgressLabel& face);
 
     MessageBoxes& messages_;
     QString ZipFileName_;
     QString comment_;
+    QString reason_;
     std::int32_t ProgressFirst_ = 0;
     std::int32_t ProgressCurrent_ = 0;
     std::int32_t ProgressTotal_ = 0;

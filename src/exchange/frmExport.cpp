@@ -1,12 +1,17 @@
 #include "exchange/frmExport.h"
 
 #include "exchange/package_export.h"
+#include "files/sync.h"
 #include "store/catalogue.h"
 #include "store/connection.h"
 #include "store/modMain.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/controls.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 namespace varnholt {
 
@@ -25,27 +30,27 @@ void frmExport::buildControls()
     auto* lblAssessment = makeLabel("lblAssessment", QStringLiteral("&Assessment to Export:"));
     cboAssessment_ = named(new ComboBox, "cboAssessment", QStringLiteral("Assessment to export"));
     lblAssessment->setBuddy(cboAssessment_);
-    lblQuoteHint_ = makeLabel(
-        "lblQuoteHint",
-        QStringLiteral("Some names or answers of this assessment hold a double quote (\"). A "
-                       "package cannot carry it: whoever imports it gets such a text cut short. "
-                       "Change those texts first."));
-    lblQuoteHint_->setWordWrap(true);
+    lblProblems_ = makeLabel("lblProblems");
+    lblProblems_->setWordWrap(true);
     auto* lblMessage =
         makeLabel("lblMessage", QStringLiteral("Exporting may take a couple of minutes."));
     cmdExport_ = makeButton("cmdExport", QStringLiteral("&Export"));
 
-    buildColumn({lblAssessment, cboAssessment_, lblQuoteHint_, lblMessage}, cmdExport_);
+    cmdAddZip_ = makeButton("cmdAddZip", QStringLiteral("Add \".&zip\""));
+    cmdAddZip_->hide();
+    buildColumn({lblAssessment, cboAssessment_, lblProblems_, lblMessage}, cmdExport_, cmdAddZip_);
     setTabOrder(cboAssessment_, cmdExport_);
+    setTabOrder(cmdExport_, cmdAddZip_);
     setFocusProxy(cboAssessment_);
     connect(cboAssessment_, &ComboBox::Click, this, &frmExport::cboAssessment_Click);
     connect(cmdExport_, &QPushButton::clicked, this, &frmExport::cmdExport_Click);
+    connect(cmdAddZip_, &QPushButton::clicked, this, &frmExport::cmdAddZip_Click);
 }
 
 void frmExport::Form_Load()
 {
     cboAssessment_->clear();
-    lblQuoteHint_->hide();
+    lblProblems_->hide();
     LoadAssessmentInfo(state_, connection_, *services_.messageBoxes);
     if (state_.AssessmentList.isEmpty()) {
         cmdExport_->setEnabled(false);
@@ -80,17 +85,53 @@ void frmExport::cboAssessment_Click()
         services_.messageBoxes->inform(QStringLiteral("Database Error"),
                                        QStringLiteral("There was an error loading the questions."));
     }
-    lblQuoteHint_->setVisible(holdsDoubleQuote(state_));
+    const QStringList problems = PackageProblems(state_);
+    lblProblems_->setText(problems.join(QStringLiteral("\n\n")));
+    lblProblems_->setVisible(!problems.isEmpty());
 }
 
 void frmExport::cmdExport_Click()
 {
-    auto end = PackageExport::End::WindowStays;
+    bool closing = false;
     runOnce([&](WorkView& view) {
-        end = PackageExport(services_, state_, cboAssessment_->currentText()).run(view);
+        cmdAddZip_->hide();
+        PackageExport package(services_, state_, cboAssessment_->currentText());
+        const PackageExport::End end = package.run(view);
+        if (!package.savedAs.isEmpty()) {
+            showSaved(package.savedAs);
+        }
+        closing = end == PackageExport::End::WindowCloses;
     });
-    if (end == PackageExport::End::WindowCloses) {
+    if (closing) {
         close();
+    }
+}
+
+void frmExport::showSaved(const QString& path)
+{
+    savedAs_ = path;
+    const QString shown = QDir::toNativeSeparators(path);
+    const bool listed = path.endsWith(QStringLiteral(".zip"), Qt::CaseInsensitive);
+    explain(listed ? QStringLiteral("The package was saved as %1").arg(shown)
+                   : QStringLiteral("The package was saved as %1\nThe name does not end in "
+                                    "\".zip\", so that the import window will not list it.")
+                         .arg(shown));
+    cmdAddZip_->setVisible(!listed);
+}
+
+void frmExport::cmdAddZip_Click()
+{
+    const QString path = savedAs_ + QStringLiteral(".zip");
+    QFile file(savedAs_);
+    if (file.rename(path)) {
+        // The package is whole under either name, should this not be on the disk yet.
+        static_cast<void>(SyncFolder(QFileInfo(QFileInfo(path).path()).filesystemFilePath()));
+        showSaved(path);
+        cmdExport_->setFocus();
+    } else {
+        explain(QStringLiteral("The package could not be renamed to %1 (%2). It is still at %3")
+                    .arg(QDir::toNativeSeparators(path), file.errorString(),
+                         QDir::toNativeSeparators(savedAs_)));
     }
 }
 

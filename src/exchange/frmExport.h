@@ -21,18 +21,24 @@ public:
 public Q_SLOTS:
     void cboAssessment_Click();
     void cmdExport_Click();
+    /// Gives the package just saved the ending by which the import window lists it.
+    void cmdAddZip_Click();
 
 private:
     void buildControls();
     void Form_Load();
     void FillAssessmentCombo();
+    void showSaved(const QString& path);
 
     Services& services_;
     ProgramState& state_;
     Connection& connection_;
     ComboBox* cboAssessment_ = nullptr;
-    QLabel* lblQuoteHint_ = nullptr;
+    QLabel* lblProblems_ = nullptr;
     QPushButton* cmdExport_ = nullptr;
+    QPushButton* cmdAddZip_ = nullptr;
+    /// Where the last package was saved.
+    QString savedAs_;
 };
 
 } // namespace varnholt

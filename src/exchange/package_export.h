@@ -4,11 +4,13 @@
 #include "store/list1.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace varnholt {
 
 class Connection;
 class MessageBoxes;
+class WorkFolder;
 class WorkView;
 struct ProgramState;
 struct Services;
@@ -17,9 +19,9 @@ struct Services;
 /// boxes; what was read until then stays.
 void LoadAssessmentInfo(ProgramState& state, Connection& connection, MessageBoxes& messages);
 
-/// True when a name or an answer of the current assessment holds a double quote: the package
-/// format cannot carry it, and an import would misread it.
-[[nodiscard]] bool holdsDoubleQuote(const ProgramState& state);
+/// What in the current assessment cannot come out of a package as it went in, a sentence for
+/// each kind: what the format cannot carry, and what an import refuses.
+[[nodiscard]] QStringList PackageProblems(const ProgramState& state);
 
 /// The comment that marks a package whose text files are UTF-8.
 inline const QString utf8Comment = QStringLiteral("Text files: UTF-8");
@@ -37,7 +39,8 @@ public:
         WindowCloses
     };
 
-    /// The whole export, with its questions and messages to the user.
+    /// The whole export, with its questions and messages to the user. When success is reported
+    /// the package is on the disk.
     End run(WorkView& view);
 
     // The steps. `folder` is the work folder's name in the program folder. They throw `Error`.
@@ -49,13 +52,19 @@ public:
     /// first that is missing is reported, sets `ExportAborted` and ends it.
     void CopyPictureFiles(const QString& folder, WorkView& view);
 
+    /// Where the package was saved; empty until then.
+    QString savedAs;
+
     /// Full paths of the files to pack, in packing order.
     List1<QString> ExportFiles;
     bool ExportAborted = false;
 
 private:
-    void collect(WorkView& view);
+    End runIn(const WorkFolder& folder, WorkView& view);
+    void collect(const WorkFolder& folder, WorkView& view);
     void pack(WorkView& view, const QString& archivePath);
+    /// Throws `Error` when a package at that place would harm the library.
+    void requireOutsideLibrary(const QString& archivePath) const;
     [[nodiscard]] QString pathIn(const QString& folder, const QString& file) const;
 
     Services& services_;

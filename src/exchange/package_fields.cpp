@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <charconv>
 
 namespace varnholt {
@@ -12,8 +13,7 @@ namespace varnholt {
 namespace {
 
 constexpr qsizetype blockSize = 64 * 1024;
-/// Far beyond any name or answer, and small enough to be held in memory.
-constexpr qsizetype longestField = 1024 * 1024;
+constexpr const char* byteOrderMark = "\xef\xbb\xbf";
 
 bool isBlank(int byte)
 {
@@ -38,6 +38,19 @@ QString pictureMember(std::int32_t solIndex)
     return QString::number(solIndex) + QStringLiteral(".jpg");
 }
 
+QString packageMember(const QString& name)
+{
+    for (const QString& text : {topicsFile, subTopicsFile, questionsFile, assessmentInfoFile}) {
+        if (name.compare(text, Qt::CaseInsensitive) == 0) {
+            return text;
+        }
+    }
+    bool isKey = false;
+    const QString picture =
+        pictureMember(QStringView(name).chopped(std::min<qsizetype>(name.size(), 4)).toInt(&isKey));
+    return isKey && name.compare(picture, Qt::CaseInsensitive) == 0 ? picture : QString();
+}
+
 FieldWriter::FieldWriter(const QString& path, TextEncoding encoding)
     : file_(path)
     , encoding_(encoding)
@@ -51,6 +64,10 @@ FieldWriter::FieldWriter(const QString& path, TextEncoding encoding)
 
 void FieldWriter::writeRecord(std::initializer_list<Field> fields)
 {
+    if (encoding_ == TextEncoding::Utf8 && !marked_) {
+        buffer_ += byteOrderMark;
+    }
+    marked_ = true;
     const char* separator = "";
     for (const Field& field : fields) {
         buffer_ += separator;
@@ -108,7 +125,7 @@ void FieldReader::start()
 {
     size_ = device_.size();
     static_cast<void>(peek());
-    if (block_.startsWith("\xef\xbb\xbf")) {
+    if (block_.startsWith(byteOrderMark)) {
         encoding_ = TextEncoding::Utf8;
         next_ = 3;
     }

@@ -23,7 +23,15 @@ inline const QString assessmentInfoFile = QStringLiteral("AssessmentInfo.txt");
 /// "1043.jpg"
 [[nodiscard]] QString pictureMember(std::int32_t solIndex);
 
-/// Writes one text file. Lines end with CR LF; a file without records is empty.
+/// The proper name of a package's member that comes in any case; empty when a package holds
+/// no file of that name.
+[[nodiscard]] QString packageMember(const QString& name);
+
+/// The longest text that is read, in bytes: far beyond any name or answer.
+inline constexpr std::int64_t longestField = 1024 * 1024;
+
+/// Writes one text file. Lines end with CR LF; a file without records is empty. UTF-8 is
+/// marked by a byte-order mark, which outlives a package's being unzipped and zipped again.
 class FieldWriter
 {
 public:
@@ -45,6 +53,7 @@ private:
     QFile file_;
     TextEncoding encoding_;
     QByteArray buffer_;
+    bool marked_ = false;
 };
 
 /// Reads a text file as a stream of fields; line ends (CR LF, LF or CR) separate fields just

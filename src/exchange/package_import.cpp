@@ -1,20 +1,23 @@
 #include "exchange/package_import.h"
 
+#include "exchange/WorkFolder.h"
 #include "exchange/cZip.h"
+#include "exchange/in_background.h"
 #include "exchange/package_export.h"
 #include "exchange/package_fields.h"
-#include "exchange/work_folder.h"
 #include "exchange/work_view.h"
+#include "files/disk_space.h"
+#include "files/placing.h"
+#include "files/sync.h"
 #include "pictures/picture_files.h"
 #include "store/connection.h"
 #include "store/services.h"
 #include "store/statements.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <chrono>
-#include <future>
 #include <optional>
 
 namespace varnholt {
@@ -45,12 +48,39 @@ private:
     int field_;
 };
 
+/// The disk takes no more, or has failed: what has been put there goes again.
+class DiskError : public Error
+{
+public:
+    using Error::Error;
+};
+
+std::filesystem::path native(const QString& path)
+{
+    return QFileInfo(path).filesystemFilePath();
+}
+
+/// Throws what a failed placing means for an import.
+void check(std::error_code error, const QString& from, const QString& to)
+{
+    if (error == std::errc::no_such_file_or_directory) {
+        throw Error(QStringLiteral("The package lacks the picture %1 of one of its questions.")
+                        .arg(QFileInfo(from).fileName()));
+    }
+    if (error) {
+        throw DiskError(
+            QStringLiteral("The picture %1 could not be saved (%2).")
+                .arg(QDir::toNativeSeparators(to), QString::fromStdString(error.message())));
+    }
+}
+
 } // namespace
 
 PackageImport::PackageImport(Services& services, Connection& connection)
     : services_(services)
     , connection_(connection)
     , pictureFolder_(QFileInfo(NewPictureFile(services.programFolder, 1)).path())
+    , bytesLeft_(UnpackLimits().freeBytes)
 {}
 
 QString PackageImport::inWorkFolder(const QString& file) const
@@ -157,37 +187,49 @@ QString PackageImport::inLibrary(const ImportQuestionRecord& question) const
 
 void PackageImport::placePicture(const ImportQuestionRecord& question)
 {
+    const QString source = inWorkFolder(pictureMember(question.OldSOLIndex));
     const QString target = inLibrary(question);
-    try {
-        MoveFile(inWorkFolder(pictureMember(question.OldSOLIndex)), target);
-    } catch (const Error&) {
-        // It may have gone with an earlier question of that key: each gets its own bytes.
-        const auto twin = std::find_if(ImportQuestions.begin(), ImportQuestions.end(),
-                                       [&](const ImportQuestionRecord& earlier) {
-                                           return earlier.OldSOLIndex == question.OldSOLIndex;
-                                       });
-        if (&*twin == &question) {
-            throw;
-        }
-        PlaceFile(inLibrary(*twin), target, Placing::Copy);
+    const std::error_code error = MoveFile(native(source), native(target));
+    // It may have gone with an earlier question of that key: each gets its own bytes.
+    const auto twin = error ? std::find_if(ImportQuestions.begin(), ImportQuestions.end(),
+                                           [&](const ImportQuestionRecord& earlier) {
+                                               return earlier.OldSOLIndex == question.OldSOLIndex;
+                                           })
+                            : ImportQuestions.end();
+    if (error && &*twin != &question) {
+        copyPicture(inLibrary(*twin), target);
+    } else {
+        check(error, source, target);
     }
     ++placedPictures_;
+}
+
+void PackageImport::copyPicture(const QString& from, const QString& to)
+{
+    const std::int64_t size = QFileInfo(from).size();
+    bytesLeft_ -= size;
+    if (bytesLeft_ < 0) {
+        throw DiskError(
+            QStringLiteral("The questions of the package share pictures, and the copies "
+                           "would take far more room than a package does."));
+    }
+    const auto free = FreeBytes(native(pictureFolder_));
+    if (free && *free - size < UnpackLimits().diskReserve) {
+        throw DiskError(QStringLiteral("The disk has too little free space for the pictures of "
+                                       "this package. Make room on it and try again."));
+    }
+    check(PlaceFile(native(from), native(to), Placing::Copy), from, to);
 }
 
 void PackageImport::returnPictures(bool libraryKeepsThem)
 {
     for (int i = 1; i <= placedPictures_; ++i) {
         const ImportQuestionRecord& question = ImportQuestions(i);
-        const QString picture = inWorkFolder(pictureMember(question.OldSOLIndex));
-        try {
-            if (libraryKeepsThem) {
-                PlaceFile(inLibrary(question), picture, Placing::MayShare);
-            } else {
-                MoveFile(inLibrary(question), picture);
-            }
-        } catch (const Error&) {
-            // It was on offer only; the package still has it.
-        }
+        const auto picture = native(inWorkFolder(pictureMember(question.OldSOLIndex)));
+        const auto placed = native(inLibrary(question));
+        // Should that fail: it was on offer only, the package still has it.
+        static_cast<void>(libraryKeepsThem ? PlaceFile(placed, picture, Placing::MayShare)
+                                           : MoveFile(placed, picture));
     }
     placedPictures_ = 0;
 }
@@ -211,18 +253,19 @@ void PackageImport::reportFailure(WorkView& view, const std::exception& failure)
                                    QStringLiteral("There was an error importing the file."));
 }
 
-void PackageImport::unpack(WorkView& view, const QString& archivePath)
+void PackageImport::unpack(const WorkFolder& workFolder, WorkView& view, const QString& archivePath)
 {
     const BusyStretch busy(view);
+    workFolder.requireEmpty();
     cZip zip(*services_.messageBoxes);
     zip.setZipFileName(archivePath);
+    zip.members = Members::OfPackage;
     zip.unzipProgress = [&view](int member, int members) {
         view.progress(QStringLiteral("Unpacking: "), member, members);
     };
-    zip.UnzipToFolder(services_.programFolder + QStringLiteral("/Import"));
-    encoding = zip.comment().contains(QStringLiteral("UTF-8"), Qt::CaseInsensitive)
-                   ? TextEncoding::Utf8
-                   : TextEncoding::Windows1252;
+    zip.UnzipToFolder(workFolder.path());
+    bytesLeft_ = zip.bytesLeft;
+    encoding = zip.comment() == utf8Comment ? TextEncoding::Utf8 : TextEncoding::Windows1252;
 }
 
 QString PackageImport::askForName(QString name)
@@ -255,17 +298,17 @@ void PackageImport::loadLists(WorkView& view, std::int32_t assessmentNum)
     LoadImportSubTopics(assessmentNum, inWorkFolder(subTopicsFile));
     LoadImportQuestions(assessmentNum, inWorkFolder(questionsFile));
     if (placedPictures_ > 0) {
-        // On a slow disk this takes a while, and the window goes on repainting meanwhile.
-        std::future<void> synced =
-            std::async(std::launch::async, [this] { SyncFileSystem(pictureFolder_); });
-        while (synced.wait_for(std::chrono::milliseconds(15)) != std::future_status::ready) {
-            view.progress(importing, 1, 1);
+        const std::error_code error =
+            InBackground([this] { return SyncFileSystem(native(pictureFolder_)); },
+                         [&] { view.progress(importing, 1, 1); });
+        if (error) {
+            throw DiskError(QStringLiteral("The pictures could not be put on the disk (%1).")
+                                .arg(QString::fromStdString(error.message())));
         }
-        synced.get();
     }
 }
 
-void PackageImport::insertAll(WorkView& view, const QString& name)
+bool PackageImport::insertAll(WorkView& view, const QString& name)
 {
     placedPictures_ = 0;
     Transaction transaction(connection_);
@@ -290,9 +333,10 @@ void PackageImport::insertAll(WorkView& view, const QString& name)
             // The rows went with the transaction.
         }
         const BusyStretch busy(view);
-        returnPictures(rowsStay);
-        return;
+        returnPictures(rowsStay && !dynamic_cast<const DiskError*>(&failure));
+        return false;
     }
+    connection_.settle();
     services_.messageBoxes->inform(QStringLiteral("Import Complete"),
                                    QStringLiteral("Import was successful.\r\n\r\n"
                                                   "Topics Imported: %1\r\n"
@@ -301,31 +345,36 @@ void PackageImport::insertAll(WorkView& view, const QString& name)
                                        .arg(TopicsImported)
                                        .arg(SubtopicsImported)
                                        .arg(QuestionsImported));
-    EmptyWorkFolder(services_.programFolder + QStringLiteral("/Import"));
+    return true;
 }
 
-void PackageImport::run(WorkView& view)
+void PackageImport::runIn(const WorkFolder& workFolder, WorkView& view, QString archivePath)
 {
-    const QString workFolder = services_.programFolder + QStringLiteral("/Import");
-    view.explain({});
-    EmptyWorkFolder(workFolder);
-    const std::optional<QString> archivePath =
-        services_.fileDialogs->openFile(QStringLiteral("Zip Files (*.zip)"));
-    if (!archivePath) {
+    workFolder.empty();
+    if (archivePath.isEmpty()) {
+        archivePath = services_.fileDialogs->openFile(QStringLiteral("Zip Files (*.zip)"))
+                          .value_or(QString());
+    }
+    if (archivePath.isEmpty()) {
         return;
     }
+    unpack(workFolder, view, archivePath);
+    view.hideBar();
+    QString name = GetAssessmentInfo(workFolder.file(assessmentInfoFile));
+    if (!name.isEmpty()) {
+        name = askForName(name);
+    }
+    if (name.isEmpty() || insertAll(view, name)) {
+        workFolder.empty();
+    }
+}
+
+void PackageImport::run(WorkView& view, const QString& archivePath)
+{
+    view.explain({});
     try {
-        unpack(view, *archivePath);
-        view.hideBar();
-        QString name = GetAssessmentInfo(inWorkFolder(assessmentInfoFile));
-        if (!name.isEmpty()) {
-            name = askForName(name);
-        }
-        if (name.isEmpty()) {
-            EmptyWorkFolder(workFolder);
-            return;
-        }
-        insertAll(view, name);
+        const WorkFolder workFolder(services_.programFolder, QStringLiteral("Import"));
+        runIn(workFolder, view, archivePath);
     } catch (const std::exception& failure) {
         reportFailure(view, failure);
     }

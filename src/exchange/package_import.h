@@ -13,6 +13,7 @@ namespace varnholt {
 
 class Connection;
 class FieldReader;
+class WorkFolder;
 class WorkView;
 struct Services;
 
@@ -54,11 +55,15 @@ class PackageImport
 public:
     PackageImport(Services& services, Connection& connection);
 
-    /// The whole import, with its questions and messages to the user. The new rows are one
-    /// transaction: a program killed at any moment leaves nothing of them. In a failure that
-    /// is handled the rows stay, under an assessment that is deleted again. Pictures are on
-    /// the disk under their new keys before the rows can be seen.
-    void run(WorkView& view);
+    /// The whole import, with its questions and messages to the user; of the archive at
+    /// `archivePath`, or of one that the user is asked for when it is empty.
+    ///
+    /// The new rows are one transaction: a program killed at any moment leaves nothing of
+    /// them. In a failure that is handled the rows and their pictures stay, under an assessment
+    /// that is deleted again; the pictures go where it is the disk that failed or is full.
+    /// Pictures are on the disk under their new keys before the rows can be seen, and the rows
+    /// before success is reported.
+    void run(WorkView& view, const QString& archivePath = {});
 
     // The steps. They throw `Error` unless said otherwise.
 
@@ -90,11 +95,14 @@ public:
     std::function<void(std::int64_t done, std::int64_t all)> questionProgress;
 
 private:
-    void unpack(WorkView& view, const QString& archivePath);
+    void runIn(const WorkFolder& workFolder, WorkView& view, QString archivePath);
+    void unpack(const WorkFolder& workFolder, WorkView& view, const QString& archivePath);
     [[nodiscard]] QString askForName(QString name);
-    void insertAll(WorkView& view, const QString& name);
+    /// True when the assessment was imported.
+    [[nodiscard]] bool insertAll(WorkView& view, const QString& name);
     void loadLists(WorkView& view, std::int32_t assessmentNum);
     void placePicture(const ImportQuestionRecord& question);
+    void copyPicture(const QString& from, const QString& to);
     /// Puts the pictures placed so far back into the work folder; the library keeps its own
     /// unless their keys will be given out again.
     void returnPictures(bool libraryKeepsThem);
@@ -108,6 +116,8 @@ private:
     QHash<std::int32_t, std::int32_t> newSubTopicIds_;
     /// Folder of the library's pictures.
     QString pictureFolder_;
+    /// How many bytes the pictures of questions that share one may take.
+    std::int64_t bytesLeft_;
     /// So many of `ImportQuestions`, from the first, have their picture in the library.
     int placedPictures_ = 0;
 };

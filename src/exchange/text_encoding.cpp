@@ -55,7 +55,9 @@ QByteArray encodeText(QStringView text, TextEncoding encoding)
 QString decodeText(const QByteArray& bytes, TextEncoding encoding)
 {
     if (encoding == TextEncoding::Utf8) {
-        QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+        // Only a file begins with a mark; a text that begins with that character means it.
+        QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
+                                                         QStringDecoder::Flag::ConvertInitialBom);
         QString text = decoder(bytes);
         if (decoder.hasError()) {
             throw Error(QStringLiteral("A text in the package is not valid UTF-8."));

@@ -65,7 +65,8 @@ std::error_code withOpen(const std::filesystem::path& path, Request request)
 {
     const int descriptor = openFile(path);
     if (descriptor < 0) {
-        return lastError();
+        // Who may write to a folder without reading it cannot ask.
+        return errno == EACCES ? std::error_code() : lastError();
     }
     const std::error_code result = outcome(request(descriptor));
     close(descriptor);

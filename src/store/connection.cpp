@@ -81,6 +81,10 @@ QString Recordset::text(int field) const
         lastBytes_.resize(0);
         lastBytes_.append(view);
         lastText_ = QString::fromUtf8(view);
+        // Taken for the mark at the start of a file and dropped, but it belongs to the text.
+        if (view.startsWith("\xef\xbb\xbf")) {
+            lastText_.prepend(QChar(QChar::ByteOrderMark));
+        }
     }
     return lastText_;
 }

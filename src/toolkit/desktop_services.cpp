@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDateTime>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QLabel>
@@ -83,10 +84,17 @@ void prepare(QMessageBox& box, const QString& title, const QString& text)
     }
 }
 
+/// The folder used last, or the nearest to it that is still there.
 QString lastFolder()
 {
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return QSettings().value(QStringLiteral("lastFolder"), documents).toString();
+    const QString last = QSettings().value(QStringLiteral("lastFolder"), documents).toString();
+    for (const QString& folder : {last, QFileInfo(last).path(), documents}) {
+        if (!folder.isEmpty() && QFileInfo(folder).isDir()) {
+            return folder;
+        }
+    }
+    return QDir::homePath();
 }
 
 std::optional<QString> chosen(const QString& path)

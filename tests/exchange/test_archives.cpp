@@ -29,7 +29,7 @@ protected:
     {
         writeFile(at("a.zip"), archive);
         try {
-            return UnpackArchive(at("a.zip"), at("out"), limits);
+            return UnpackArchive(at("a.zip"), at("out"), limits).comment;
         } catch (const Error& error) {
             EXPECT_FALSE(error.message().isEmpty());
             return QStringLiteral("refused");

@@ -6,7 +6,9 @@
 #include "toolkit/ComboBox.h"
 
 #include <QApplication>
+#include <QDragEnterEvent>
 #include <QLabel>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTimer>
 
@@ -68,11 +70,11 @@ TEST_F(ExchangeWindows, ChoosingAnAssessmentMakesItCurrent)
     EXPECT_TRUE(combo->hasFocus());
     EXPECT_EQ(state.CurrentAssessmentNum, first);
     EXPECT_EQ(state.QuestionList.upperBound(), 6);
-    EXPECT_FALSE(label("lblQuoteHint")->isVisible());
+    EXPECT_FALSE(label("lblProblems")->isVisible());
     QTest::keyClick(combo, Qt::Key_Down);
     EXPECT_EQ(state.CurrentAssessmentNum, second);
     EXPECT_EQ(state.QuestionList.upperBound(), 12);
-    EXPECT_TRUE(label("lblQuoteHint")->isVisible());
+    EXPECT_TRUE(label("lblProblems")->isVisible());
 
     // Half a catalogue is not exported.
     connection.close();
@@ -107,7 +109,7 @@ TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
         EXPECT_FALSE(form->close());
     });
     timer.start(0);
-    files.answers.emplace_back(package());
+    files.answers.emplace_back(package(QStringLiteral("Algebra")));
     expect("Export Complete", "Export was successful.");
     messages.beforeAnswer = [&] {
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);
@@ -124,6 +126,20 @@ TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
     EXPECT_LT(widths.front(), widths.back());
     EXPECT_FALSE(label("lblBack")->isVisible());
     EXPECT_EQ(files.calls.size(), 1u);
+
+    // Without ".zip" a colleague would not find it; a file of that name is not overwritten.
+    const QString saved = package(QStringLiteral("Algebra.zip"));
+    writeFile(saved, "another");
+    for (const bool taken : {true, false}) {
+        click(form.get(), "cmdAddZip");
+        EXPECT_TRUE(label("lblReason")->text().contains(saved));
+        EXPECT_EQ(control<QPushButton>(form.get(), "cmdAddZip")->isVisible(), taken);
+        EXPECT_EQ(QFile::exists(saved.chopped(4)), taken);
+        EXPECT_EQ(readFile(saved) == "another", taken);
+        if (taken) {
+            QFile::remove(saved);
+        }
+    }
 
     // A missing picture closes the window.
     messages.beforeAnswer = nullptr;
@@ -146,6 +162,26 @@ TEST_F(ExchangeWindows, ImportRunsFromItsButton)
     messages.beforeAnswer = [&] { EXPECT_FALSE(form->close()); };
     click(form.get(), "cmdImport");
     EXPECT_EQ(files.calls.at(0), QStringLiteral("open Zip Files (*.zip)"));
+
+    // Or by dropping the package on the window, which asks for none then.
+    QMimeData dragged;
+    const auto accepts = [&](const QList<QUrl>& urls) {
+        dragged.setUrls(urls);
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+        enter.ignore();
+        QApplication::sendEvent(form.get(), &enter);
+        return enter.isAccepted();
+    };
+    const QUrl url = QUrl::fromLocalFile(package());
+    EXPECT_FALSE(accepts({QUrl(QStringLiteral("http://a/b.zip"))}) || accepts({url, url}) ||
+                 accepts({QUrl::fromLocalFile(packages.path())}));
+    EXPECT_TRUE(accepts({url}));
+    expectNameQuestion(QStringLiteral("P"), QStringLiteral("Q"));
+    expectImported(0, 0, 0);
+    QDropEvent drop({5, 5}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
+    QApplication::sendEvent(form.get(), &drop);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(files.calls.size(), 1u);
     EXPECT_TRUE(form->close());
 }
 

@@ -1,6 +1,7 @@
 #include "exchange/archive_reader.h"
 #include "exchange/exchange_world.h"
 #include "exchange/package_export.h"
+#include "exchange/package_fields.h"
 #include "store/catalogue.h"
 
 namespace varnholt {
@@ -49,7 +50,7 @@ protected:
     QString contents(const char* member)
     {
         const QTemporaryDir out;
-        comment = UnpackArchive(package(), out.path());
+        comment = UnpackArchive(package(), out.path()).comment;
         members = listing(out.path());
         return QString::fromLatin1(readFile(out.filePath(QLatin1String(member))));
     }
@@ -99,9 +100,40 @@ TEST_F(Export, TextsBeyondTheCodePageMakeTheWholePackageUtf8)
     LoadCurrentAssessment(state, connection, messages);
     expectSuccess(package());
     run();
-    EXPECT_EQ(contents("subtopics.txt").toLatin1(), "1,\"π ≤ 漢字\",1\r\n");
-    EXPECT_EQ(contents("questions.txt").toLatin1().left(9), "1,1,\"½\",");
+    EXPECT_EQ(contents("subtopics.txt").toLatin1(), "\xef\xbb\xbf"
+                                                    "1,\"π ≤ 漢字\",1\r\n");
+    EXPECT_EQ(contents("questions.txt").toLatin1().left(12), "\xef\xbb\xbf"
+                                                             "1,1,\"½\",");
     EXPECT_EQ(comment, utf8Comment);
+}
+
+TEST_F(Export, WhatNobodyCanImportIsToldBeforehand)
+{
+    EXPECT_TRUE(PackageProblems(state).isEmpty());
+    const auto expectProblem = [this](const char* words) {
+        const QStringList problems = PackageProblems(state);
+        ASSERT_EQ(problems.size(), 1) << words;
+        EXPECT_TRUE(problems.first().contains(QLatin1String(words)));
+    };
+    QString& answer = state.QuestionList(2).Answer;
+    for (const auto& [text, words] : std::initializer_list<std::pair<QString, const char*>>{
+             {QStringLiteral("5\""), "double quote"},
+             {QStringLiteral("it's"), "such as: it's"},
+             {QString(longestField / 2 + 1, u'π'), "1 MiB"}}) {
+        answer = text;
+        expectProblem(words);
+    }
+    answer = QString(longestField / 2, u'π');
+    EXPECT_TRUE(PackageProblems(state).isEmpty());
+    state.AssessmentList(1).AssessmentName.clear();
+    expectProblem("no name");
+    state.AssessmentList(1).AssessmentName = QStringLiteral("A");
+    while (state.TopicList.upperBound() < 32'767) {
+        state.TopicList.append({});
+    }
+    EXPECT_TRUE(PackageProblems(state).isEmpty());
+    state.TopicList.append({});
+    expectProblem("32,767");
 }
 
 TEST_F(Export, EmptyAssessmentIsFourTextFiles)
@@ -109,10 +141,10 @@ TEST_F(Export, EmptyAssessmentIsFourTextFiles)
     state.CurrentAssessmentNum = library.addAssessment(QStringLiteral("Empty"));
     LoadCurrentAssessment(state, connection, messages);
     // Saved into the work folder, the package is what the user wanted, not a leftover.
-    expectSuccess(work("mine.zip"));
+    expectSuccess(work("mine"));
     run();
-    EXPECT_EQ(listing(work()), "mine.zip");
-    QFile::rename(work("mine.zip"), package());
+    EXPECT_EQ(listing(work()), "mine");
+    QFile::rename(work("mine"), package());
     EXPECT_EQ(contents("questions.txt"), QString());
     EXPECT_EQ(members, "AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
 }
@@ -132,12 +164,28 @@ TEST_F(Export, FailuresEndAsDescribed)
     run();
     EXPECT_EQ(listing(work()), "");
 
+    EXPECT_TRUE(view.reason.contains(QStringLiteral("No such file or directory")));
+
+    // Nothing of the library is overwritten, whichever way leads there.
+    const QString link = packages.filePath(QStringLiteral("link"));
+    QFile::link(library.folder(), link);
+    const std::string sound = listing(library.folder() + QStringLiteral("/Files"));
+    for (const char* target : {"/Varnholt.mdb", "/VARNHOLT.mdb-wal", "/Files/2.jpg", "/Files/p.zip",
+                               "/Export/topics.txt"}) {
+        files.answers.emplace_back(link + QLatin1String(target));
+        expect("Export Error", "There was an error creating this export file.");
+        run();
+        EXPECT_TRUE(view.reason.contains(QStringLiteral("harm"))) << target;
+    }
+    EXPECT_EQ(listing(library.folder() + QStringLiteral("/Files")), sound);
+
     // A picture is missing: no dialog any more.
     QFile::remove(library.picturePath(second));
     files.calls.clear();
     expectMissingPicture();
     EXPECT_EQ(run(), PackageExport::End::WindowCloses);
     EXPECT_TRUE(files.calls.empty());
+    EXPECT_TRUE(view.reason.contains(library.picturePath(second)));
     EXPECT_EQ(listing(work()), "1.jpg AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
 
     // No place for the text files.

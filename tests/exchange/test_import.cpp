@@ -1,18 +1,29 @@
+#include "exchange/WorkFolder.h"
 #include "exchange/exchange_world.h"
 #include "exchange/package_export.h"
 #include "exchange/package_import.h"
 #include "exchange/zip_maker.h"
 #include "store/catalogue.h"
 
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 // Every request to put something on the disk, the database's own among them, passes here.
 static int syncs = 0;
+/// The kind of file (of its mode) whose requests fail.
+static mode_t badDisk = 0;
 
 extern "C" int fsync(int descriptor)
 {
     ++syncs;
+    struct stat file
+    {};
+    fstat(descriptor, &file);
+    if ((file.st_mode & S_IFMT) == badDisk) {
+        errno = EIO;
+        return -1;
+    }
     return static_cast<int>(syscall(SYS_fsync, descriptor));
 }
 extern "C" int fdatasync(int descriptor)
@@ -86,24 +97,31 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
     const QString name = QStringLiteral("Algebra – π");
     const auto assessment = source.library.addGenerated(name, 10, 10, 50, true);
     source.library.sql(QStringLiteral(
-        "UPDATE Topics SET Topic = 'Commas, and 漢字' WHERE TopicID = 3;"
+        "UPDATE Topics SET Topic = char(65279) || 'Commas, and 漢字' WHERE TopicID = 3;"
         "UPDATE Questions SET Answer = 'two' || char(13,10) || 'lines' WHERE SOLIndex = 5;"
         "UPDATE Questions SET TopicID = 999 WHERE SOLIndex = 6;"
         "UPDATE Questions SET Available = 0 WHERE SOLIndex = 7;"));
     source.state.CurrentAssessmentNum = assessment;
     LoadCurrentAssessment(source.state, source.connection, source.messages);
-    source.files.answers.emplace_back(package());
-    source.expect("Export Complete", "Export was successful.");
-    const int beforeExport = syncs;
-    PackageExport(source.services, source.state, name).run(source.view);
-    EXPECT_GT(syncs, beforeExport) << "the package may be lost with the power";
+    for (const mode_t bad : {S_IFREG, S_IFDIR, 0}) {
+        // Neither the bytes of the package nor its name may be lost with the power.
+        badDisk = bad;
+        source.files.answers.emplace_back(package());
+        bad ? source.expect("Export Error",
+                            "There is a problem creating this export file.  Please try again.")
+            : source.expect("Export Complete", "Export was successful.");
+        PackageExport(source.services, source.state, name).run(source.view);
+        EXPECT_EQ(source.view.reason.contains(QStringLiteral("(Input/output error)")), bad != 0);
+    }
     library.addGenerated(QStringLiteral("Mine"), 2, 2, 2, true);
 
     expectNameQuestion(name, name);
     expectImported(10, 100, 4999);
     const int before = syncs;
     run();
-    EXPECT_LE(syncs - before, 10);
+    EXPECT_LE(syncs - before, 12);
+    EXPECT_EQ(QFileInfo(library.databasePath() + QStringLiteral("-wal")).size(), 0)
+        << "a copy of the library would lack the import";
     EXPECT_EQ(content(name).join(u'\n').toStdString(),
               source.content(name).join(u'\n').toStdString());
     EXPECT_EQ(visible(), QStringLiteral("Mine,") + name);
@@ -165,6 +183,7 @@ struct Package
     {
         Imported,
         NotAPackage,
+        NotUnpacked,
         Quiet,
         Failed
     } result;
@@ -172,6 +191,9 @@ struct Package
     std::array<int, 3> counts{1, 1, 2};
     /// Of the last question: topic and subtopic.
     const char* references = "|T|S|";
+    /// What stands before all names, and the archive's comment.
+    QByteArray folder = {};
+    QByteArray comment = {};
 };
 
 class Packages : public Import, public testing::WithParamInterface<Package>
@@ -179,10 +201,14 @@ class Packages : public Import, public testing::WithParamInterface<Package>
 
 TEST_P(Packages, AreImportedOrRefusedWhole)
 {
-    const auto& [name, changes, result, counts, references] = GetParam();
+    const auto& [name, changes, result, counts, references, folder, comment] = GetParam();
     library.addGenerated(QStringLiteral("Mine"), 1, 1, 1, true);
     const QStringList mine = content(QStringLiteral("Mine"));
-    writeFile(package(), makeZip(soundPackage(changes)));
+    std::vector<RawMember> members = soundPackage(changes);
+    for (RawMember& member : members) {
+        member.name.prepend(folder);
+    }
+    writeFile(package(), makeZip(members, comment));
     const bool tried = result == Package::Imported || result == Package::Failed;
     if (tried) {
         expectNameQuestion(QStringLiteral("P"), QStringLiteral("P"));
@@ -191,7 +217,7 @@ TEST_P(Packages, AreImportedOrRefusedWhole)
         expect(
             "Import Error",
             "This file does not appear to be a compatiable export file.  Import will be aborted.");
-    } else if (result == Package::Failed) {
+    } else if (result == Package::Failed || result == Package::NotUnpacked) {
         expectImportError();
     } else if (result == Package::Imported) {
         expectImported(counts[0], counts[1], counts[2]);
@@ -203,9 +229,10 @@ TEST_P(Packages, AreImportedOrRefusedWhole)
               result == Package::Imported ? QStringLiteral("Mine,P") : QStringLiteral("Mine"));
     EXPECT_EQ(count("Assessments"), tried ? 2 : 1);
     EXPECT_EQ(in("Import") == "", result != Package::Failed);
-    EXPECT_EQ(view.reason.isEmpty(), result != Package::Failed) << view.reason.toStdString();
+    EXPECT_EQ(view.reason.isEmpty(), result != Package::Failed && result != Package::NotUnpacked)
+        << view.reason.toStdString();
     if (result == Package::Imported && counts[2] > 0) {
-        EXPECT_TRUE(content(QStringLiteral("P")).last().contains(QLatin1String(references)));
+        EXPECT_TRUE(content(QStringLiteral("P")).last().contains(QString::fromUtf8(references)));
     }
 }
 
@@ -252,7 +279,37 @@ INSTANTIATE_TEST_SUITE_P(
                 {{"topics.txt", records(32767)}, {"subtopics.txt", ""}, {"questions.txt", ""}},
                 Package::Imported,
                 {32767, 0, 0}},
-        Package{"OneRecordTooMany", {{"topics.txt", records(32768)}}, Package::Failed}),
+        Package{"OneRecordTooMany", {{"topics.txt", records(32768)}}, Package::Failed},
+        Package{"InAFolder", {}, Package::Imported, {1, 1, 2}, "|T|S|", "Algebra (1)/"},
+        Package{"WithDots", {}, Package::Imported, {1, 1, 2}, "|T|S|", "./"},
+        Package{"OutsideItsFolder", {}, Package::NotAPackage, {}, "", "../"},
+        Package{"AnotherBelowIt", {{"b/AssessmentInfo.txt", "\"B\"\r\n"}}, Package::Imported},
+        Package{"TwoInFolders",
+                {{"b/AssessmentInfo.txt", "\"B\"\r\n"}},
+                Package::NotUnpacked,
+                {},
+                "",
+                "a/"},
+        Package{"CommentNamesUtf8",
+                {{"topics.txt", "7,\"\xe9\"\r\n"}},
+                Package::Imported,
+                {1, 1, 2},
+                "|é|S|",
+                "",
+                "Not text files: UTF-8"},
+        Package{"Utf8ByComment",
+                {{"topics.txt", "7,\"π\"\r\n"}},
+                Package::Imported,
+                {1, 1, 2},
+                "|π|S|",
+                "",
+                "Text files: UTF-8"},
+        Package{"Utf8WithoutComment",
+                {{"topics.txt", "\xef\xbb\xbf"
+                                "7,\"π\"\r\n"}},
+                Package::Imported,
+                {1, 1, 2},
+                "|π|S|"}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(Import, TwoQuestionsWithOnePictureGetTheirOwnBytes)
@@ -264,6 +321,48 @@ TEST_F(Import, TwoQuestionsWithOnePictureGetTheirOwnBytes)
     writeFile(library.picturePath(1), "changed");
     EXPECT_EQ(readFile(library.picturePath(2)), "picture 3");
     EXPECT_EQ(in("Files"), "1.jpg 2.jpg");
+
+    // A small package whose pictures fill the disk takes all of them away again.
+    library.sql(QStringLiteral("UPDATE Assessments SET Available = 0"));
+    writeFile(package(),
+              makeZip({{.name = "3.jpg", .data = QByteArray(140 << 20, 0), .deflated = true},
+                       {.name = "topics.txt"},
+                       {.name = "subtopics.txt"},
+                       {.name = "questions.txt", .data = "3,7,\"A\",70\r\n3,7,\"B\",70\r\n"},
+                       {.name = "AssessmentInfo.txt", .data = "\"P\"\r\n"}}));
+    runSound(false);
+    EXPECT_EQ(in("Files"), "1.jpg 2.jpg");
+}
+
+TEST_F(Import, WorkFolderIsOneRunsOwnAndKeepsWhatIsNotOfAPackage)
+{
+    const QString folder = library.folder() + QStringLiteral("/Import");
+    const auto cancel = [this] {
+        files.answers.emplace_back(std::nullopt);
+        PackageImport(services, connection).run(view);
+    };
+    writeFile(package(QStringLiteral("1.jpg")), "a photo");
+    QFile::link(packages.path(), folder);
+    cancel();
+    EXPECT_EQ(readFile(package(QStringLiteral("1.jpg"))), "a photo");
+
+    for (const char* name :
+         {"c.zip", "notes.txt", "0012.jpg", "1.jpeg", "9.jpg", "TOPICS.TXT", "9.jpg.part"}) {
+        writeFile(folder + u'/' + QLatin1String(name), "x");
+    }
+    const std::string kept = "0012.jpg 1.jpeg c.zip notes.txt";
+    cancel();
+    EXPECT_EQ(in("Import"), kept);
+    {
+        const WorkFolder another(library.folder(), QStringLiteral("Import"));
+        expectImportError();
+        PackageImport(services, connection).run(view);
+        EXPECT_TRUE(view.reason.contains(QStringLiteral("Another program")));
+    }
+    writeFile(package(), makeZip(soundPackage({{"notes.txt", "theirs"}})));
+    runSound(true);
+    EXPECT_EQ(in("Import"), kept);
+    EXPECT_EQ(readFile(folder + QStringLiteral("/notes.txt")), "x");
 }
 
 TEST_F(Import, WhatIsNoArchiveLeavesEverything)

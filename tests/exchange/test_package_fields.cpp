@@ -114,10 +114,12 @@ TEST(PackageFields, EncodingsLoseNothing)
     EXPECT_TRUE(fitsWindows1252(text));
     EXPECT_EQ(encodeText(text, TextEncoding::Windows1252), bytes);
     EXPECT_EQ(text.mid(0x7f, 3), QStringLiteral("€\u0081‚"));
-    for (const QString& other : {QStringLiteral("π"), QStringLiteral("\u0080"),
-                                 QStringLiteral("\u009f"), QStringLiteral("𝛑")}) {
+    for (const QString& other :
+         {QStringLiteral("π"), QStringLiteral("\u0080"), QStringLiteral("\u009f"),
+          QStringLiteral("𝛑"), QStringLiteral("\ufeff")}) {
         EXPECT_FALSE(fitsWindows1252(QStringLiteral("a") + other));
-        EXPECT_EQ(decodeText(encodeText(other, TextEncoding::Utf8), TextEncoding::Utf8), other);
+        EXPECT_EQ(decodeText(encodeText(other, TextEncoding::Utf8), TextEncoding::Utf8), other)
+            << other.toStdString();
     }
     EXPECT_THROW(static_cast<void>(decodeText("\xe9t\xe9", TextEncoding::Utf8)), Error);
 }
