@@ -48,7 +48,7 @@ QStringList folded(const QStringList& lines)
     return result;
 }
 
-class ClassicRun : public testing::Test
+class ClassicRun : public testing::TestWithParam<bool>
 {
 protected:
     ClassicRun()
@@ -56,6 +56,11 @@ protected:
         const QDir supplied(QStringLiteral(VARNHOLT_SUPPLIED_LIBRARY));
         QFile::remove(library.databasePath());
         QFile::copy(supplied.filePath(u"Varnholt.mdb"_s), library.databasePath());
+        if (GetParam()) {
+            QFile script(QStringLiteral(VARNHOLT_PLUS_SCRIPT));
+            EXPECT_TRUE(script.open(QIODevice::ReadOnly));
+            library.sql(QString::fromUtf8(script.readAll()));
+        }
         // Pictures that are the same wherever this runs, and yet differ.
         for (const QString& key : library.sql(u"SELECT SOLIndex FROM Questions"_s)) {
             QFile picture(library.picturePath(key.toInt()));
@@ -239,13 +244,16 @@ protected:
     QStringList archive;
 };
 
-TEST_F(ClassicRun, SendsAndWritesWhatItAlwaysHas)
+TEST_P(ClassicRun, SendsAndWritesWhatItAlwaysHas)
 {
     run();
     expectGolden(u"statements.txt"_s, folded(log));
     expectGolden(u"slides.txt"_s, presentations.log);
     expectGolden(u"package.txt"_s, archive);
 }
+
+// On a library as supplied, and on one that has the program's own tables.
+INSTANTIATE_TEST_SUITE_P(WithOwnTables, ClassicRun, testing::Bool());
 
 } // namespace
 } // namespace varnholt::test
