@@ -4,69 +4,105 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStandardPaths>
+#include <QSysInfo>
 
 namespace varnholt {
 
 namespace {
 
-QString basePath(const QString& libraryPath)
+/// Where the lock lies when it cannot lie beside the library.
+QString ownPlace(const QString& libraryPath)
 {
-    QString path = QFileInfo(libraryPath).canonicalFilePath();
-    if (path.isEmpty()) {
-        path = libraryPath;
-    }
-    const QByteArray hash = QCryptographicHash::hash((path + u'\n' + QDir::homePath()).toUtf8(),
-                                                     QCryptographicHash::Sha1)
-                                .toHex();
+    const QByteArray hash =
+        QCryptographicHash::hash((libraryPath + u'\n' + QDir::homePath()).toUtf8(),
+                                 QCryptographicHash::Sha1)
+            .toHex();
     QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (folder.isEmpty() || !QFileInfo(folder).isWritable()) {
         folder = QDir::tempPath();
     }
-    return folder + QStringLiteral("/varnholt-") + QString::fromLatin1(hash.left(16));
+    return folder + QStringLiteral("/varnholt-") + QString::fromLatin1(hash.left(16)) +
+           QStringLiteral(".lock");
+}
+
+QString userName()
+{
+    for (const char* variable : {"USER", "LOGNAME", "USERNAME"}) {
+        const QString name = qEnvironmentVariable(variable);
+        if (!name.isEmpty()) {
+            return name;
+        }
+    }
+    return QDir::home().dirName();
+}
+
+/// What the holder writes into its lock, a line each: user, machine, and what tells both from
+/// others of the same names.
+QByteArray identity()
+{
+    return (userName() + u'\n' + QSysInfo::machineHostName() + u'\n' + QDir::homePath() + u' ')
+               .toUtf8() +
+           QSysInfo::machineUniqueId() + '\n';
 }
 
 } // namespace
 
 SingleInstance::SingleInstance(const QString& libraryPath)
-    : notePath_(basePath(libraryPath) + QStringLiteral(".show"))
-    , lock_(basePath(libraryPath) + QStringLiteral(".lock"))
+    : libraryPath_(QFileInfo(libraryPath).canonicalFilePath())
 {
-    // However long it runs, a program that lives is not stale.
-    lock_.setStaleLockTime(0);
+    if (libraryPath_.isEmpty()) {
+        libraryPath_ = libraryPath;
+    }
 }
 
-bool SingleInstance::handOver()
+SingleInstance::Start SingleInstance::start()
 {
-    if (lock_.tryLock() || lock_.error() != QLockFile::LockFailedError) {
-        // Without a place for locks the program still runs; only the courtesy is lost.
-        return false;
+    for (const QString& path : {libraryPath_ + QStringLiteral(".lock"), ownPlace(libraryPath_)}) {
+        lockPath_ = path;
+        switch (lock_.take(QFileInfo(path).filesystemFilePath(),
+                           QFileInfo(libraryPath_).filesystemFilePath())) {
+        case LockFile::Outcome::Taken:
+            lock_.setText(identity().toStdString());
+            return Start::First;
+        case LockFile::Outcome::HeldByAnother:
+            return leaveNote();
+        case LockFile::Outcome::NotPossible:
+            break;
+        }
     }
-    QFile note(notePath_);
-    if (note.open(QIODevice::WriteOnly | QIODevice::Append)) {
-        note.write("show\n");
+    // Without a place for locks the program still runs.
+    return Start::First;
+}
+
+SingleInstance::Start SingleInstance::leaveNote()
+{
+    QFile note(lockPath_);
+    QByteArray text;
+    if (note.open(QIODevice::ReadOnly)) {
+        text = note.readAll();
+        note.close();
     }
-    return true;
+    if (text.startsWith(identity()) && note.open(QIODevice::Append) && note.write("show\n") > 0) {
+        return Start::HandedOver;
+    }
+    const QStringList lines = QString::fromUtf8(text).split(u'\n');
+    holder_ =
+        lines.size() > 2 ? tr("%1 on %2").arg(lines.at(0), lines.at(1)) : tr("another program");
+    return Start::ReadOnly;
 }
 
 void SingleInstance::listen()
 {
-    QFile::remove(notePath_);
-    QFile note(notePath_);
-    if (!note.open(QIODevice::WriteOnly)) {
-        return;
-    }
-    note.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    note.close();
-    watcher_ = std::make_unique<QFileSystemWatcher>(QStringList{notePath_});
+    watcher_ = std::make_unique<QFileSystemWatcher>(QStringList{lockPath_});
     connect(watcher_.get(), &QFileSystemWatcher::fileChanged, this, &SingleInstance::takeNote);
+    takeNote();
 }
 
 void SingleInstance::takeNote()
 {
-    QFile note(notePath_);
-    if (note.size() > 0 && note.open(QIODevice::ReadWrite)) {
-        note.resize(0);
+    const QByteArray own = identity();
+    if (QFileInfo(lockPath_).size() > own.size()) {
+        lock_.setText(own.toStdString());
         Q_EMIT activationRequested();
     }
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "files/LockFile.h"
+
 #include <QFileSystemWatcher>
-#include <QLockFile>
 #include <QObject>
 #include <QString>
 
@@ -9,21 +10,32 @@
 
 namespace varnholt {
 
-/// One running program per library: the first start holds a lock, a second one leaves it a
-/// note to come to the front and ends. A lock whose program was killed does not count.
+/// One program at a time changes a library: the first start holds a lock beside the library file.
+/// A second start of the same user on the same machine leaves a note there for the first to come
+/// to the front, and ends; another user, or another machine on a network drive, may read.
+/// Where the library's folder takes no lock it lies in the user's own runtime or temporary folder.
 class SingleInstance : public QObject
 {
     Q_OBJECT
 
 public:
+    enum class Start
+    {
+        First,      ///< this program has the library to itself
+        HandedOver, ///< another one has been asked to show itself
+        ReadOnly    ///< somebody else has the library
+    };
+
     /// `libraryPath` tells libraries apart; links to the same file count as the same.
     explicit SingleInstance(const QString& libraryPath);
 
-    /// True when another program serves this library already; it has been asked to show
-    /// itself. False when this one is the first.
-    [[nodiscard]] bool handOver();
+    /// Call it once.
+    [[nodiscard]] Start start();
 
-    /// Begins to listen for other starts; call it once the window stands.
+    /// Who has the library after `ReadOnly`, for example "anna on pc-3".
+    [[nodiscard]] const QString& holder() const { return holder_; }
+
+    /// Begins to listen for other starts; for the first, once its window stands.
     void listen();
 
 Q_SIGNALS:
@@ -31,12 +43,13 @@ Q_SIGNALS:
     void activationRequested();
 
 private:
+    Start leaveNote();
     void takeNote();
 
-    /// Lies in the user's own runtime or temporary folder, because the library's folder may
-    /// not be writable.
-    QString notePath_;
-    QLockFile lock_;
+    QString libraryPath_;
+    QString lockPath_;
+    LockFile lock_;
+    QString holder_;
     std::unique_ptr<QFileSystemWatcher> watcher_;
 };
 

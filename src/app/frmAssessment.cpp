@@ -11,21 +11,25 @@
 #include "toolkit/controls.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QSettings>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace varnholt {
 
-frmAssessment::frmAssessment(Services& services, ProgramState& state, const QString& guidePath)
+frmAssessment::frmAssessment(Services& services, ProgramState& state, const QString& guidePath,
+                             Connection::Access access)
     : services_(services)
     , state_(state)
     , guidePath_(guidePath)
 {
-    OpenLibraryDatabase(connection_, services_.programFolder);
+    OpenLibraryDatabase(connection_, services_.programFolder, access);
 
     setObjectName(QStringLiteral("frmAssessment"));
     setWindowTitle(QStringLiteral("Varnholt"));
@@ -34,16 +38,10 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     auto* area = new QWidget;
     childArea_ = new QVBoxLayout(area);
     childArea_->setContentsMargins(0, 0, 0, 0);
-    if (connection_.isReadOnly()) {
-        auto* lblReadOnly = makeLabel(
+    if (access == Connection::Access::Change && connection_.isReadOnly()) {
+        showNotice(
             "lblReadOnly",
             QStringLiteral("The question library can only be read: changes cannot be saved."));
-        lblReadOnly->setAlignment(Qt::AlignCenter);
-        lblReadOnly->setMargin(fontMetrics().height() / 3);
-        lblReadOnly->setBackgroundRole(QPalette::ToolTipBase);
-        lblReadOnly->setForegroundRole(QPalette::ToolTipText);
-        lblReadOnly->setAutoFillBackground(true);
-        childArea_->addWidget(lblReadOnly);
     }
     lblEmpty_ = makeLabel("lblEmpty", QStringLiteral("Choose what to do in the menu above."));
     lblEmpty_->setAlignment(Qt::AlignCenter);
@@ -62,6 +60,40 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
 frmAssessment::~frmAssessment()
 {
     delete child_;
+}
+
+void frmAssessment::showNotice(const char* name, const QString& text)
+{
+    auto* notice = makeLabel(name, text);
+    notice->setTextFormat(Qt::PlainText);
+    notice->setWordWrap(true);
+    notice->setAlignment(Qt::AlignCenter);
+    notice->setMargin(fontMetrics().height() / 3);
+    notice->setBackgroundRole(QPalette::ToolTipBase);
+    notice->setForegroundRole(QPalette::ToolTipText);
+    notice->setAutoFillBackground(true);
+    childArea_->insertWidget(0, notice);
+}
+
+void frmAssessment::checkLibrary(bool mayTidy)
+{
+    connect(&check_, &LibraryCheck::damaged, this, &frmAssessment::tellDamage);
+    check_.start(services_.programFolder, mayTidy);
+}
+
+void frmAssessment::tellDamage()
+{
+    constexpr int retryMs = 500;
+    if (QApplication::activeModalWidget()) {
+        QTimer::singleShot(retryMs, this, &frmAssessment::tellDamage);
+        return;
+    }
+    services_.messageBoxes->inform(
+        QStringLiteral("Database Error"),
+        tr("The question library is damaged, so questions may be missing or wrong:\n%1\n\nKeep a "
+           "copy of this file before you change anything, and put an undamaged copy from earlier "
+           "in its place if you have one.")
+            .arg(QDir::toNativeSeparators(connection_.path())));
 }
 
 QWidget* frmAssessment::childWindow() const

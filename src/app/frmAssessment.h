@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/library_check.h"
 #include "store/connection.h"
 #include "store/modMain.h"
 
@@ -22,13 +23,21 @@ class frmAssessment : public QMainWindow
     Q_OBJECT
 
 public:
-    /// Opens the library; throws `DatabaseError` when it cannot be opened. `guidePath` is
+    /// Opens the library; throws as `Connection::open` when it cannot be opened. `guidePath` is
     /// the user guide's file.
-    frmAssessment(Services& services, ProgramState& state, const QString& guidePath);
+    frmAssessment(Services& services, ProgramState& state, const QString& guidePath,
+                  Connection::Access access = Connection::Access::Change);
     ~frmAssessment() override;
 
     /// The child window on show, or null.
     [[nodiscard]] QWidget* childWindow() const;
+
+    /// Shows a sentence above the child windows, for as long as the program runs.
+    void showNotice(const char* name, const QString& text);
+
+    /// Looks for damage of the library in the background and tells of it once. `mayTidy` when no
+    /// other program has the library open.
+    void checkLibrary(bool mayTidy);
 
 public Q_SLOTS:
     void mnuCreate_Click();
@@ -45,6 +54,9 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    /// Waits until no other message stands.
+    void tellDamage();
+
     using Maker = std::function<QWidget*()>;
 
     void buildMenu();
@@ -60,6 +72,7 @@ private:
     QVBoxLayout* childArea_ = nullptr;
     QLabel* lblEmpty_ = nullptr;
     QPointer<QWidget> child_;
+    LibraryCheck check_;
 };
 
 } // namespace varnholt

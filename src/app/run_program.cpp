@@ -2,6 +2,7 @@
 
 #include "app/SingleInstance.h"
 #include "app/frmAssessment.h"
+#include "app/library_wait.h"
 #include "presentation/default_programs.h"
 #include "store/library_file.h"
 #include "store/services.h"
@@ -16,9 +17,14 @@
 #include <QStandardPaths>
 #include <QTimer>
 
+#include <optional>
+
 namespace varnholt {
 
 namespace {
+
+/// When the windows have long been painted.
+constexpr int checkDelayMs = 2000;
 
 QString firstExisting(const QStringList& paths)
 {
@@ -63,9 +69,11 @@ int run(QApplication& application, MessageBoxes& messages)
                              firstExisting({share + QStringLiteral("/library")})});
 
     SingleInstance instance(LibraryPath(programFolder));
-    if (instance.handOver()) {
+    const SingleInstance::Start start = instance.start();
+    if (start == SingleInstance::Start::HandedOver) {
         return 0;
     }
+    const bool first = start == SingleInstance::Start::First;
 
     DesktopFileDialogs fileDialogs;
     DesktopClipboard clipboard;
@@ -82,9 +90,30 @@ int run(QApplication& application, MessageBoxes& messages)
     services.programFolder = programFolder;
 
     ProgramState state;
-    frmAssessment frame(services, state,
-                        firstExisting({own + QStringLiteral("/guide/index.html"),
-                                       share + QStringLiteral("/guide/index.html")}));
+    const QString guide = firstExisting(
+        {own + QStringLiteral("/guide/index.html"), share + QStringLiteral("/guide/index.html")});
+    std::optional<frmAssessment> opened;
+    if (!OpenWhenFree([&] {
+            opened.emplace(services, state, guide,
+                           first ? Connection::Access::Change : Connection::Access::ReadOnly);
+        })) {
+        return 1;
+    }
+    frmAssessment& frame = *opened;
+    if (!first) {
+        frame.showNotice(
+            "lblInUse", QApplication::translate("RunProgram",
+                                                "The question library is in use by %1. Until it is "
+                                                "closed there it can only be read here.")
+                            .arg(instance.holder()));
+    }
+    if (programFolder != own && QFileInfo::exists(LibraryPath(own))) {
+        frame.showNotice("lblOwnCopy",
+                         QApplication::translate(
+                             "RunProgram", "The question library beside the program cannot be "
+                                           "changed. You work on your own copy of it in %1.")
+                             .arg(QDir::toNativeSeparators(programFolder)));
+    }
     QObject::connect(&instance, &SingleInstance::activationRequested, &frame, [&frame] {
         frame.setWindowState(frame.windowState() & ~Qt::WindowMinimized);
         frame.show();
@@ -94,7 +123,10 @@ int run(QApplication& application, MessageBoxes& messages)
     const OpenAfterFirstPaint opener(frame);
     frame.show();
     // Other starts can wait until this window stands.
-    QTimer::singleShot(0, &frame, [&instance] { instance.listen(); });
+    if (first) {
+        QTimer::singleShot(0, &frame, [&instance] { instance.listen(); });
+    }
+    QTimer::singleShot(checkDelayMs, &frame, [&frame, first] { frame.checkLibrary(first); });
     return application.exec();
 }
 
@@ -119,8 +151,11 @@ int RunProgram(QApplication& application)
     DesktopMessageBoxes messages;
     try {
         return run(application, messages);
-    } catch (const Error& error) {
+    } catch (const DatabaseError& error) {
         messages.inform(QStringLiteral("Database Error"), error.message());
+        return 1;
+    } catch (const Error& error) {
+        messages.inform(QStringLiteral("Error"), error.message());
         return 1;
     }
 }

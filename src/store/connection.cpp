@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QScopeGuard>
 
 #include <sqlite3.h>
 
@@ -117,6 +118,28 @@ bool Connection::settle()
         settleWhenIdle();
     }
     return result == SQLITE_OK;
+}
+
+bool Connection::isSound(const std::atomic<bool>& stop)
+{
+    requireOpen();
+    constexpr int stepsBetweenLooks = 10'000;
+    sqlite3_progress_handler(
+        database_, stepsBetweenLooks,
+        [](void* flag) { return static_cast<const std::atomic<bool>*>(flag)->load() ? 1 : 0; },
+        const_cast<std::atomic<bool>*>(&stop));
+    const auto lookNoMore =
+        qScopeGuard([this] { sqlite3_progress_handler(database_, 0, nullptr, nullptr); });
+    try {
+        // The quick check would not compare an index with its table.
+        Recordset findings = read(QStringLiteral("PRAGMA integrity_check(1)"));
+        return findings.next() && findings.text(0) == QStringLiteral("ok");
+    } catch (const DatabaseError&) {
+        if (stop) {
+            return true;
+        }
+        throw;
+    }
 }
 
 void Connection::settleWhenIdle()

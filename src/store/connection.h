@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -100,6 +101,10 @@ public:
     /// Throws `DatabaseError` when the file has been moved or deleted since it was opened: changes
     /// must not be swallowed silently.
     void requireInPlace() const;
+
+    /// Reads the whole file; false when it is damaged. A damaged index makes rows disappear
+    /// without an error. Ends early, and then true, once `stop` is set. Throws `DatabaseError`.
+    [[nodiscard]] bool isSound(const std::atomic<bool>& stop);
 
 private:
     friend class Statement;

@@ -2,7 +2,6 @@
 
 #include "files/placing.h"
 #include "files/sync.h"
-#include "store/connection.h"
 #include "store/errors.h"
 
 #include <QDir>
@@ -93,9 +92,10 @@ QString ChooseProgramFolder(const FolderChoice& choice)
     return choice.userDataFolder;
 }
 
-void OpenLibraryDatabase(Connection& connection, const QString& programFolder)
+void OpenLibraryDatabase(Connection& connection, const QString& programFolder,
+                         Connection::Access access)
 {
-    connection.open(LibraryPath(programFolder));
+    connection.open(LibraryPath(programFolder), access);
 }
 
 void CloseLibraryDatabase(Connection& connection)

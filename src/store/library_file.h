@@ -1,10 +1,10 @@
 #pragma once
 
+#include "store/connection.h"
+
 #include <QString>
 
 namespace varnholt {
-
-class Connection;
 
 /// Where a start of the program finds things.
 struct FolderChoice
@@ -28,8 +28,9 @@ struct FolderChoice
 /// this one. The path it should have when there is none.
 [[nodiscard]] QString LibraryPath(const QString& programFolder);
 
-/// Opens the library of the program folder. Throws `DatabaseError`.
-void OpenLibraryDatabase(Connection& connection, const QString& programFolder);
+/// Opens the library of the program folder. Throws as `Connection::open`.
+void OpenLibraryDatabase(Connection& connection, const QString& programFolder,
+                         Connection::Access access = Connection::Access::Change);
 void CloseLibraryDatabase(Connection& connection);
 
 } // namespace varnholt

@@ -76,6 +76,11 @@ QString SelectQuestionsNewestFirst(std::int32_t assessmentNum)
     return SelectQuestions(assessmentNum) + QStringLiteral(" order by SOLIndex desc");
 }
 
+QString SelectQuestionWithKey(std::int32_t solIndex)
+{
+    return where("Select * from Questions where SOLIndex = ", solIndex);
+}
+
 QString SelectAssessmentsNamed(const QString& name)
 {
     return QStringLiteral("Select * from Assessments where AssessmentName = ") + quoted(name) +

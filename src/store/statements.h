@@ -24,6 +24,9 @@ QString SelectTopicsNewestFirst(std::int32_t assessmentNum);
 QString SelectSubtopicsNewestFirst(std::int32_t assessmentNum);
 QString SelectQuestionsNewestFirst(std::int32_t assessmentNum);
 
+// Tidying up: whether there is, or was, a question of that key.
+QString SelectQuestionWithKey(std::int32_t solIndex);
+
 // Import.
 QString SelectAssessmentsNamed(const QString& name);
 /// One row with the field "NewAssessmentNum".

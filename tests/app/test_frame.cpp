@@ -7,6 +7,7 @@
 #include "toolkit/ListBox.h"
 
 #include <QAction>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -97,20 +98,63 @@ TEST_F(Frame, ClosingRemembersTheAssessmentBeforeTheLibraryCloses)
     EXPECT_FALSE(QFile::exists(library.databasePath() + u"-wal"_s));
 }
 
+TEST_F(Frame, TidiesUpAfterAKilledProgramAndTellsOfDamage)
+{
+    open();
+    const QDir folder(library.folder());
+    const QStringList before{u"1.jpg"_s,           u"1.jpg.bak"_s, u"2.JPG.bak2"_s, u"2.jpg"_s,
+                             u"2.jpg.backup"_s,    u"3.jpg.bak"_s, u"9.jpg.part"_s, u"90.JPG.bak"_s,
+                             u".new-12345.part"_s, u"new-1.part"_s};
+    for (const QString& name : before) {
+        QFile file(folder.filePath(u"Files/"_s + name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(name.left(1).toUtf8() + (name == u"2.JPG.bak2" ? "old" : ""));
+    }
+    // An index that leads elsewhere: rows disappear without an error.
+    library.sql(u"PRAGMA writable_schema = ON; UPDATE sqlite_schema SET rootpage = (SELECT rootpage"
+                " FROM sqlite_schema WHERE name = 'SubTopicsByAssessment')"
+                " WHERE name = 'TopicsByAssessment'"_s);
+    bool told = false;
+    messages.beforeAnswer = [&told] { told = true; };
+    messages.expectInform(
+        u"Database Error"_s,
+        u"The question library is damaged, so questions may be missing or wrong:\n%1\n\nKeep a "
+        u"copy "
+        "of this file before you change anything, and put an undamaged copy from earlier in its "
+        "place if you have one."_s.arg(library.databasePath()));
+    frame->checkLibrary(true);
+    EXPECT_TRUE(QTest::qWaitFor([&told] { return told; }, patienceMs));
+    EXPECT_EQ(QDir(folder.filePath(u"Files"_s))
+                  .entryList(QDir::Files | QDir::Hidden, QDir::Name)
+                  .join(u' ')
+                  .toStdString(),
+              "1.jpg 2.JPG.bak2 2.jpg 2.jpg.backup 3.jpg.bak 90.JPG new-1.part");
+}
+
 TEST(SingleInstanceTest, TheSecondStartBringsTheFirstToTheFront)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"Varnholt.mdb"_s);
+    const QByteArray user = qgetenv("USER");
     SingleInstance first(path);
     QSignalSpy asked(&first, &SingleInstance::activationRequested);
-    EXPECT_FALSE(first.handOver());
+    using Start = SingleInstance::Start;
+    EXPECT_EQ(first.start(), Start::First);
     first.listen();
-    EXPECT_FALSE(SingleInstance(path + u".other"_s).handOver());
+    EXPECT_EQ(SingleInstance(path + u".other"_s).start(), Start::First);
     for (int i = 1; i <= 2; ++i) {
-        EXPECT_TRUE(SingleInstance(path).handOver());
+        EXPECT_EQ(SingleInstance(path).start(), Start::HandedOver);
         EXPECT_TRUE(asked.wait(patienceMs));
         EXPECT_EQ(asked.size(), i);
     }
+    // Another user, wherever the temporary files are.
+    qputenv("USER", "anna");
+    SingleInstance other(path);
+    qputenv("TMPDIR", folder.path().toUtf8());
+    EXPECT_EQ(other.start(), Start::ReadOnly);
+    qputenv("USER", user);
+    qunsetenv("TMPDIR");
+    EXPECT_TRUE(other.holder().endsWith(u" on "_s + QSysInfo::machineHostName()));
 }
 
 } // namespace
