@@ -15,6 +15,14 @@ public:
     using Error::Error;
 };
 
+/// What becomes of a line that is longer than its text box is wide.
+enum class LongLines
+{
+    Wrap,
+    /// It goes on past the box's right edge; position and size of the box stay.
+    RunOn
+};
+
 /// The port to the presentation program: exactly the operations the builder needs, in the
 /// terms of a presentation program's object model. Shapes and slides count from 1 in order
 /// of creation; shape operations work on the slide appended last. Positions and sizes are
@@ -37,7 +45,8 @@ public:
     /// Adds a blank slide after the last one and selects it: it is the current slide now.
     virtual void appendBlankSlide() = 0;
     /// Adds a horizontal text box to the current slide.
-    virtual void addTextBox(double left, double top, double width, double height) = 0;
+    virtual void addTextBox(double left, double top, double width, double height,
+                            LongLines longLines) = 0;
     /// A line break begins a new paragraph, whichever character stands for it; what becomes of
     /// other characters that no slide can show is said at `slideParagraphs`.
     virtual void setShapeText(int shape, const QString& text) = 0;

@@ -90,11 +90,11 @@ private:
         appendSlide();
         int t = 0;
         if (input_.topicLine) {
-            program_.addTextBox(0, 0, 1000, 100);
+            program_.addTextBox(0, 0, 1000, 100, LongLines::Wrap);
             program_.setShapeText(1, input_.topicText(record));
             t = 1;
         }
-        program_.addTextBox(0, 40 * t, 100, 100);
+        program_.addTextBox(0, 40 * t, 100, 100, LongLines::Wrap);
         firstPictureReached_ = true;
         addingPicture_ = true;
         program_.addPicture(path, 2, 50 + 20 * t, PresentationProgram::ownSize,
@@ -113,7 +113,7 @@ private:
     void addAnswerKey()
     {
         appendSlide();
-        program_.addTextBox(0, 0, 300, 100);
+        program_.addTextBox(0, 0, 300, 100, LongLines::Wrap);
         program_.setShapeText(1, QStringLiteral("Answer Key"));
         int answer = 0;
         int line = 1;
@@ -124,7 +124,8 @@ private:
             }
             ++answer;
             ++line;
-            program_.addTextBox(0, answerLineHeight * (line - 1), 100, 100);
+            // Where it wrapped, an answer would be printed over the next one.
+            program_.addTextBox(0, answerLineHeight * (line - 1), 100, 100, LongLines::RunOn);
             program_.setShapeText(line,
                                   QString::number(answer) + QStringLiteral(") ") + record.Answer);
             if (breaksKeyAfter(i)) {

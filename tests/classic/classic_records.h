@@ -72,7 +72,7 @@ public:
     {
         log_.append(QStringLiteral("Slides(%1).Select").arg(index));
     }
-    void addTextBox(double left, double top, double width, double height) override
+    void addTextBox(double left, double top, double width, double height, LongLines) override
     {
         goOn(QStringLiteral("AddTextbox %1 %2 %3 %4").arg(left).arg(top).arg(width).arg(height));
     }

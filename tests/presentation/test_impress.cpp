@@ -5,6 +5,7 @@
 #include "presentation/default_programs.h"
 #include "presentation/impress/impress_plugin.h"
 #include "presentation/office_host.h"
+#include "presentation/package_reader.h"
 #include "presentation/pptx/pptx_program.h"
 #include "store/errors.h"
 
@@ -29,7 +30,7 @@ protected:
             << qPrintable(ImpressPlugin::instance().reason());
         writePicture(picture(1), {600, 350}, 0);
         writePicture(picture(2), {600, 350}, 150);
-        addQuestion(u"a<b & c"_s, u"Ümlaut & O'Brien - \U0001F600"_s);
+        addQuestion(longAnswer, u"Ümlaut & O'Brien - \U0001F600"_s);
         addQuestion(u"two\r\nlines\tand a tab"_s, QString(10'000, u'w'));
     }
 
@@ -37,6 +38,16 @@ protected:
     {
         return ImpressPlugin::instance().start(settings);
     }
+
+    /// In the PDF of what Impress shows the long answer stands on one line.
+    static void expectLongAnswerOnOneLine()
+    {
+        const QString pdf = host_->runMacro(u"StorePdf"_s, {host_->filePath(u"slides.pdf"_s)});
+        const QByteArray text = output(u"pdftotext"_s, {u"-layout"_s, pdf, u"-"_s});
+        EXPECT_TRUE(text.contains("1) " + longAnswer.toUtf8())) << text.constData();
+    }
+
+    static inline const QString longAnswer = u"a<b & c, which is wider than a hundred points"_s;
 
     /// What Impress shows, and closes then: "document;..." first, then "slide;..." and for each
     /// of its shapes "shape;left;top;width;height;description;text".
@@ -71,6 +82,7 @@ TEST_F(Impress, HoldsTheSameShapesAsItReadsFromThePptxFile)
 {
     for (const bool topic : {false, true}) {
         EXPECT_EQ(build(*start(), topic, true).end, End::Complete);
+        expectLongAnswerOnOneLine();
         QStringList built = held();
         // Three slides, the first on show, changed, without a file, in a visible window.
         EXPECT_EQ(built.takeFirst(), u"document;3;1;True;False;True");
@@ -83,6 +95,7 @@ TEST_F(Impress, HoldsTheSameShapesAsItReadsFromThePptxFile)
         PptxProgram pptx(settings);
         EXPECT_EQ(build(pptx, topic, true).end, End::Complete);
         host_->runMacro(u"OpenFile"_s, {pptx.writtenPath()});
+        expectLongAnswerOnOneLine();
         expectSame(built, held().mid(1));
     }
 }
@@ -128,7 +141,7 @@ TEST_F(Impress, AFrozenOfficeCanBeLeftAlone)
         };
         EXPECT_EQ(build(*program, true, true, freezes).end, End::Cancelled);
         EXPECT_EQ(asked, 3);
-        EXPECT_THROW(program->addTextBox(0, 0, 1, 1), Cancelled);
+        EXPECT_THROW(program->appendBlankSlide(), Cancelled);
     }
     EXPECT_THROW(start(settings), Cancelled);
     host_->signalOffice(SIGCONT);
@@ -141,7 +154,7 @@ TEST_F(Impress, AnOfficeThatDoesNotStartIsAnError)
     const QString silent = folder_.filePath(u"silent"_s);
     QFile script(silent);
     ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\nexec sleep 20\n");
+    script.write("#!/bin/sh\necho $$ > \"$0.pid\"\nexec sleep 20\n");
     script.setPermissions(script.permissions() | QFile::ExeOwner);
     script.close();
     addQuestion(u"A"_s);
@@ -164,6 +177,11 @@ TEST_F(Impress, AnOfficeThatDoesNotStartIsAnError)
                                       "presentation file instead."_s.arg(reason)))
             << qPrintable(notice);
     }
+    QFile pid(silent + u".pid"_s);
+    ASSERT_TRUE(pid.open(QIODevice::ReadOnly));
+    QFile commandLine(u"/proc/%1/cmdline"_s.arg(pid.readAll().toInt()));
+    EXPECT_TRUE(!commandLine.open(QIODevice::ReadOnly) || commandLine.readAll().isEmpty())
+        << "what never answered is ended";
     settings.impress.program = u"/no/such/program"_s;
     EXPECT_THROW(start(settings.impress), Error);
 }

@@ -44,7 +44,7 @@ public:
             throw Error(QStringLiteral("no such slide"));
         }
     }
-    void addTextBox(double left, double top, double width, double height) override
+    void addTextBox(double left, double top, double width, double height, LongLines) override
     {
         record("addTextBox", left, top, width, height);
     }

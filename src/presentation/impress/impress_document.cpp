@@ -7,6 +7,10 @@
 
 #include <com/sun/star/awt/XTopWindow.hpp>
 #include <com/sun/star/awt/XWindow2.hpp>
+#include <com/sun/star/drawing/FillStyle.hpp>
+#include <com/sun/star/drawing/LineStyle.hpp>
+#include <com/sun/star/drawing/TextHorizontalAdjust.hpp>
+#include <com/sun/star/drawing/TextVerticalAdjust.hpp>
 #include <com/sun/star/drawing/XDrawPagesSupplier.hpp>
 #include <com/sun/star/drawing/XDrawView.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
@@ -133,8 +137,12 @@ void ImpressDocument::addShape(const char* service, const HundredthMm& box, cons
     shapes_.push_back({shape, size, size});
 }
 
-void ImpressDocument::addTextBox(const HundredthMm& box)
+void ImpressDocument::addTextBox(const HundredthMm& box, LongLines longLines)
 {
+    if (longLines == LongLines::RunOn) {
+        addLine(box);
+        return;
+    }
     // In the order of the alphabet, as a set of several properties has to be.
     const Names names =
         unoSequence<rtl::OUString>({"TextAutoGrowHeight", "TextLeftDistance", "TextLowerDistance",
@@ -142,6 +150,22 @@ void ImpressDocument::addTextBox(const HundredthMm& box)
     const Values values = unoSequence({Any(false), Any(marginAtSides), Any(marginAboveAndBelow),
                                        Any(marginAtSides), Any(marginAboveAndBelow)});
     addShape("com.sun.star.drawing.TextShape", box, names, values);
+}
+
+void ImpressDocument::addLine(const HundredthMm& box)
+{
+    // A text shape that does not wrap would change its width with the text; a shape of its own
+    // form, invisible like a text shape's frame, keeps it.
+    const Names names = unoSequence<rtl::OUString>(
+        {"FillStyle", "LineStyle", "TextAutoGrowHeight", "TextAutoGrowWidth",
+         "TextHorizontalAdjust", "TextLeftDistance", "TextLowerDistance", "TextRightDistance",
+         "TextUpperDistance", "TextVerticalAdjust", "TextWordWrap"});
+    const Values values = unoSequence(
+        {Any(css::drawing::FillStyle_NONE), Any(css::drawing::LineStyle_NONE), Any(false),
+         Any(false), Any(css::drawing::TextHorizontalAdjust_LEFT), Any(marginAtSides),
+         Any(marginAboveAndBelow), Any(marginAtSides), Any(marginAboveAndBelow),
+         Any(css::drawing::TextVerticalAdjust_TOP), Any(false)});
+    addShape("com.sun.star.drawing.CustomShape", box, names, values);
 }
 
 void ImpressDocument::setText(int shape, const QString& text)

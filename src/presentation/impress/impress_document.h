@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/impress/office_connection.h"
+#include "presentation/presentation_program.h"
 
 #include <com/sun/star/beans/XMultiPropertySet.hpp>
 #include <com/sun/star/drawing/XDrawPage.hpp>
@@ -36,7 +37,7 @@ public:
     /// Throws `Error` when there is no screen the window could be on.
     void show();
     void appendBlankSlide();
-    void addTextBox(const HundredthMm& box);
+    void addTextBox(const HundredthMm& box, LongLines longLines);
     void setText(int shape, const QString& text);
     void addPicture(const QString& path, const HundredthMm& box, const QString& description);
     /// Scales relative to the size the shape was made with.
@@ -58,6 +59,8 @@ private:
         css::awt::Size size;
     };
 
+    /// A box whose text does not wrap.
+    void addLine(const HundredthMm& box);
     void addShape(const char* service, const HundredthMm& box, const Names& names,
                   const Values& values);
     css::uno::Reference<css::frame::XController> controller();

@@ -68,11 +68,12 @@ void ImpressProgram::appendBlankSlide()
     call([](ImpressDocument& document) { document.appendBlankSlide(); });
 }
 
-void ImpressProgram::addTextBox(double left, double top, double width, double height)
+void ImpressProgram::addTextBox(double left, double top, double width, double height,
+                                LongLines longLines)
 {
     const HundredthMm box{hundredthMm(left), hundredthMm(top), hundredthMm(width),
                           hundredthMm(height)};
-    call([box](ImpressDocument& document) { document.addTextBox(box); });
+    call([box, longLines](ImpressDocument& document) { document.addTextBox(box, longLines); });
 }
 
 void ImpressProgram::setShapeText(int shape, const QString& text)

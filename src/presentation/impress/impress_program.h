@@ -24,7 +24,8 @@ public:
     void addPresentation() override;
     void setVisible() override;
     void appendBlankSlide() override;
-    void addTextBox(double left, double top, double width, double height) override;
+    void addTextBox(double left, double top, double width, double height,
+                    LongLines longLines) override;
     void setShapeText(int shape, const QString& text) override;
     void addPicture(const QString& path, double left, double top, double width, double height,
                     const QString& description) override;

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QThread>
 #include <QUrl>
 #include <QUuid>
@@ -31,6 +32,8 @@ namespace varnholt {
 namespace {
 
 constexpr int pollEveryMs = 50;
+/// How long an office that is told to end may take.
+constexpr int endMs = 500;
 
 /// The folder the office's own libraries were loaded from.
 QString officeFolder()
@@ -121,6 +124,21 @@ public:
         return sinceEnd_.hasExpired(handOverMs_);
     }
 
+    /// Ends what was started and has not answered. An office that runs already is no process of
+    /// ours: the one that handed over to it has ended by itself.
+    void end()
+    {
+        if (pid_ == 0) {
+            return;
+        }
+        kill(-pid_t(pid_), SIGTERM);
+        for (int waited = 0; waited < endMs && kill(-pid_t(pid_), 0) == 0; waited += pollEveryMs) {
+            QThread::msleep(pollEveryMs);
+        }
+        kill(-pid_t(pid_), SIGKILL);
+        pid_ = 0;
+    }
+
 private:
     const int handOverMs_;
     QProcess process_;
@@ -184,13 +202,20 @@ bool OfficeConnection::tryOpen()
 void OfficeConnection::waitFor(const ImpressSettings& settings)
 {
     Starter starter(settings);
+    bool answered = false;
+    const auto ending = qScopeGuard([&] {
+        if (!answered) {
+            starter.end();
+        }
+    });
     QElapsedTimer waiting;
     waiting.start();
     for (int start = 1; start <= 2; ++start) {
         starter.start();
         while (!starter.isSpent()) {
             QThread::msleep(pollEveryMs);
-            if (tryOpen()) {
+            answered = tryOpen();
+            if (answered) {
                 return;
             }
             if (waiting.hasExpired(settings.startLimitMs)) {
@@ -208,7 +233,13 @@ void OfficeConnection::open(const ImpressSettings& settings)
     }
     // Two starts at once on one profile can leave an office that hangs.
     QLockFile lock(QDir::temp().filePath(QStringLiteral("varnholt-office-%1.lock").arg(getuid())));
-    lock.tryLock(settings.startLimitMs);
+    QElapsedTimer waiting;
+    waiting.start();
+    while (!lock.tryLock(pollEveryMs) && !waiting.hasExpired(settings.startLimitMs)) {
+        if (broken_) {
+            throw Cancelled();
+        }
+    }
     waitFor(settings);
 }
 

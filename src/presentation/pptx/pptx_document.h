@@ -1,5 +1,7 @@
 #pragma once
 
+#include "presentation/presentation_program.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -38,6 +40,7 @@ struct PptxShape
     Emu width = 0;
     Emu height = 0;
     QString text;
+    LongLines longLines = LongLines::Wrap;
     /// Position in `PptxDocument::media`, from 1.
     int media = 0;
     /// Alternative text of a picture.

@@ -78,9 +78,9 @@ QByteArray textBox(const PptxShape& shape, int id)
 {
     QByteArray xml = "<p:sp><p:nvSpPr><p:cNvPr id=\"" + number(id) + "\" name=\"TextBox " +
                      number(id - 1) + "\"/><p:cNvSpPr txBox=\"1\"/><p:nvPr/></p:nvSpPr><p:spPr>" +
-                     transform(shape) +
-                     "<a:noFill/></p:spPr><p:txBody><a:bodyPr wrap=\"square\" rtlCol=\"0\">"
-                     "<a:noAutofit/></a:bodyPr><a:lstStyle/>";
+                     transform(shape) + "<a:noFill/></p:spPr><p:txBody><a:bodyPr wrap=\"" +
+                     (shape.longLines == LongLines::Wrap ? "square" : "none") +
+                     "\" rtlCol=\"0\"><a:noAutofit/></a:bodyPr><a:lstStyle/>";
     for (const QString& paragraph : slideParagraphs(shape.text)) {
         xml += paragraph.isEmpty() ? QByteArrayLiteral("<a:p/>")
                                    : "<a:p><a:r><a:t>" + escaped(paragraph) + "</a:t></a:r></a:p>";

@@ -1,5 +1,6 @@
 #include "presentation/pptx/pptx_program.h"
 
+#include "files/sync.h"
 #include "pictures/picture_info.h"
 #include "presentation/pptx/pptx_writer.h"
 #include "store/errors.h"
@@ -120,13 +121,15 @@ PptxShape& PptxProgram::shapeAt(int shape)
     return slide.shapes[size_t(shape) - 1];
 }
 
-void PptxProgram::addTextBox(double left, double top, double width, double height)
+void PptxProgram::addTextBox(double left, double top, double width, double height,
+                             LongLines longLines)
 {
     PptxShape box;
     box.left = emu(left);
     box.top = emu(top);
     box.width = emu(width);
     box.height = emu(height);
+    box.longLines = longLines;
     currentSlide().shapes.push_back(std::move(box));
 }
 
@@ -199,6 +202,8 @@ QString PptxProgram::giveFinalName()
                              QStringLiteral(".pptx");
         // Never replaces a file, so one made since the last look is safe as well.
         if (!QFileInfo::exists(path) && QFile::rename(partPath_, path)) {
+            // The file is on the disk; whether its name is, too, must not cost the slides.
+            static_cast<void>(SyncFolder(QFileInfo(path).filesystemAbsolutePath()));
             return path;
         }
     }

@@ -1,5 +1,6 @@
 #include "presentation/pptx/zip_writer.h"
 
+#include "files/sync.h"
 #include "store/errors.h"
 
 #include <QDir>
@@ -8,10 +9,6 @@
 #include <zlib.h>
 
 #include <limits>
-
-#ifdef Q_OS_UNIX
-#include <unistd.h>
-#endif
 
 namespace varnholt {
 
@@ -199,12 +196,10 @@ void ZipWriter::finish()
     put(tail, quint16(0));
     append(tail);
     flush();
-#ifdef Q_OS_UNIX
     // A final name must not outlive a power cut without its bytes.
-    if (fsync(file_.handle()) != 0) {
-        fail(qt_error_string());
+    if (const std::error_code error = SyncFile(file_.handle())) {
+        fail(QString::fromStdString(error.message()));
     }
-#endif
     file_.close();
     finished_ = true;
 }
