@@ -109,6 +109,7 @@ public:
             throw Error(QStringLiteral("\"%1\" could not be started: %2.")
                             .arg(process_.program(), process_.errorString()));
         }
+        group_ = getpgid(pid_t(pid_));
         sinceEnd_.invalidate();
     }
 
@@ -128,21 +129,22 @@ public:
     /// ours: the one that handed over to it has ended by itself.
     void end()
     {
-        if (pid_ == 0) {
+        if (group_ <= 1 || group_ == getpgrp()) {
             return;
         }
-        kill(-pid_t(pid_), SIGTERM);
-        for (int waited = 0; waited < endMs && kill(-pid_t(pid_), 0) == 0; waited += pollEveryMs) {
+        kill(-group_, SIGTERM);
+        for (int waited = 0; waited < endMs && kill(-group_, 0) == 0; waited += pollEveryMs) {
             QThread::msleep(pollEveryMs);
         }
-        kill(-pid_t(pid_), SIGKILL);
-        pid_ = 0;
+        kill(-group_, SIGKILL);
     }
 
 private:
     const int handOverMs_;
     QProcess process_;
     qint64 pid_ = 0;
+    /// Of processes: the office is a child of the command that starts it.
+    pid_t group_ = 0;
     QElapsedTimer sinceEnd_;
 };
 
