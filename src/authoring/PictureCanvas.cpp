@@ -63,6 +63,14 @@ std::int32_t draggedTo(std::int32_t wanted, std::int32_t size, std::int32_t oute
     return outerSize < sum(from, size) ? difference(outerSize, size) : from;
 }
 
+/// The scroll position nearest to `value` that shows all from `first` to `last`, or `first`
+/// where that is more than the page holds.
+std::int32_t scrolledTo(std::int32_t value, std::int32_t first, std::int32_t last,
+                        std::int32_t page)
+{
+    return std::max(std::min(std::max(value, difference(last, page)), first), 0);
+}
+
 } // namespace
 
 PictureCanvas::PictureCanvas(QSize page, int canvasBorder, int pageBorder)
@@ -256,6 +264,16 @@ void PictureCanvas::MouseUp()
     SelY2 = std::min(SelY2, picQuestion.innerHeight());
 }
 
+void PictureCanvas::SelectAll()
+{
+    DropSelection();
+    MouseDown(0, 0);
+    MouseMove(picQuestion.innerWidth() - 1, picQuestion.innerHeight() - 1);
+    MouseUp();
+    SelX2 = picQuestion.innerWidth();
+    SelY2 = picQuestion.innerHeight();
+}
+
 void PictureCanvas::orderCorners()
 {
     if (SelX1 > SelX2) {
@@ -399,6 +417,8 @@ void PictureCanvas::Nudge(std::int32_t dx, std::int32_t dy)
     MoveX1 = sum(SelX1, dx);
     MoveY1 = sum(SelY1, dy);
     MoveSelection(SelectionMove::Dragged);
+    setHScroll(scrolledTo(hScroll_.value, SelX1, SelX2, picCropped.outerWidth()));
+    setVScroll(scrolledTo(vScroll_.value, SelY1, SelY2, picCropped.outerHeight()));
 }
 
 void PictureCanvas::StampText(const QString& text)

@@ -74,7 +74,10 @@ public:
     /// Centres the selected region on a white page.
     void Crop();
     void MoveSelection(SelectionMove mode);
-    /// Moves the selection by a few pixels as dragging it does.
+    /// Selects the whole canvas. The frame's far sides are drawn on the last pixels, where
+    /// they show; the selection reaches to the edges.
+    void SelectAll();
+    /// Moves the selection by a few pixels as dragging it does, and keeps it in view.
     void Nudge(std::int32_t dx, std::int32_t dy);
     /// Prints a line at the selection's, or the last selection's, first corner.
     void StampText(const QString& text);

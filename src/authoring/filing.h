@@ -24,16 +24,4 @@ struct FilingChoice
 /// Position of the last choice with this key; 0 when there is none.
 [[nodiscard]] int PositionOf(const std::vector<FilingChoice>& choices, std::int32_t key);
 
-/// What is known before a save is tried.
-struct SaveReadiness
-{
-    QString answer;
-    bool hasPicture = false;
-    bool hasSubtopic = false;
-    bool libraryReadOnly = false;
-};
-
-/// Why a save would not succeed, in one sentence; empty when nothing stands in its way.
-[[nodiscard]] QString SaveObstacle(const SaveReadiness& readiness, const QString& programFolder);
-
 } // namespace varnholt

@@ -1,9 +1,8 @@
 #include "authoring/frmAddNewQuestion.h"
 
 #include "authoring/frmPictureText.h"
-#include "authoring/question_save.h"
+#include "authoring/hints.h"
 #include "manage/frmNewInfo.h"
-#include "store/catalogue.h"
 #include "store/connection.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
@@ -118,85 +117,6 @@ void frmAddNewQuestion::Form_Load()
     showCanvas();
 }
 
-void frmAddNewQuestion::FillTopicCombo()
-{
-    topicChoices_ = TopicChoices(state_);
-    cboTopics_->clear();
-    for (const FilingChoice& choice : topicChoices_) {
-        cboTopics_->addEntry(choice.text, choice.key);
-    }
-}
-
-void frmAddNewQuestion::FillSubtopicCombo()
-{
-    subtopicChoices_ = SubtopicChoices(state_, CurrentTopicID_);
-    cboSubtopics_->clear();
-    for (const FilingChoice& choice : subtopicChoices_) {
-        cboSubtopics_->addEntry(choice.text, choice.key);
-    }
-    if (preselection_.subtopicNum) {
-        SelectSubtopicById(*preselection_.subtopicNum);
-    } else {
-        cboSubtopics_->setListIndex(0);
-    }
-}
-
-void frmAddNewQuestion::SelectTopicById(std::int32_t topicId)
-{
-    cboTopics_->setListIndex(PositionOf(topicChoices_, topicId));
-}
-
-void frmAddNewQuestion::SelectSubtopicById(std::int32_t subtopicNum)
-{
-    cboSubtopics_->setListIndex(PositionOf(subtopicChoices_, subtopicNum));
-}
-
-void frmAddNewQuestion::cboTopics_Click()
-{
-    const int index = cboTopics_->listIndex();
-    CurrentTopicID_ = index < 0 ? 0 : cboTopics_->entryData(index);
-    FillSubtopicCombo();
-}
-
-bool frmAddNewQuestion::openNewInfo(bool subtopicOnly, std::optional<NamedTopic> chosen)
-{
-    state_.SubtopicOnly = subtopicOnly;
-    openNewInfo_(this, std::move(chosen));
-    return state_.NewInfoSaved;
-}
-
-void frmAddNewQuestion::cmdNewTopic_Click()
-{
-    if (!openNewInfo(false, std::nullopt)) {
-        return;
-    }
-    cboTopics_->clear();
-    cboSubtopics_->clear();
-    LoadTopics(state_, connection_, *services_.messageBoxes);
-    LoadSubTopics(state_, connection_, *services_.messageBoxes);
-    FillTopicCombo();
-    SelectTopicById(state_.NewTopicID);
-    SelectSubtopicById(state_.NewSubtopicNum);
-    state_.StructureChanged = true;
-}
-
-void frmAddNewQuestion::cmdNewSubtopic_Click()
-{
-    std::optional<NamedTopic> chosen;
-    if (cboTopics_->listIndex() >= 0) {
-        chosen =
-            NamedTopic{cboTopics_->entryData(cboTopics_->listIndex()), cboTopics_->currentText()};
-    }
-    if (!openNewInfo(true, std::move(chosen))) {
-        return;
-    }
-    cboSubtopics_->clear();
-    LoadSubTopics(state_, connection_, *services_.messageBoxes);
-    FillSubtopicCombo();
-    SelectSubtopicById(state_.NewSubtopicNum);
-    state_.StructureChanged = true;
-}
-
 void frmAddNewQuestion::cmdPaste_Click()
 {
     onCanvas(QStringLiteral("Paste Error"), [this] {
@@ -251,25 +171,29 @@ void frmAddNewQuestion::cmdSave_Click()
     onCanvas({}, [this] { canvas_.DropSelection(); });
     if (!services_.messageBoxes->yesNo(
             QStringLiteral("Save?"),
-            QStringLiteral("Are you sure you want to save this  question?"))) {
+            QStringLiteral("Are you sure you want to save this  question?"),
+            MessageBoxes::Answer::Yes)) {
         return;
     }
     try {
         const LongWork busy(this, QStringLiteral("Saving the question..."),
                             LongWork::Cancel::NotOffered);
-        SaveQuestion(connection_, services_.programFolder,
-                     {state_.CurrentAssessmentNum, cboTopics_->entryData(cboTopics_->listIndex()),
-                      cboSubtopics_->entryData(cboSubtopics_->listIndex()),
-                      txtAnswer_->text().trimmed()},
-                     canvas_);
-    } catch (const Error& error) {
+        question_ = {state_.CurrentAssessmentNum, cboTopics_->entryData(cboTopics_->listIndex()),
+                     cboSubtopics_->entryData(cboSubtopics_->listIndex()),
+                     txtAnswer_->text().trimmed(), question_.SOLIndex};
+        SaveQuestion(connection_, services_.programFolder, question_, canvas_);
+    } catch (const std::exception& failure) {
         // No box: the window stays, with the reason where it says what stands in the way.
-        lblSaveHint_->say(QStringLiteral("The save failed. ") + error.message());
-        return;
-    } catch (const std::exception&) {
-        showObstacle();
+        const auto* known = dynamic_cast<const Error*>(&failure);
+        const QString obstacle = saveObstacle();
+        const QString outcome =
+            question_.SOLIndex == 0 ? QStringLiteral("The question was not saved. ") : QString();
+        lblSaveHint_->say(!obstacle.isEmpty() ? obstacle
+                                              : outcome + (known ? known->message() : QString()));
         return;
     }
+    state_.LastFiledTopicID = question_.TopicID;
+    state_.LastFiledSubtopicNum = question_.SubtopicNum;
     services_.messageBoxes->inform(QStringLiteral("Question Saved"),
                                    QStringLiteral("The question was saved successfully."));
     state_.QuestionSaved = true;
@@ -316,6 +240,7 @@ void frmAddNewQuestion::showCanvas()
     show(VScroll_, canvas_.VScroll());
     fraPictureControls_->setVisible(canvas_.controlsShown());
     if (!canvas_.isDragging()) {
+        picQuestion_->setAccessibleDescription(CanvasDescription(canvas_));
         showObstacle();
     }
 }
@@ -332,16 +257,21 @@ void frmAddNewQuestion::showPointer(double X, double Y)
 
 void frmAddNewQuestion::showObstacle()
 {
-    QString hint = SaveObstacle({txtAnswer_->text(), canvas_.picQuestion.hasPicture(),
-                                 cboSubtopics_->listIndex() >= 0, connection_.isReadOnly()},
-                                services_.programFolder);
-    if (hint.isEmpty() && (canvas_.HScroll().visible || canvas_.VScroll().visible)) {
-        hint = QStringLiteral("Only the upper left %1 by %2 pixels of the picture will be saved. "
-                              "Frame what you need and crop it.")
-                   .arg(questionPage.width())
-                   .arg(questionPage.height());
+    // What is framed is at hand now; the save comes later.
+    for (const QString& hint : {FrameHint(canvas_), saveObstacle(), PageHint(canvas_)}) {
+        if (!hint.isEmpty()) {
+            lblSaveHint_->say(hint);
+            return;
+        }
     }
-    lblSaveHint_->say(hint);
+    lblSaveHint_->say({});
+}
+
+QString frmAddNewQuestion::saveObstacle() const
+{
+    return SaveObstacle({txtAnswer_->text(), canvas_.picQuestion.hasPicture(),
+                         cboSubtopics_->listIndex() >= 0, connection_.isReadOnly()},
+                        services_.programFolder);
 }
 
 bool frmAddNewQuestion::eventFilter(QObject* watched, QEvent* event)
@@ -400,12 +330,7 @@ bool frmAddNewQuestion::canvasKeyPress(QKeyEvent* event)
         return true;
     };
     if (event->matches(QKeySequence::SelectAll)) {
-        onCanvas({}, [this] {
-            canvas_.DropSelection();
-            canvas_.MouseDown(0, 0);
-            canvas_.MouseMove(canvas_.picQuestion.innerWidth(), canvas_.picQuestion.innerHeight());
-            canvas_.MouseUp();
-        });
+        onCanvas({}, [this] { canvas_.SelectAll(); });
         return true;
     }
     switch (event->key()) {

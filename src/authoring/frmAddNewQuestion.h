@@ -2,6 +2,7 @@
 
 #include "authoring/PictureCanvas.h"
 #include "authoring/filing.h"
+#include "authoring/question_save.h"
 #include "manage/filing_preselection.h"
 #include "manage/new_info.h"
 
@@ -82,6 +83,7 @@ private:
     void showCanvas();
     void showPointer(double X, double Y);
     void showObstacle();
+    [[nodiscard]] QString saveObstacle() const;
     [[nodiscard]] bool answerKeyPress(QKeyEvent* event);
     [[nodiscard]] bool canvasKeyPress(QKeyEvent* event);
 
@@ -91,6 +93,8 @@ private:
     FilingPreselection preselection_;
     OpenNewInfo openNewInfo_;
     PictureCanvas canvas_;
+    /// As last tried to save; has a key while its row waits for its picture.
+    NewQuestion question_;
     std::int32_t CurrentTopicID_ = 0;
     std::vector<FilingChoice> topicChoices_;
     std::vector<FilingChoice> subtopicChoices_;

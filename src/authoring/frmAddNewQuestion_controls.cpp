@@ -1,5 +1,6 @@
 #include "authoring/frmAddNewQuestion.h"
 
+#include "manage/answer_hint.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/LineEdit.h"
@@ -38,6 +39,8 @@ public:
         setWidget(content);
         setWidgetResizable(true);
         setFrameShape(NoFrame);
+        // It follows the focus of what is in it and is no stop of its own.
+        setFocusPolicy(Qt::NoFocus);
     }
 
     [[nodiscard]] QSize sizeHint() const override { return widget()->sizeHint(); }
@@ -79,9 +82,6 @@ QWidget* frmAddNewQuestion::buildCanvas()
     picCropped_->installEventFilter(this);
     picQuestion_ = named(new PictureBox(canvas_.picQuestion, picCropped_), "picQuestion",
                          QStringLiteral("Picture of the question"));
-    picQuestion_->setAccessibleDescription(
-        QStringLiteral("Ctrl+A selects the whole picture, the arrow keys move the selection, "
-                       "Delete erases it, Escape drops it."));
     picQuestion_->setFocusPolicy(Qt::StrongFocus);
     picQuestion_->setCursor(Qt::CrossCursor);
     picQuestion_->installEventFilter(this);
@@ -117,6 +117,7 @@ QWidget* frmAddNewQuestion::buildCanvas()
     grid->addWidget(HScroll_, 3, 0);
     grid->setRowMinimumHeight(4, fontMetrics().height() / 4);
     grid->addWidget(lblHelp, 5, 0);
+    grid->addWidget(buildPictureControls(), 6, 0);
     return area;
 }
 
@@ -147,13 +148,13 @@ QWidget* frmAddNewQuestion::buildPictureControls()
                     QStringLiteral("Writes a line of text at the frame's upper left corner."));
     auto* grid = new QGridLayout(fraPictureControls_);
     grid->addWidget(cmdCrop_, 0, 0);
-    grid->addWidget(cmdCenter_, 0, 1);
-    grid->addWidget(cmdUp_, 1, 0);
+    grid->addWidget(cmdCenter_, 1, 0);
+    grid->addWidget(cmdUp_, 0, 1);
     grid->addWidget(cmdDown_, 1, 1);
-    grid->addWidget(cmdMoveLeft_, 2, 0);
-    grid->addWidget(cmdRight_, 2, 1);
-    grid->addWidget(cmdErase_, 3, 0);
-    grid->addWidget(cmdText_, 3, 1);
+    grid->addWidget(cmdMoveLeft_, 0, 2);
+    grid->addWidget(cmdRight_, 1, 2);
+    grid->addWidget(cmdErase_, 0, 3);
+    grid->addWidget(cmdText_, 1, 3);
     return fraPictureControls_;
 }
 
@@ -165,6 +166,10 @@ QLayout* frmAddNewQuestion::buildFiling()
     auto* lblSubTopic = makeLabel("lblSubTopic", QStringLiteral("Su&btopic:"));
     cboSubtopics_ = named(new ComboBox, "cboSubtopics", QStringLiteral("Subtopic"));
     lblSubTopic->setBuddy(cboSubtopics_);
+    for (ComboBox* combo : {cboTopics_, cboSubtopics_}) {
+        // Beside the page a screen of 1024 pixels leaves no more.
+        combo->setMinimumContentsLength(12);
+    }
     cmdNewTopic_ = makeButton("cmdNewTopic", QStringLiteral("&New Topic and Subtopic"));
     cmdNewSubtopic_ = makeButton("cmdNewSubtopic", QStringLiteral("Ne&w Subtopic"));
     auto* lblAnswer = makeLabel("lblAnswer", QStringLiteral("&Answer:"));
@@ -173,7 +178,7 @@ QLayout* frmAddNewQuestion::buildFiling()
     lblAnswer->setBuddy(txtAnswer_);
     lblAnswerHint_ = new HintLabel("lblAnswerHint", txtAnswer_, HintLabel::Place::Kept);
     lblAnswerHint_->setText(ApostropheHint(QStringLiteral("'")));
-    lblAnswerHint_->watchForApostrophes(txtAnswer_);
+    WatchAnswer(lblAnswerHint_, txtAnswer_);
 
     cmdSave_ = makeButton("cmdSave", QStringLiteral("&Save"));
     cmdSave_->setToolTip(QStringLiteral("Ctrl+S"));
@@ -191,7 +196,6 @@ QLayout* frmAddNewQuestion::buildFiling()
     column->addWidget(lblAnswer);
     column->addWidget(txtAnswer_);
     column->addWidget(lblAnswerHint_);
-    column->addWidget(buildPictureControls());
     column->addStretch(1);
     column->addWidget(lblSaveHint_);
     auto* buttons = new QHBoxLayout;

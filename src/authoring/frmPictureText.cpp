@@ -144,6 +144,11 @@ void frmPictureText::Form_Load()
 {
     state_.TextToAdd.clear();
     optMSSansSerif_->setChecked(true);
+    // Qt would let Tab stop at the first one until one of them has had the focus.
+    const QList<QRadioButton*> options = findChildren<QRadioButton*>();
+    for (QRadioButton* option : options) {
+        option->setFocusPolicy(option->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+    }
     lstFontSize_->setListIndex(0);
 }
 

@@ -111,19 +111,21 @@ void writePicture(const QString& programFolder, std::int32_t key, PictureCanvas&
 
 } // namespace
 
-std::int32_t SaveQuestion(Connection& connection, const QString& programFolder,
-                          const NewQuestion& question, PictureCanvas& canvas,
-                          const SaveStepObserver& observer)
+void SaveQuestion(Connection& connection, const QString& programFolder, NewQuestion& question,
+                  PictureCanvas& canvas, const SaveStepObserver& observer)
 {
     const SaveStepObserver step = observer ? observer : [](SaveStep) {};
     Transaction transaction(connection);
     step(SaveStep::InsertRow);
-    connection.execute(statements::InsertQuestion(question.TopicID, question.Answer,
-                                                  question.AssessmentNum, question.SubtopicNum));
-    std::int32_t key = 0;
+    std::int32_t key = question.SOLIndex;
+    connection.execute(
+        key == 0 ? statements::InsertQuestion(question.TopicID, question.Answer,
+                                              question.AssessmentNum, question.SubtopicNum)
+                 : statements::UpdateQuestion(key, question.TopicID, question.SubtopicNum,
+                                              question.Answer));
     try {
         step(SaveStep::ReadKey);
-        key = readNewestKey(connection, question.AssessmentNum);
+        key = key == 0 ? readNewestKey(connection, question.AssessmentNum) : key;
         step(SaveStep::SetOldPictureAside);
         setOldPictureAside(programFolder, key);
         writePicture(programFolder, key, canvas, step);
@@ -135,9 +137,11 @@ std::int32_t SaveQuestion(Connection& connection, const QString& programFolder,
             throw;
         }
         transaction.commit();
+        question.SOLIndex = key;
         const auto* known = dynamic_cast<const Error*>(&failure);
         throw Error((known ? known->message() + u' ' : QString()) +
-                    QStringLiteral("The question is in the library without its picture."));
+                    QStringLiteral("The question is in the library without its picture: save "
+                                   "again to add it."));
     }
     try {
         step(SaveStep::Commit);
@@ -146,7 +150,7 @@ std::int32_t SaveQuestion(Connection& connection, const QString& programFolder,
         QFile::remove(NewPictureFile(programFolder, key));
         throw;
     }
-    return key;
+    question.SOLIndex = key;
 }
 
 } // namespace varnholt

@@ -5,8 +5,8 @@
 
 namespace varnholt {
 
-/// The rows that are current in the library manager's topic and subtopic lists when it opens
-/// a dialog that files a question.
+/// The topic and subtopic with which a dialog that files a question opens: the rows that are
+/// current in the library manager's lists, or where the last question went.
 struct FilingPreselection
 {
     std::optional<std::int32_t> topicId;

@@ -1,5 +1,6 @@
 #include "manage/frmEditQuestion.h"
 
+#include "manage/answer_hint.h"
 #include "manage/question_edit.h"
 #include "manage/structure_maintenance.h"
 #include "store/services.h"
@@ -73,7 +74,7 @@ void frmEditQuestion::buildControls()
         previous = next;
     }
 
-    lblAnswerHint->watchForApostrophes(txtAnswer_);
+    WatchAnswer(lblAnswerHint, txtAnswer_);
     connect(cboTopics_, &ComboBox::Click, this, &frmEditQuestion::cboTopics_Click);
     connect(cboSubtopics_, &ComboBox::Click, this, &frmEditQuestion::updateFilingHint);
     connect(cmdSave, &QPushButton::clicked, this, &frmEditQuestion::cmdSave_Click);
@@ -162,7 +163,8 @@ void frmEditQuestion::cmdSave_Click()
     }
     if (!messages.yesNo(
             QStringLiteral("Save?"),
-            QStringLiteral("Are you sure you want to save these changes to this question?"))) {
+            QStringLiteral("Are you sure you want to save these changes to this question?"),
+            MessageBoxes::Answer::Yes)) {
         return;
     }
     try {

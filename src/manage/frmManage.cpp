@@ -131,18 +131,17 @@ void frmManage::FillAssessmentCombo()
 {
     cboAssessment_->clear();
     int chosen = 0;
-    std::int32_t last = 0;
     for (const AssessmentRecord& record : state_.AssessmentList) {
         if (record.AssessmentNum == state_.LastAssessmentNum && state_.LastAssessmentNum > 0) {
             chosen = cboAssessment_->listCount();
         }
         cboAssessment_->addEntry(record.AssessmentName, record.AssessmentNum);
-        last = record.AssessmentNum;
     }
-    const bool full = last >= std::numeric_limits<std::int16_t>::max();
+    const std::int32_t highest = HighestAssessmentNum(connection_);
+    const bool full = highest >= std::numeric_limits<std::int16_t>::max();
     lblAssessmentHint_->say(full ? QStringLiteral("The assessments' numbers have reached %1, the "
                                                   "largest possible: adding one ends in an error.")
-                                       .arg(last)
+                                       .arg(highest)
                                  : QString());
     if (!state_.AssessmentList.isEmpty()) {
         // Without the reaction: the caller opens the assessment, once.
@@ -300,13 +299,10 @@ void frmManage::HandlePictureButtons()
 {
     const PictureButtons enabled =
         EnabledPictureButtons(state_.QuestionPosition, state_.QuestionCount);
-    // A button that had the focus hands it to its neighbour when it ends its use.
-    if (enabled.left && !enabled.right && cmdRight_->hasFocus()) {
-        cmdLeft_->setEnabled(true);
-        cmdLeft_->setFocus();
-    } else if (enabled.right && !enabled.left && cmdLeft_->hasFocus()) {
-        cmdRight_->setEnabled(true);
-        cmdRight_->setFocus();
+    // A button that comes to its end gives the focus to the list of subtopics, from where work
+    // goes on. From its neighbour one key press too many would step backwards.
+    if ((cmdLeft_->hasFocus() && !enabled.left) || (cmdRight_->hasFocus() && !enabled.right)) {
+        lstSubtopics_->setFocus();
     }
     cmdLeft_->setEnabled(enabled.left);
     cmdRight_->setEnabled(enabled.right);
@@ -356,7 +352,7 @@ void frmManage::cmdAddNewQuestion_Click()
         return;
     }
     const int row = lstTopics_->listIndex();
-    openAuthoring_(window(), currentRows());
+    openAuthoring_(window(), filingForNewQuestion());
     if (state_.QuestionSaved || state_.StructureChanged) {
         ShowSubtopicQuestions();
         cboAssessment_Click();
@@ -400,6 +396,16 @@ void frmManage::inform(const QString& title, const QString& text)
 FilingPreselection frmManage::currentRows() const
 {
     return {currentData(*lstTopics_), currentData(*lstSubtopics_)};
+}
+
+FilingPreselection frmManage::filingForNewQuestion() const
+{
+    const FilingPreselection rows = currentRows();
+    // A saved question leaves no row chosen; the next one mostly belongs beside it.
+    if (rows.topicId || state_.LastFiledTopicID == 0) {
+        return rows;
+    }
+    return {state_.LastFiledTopicID, state_.LastFiledSubtopicNum};
 }
 
 } // namespace varnholt

@@ -89,6 +89,7 @@ private:
     void attempt(const QString& failure, const std::function<void()>& work);
     void inform(const QString& title, const QString& text);
     [[nodiscard]] FilingPreselection currentRows() const;
+    [[nodiscard]] FilingPreselection filingForNewQuestion() const;
 
     Services& services_;
     ProgramState& state_;

@@ -24,6 +24,16 @@ std::int32_t LastListedAssessment(Connection& connection)
     return toInt16(last);
 }
 
+std::int32_t HighestAssessmentNum(Connection& connection)
+{
+    try {
+        Recordset rows = connection.read(statements::SelectMaxAssessmentNum());
+        return rows.next() ? rows.integer(rows.field("NewAssessmentNum")) : 0;
+    } catch (const DatabaseError&) {
+        return 0;
+    }
+}
+
 void RememberAssessment(ProgramState& state, Connection& connection, std::int32_t assessmentNum)
 {
     state.CurrentAssessmentNum = assessmentNum;

@@ -22,6 +22,9 @@ void AddAssessment(Connection& connection, const QString& name);
 /// Key of the last available assessment in the order of the database: the one just added.
 /// Throws `OverflowError` when it does not fit into 16 bits.
 [[nodiscard]] std::int32_t LastListedAssessment(Connection& connection);
+/// The highest key that an assessment has ever had, deleted ones included: the next one comes
+/// after it. 0 without any, and when it cannot be read.
+[[nodiscard]] std::int32_t HighestAssessmentNum(Connection& connection);
 /// Makes an assessment current (0 for none) and remembers it in the library.
 void RememberAssessment(ProgramState& state, Connection& connection, std::int32_t assessmentNum);
 

@@ -85,6 +85,10 @@ struct ProgramState
     std::int32_t NewTopicID = 0;
     std::int32_t NewSubtopicNum = 0;
     QString TextToAdd;
+
+    /// Where the last question since the program started was filed; 0 before the first.
+    std::int32_t LastFiledTopicID = 0;
+    std::int32_t LastFiledSubtopicNum = 0;
 };
 
 } // namespace varnholt

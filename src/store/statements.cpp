@@ -15,7 +15,7 @@ QString quoted(const QString& text)
 {
     if (!canHold(text)) {
         throw DatabaseError(
-            QStringLiteral("Syntax error in statement: the text %1 holds a single quote.")
+            QStringLiteral("The text %1 holds an apostrophe ('), which cannot be saved.")
                 .arg(text));
     }
     return u'\'' + text + u'\'';

@@ -17,17 +17,13 @@
 
 #include <gtest/gtest.h>
 
-/// Failures show texts, not bytes.
-inline void PrintTo(const QString& text, std::ostream* out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
-
 namespace varnholt::test {
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-const QString saveError = QStringLiteral("Save Error");
+const QString saveError = u"Save Error"_s;
 const QSize captureSize(1000, 700);
 
 class Authoring : public testing::Test, protected TestWorld
@@ -35,13 +31,13 @@ class Authoring : public testing::Test, protected TestWorld
 protected:
     Authoring()
     {
-        maths = library.addAssessment(QStringLiteral("Maths"));
-        algebra = library.addTopic(maths, QStringLiteral("Algebra"));
-        library.addTopic(maths, QStringLiteral("Bare"));
-        geometry = library.addTopic(maths, QStringLiteral("Geometry"));
-        library.addSubTopic(maths, algebra, QStringLiteral("Linear"));
-        quadratic = library.addSubTopic(maths, algebra, QStringLiteral("Quadratic"));
-        library.addSubTopic(maths, geometry, QStringLiteral("Circles"));
+        maths = library.addAssessment(u"Maths"_s);
+        algebra = library.addTopic(maths, u"Algebra"_s);
+        library.addTopic(maths, u"Bare"_s);
+        geometry = library.addTopic(maths, u"Geometry"_s);
+        library.addSubTopic(maths, algebra, u"Linear"_s);
+        quadratic = library.addSubTopic(maths, algebra, u"Quadratic"_s);
+        library.addSubTopic(maths, geometry, u"Circles"_s);
         connection.open(library.databasePath());
         state.CurrentAssessmentNum = maths;
         LoadCurrentAssessment(state, connection, messages);
@@ -93,13 +89,10 @@ protected:
     QImage picture() { return window->canvas().picQuestion.picture(); }
     void expectQuestion(bool yes)
     {
-        messages.expectYesNo(QStringLiteral("Save?"),
-                             QStringLiteral("Are you sure you want to save this  question?"), yes);
+        messages.expectYesNo(u"Save?"_s, u"Are you sure you want to save this  question?"_s, yes,
+                             MessageBoxes::Answer::Yes);
     }
-    int questions()
-    {
-        return library.value(QStringLiteral("SELECT count(*) FROM Questions")).toInt();
-    }
+    int questions() { return library.value(u"SELECT count(*) FROM Questions"_s).toInt(); }
 
     std::int32_t maths, algebra, geometry, quadratic;
     std::function<void(std::optional<NamedTopic>)> newInfo;
@@ -115,14 +108,14 @@ TEST_F(Authoring, OffersTopicsWithSubtopicsAndStartsWhereTheManagerStood)
     EXPECT_FALSE(state.QuestionSaved || state.StructureChanged);
     EXPECT_FALSE(part("fraPictureControls")->isVisible());
     EXPECT_EQ(combo("cboTopics")->count(), 2);
-    EXPECT_EQ(filing(), QStringLiteral("Algebra/Linear"));
+    EXPECT_EQ(filing(), u"Algebra/Linear"_s);
     open({algebra, quadratic});
-    EXPECT_EQ(filing(), QStringLiteral("Algebra/Quadratic"));
+    EXPECT_EQ(filing(), u"Algebra/Quadratic"_s);
     combo("cboTopics")->setListIndex(1);
-    EXPECT_EQ(filing(), QStringLiteral("Geometry/Circles"));
+    EXPECT_EQ(filing(), u"Geometry/Circles"_s);
     // What is not offered gives the first.
     open({algebra + 1, 4711});
-    EXPECT_EQ(filing(), QStringLiteral("Algebra/Linear"));
+    EXPECT_EQ(filing(), u"Algebra/Linear"_s);
 }
 
 TEST_F(Authoring, TakesOverWhatTheNewInfoDialogSaved)
@@ -131,34 +124,34 @@ TEST_F(Authoring, TakesOverWhatTheNewInfoDialogSaved)
     newInfo = [&](std::optional<NamedTopic> chosen) {
         EXPECT_TRUE(state.SubtopicOnly);
         EXPECT_EQ(chosen->TopicID, geometry);
-        EXPECT_EQ(chosen->Topic, QStringLiteral("Geometry"));
+        EXPECT_EQ(chosen->Topic, u"Geometry"_s);
         state.NewInfoSaved = false;
     };
     click(window.get(), "cmdNewSubtopic");
     EXPECT_FALSE(state.StructureChanged);
     newInfo = [&](std::optional<NamedTopic>) {
-        library.addSubTopic(maths, geometry, QStringLiteral("Angles"));
-        state.NewSubtopicNum = library.addSubTopic(maths, geometry, QStringLiteral("Lines"));
+        library.addSubTopic(maths, geometry, u"Angles"_s);
+        state.NewSubtopicNum = library.addSubTopic(maths, geometry, u"Lines"_s);
         state.NewInfoSaved = true;
     };
     click(window.get(), "cmdNewSubtopic");
-    EXPECT_EQ(filing(), QStringLiteral("Geometry/Lines"));
+    EXPECT_EQ(filing(), u"Geometry/Lines"_s);
     EXPECT_TRUE(std::exchange(state.StructureChanged, false));
     newInfo = [&](std::optional<NamedTopic> chosen) {
         EXPECT_FALSE(state.SubtopicOnly || chosen);
-        state.NewTopicID = library.addTopic(maths, QStringLiteral("Chance"));
-        library.addSubTopic(maths, state.NewTopicID, QStringLiteral("Cards"));
-        state.NewSubtopicNum = library.addSubTopic(maths, state.NewTopicID, QStringLiteral("Dice"));
+        state.NewTopicID = library.addTopic(maths, u"Chance"_s);
+        library.addSubTopic(maths, state.NewTopicID, u"Cards"_s);
+        state.NewSubtopicNum = library.addSubTopic(maths, state.NewTopicID, u"Dice"_s);
     };
     click(window.get(), "cmdNewTopic");
-    EXPECT_EQ(filing(), QStringLiteral("Chance/Dice"));
+    EXPECT_EQ(filing(), u"Chance/Dice"_s);
     EXPECT_TRUE(state.StructureChanged);
 }
 
 TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
 {
     open();
-    EXPECT_EQ(hint(), QStringLiteral("Still needed before saving: a picture and an answer."));
+    EXPECT_EQ(hint(), u"Still needed before saving: a picture and an answer."_s);
     messages.beforeAnswer = [&] {
         EXPECT_FALSE(window->canvas().SelectionShown || window->canvas().isDragging());
         EXPECT_FALSE(part("fraPictureControls")->isVisible());
@@ -166,31 +159,32 @@ TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
     // In the middle of a drag.
     QTest::mousePress(canvas(), Qt::LeftButton, {}, {20, 20});
     QTest::mouseMove(canvas(), {200, 90});
-    messages.expectInform(saveError,
-                          QStringLiteral("Cannot save because Answer is a required field."));
+    messages.expectInform(saveError, u"Cannot save because Answer is a required field."_s);
     key(Qt::Key_S, Qt::ControlModifier);
-    answer(QStringLiteral("  "));
-    messages.expectInform(saveError,
-                          QStringLiteral("Cannot save because the picture of the question is "
-                                         "missing.  Please paste a picture before saving."));
+    QTest::mouseRelease(canvas(), Qt::LeftButton);
+    answer(u"  "_s);
+    messages.expectInform(saveError, u"Cannot save because the picture of the question is "
+                                     "missing.  Please paste a picture before saving."_s);
     click(window.get(), "cmdSave");
     click(window.get(), "cmdPaste");
-    EXPECT_TRUE(hint().startsWith(QStringLiteral("Only the upper left 800 by 500 pixels")));
+    EXPECT_TRUE(hint().startsWith(u"Only the upper left 800 by 500 pixels"_s));
     drag({20, 20}, {90, 80});
     expectQuestion(false);
     click(window.get(), "cmdSave");
     EXPECT_EQ(questions(), 0);
     EXPECT_EQ(picture(), window->canvas().picQuestion.image());
+    EXPECT_EQ(state.LastFiledTopicID, 0);
 
     expectQuestion(true);
-    messages.expectInform(QStringLiteral("Question Saved"),
-                          QStringLiteral("The question was saved successfully."));
+    messages.expectInform(u"Question Saved"_s, u"The question was saved successfully."_s);
     click(window.get(), "cmdSave");
     EXPECT_TRUE(state.QuestionSaved);
     EXPECT_FALSE(window->isVisible());
-    EXPECT_EQ(library.value(QStringLiteral("SELECT TopicID, SubTopicNum, Answer FROM Questions")),
-              QStringLiteral("%1|1|").arg(algebra));
+    EXPECT_EQ(library.value(u"SELECT TopicID, SubTopicNum, Answer FROM Questions"_s),
+              u"%1|1|"_s.arg(algebra));
     EXPECT_EQ(QImage(library.picturePath(1)).size(), questionPage);
+    EXPECT_EQ(state.LastFiledTopicID, algebra);
+    EXPECT_EQ(state.LastFiledSubtopicNum, 1);
 }
 
 TEST_F(Authoring, AFailedSaveShowsNoBoxAndKeepsEverything)
@@ -204,18 +198,19 @@ TEST_F(Authoring, AFailedSaveShowsNoBoxAndKeepsEverything)
         EXPECT_FALSE(state.QuestionSaved);
         EXPECT_EQ(questions(), 0);
     };
-    answer(QStringLiteral("it's"));
+    answer(u"it's"_s);
     EXPECT_TRUE(part("lblAnswerHint")->isVisible());
-    EXPECT_TRUE(hint().contains(QStringLiteral("apostrophe")));
+    EXPECT_TRUE(hint().contains(u"apostrophe"_s));
     fail();
-    answer(QStringLiteral("its"));
-    library.sql(QStringLiteral("CREATE TRIGGER t BEFORE INSERT ON Questions BEGIN "
-                               "SELECT RAISE(ABORT, 'broken'); END"));
+    answer(u"its"_s);
+    library.sql(u"CREATE TRIGGER t BEFORE INSERT ON Questions BEGIN "
+                "SELECT RAISE(ABORT, 'broken'); END"_s);
     fail();
-    EXPECT_TRUE(hint().startsWith(QStringLiteral("The save failed. "))) << hint().toStdString();
+    EXPECT_TRUE(hint().startsWith(u"The question was not saved. The question library "
+                                  "refused it (broken)"_s));
     combo("cboSubtopics")->clear();
     fail();
-    EXPECT_EQ(hint(), QStringLiteral("Still needed before saving: a subtopic."));
+    EXPECT_EQ(hint(), u"Still needed before saving: a subtopic."_s);
 }
 
 TEST_F(Authoring, KeysDoWhatTheButtonsDo)
@@ -223,8 +218,8 @@ TEST_F(Authoring, KeysDoWhatTheButtonsDo)
     open();
     canvas()->setFocus();
     clipboard.picture = QImage();
-    messages.expectInform(QStringLiteral("Paste Error"),
-                          QStringLiteral("A question needs to be copied before it can be pasted."));
+    messages.expectInform(u"Paste Error"_s,
+                          u"A question needs to be copied before it can be pasted."_s);
     key(Qt::Key_V, Qt::ControlModifier);
     messages.verify();
     clipboard.picture = testPicture(captureSize, 5);
@@ -235,6 +230,8 @@ TEST_F(Authoring, KeysDoWhatTheButtonsDo)
 
     drag({50, 50}, {90, 80});
     EXPECT_EQ(canvas()->cursor().shape(), Qt::SizeAllCursor);
+    EXPECT_TRUE(canvas()->accessibleDescription().startsWith(
+        u"Selected: 40 by 30 pixels, 50 from the left and 50 from the top."_s));
     key(Qt::Key_Right);
     key(Qt::Key_Up, Qt::ShiftModifier);
     EXPECT_EQ(selection(), QRect(51, 40, 40, 30));
@@ -250,15 +247,18 @@ TEST_F(Authoring, KeysDoWhatTheButtonsDo)
     EXPECT_TRUE(window->isVisible()) << "there is a picture to lose";
     key(Qt::Key_A, Qt::ControlModifier);
     EXPECT_EQ(selection(), QRect({0, 0}, captureSize));
+    EXPECT_TRUE(hint().startsWith(u"The frame is larger than the page"_s));
     click(window.get(), "cmdCrop");
     EXPECT_EQ(selection(), QRect({-100, -100}, captureSize));
-    answer(QStringLiteral("4"));
+    EXPECT_TRUE(hint().startsWith(u"The frame was larger than the page"_s));
+    key(Qt::Key_Escape);
+    answer(u"4"_s);
     EXPECT_FALSE(part("lblSaveHint")->isVisible());
 
     clipboard.picture = testPicture({1, 40'000});
-    messages.expectInform(QStringLiteral("Paste Error"),
-                          QStringLiteral("The copied picture is too large to work on: 1 by 40000 "
-                                         "pixels. Please copy a smaller part of it."));
+    messages.expectInform(u"Paste Error"_s,
+                          u"The copied picture is too large to work on: 1 by 40000 "
+                          "pixels. Please copy a smaller part of it."_s);
     click(window.get(), "cmdPaste");
     EXPECT_EQ(picture().size(), questionPage);
     open();
@@ -312,27 +312,28 @@ TEST_F(Authoring, TextGoesFromTheDialogToTheSelectionsCorner)
         box("chkBold")->click();
         box("chkUnderline")->click();
         EXPECT_EQ(control<QLabel>(dialog, "lblSample")->font(), stampFont(font));
-        messages.expectInform(QStringLiteral("Missing Text"),
-                              QStringLiteral("Please enter the text you would like to add."));
-        control<QLineEdit>(dialog, "txtText")->setText(QStringLiteral("   "));
+        messages.expectInform(u"Missing Text"_s, u"Please enter the text you would like to add."_s);
+        control<QLineEdit>(dialog, "txtText")->setText(u"   "_s);
         click(dialog, "cmdAddText");
         click(dialog, "cmdCancel");
     });
     EXPECT_TRUE(window->canvas().SelectionShown);
-    EXPECT_EQ(font.name + QString::number(font.size), QStringLiteral("Verdana24"));
+    EXPECT_EQ(font.name + QString::number(font.size), u"Verdana24"_s);
     EXPECT_TRUE(font.bold && font.underline && !font.italic);
     const QImage before = picture();
     withDialog([&] {
         // The face and the size start afresh; the style stays with the canvas, unticked.
-        EXPECT_EQ(font.name + QString::number(font.size), QStringLiteral("MS Sans Serif10"));
+        EXPECT_EQ(font.name + QString::number(font.size), u"MS Sans Serif10"_s);
         EXPECT_TRUE(font.bold && font.underline && !font.italic);
         EXPECT_FALSE(box("chkBold")->isChecked() || box("chkUnderline")->isChecked());
         EXPECT_TRUE(control<QLabel>(dialog, "lblStyleHint")->isVisible());
         auto* line = control<QLineEdit>(dialog, "txtText");
-        line->setText(QStringLiteral(" Part  a "));
+        QTest::keyClicks(line, u" Part  a "_s);
+        QTest::keyClick(line, Qt::Key_Tab);
+        EXPECT_EQ(dialog->focusWidget()->objectName(), u"optMSSansSerif"_s);
         QTest::keyClick(line, Qt::Key_Return);
     });
-    EXPECT_EQ(state.TextToAdd, QStringLiteral("Part  a"));
+    EXPECT_EQ(state.TextToAdd, u"Part  a"_s);
     const QImage stamped = picture();
     EXPECT_NE(stamped, before);
     EXPECT_EQ(stamped.copy(0, 0, 1000, 500), before.copy(0, 0, 1000, 500));

@@ -14,6 +14,8 @@
 
 namespace varnholt::test {
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 QImage plain(QSize size)
@@ -63,9 +65,9 @@ TEST_F(Canvas, TextIsBlackOnWhatIsThereFromTheCornerOn)
     canvas.MouseDown(100, 80);
     canvas.MouseMove(130, 90);
     canvas.MouseUp();
-    canvas.font = {QStringLiteral("Times New Roman"), 20, true, false, true};
+    canvas.font = {u"Times New Roman"_s, 20, true, false, true};
     const QImage before = canvas.picQuestion.picture();
-    canvas.StampText(QStringLiteral("MM"));
+    canvas.StampText(u"MM"_s);
     QRect touched;
     int longestLine = 0;
     for (int y = 0; y < before.height(); ++y) {
@@ -92,7 +94,7 @@ TEST(CanvasFonts, EveryOfferedFaceHasASubstituteOfItsKind)
                              "Times New Roman", "Verdana"}) {
         const QFont font = stampFont({QLatin1String(name), 12});
         // The system may add the foundry in brackets.
-        const QString found = QFontInfo(font).family().section(QStringLiteral(" ["), 0, 0);
+        const QString found = QFontInfo(font).family().section(u" ["_s, 0, 0);
         EXPECT_TRUE(faceAndSubstitutes(QLatin1String(name)).contains(found))
             << name << " came out as " << found.toStdString();
         EXPECT_EQ(font.pixelSize(), 16);
@@ -108,7 +110,7 @@ TEST(ClipboardPicture, ComesInAnyFormAndNeverHalf)
         picture.save(&file, format);
         for (const auto& [share, size] : {std::pair{3, picture.size()}, {2, QSize()}, {0, {}}}) {
             QMimeData data;
-            data.setData(QStringLiteral("image/") + QLatin1String(format),
+            data.setData(u"image/"_s + QLatin1String(format),
                          file.data().first(file.size() * share / 3));
             EXPECT_TRUE(mayHoldPicture(data));
             EXPECT_EQ(pictureFrom(data).size(), size.expandedTo({0, 0})) << format << share;
@@ -122,21 +124,21 @@ TEST(ClipboardPicture, ComesInAnyFormAndNeverHalf)
     EXPECT_EQ(pictureFrom(decoded).convertToFormat(picture.format()), picture);
 
     QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("copied ü.png"));
+    const QString path = folder.filePath(u"copied ü.png"_s);
     picture.save(path);
     QMimeData files;
-    files.setUrls({QUrl::fromLocalFile(folder.filePath(QStringLiteral("gone.png"))),
-                   QUrl(QStringLiteral("https://example.org/a.png")), QUrl::fromLocalFile(path)});
+    files.setUrls({QUrl::fromLocalFile(folder.filePath(u"gone.png"_s)),
+                   QUrl(u"https://example.org/a.png"_s), QUrl::fromLocalFile(path)});
     EXPECT_EQ(pictureFrom(files).convertToFormat(picture.format()), picture);
 
     QMimeData text;
-    text.setText(QStringLiteral("no picture"));
+    text.setText(u"no picture"_s);
     EXPECT_FALSE(mayHoldPicture(text));
     EXPECT_TRUE(pictureFrom(text).isNull());
 
     // Refused by its header, unread.
     QMimeData huge;
-    huge.setData(QStringLiteral("image/x-portable-pixmap"), "P6 30000 30000 255\n");
+    huge.setData(u"image/x-portable-pixmap"_s, "P6 30000 30000 255\n");
     EXPECT_THROW(static_cast<void>(pictureFrom(huge)), Error);
 }
 

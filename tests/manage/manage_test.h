@@ -108,7 +108,9 @@ protected:
     void says(const Box& box) { messages.expectInform(box.first, box.second); }
     void asks(const Box& box, bool answer = true)
     {
-        messages.expectYesNo(box.first, box.second, answer);
+        // Enter saves, but it never deletes.
+        messages.expectYesNo(box.first, box.second, answer,
+                             box == saves ? MessageBoxes::Answer::Yes : MessageBoxes::Answer::No);
     }
     void asksName(Kind kind, const QString& answer)
     {
