@@ -101,11 +101,12 @@ int run(QApplication& application, MessageBoxes& messages)
     }
     frmAssessment& frame = *opened;
     if (!first) {
-        frame.showNotice(
-            "lblInUse", QApplication::translate("RunProgram",
-                                                "The question library is in use by %1. Until it is "
-                                                "closed there it can only be read here.")
-                            .arg(instance.holder()));
+        frame.showNotice("lblInUse",
+                         QApplication::translate(
+                             "RunProgram", "The question library is in use by %1 and can only be "
+                                           "read here. To change it, start Varnholt again once it "
+                                           "is closed there.")
+                             .arg(instance.holder()));
     }
     if (programFolder != own && QFileInfo::exists(LibraryPath(own))) {
         frame.showNotice("lblOwnCopy",

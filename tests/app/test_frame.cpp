@@ -1,5 +1,6 @@
 #include "app/SingleInstance.h"
 #include "app/frmAssessment.h"
+#include "app/library_wait.h"
 #include "info/InfoWindow.h"
 #include "selection/frmMain.h"
 #include "support/gui.h"
@@ -11,7 +12,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QSignalSpy>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -129,6 +132,29 @@ TEST_F(Frame, TidiesUpAfterAKilledProgramAndTellsOfDamage)
                   .join(u' ')
                   .toStdString(),
               "1.jpg 2.JPG.bak2 2.jpg 2.jpg.backup 3.jpg.bak 90.JPG new-1.part");
+}
+
+TEST(LibraryWait, EndsWhenTheLibraryIsFreeOrTheUserHasEnough)
+{
+    for (const bool patient : {true, false}) {
+        int tries = 0;
+        const auto open = [&] {
+            if (++tries < 3) {
+                throw LibraryBusy(u"locked"_s);
+            }
+        };
+        if (!patient) {
+            QTimer::singleShot(0, [] {
+                auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                ASSERT_NE(box, nullptr);
+                EXPECT_EQ(box->text(), u"locked");
+                QTest::keyClick(box, Qt::Key_Escape);
+            });
+        }
+        EXPECT_EQ(OpenWhenFree(open), patient);
+        EXPECT_EQ(tries, patient ? 3 : 1);
+    }
+    EXPECT_THROW((void)OpenWhenFree([] { throw DatabaseError(u"damaged"_s); }), DatabaseError);
 }
 
 TEST(SingleInstanceTest, TheSecondStartBringsTheFirstToTheFront)
