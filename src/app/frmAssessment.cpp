@@ -17,8 +17,11 @@
 #include <QDragEnterEvent>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScrollArea>
 #include <QSettings>
+#include <QStyle>
 #include <QTimer>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace varnholt {
@@ -38,11 +41,13 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     auto* area = new QWidget;
     childArea_ = new QVBoxLayout(area);
     childArea_->setContentsMargins(0, 0, 0, 0);
+    childArea_->setSpacing(0);
     if (access == Connection::Access::Change && connection_.isReadOnly()) {
         showNotice(
             "lblReadOnly",
             QStringLiteral("The question library can only be read: changes cannot be saved."));
     }
+    buildChildBar();
     lblEmpty_ = makeLabel("lblEmpty", QStringLiteral("Choose what to do in the menu above."));
     lblEmpty_->setAlignment(Qt::AlignCenter);
     lblEmpty_->setForegroundRole(QPalette::PlaceholderText);
@@ -53,7 +58,7 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     setAcceptDrops(true);
 
     const QFontMetrics metrics = fontMetrics();
-    resize(metrics.averageCharWidth() * 150, metrics.height() * 42);
+    resizeWithinScreen(this, {metrics.averageCharWidth() * 150, metrics.height() * 42});
     restoreGeometry(QSettings().value(QStringLiteral("frmAssessment/geometry")).toByteArray());
 }
 
@@ -128,14 +133,53 @@ void frmAssessment::buildMenu()
     addAction(closeChildWindow);
 }
 
+void frmAssessment::buildChildBar()
+{
+    childBar_ = named(new QWidget, "childBar");
+    childBar_->setAutoFillBackground(true);
+    childBar_->setBackgroundRole(QPalette::Midlight);
+    lblChildTitle_ = makeLabel("lblChildTitle");
+    QFont bold = lblChildTitle_->font();
+    bold.setBold(true);
+    lblChildTitle_->setFont(bold);
+    auto* cmdCloseChild = named(new QToolButton, "cmdCloseChild", tr("Close this window"));
+    cmdCloseChild->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+    cmdCloseChild->setToolTip(tr("Close this window (Ctrl+W)"));
+    cmdCloseChild->setAutoRaise(true);
+    cmdCloseChild->setFocusPolicy(Qt::TabFocus);
+    connect(cmdCloseChild, &QToolButton::clicked, this, &frmAssessment::closeChild,
+            Qt::QueuedConnection);
+    auto* row = new QHBoxLayout(childBar_);
+    const int space = fontMetrics().height() / 4;
+    row->setContentsMargins(2 * space, 0, space, 0);
+    row->addWidget(lblChildTitle_, 1);
+    row->addWidget(cmdCloseChild);
+    childBar_->hide();
+    childArea_->addWidget(childBar_);
+
+    childScroll_ = new QScrollArea;
+    childScroll_->setFrameShape(QFrame::NoFrame);
+    childScroll_->setWidgetResizable(true);
+    childScroll_->setFocusPolicy(Qt::NoFocus);
+    childScroll_->hide();
+    childArea_->addWidget(childScroll_, 1);
+}
+
 bool frmAssessment::closeChild()
 {
     if (child_ && !child_->close()) {
         return false;
     }
     delete child_;
-    lblEmpty_->show();
+    showEmpty();
     return true;
+}
+
+void frmAssessment::showEmpty()
+{
+    childBar_->hide();
+    childScroll_->hide();
+    lblEmpty_->show();
 }
 
 void frmAssessment::openChild(const Maker& make)
@@ -146,9 +190,12 @@ void frmAssessment::openChild(const Maker& make)
     child_ = make();
     // A child may also close by itself.
     child_->setAttribute(Qt::WA_DeleteOnClose);
-    connect(child_, &QObject::destroyed, lblEmpty_, &QWidget::show);
+    connect(child_, &QObject::destroyed, this, &frmAssessment::showEmpty);
     lblEmpty_->hide();
-    childArea_->addWidget(child_, 1);
+    lblChildTitle_->setText(child_->windowTitle());
+    childBar_->show();
+    childScroll_->setWidget(child_);
+    childScroll_->show();
     child_->show();
     child_->setFocus();
 }

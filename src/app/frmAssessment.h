@@ -10,13 +10,15 @@
 #include <functional>
 
 class QLabel;
+class QScrollArea;
 class QVBoxLayout;
 
 namespace varnholt {
 
 struct Services;
 
-/// The frame: carries the menu and shows one child window at a time. It owns the lifetime of
+/// The frame: carries the menu and shows one child window at a time, under a bar with its title
+/// and close button. It owns the lifetime of
 /// the library connection, which is open from its construction to its closing.
 class frmAssessment : public QMainWindow
 {
@@ -60,8 +62,10 @@ private:
     using Maker = std::function<QWidget*()>;
 
     void buildMenu();
+    void buildChildBar();
     /// Closes the child on show; false when it refuses.
     bool closeChild();
+    void showEmpty();
     /// Closes the child on show and opens a fresh one.
     void openChild(const Maker& make);
 
@@ -70,6 +74,11 @@ private:
     QString guidePath_;
     Connection connection_;
     QVBoxLayout* childArea_ = nullptr;
+    /// The title of the child on show and its close button.
+    QWidget* childBar_ = nullptr;
+    QLabel* lblChildTitle_ = nullptr;
+    /// Holds the child: on a screen that is too small for it, it scrolls.
+    QScrollArea* childScroll_ = nullptr;
     QLabel* lblEmpty_ = nullptr;
     QPointer<QWidget> child_;
     LibraryCheck check_;

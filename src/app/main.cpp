@@ -1,8 +1,8 @@
 #include "app/run_program.h"
 #include "store/errors.h"
+#include "toolkit/desktop_services.h"
 
 #include <QApplication>
-#include <QMessageBox>
 
 namespace {
 
@@ -29,11 +29,7 @@ public:
 private:
     static void tell(const QString& text)
     {
-        QMessageBox box(activeWindow());
-        box.setWindowTitle(QStringLiteral("Error"));
-        box.setTextFormat(Qt::PlainText);
-        box.setText(text);
-        box.exec();
+        varnholt::DesktopMessageBoxes().inform(QStringLiteral("Error"), text);
     }
 };
 

@@ -1,14 +1,14 @@
 #include "info/InfoWindow.h"
 
+#include "toolkit/HintLabel.h"
 #include "toolkit/controls.h"
+#include "toolkit/desktop_services.h"
 
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QLineEdit>
-#include <QUrl>
 
 namespace varnholt {
 
@@ -29,13 +29,22 @@ InfoWindow::InfoWindow(const QString& title, const QString& text, const QString&
     lblText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
 
     auto* lblLink = makeLabel("lblLink", linkCaption);
-    auto* txtLink = named(new QLineEdit(link), "txtLink", linkCaption.chopped(1));
+    auto* txtLink = named(new QLineEdit(link), "txtLink", linkCaption.chopped(1).remove(u'&'));
     txtLink->setReadOnly(true);
     lblLink->setBuddy(txtLink);
     auto* cmdOpen = makeButton("cmdOpen", QStringLiteral("&Open"));
     cmdOpen->setEnabled(QFileInfo::exists(target));
-    connect(cmdOpen, &QPushButton::clicked, this,
-            [target] { QDesktopServices::openUrl(QUrl::fromLocalFile(target)); });
+    auto* lblOpenHint = new HintLabel("lblOpenHint", txtLink, HintLabel::Place::Given);
+    connect(cmdOpen, &QPushButton::clicked, this, [target, txtLink, lblOpenHint] {
+        if (OpenWithDesktop(target)) {
+            lblOpenHint->say({});
+            return;
+        }
+        lblOpenHint->say(tr("This computer has no program that opens it by itself. The address "
+                            "above is marked: copy it with Ctrl+C and open it by hand."));
+        txtLink->setFocus();
+        txtLink->selectAll();
+    });
 
     auto* grid = new QGridLayout(this);
     const int space = fontMetrics().height();
@@ -46,7 +55,8 @@ InfoWindow::InfoWindow(const QString& title, const QString& text, const QString&
     grid->addWidget(lblLink, 2, 0);
     grid->addWidget(txtLink, 2, 1);
     grid->addWidget(cmdOpen, 2, 2);
-    grid->setRowStretch(3, 1);
+    grid->addWidget(lblOpenHint, 3, 0, 1, 3);
+    grid->setRowStretch(4, 1);
     grid->setColumnStretch(1, 1);
     setFocusProxy(txtLink);
 }

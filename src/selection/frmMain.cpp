@@ -6,6 +6,7 @@
 #include "store/connection.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
+#include "toolkit/HintLabel.h"
 #include "toolkit/LineEdit.h"
 #include "toolkit/ListBox.h"
 #include "toolkit/controls.h"
@@ -14,6 +15,9 @@
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
+
+#include <algorithm>
+#include <cmath>
 
 namespace varnholt {
 
@@ -52,16 +56,20 @@ frmMain::frmMain(Services& services, ProgramState& state, Connection& connection
 
 frmMain::~frmMain()
 {
-    if (!unloaded_) {
-        close();
+    if (review_) {
+        review_->abandon();
     }
+    unload();
 }
 
 void frmMain::buildControls()
 {
     cboAssessment_ = named(new ComboBox, "cboAssessment", QStringLiteral("Assessment"));
     auto* fraAssessment = makeFrame("fraAssessment", QStringLiteral("&Assessments"));
-    (new QVBoxLayout(fraAssessment))->addWidget(cboAssessment_);
+    lblObstacle_ = new HintLabel("lblObstacle", cboAssessment_, HintLabel::Place::Given);
+    auto* assessmentColumn = new QVBoxLayout(fraAssessment);
+    assessmentColumn->addWidget(cboAssessment_);
+    assessmentColumn->addWidget(lblObstacle_);
 
     lstTopics_ = named(new ListBox(ListBox::Mode::Multi), "lstTopics", QStringLiteral("Topics"));
     cmdSelectAllTopics_ = makeButton("cmdSelectAllTopics", QStringLiteral("&Select All"));
@@ -120,6 +128,16 @@ void frmMain::buildControls()
     orderGrid->addWidget(txtQuestions_, 1, 1);
     orderGrid->addWidget(cmdCreate_, 2, 0, 1, 2);
     orderGrid->setColumnStretch(1, 1);
+    // Below the rest, so that nothing else moves when it comes and goes.
+    askedRow_ = new QWidget;
+    lblAsked_ = makeLabel("lblAsked");
+    lblAsked_->setWordWrap(true);
+    cmdAskAgain_ = makeButton("cmdAskAgain", {});
+    auto* askedColumn = new QVBoxLayout(askedRow_);
+    askedColumn->setContentsMargins(0, 0, 0, 0);
+    askedColumn->addWidget(lblAsked_);
+    askedColumn->addWidget(cmdAskAgain_);
+    orderGrid->addWidget(askedRow_, 3, 0, 1, 2);
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(fraAssessment, 0, 0, 1, 3);
@@ -143,7 +161,7 @@ void frmMain::buildControls()
              lstTopics_, cmdSelectAllTopics_, cmdClearAllTopics_, cmdSelectAllSub_, lstSubTopics_,
              cmdSelectAllSubTopics_, cmdClearAllSubTopics_, optSelectYes_, option("optSelectNo"),
              optTopicYes_, option("optTopicNo"), optKeyYes_, option("optKeyNo"), txtQuestions_,
-             cmdCreate_}) {
+             cmdCreate_, cmdAskAgain_}) {
         setTabOrder(previous, next);
         previous = next;
     }
@@ -162,6 +180,16 @@ void frmMain::connectControls()
     connect(cmdClearAllSubTopics_, &QPushButton::clicked, this,
             [this] { selectShownSubTopics(false); });
     connect(cmdCreate_, &QPushButton::clicked, this, &frmMain::cmdCreate_Click);
+    connect(txtQuestions_, &QLineEdit::textEdited, this, [this](const QString& text) {
+        constexpr double largest = 1e9;
+        asked_ = std::llround(std::clamp(ParseNumber(text).value_or(0), 0.0, largest));
+        showAsked();
+    });
+    connect(cmdAskAgain_, &QPushButton::clicked, this, [this] {
+        txtQuestions_->setText(QString::number(asked_));
+        txtQuestions_->setFocus();
+        showAsked();
+    });
 }
 
 void frmMain::Form_Load()
@@ -210,19 +238,48 @@ void frmMain::loadCatalogue()
 {
     lstTopics_->clear();
     lstSubTopics_->clear();
+    bool loaded = true;
     try {
         if (state_.CurrentAssessmentNum > 0) {
-            LoadCurrentAssessment(state_, connection_, *services_.messageBoxes);
+            loaded = LoadCurrentAssessment(state_, connection_, *services_.messageBoxes);
         } else {
             state_.TopicList.clear();
             state_.SubTopicList.clear();
             state_.QuestionList.clear();
         }
     } catch (const Error&) {
+        loaded = false;
         services_.messageBoxes->inform(QStringLiteral("Database Error"),
                                        QStringLiteral("There was an error loading the questions."));
     }
     FillTopicList();
+    showObstacle(loaded);
+}
+
+void frmMain::showObstacle(bool loaded)
+{
+    if (state_.AssessmentList.isEmpty()) {
+        lblObstacle_->say(
+            tr("There is no assessment to choose. Add one with \"Manage Assessments\" "
+               "in the menu above, or take one over with \"Import Assessment\"."));
+    } else if (loaded && state_.QuestionList.isEmpty()) {
+        lblObstacle_->say(tr("This assessment has no questions yet. Add some with \"Manage "
+                             "Assessments\" in the menu above."));
+    } else {
+        lblObstacle_->say({});
+    }
+}
+
+void frmMain::showAsked()
+{
+    const bool possible = asked_ <= state_.SelectedQuestionCount;
+    const bool replaced = asked_ > 0 && txtQuestions_->text() != QString::number(asked_) &&
+                          !txtQuestions_->isModified();
+    lblAsked_->setText(possible ? tr("You asked for %1.").arg(asked_)
+                                : tr("You asked for %1; fewer are selected now.").arg(asked_));
+    cmdAskAgain_->setText(tr("Ask for %1 A&gain").arg(asked_));
+    cmdAskAgain_->setVisible(possible);
+    askedRow_->setVisible(replaced);
 }
 
 void frmMain::FillTopicList()
@@ -321,6 +378,7 @@ void frmMain::RefreshQuestionSelection()
     SelectQuestions(state_.QuestionList, SelectionRule(choices, state_.SubTopicList));
     UpdateSelectionCounts(state_, *this);
     txtQuestions_->setText(QString::number(state_.SelectedQuestionCount));
+    showAsked();
 }
 
 void frmMain::setQuestionCount(const QString& caption)
@@ -374,20 +432,28 @@ void frmMain::keyPressEvent(QKeyEvent* event)
         QWidget::keyPressEvent(event);
         return;
     }
+    if (focusWidget() == cboAssessment_) {
+        cboAssessment_->showPopup();
+        return;
+    }
     auto* button = qobject_cast<QPushButton*>(focusWidget());
     (button ? button : cmdCreate_)->click();
 }
 
 void frmMain::closeEvent(QCloseEvent* event)
 {
-    QWidget::closeEvent(event);
-    if (unloaded_ || !event->isAccepted()) {
+    event->setAccepted(!review_ || review_->close());
+    if (event->isAccepted()) {
+        unload();
+    }
+}
+
+void frmMain::unload()
+{
+    if (unloaded_) {
         return;
     }
     unloaded_ = true;
-    if (review_) {
-        review_->close();
-    }
     try {
         SaveLastAssessment(state_, connection_);
     } catch (const DatabaseError&) {

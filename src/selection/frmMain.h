@@ -16,6 +16,7 @@ namespace varnholt {
 
 class ComboBox;
 class Connection;
+class HintLabel;
 class ListBox;
 class frmSelect;
 struct Services;
@@ -38,7 +39,8 @@ protected:
     /// Hands the focus to the control where work starts. Not a focus proxy: Tab would stop at
     /// it each time round and never reach the controls before it.
     void focusInEvent(QFocusEvent* event) override;
-    /// Enter presses the button that has the focus, else "Create PowerPoint".
+    /// Enter opens the list of assessments or presses the button that has the focus, else
+    /// "Create PowerPoint".
     void keyPressEvent(QKeyEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
@@ -62,6 +64,12 @@ private:
     void FillSubTopicList();
     void RefreshQuestionSelection();
     void loadCatalogue();
+    /// Says beforehand why there is nothing to choose.
+    void showObstacle(bool loaded);
+    /// Says which number she asked for when a change of the selection has replaced it.
+    void showAsked();
+    /// What closing does, once.
+    void unload();
 
     void setQuestionCount(const QString& caption) override;
     void setTopicRows(const QStringList& texts) override;
@@ -72,6 +80,8 @@ private:
     /// False while the subtopic list is being refilled.
     bool SubTopicEventsEnabled_ = true;
     bool unloaded_ = false;
+    /// The number she typed last; 0 when none.
+    std::int64_t asked_ = 0;
     /// Closed along with this window.
     QPointer<frmSelect> review_;
 
@@ -87,6 +97,10 @@ private:
     QRadioButton* optTopicYes_ = nullptr;
     QRadioButton* optKeyYes_ = nullptr;
     QLineEdit* txtQuestions_ = nullptr;
+    QWidget* askedRow_ = nullptr;
+    QLabel* lblAsked_ = nullptr;
+    QPushButton* cmdAskAgain_ = nullptr;
+    HintLabel* lblObstacle_ = nullptr;
     QPushButton* cmdCreate_ = nullptr;
     QLabel* lblQuestionCount_ = nullptr;
 };

@@ -6,13 +6,13 @@
 #include "toolkit/PictureView.h"
 #include "toolkit/controls.h"
 #include "toolkit/key_icon.h"
+#include "toolkit/short_text.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>
-#include <QKeyEvent>
-#include <QScopeGuard>
 #include <QSettings>
 #include <QShortcut>
+#include <QTextDocument>
 
 namespace varnholt {
 
@@ -29,17 +29,24 @@ QPushButton* makeKeyButton(const char* objectName, const QString& caption, Qt::K
     button->setIcon(keyIcon(letter));
     button->setToolTip(QStringLiteral("Press the key %1").arg(letter));
     auto* shortcut = new QShortcut(key, button);
-    // A key held down must not judge questions that nobody has seen.
     shortcut->setAutoRepeat(false);
     QObject::connect(shortcut, &QShortcut::activated, button, [button] { button->click(); });
     return button;
+}
+
+/// A text of any length, without making the window larger than the screen.
+void showText(QLabel* label, const QString& text)
+{
+    constexpr qsizetype longestShown = 300;
+    label->setText(Wrappable(text, longestShown));
+    label->setToolTip(text.size() > longestShown ? Qt::convertFromPlainText(text) : QString());
 }
 
 } // namespace
 
 frmSelect::frmSelect(Services& services, ProgramState& state, const SlideOptions& options,
                      QWidget* parent)
-    : QWidget(parent, Qt::Window)
+    : QDialog(parent, Qt::Dialog | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
     , services_(services)
     , state_(state)
     , options_(options)
@@ -54,6 +61,7 @@ frmSelect::frmSelect(Services& services, ProgramState& state, const SlideOptions
 void frmSelect::buildControls()
 {
     imgQuestion_ = named(new PictureView, "imgQuestion", QStringLiteral("Picture of the question"));
+    imgQuestion_->installEventFilter(this);
     lblTopicDescription_ = makeLabel("lblTopicDescription");
     lblTopicDescription_->setWordWrap(true);
     QFont bold = lblTopicDescription_->font();
@@ -98,14 +106,15 @@ void frmSelect::buildControls()
         setTabOrder(previous, next);
         previous = next;
     }
+    cmdInclude->setDefault(true);
     cmdInclude->setFocus();
 
     connect(cmdInclude, &QPushButton::clicked, this, &frmSelect::cmdInclude_Click);
     connect(cmdExclude, &QPushButton::clicked, this, &frmSelect::cmdExclude_Click);
     connect(cmdCreate, &QPushButton::clicked, this, &frmSelect::cmdCreate_Click);
-    connect(cmdCancel, &QPushButton::clicked, this, &frmSelect::close);
+    connect(cmdCancel, &QPushButton::clicked, this, &frmSelect::abandon);
 
-    resize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 38);
+    resizeWithinScreen(this, {fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 38});
     if (!restoreGeometry(QSettings().value(geometryKey).toByteArray())) {
         move(parentWidget()->frameGeometry().center() - rect().center());
     }
@@ -134,12 +143,13 @@ void frmSelect::ShowReviewQuestion()
             QStringLiteral("One of the questions you have selected is missing the picture file.  "
                            "Please go to Manage Assessments and delete the question that is "
                            "missing the picture file."));
-        close();
+        abandon();
         return;
     }
+    seen_ = false;
     imgQuestion_->setPicture(picture);
-    lblTopicDescription_->setText(GetTopicText(state_, question));
-    lblAnswer_->setText(QStringLiteral("Answer: ") + question.Answer);
+    showText(lblTopicDescription_, GetTopicText(state_, question));
+    showText(lblAnswer_, QStringLiteral("Answer: ") + question.Answer);
     if (review_.position() < state_.DrawPool.upperBound()) {
         pictures_.prefetch(path(review_.position() + 1));
     }
@@ -153,12 +163,16 @@ void frmSelect::showCounts()
 
 void frmSelect::cmdInclude_Click()
 {
-    goOn(review_.include());
+    if (seen_) {
+        goOn(review_.include());
+    }
 }
 
 void frmSelect::cmdExclude_Click()
 {
-    goOn(review_.exclude());
+    if (seen_) {
+        goOn(review_.exclude());
+    }
 }
 
 void frmSelect::cmdCreate_Click()
@@ -175,23 +189,48 @@ void frmSelect::goOn(Review::Next next)
         ShowReviewQuestion();
         break;
     case Review::Next::Build:
-        build();
+        if (build()) {
+            review_.reopenLast();
+            showCounts();
+            ShowReviewQuestion();
+        }
         break;
     case Review::Next::Close:
-        close();
+        abandon();
         break;
     }
 }
 
-void frmSelect::build()
+bool frmSelect::build()
 {
-    const auto closing = qScopeGuard([this] { close(); });
-    RunBuild(this, services_, state_, options_);
+    using End = BuildOutcome::End;
+    const End end = RunBuild(this, services_, state_, options_).end;
+    if (end == End::Complete || end == End::Aborted) {
+        abandon();
+        return false;
+    }
+    return true;
+}
+
+void frmSelect::abandon()
+{
+    settled_ = true;
+    close();
+}
+
+bool frmSelect::mayLeave()
+{
+    return settled_ || review_.acceptedCount() == 0 ||
+           services_.messageBoxes->yesNo(
+               tr("Leave the Review?"),
+               tr("Questions included so far: %1. If you leave the review now, no slides are made "
+                  "of them. Do you want to leave it?")
+                   .arg(review_.acceptedCount()));
 }
 
 void frmSelect::closeEvent(QCloseEvent* event)
 {
-    QWidget::closeEvent(event);
+    event->setAccepted(unloaded_ || mayLeave());
     if (!unloaded_ && event->isAccepted()) {
         unloaded_ = true;
         QSettings().setValue(geometryKey, saveGeometry());
@@ -199,13 +238,15 @@ void frmSelect::closeEvent(QCloseEvent* event)
     }
 }
 
-void frmSelect::keyPressEvent(QKeyEvent* event)
+void frmSelect::reject()
 {
-    if (event->key() == Qt::Key_Escape) {
-        close();
-    } else {
-        QWidget::keyPressEvent(event);
-    }
+    close();
+}
+
+bool frmSelect::eventFilter(QObject* watched, QEvent* event)
+{
+    seen_ = seen_ || event->type() == QEvent::Paint;
+    return QDialog::eventFilter(watched, event);
 }
 
 } // namespace varnholt

@@ -4,7 +4,7 @@
 #include "selection/build_run.h"
 #include "selection/review.h"
 
-#include <QWidget>
+#include <QDialog>
 
 class QLabel;
 
@@ -15,9 +15,10 @@ struct ProgramState;
 struct Services;
 
 /// The review window: shows the drawn questions one at a time to be included or excluded, and
-/// builds the slides of those included. A window of its own, not modal; it deletes itself
-/// when it closes.
-class frmSelect : public QWidget
+/// builds the slides of those included. A question is judged only after its picture was on the
+/// screen. A window of its own, not modal; it deletes itself when it closes. Closing it other
+/// than by its buttons asks first when questions have been included.
+class frmSelect : public QDialog
 {
     Q_OBJECT
 
@@ -28,6 +29,8 @@ public:
 
     /// Shows the first question; closes at once when its picture is missing.
     void Form_Load();
+    /// Closes it without a question.
+    void abandon();
 
 Q_SIGNALS:
     /// The window has closed, on whatever path. Comes once.
@@ -35,7 +38,10 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
+    /// Esc closes the window.
+    void reject() override;
+    /// Notices when the picture is painted.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void buildControls();
@@ -45,13 +51,19 @@ private:
     void ShowReviewQuestion();
     void goOn(Review::Next next);
     void showCounts();
-    void build();
+    /// True when there are no slides, so that the review goes on.
+    bool build();
+    [[nodiscard]] bool mayLeave();
 
     Services& services_;
     ProgramState& state_;
     SlideOptions options_;
     Review review_;
     PictureLoader pictures_;
+    /// The picture on show has been on the screen.
+    bool seen_ = false;
+    /// What was included needs no more care: it is being built or was given up.
+    bool settled_ = false;
     bool unloaded_ = false;
 
     PictureView* imgQuestion_ = nullptr;

@@ -36,6 +36,13 @@ void Review::excludeRest()
     }
 }
 
+void Review::reopenLast()
+{
+    QuestionRecord& question = DrawPool_(--ReviewPosition_);
+    AcceptedCount_ -= question.Selected ? 1 : 0;
+    question.Selected = false;
+}
+
 QString Review::selectedText() const
 {
     return QStringLiteral("Questions Selected: ") + QString::number(AcceptedCount_);

@@ -27,12 +27,17 @@ public:
     /// The question on show.
     [[nodiscard]] const QuestionRecord& question() const { return DrawPool_(ReviewPosition_); }
 
+    /// Questions included so far.
+    [[nodiscard]] int acceptedCount() const { return AcceptedCount_; }
+
     /// Judges the question on show and moves on: until the number asked for has been
     /// included or the pool is at its end.
     Next include();
     Next exclude();
     /// Leaves out the question on show and all after it.
     void excludeRest();
+    /// Takes the last judgement back: its question is on show again.
+    void reopenLast();
 
     /// The two counters, for example "Questions Selected: 2" and "Questions Left to View: 8".
     /// The question on show counts as left.

@@ -1,6 +1,6 @@
 #include "toolkit/ComboBox.h"
 
-#include "toolkit/LineEdit.h"
+#include "toolkit/short_text.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>

@@ -1,5 +1,7 @@
 #include "toolkit/LineEdit.h"
 
+#include "toolkit/short_text.h"
+
 #include <QValidator>
 
 namespace varnholt {
@@ -32,28 +34,6 @@ LineEdit::LineEdit(const QString& text, QWidget* parent)
 {
     setValidator(new OneLineValidator(this));
     setText(text);
-}
-
-QString OneLine(QString text)
-{
-    text.replace(QStringLiteral("\r\n"), QStringLiteral(" "));
-    for (QChar& character : text) {
-        const QChar::Category category = character.category();
-        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
-            category == QChar::Separator_Paragraph) {
-            character = u' ';
-        }
-    }
-    return text;
-}
-
-QString ShortLine(const QString& text, qsizetype longest)
-{
-    if (text.size() <= longest) {
-        return OneLine(text);
-    }
-    const qsizetype end = longest / 2;
-    return OneLine(text.left(longest - end - 1) + u'…' + text.right(end));
 }
 
 } // namespace varnholt

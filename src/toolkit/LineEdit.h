@@ -16,12 +16,4 @@ public:
     explicit LineEdit(const QString& text, QWidget* parent = nullptr);
 };
 
-/// The text with a blank for every line break, tab and other control character; CR LF counts as
-/// one line break.
-[[nodiscard]] QString OneLine(QString text);
-
-/// The text on one line and, where it is longer than `longest` characters, with dots in place of
-/// its middle: what a name says is at its beginning, and what was added to it at its end.
-[[nodiscard]] QString ShortLine(const QString& text, qsizetype longest);
-
 } // namespace varnholt

@@ -1,6 +1,7 @@
 #include "toolkit/ListBox.h"
 
-#include "toolkit/LineEdit.h"
+#include "toolkit/list_box_accessible.h"
+#include "toolkit/short_text.h"
 
 #include <QAbstractListModel>
 #include <QKeyEvent>
@@ -25,9 +26,8 @@ constexpr qsizetype longestToolTip = 2000;
 class ListBoxModel : public QAbstractListModel
 {
 public:
-    ListBoxModel(ListBox::Mode mode, ListBox* list)
-        : QAbstractListModel(list)
-        , list_(list)
+    ListBoxModel(ListBox::Mode mode, QObject* parent)
+        : QAbstractListModel(parent)
         , mode_(mode)
     {}
 
@@ -62,16 +62,6 @@ public:
         return mode_ == ListBox::Mode::Multi ? base | Qt::ItemIsUserCheckable : base;
     }
 
-    /// What an assistive program calls to tick a row.
-    bool setData(const QModelIndex& index, const QVariant& value, int role) override
-    {
-        if (role != Qt::CheckStateRole || mode_ != ListBox::Mode::Multi) {
-            return false;
-        }
-        list_->tick(index.row(), value.toInt() == Qt::Checked);
-        return true;
-    }
-
     void setRows(std::vector<ListBox::Row> newRows)
     {
         beginResetModel();
@@ -97,7 +87,6 @@ public:
     std::vector<ListBox::Row> rows;
 
 private:
-    ListBox* list_;
     ListBox::Mode mode_;
 };
 
@@ -132,6 +121,7 @@ ListBox::ListBox(Mode mode, QWidget* parent)
     , model_(new ListBoxModel(mode, this))
     , mode_(mode)
 {
+    installListBoxAccessible();
     setModel(model_);
     setItemDelegate(new CheckDelegate(this));
     setSelectionMode(SingleSelection);

@@ -41,6 +41,8 @@ public:
 
     explicit ListBox(Mode mode, QWidget* parent = nullptr);
 
+    [[nodiscard]] Mode mode() const { return mode_; }
+
     /// No rows, no current row.
     void clear();
     /// Replaces all rows; afterwards no row is current.
@@ -66,6 +68,9 @@ public:
 
     [[nodiscard]] bool selected(int row) const;
     void setSelected(int row, bool selected);
+    /// As by the user: selects or unselects the row of a multi-selection list and makes it
+    /// current, with one `Click`.
+    void tick(int row, bool selected);
     /// Selects or unselects every row of a multi-selection list and, where `focusRow` is not
     /// -1, makes that row current; all with one `Click`. Fires nothing when there are no rows.
     void setAllSelected(bool selected, int focusRow = -1);
@@ -86,11 +91,7 @@ protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
 private:
-    friend class ListBoxModel;
-
     void pressed(QMouseEvent* event);
-    /// As by the user: selects or unselects the row and makes it current, with one `Click`.
-    void tick(int row, bool selected);
     [[nodiscard]] bool isOnCheckBox(const QModelIndex& index, QPoint position) const;
 
     ListBoxModel* model_;

@@ -3,17 +3,22 @@
 #include "toolkit/HintLabel.h"
 #include "toolkit/LineEdit.h"
 #include "toolkit/controls.h"
+#include "toolkit/short_text.h"
 
 #include <QApplication>
 #include <QDateTime>
+#include <QDesktopServices>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMessageBox>
+#include <QMimeDatabase>
+#include <QProcess>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace varnholt {
@@ -43,37 +48,16 @@ private:
     bool set_ = QApplication::overrideCursor() != nullptr;
 };
 
-/// What a box can show of a text that holds a very long name; a box as large as the text might
-/// have its buttons outside the screen.
-QString readable(const QString& text)
-{
-    constexpr qsizetype longestText = 1200;
-    constexpr qsizetype longestWord = 120;
-    const qsizetype end = longestText / 3;
-    const QString cut = text.size() <= longestText ? text
-                                                   : text.left(longestText - end) +
-                                                         QStringLiteral(" … ") + text.right(end);
-    QString lines;
-    qsizetype word = 0;
-    for (const QChar character : cut) {
-        word = character.isSpace() ? 0 : word + 1;
-        if (word == longestWord) {
-            // A line may end here.
-            lines += QChar(0x200b);
-            word = 0;
-        }
-        lines += character;
-    }
-    return lines;
-}
+/// A box as large as a very long name might have its buttons outside the screen.
+constexpr qsizetype longestMessage = 1200;
 
 void prepare(QMessageBox& box, const QString& title, const QString& text)
 {
     box.setWindowTitle(title);
     // Names and answers are shown as typed, never read as markup.
     box.setTextFormat(Qt::PlainText);
-    box.setText(readable(text));
-    if (text.size() > box.text().size()) {
+    box.setText(Wrappable(text, longestMessage));
+    if (text.size() > longestMessage) {
         box.setDetailedText(text);
     }
     // The box measures its text only: room for the title and the frame's buttons beside it.
@@ -82,6 +66,22 @@ void prepare(QMessageBox& box, const QString& title, const QString& text)
     if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
         grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
     }
+}
+
+/// False only when the desktop says that nothing is registered for what this is: what opens
+/// files starts anyway then and fails unseen.
+bool programIsRegistered(const QString& path)
+{
+    const QString query = QStandardPaths::findExecutable(QStringLiteral("xdg-mime"));
+    if (query.isEmpty() || qEnvironmentVariableIsSet("BROWSER")) {
+        return true;
+    }
+    QProcess process;
+    process.start(query, {QStringLiteral("query"), QStringLiteral("default"),
+                          QMimeDatabase().mimeTypeForFile(path).name()});
+    constexpr int limitMs = 3000;
+    return !process.waitForFinished(limitMs) ||
+           !process.readAllStandardOutput().trimmed().isEmpty();
 }
 
 /// The folder used last, or the nearest to it that is still there.
@@ -119,7 +119,7 @@ void DesktopMessageBoxes::explain(const QString& title, const QString& text,
     const PlainPointer pointer;
     QMessageBox box(QApplication::activeWindow());
     // First, because it lays the box out anew.
-    box.setInformativeText(readable(explanation));
+    box.setInformativeText(Wrappable(explanation, longestMessage));
     if (auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
         label->setTextFormat(Qt::PlainText);
     }
@@ -145,7 +145,7 @@ QString DesktopMessageBoxes::inputText(const QString& title, const QString& prom
     const PlainPointer pointer;
     QDialog dialog(QApplication::activeWindow());
     dialog.setWindowTitle(title);
-    auto* lblPrompt = makeLabel("lblPrompt", readable(prompt));
+    auto* lblPrompt = makeLabel("lblPrompt", Wrappable(prompt, longestMessage));
     lblPrompt->setWordWrap(true);
     auto* txtAnswer = named(new LineEdit(defaultText), "txtAnswer", prompt);
     txtAnswer->selectAll();
@@ -183,6 +183,11 @@ std::optional<QString> DesktopFileDialogs::openFile(const QString& filter)
 {
     return chosen(QFileDialog::getOpenFileName(QApplication::activeWindow(), QString(),
                                                lastFolder(), filter));
+}
+
+bool OpenWithDesktop(const QString& path)
+{
+    return programIsRegistered(path) && QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 std::int64_t SystemClock::millisecondsSinceEpoch() const

@@ -25,6 +25,9 @@ public:
     std::optional<QString> openFile(const QString& filter) override;
 };
 
+/// Opens a file or folder with the desktop's own program for it; false when it has none.
+[[nodiscard]] bool OpenWithDesktop(const QString& path);
+
 class SystemClock : public Clock
 {
 public:

@@ -88,6 +88,10 @@ TEST_F(Frame, OneChildAtATimeAndFreshEachTime)
     QTest::keyClick(frame.get(), Qt::Key_W, Qt::ControlModifier);
     EXPECT_EQ(frame->childWindow(), nullptr);
     EXPECT_TRUE(control<QLabel>(frame.get(), "lblEmpty")->isVisible());
+    choose("mnAbout");
+    test::click(frame.get(), "cmdCloseChild");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !frame->childWindow(); }, patienceMs));
+    EXPECT_FALSE(control<QWidget>(frame.get(), "childBar")->isVisible());
 }
 
 TEST_F(Frame, ClosingRemembersTheAssessmentBeforeTheLibraryCloses)

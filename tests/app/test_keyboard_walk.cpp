@@ -160,6 +160,7 @@ TEST_F(KeyboardWalk, FromAnEmptyLibraryToSlides)
     ASSERT_TRUE(
         QTest::qWaitFor([&] { return QApplication::activeWindow() == review; }, patienceMs));
     for (const Qt::Key key : {Qt::Key_I, Qt::Key_E, Qt::Key_I}) {
+        QApplication::processEvents();
         press(review, key);
     }
     EXPECT_EQ(presentations.calls.filter(u"addPicture"_s).size(), 2);

@@ -14,6 +14,7 @@
 #include "toolkit/desktop_services.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -126,6 +127,7 @@ TEST_P(MainJob, FromTheSuppliedLibraryToSlides)
         if (i % 2 == 0) {
             chosen.append(state.DrawPool(i));
         }
+        QApplication::processEvents(); // nothing is judged before it was painted
         click(review, i % 2 == 0 ? "cmdInclude" : "cmdExclude");
     }
     EXPECT_TRUE(frame->childWindow()->isEnabled());

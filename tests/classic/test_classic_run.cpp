@@ -132,6 +132,7 @@ protected:
         press("cmdCreate");
         const QPointer<QWidget> review = control<QWidget>(frame.get(), "frmSelect");
         for (int i = 0; review && review->isVisible() && i < 20; ++i) {
+            QApplication::processEvents(); // nothing is judged before it was painted
             click(review, i % 2 == 0 ? "cmdExclude" : "cmdInclude");
         }
     }

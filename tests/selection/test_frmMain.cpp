@@ -4,6 +4,7 @@
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
@@ -91,6 +92,7 @@ TEST_F(FrmMain, FallsBackToTheFirstAssessmentOrNone)
 {
     open();
     EXPECT_EQ(assessments().listCount() + topics().listCount() + count(), 0);
+    EXPECT_TRUE(control<QLabel>(window.get(), "lblObstacle")->isVisible());
     messages.expectInform(u"No Questions"_s, u"There are no questions selected."_s);
     for (const char* button :
          {"cmdCreate", "cmdSelectAllTopics", "cmdClearAllTopics", "cmdSelectAllSub",
@@ -108,6 +110,7 @@ TEST_F(FrmMain, FallsBackToTheFirstAssessmentOrNone)
         EXPECT_EQ(state.CurrentAssessmentNum, 1);
         EXPECT_EQ(assessments().currentText(), u"First"_s);
         EXPECT_EQ(count(), 6);
+        EXPECT_FALSE(control<QLabel>(window.get(), "lblObstacle")->isVisible());
     }
 }
 
@@ -150,10 +153,25 @@ TEST_F(FrmMain, CountsFollowTopicsAndSubtopics)
     press("cmdSelectAllSub");
     EXPECT_EQ(count(), 31);
     EXPECT_EQ(topics().listIndex(), 0);
-    // A number typed by hand lasts until the next change.
-    number().setText(u"7"_s);
+    // A number typed by hand lasts until the next change, which offers it again while it can.
+    const auto offered = [&] {
+        return control<QWidget>(window.get(), "cmdAskAgain")->isVisible() ? u"offered"_s
+               : control<QLabel>(window.get(), "lblAsked")->isVisible()
+                   ? control<QLabel>(window.get(), "lblAsked")->text()
+                   : QString();
+    };
+    number().selectAll();
+    QTest::keyClicks(&number(), u"7"_s);
+    EXPECT_EQ(offered(), QString());
     topics().setListIndex(0);
     EXPECT_EQ(count(), 31);
+    EXPECT_EQ(offered(), u"offered"_s);
+    press("cmdClearAllTopics");
+    EXPECT_EQ(offered(), u"You asked for 7; fewer are selected now."_s);
+    press("cmdSelectAllTopics");
+    press("cmdAskAgain");
+    EXPECT_EQ(number().text(), u"7"_s);
+    EXPECT_EQ(offered(), QString());
 }
 
 TEST_F(FrmMain, WorksByKeyboard)
@@ -178,6 +196,10 @@ TEST_F(FrmMain, WorksByKeyboard)
               "cmdClearAllTopics");
 
     // Enter asks for the slides, but for a button that has the focus.
+    assessments().setFocus();
+    QTest::keyClick(&assessments(), Qt::Key_Return);
+    EXPECT_TRUE(assessments().view()->isVisible());
+    assessments().hidePopup();
     for (QWidget* place : std::initializer_list<QWidget*>{&number(), &topics()}) {
         number().setText(u"x"_s);
         place->setFocus();

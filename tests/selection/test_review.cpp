@@ -4,6 +4,7 @@
 #include "support/test_services.h"
 #include "toolkit/PictureView.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
@@ -48,7 +49,17 @@ protected:
         }
     }
 
-    void key(Qt::Key which) { QTest::keyClick(review->focusWidget(), which); }
+    // Both after what there is to see was painted.
+    static void click(QWidget* window, const char* name)
+    {
+        QApplication::processEvents();
+        test::click(window, name);
+    }
+    void key(Qt::Key which)
+    {
+        QApplication::processEvents();
+        QTest::keyClick(review->focusWidget(), which);
+    }
     QString text(const char* label) { return control<QLabel>(review, label)->text(); }
     QString counters() { return text("lblCount1") + u", "_s + text("lblCount2"); }
     /// Shows the question at this position of the pool with everything that belongs to it.
@@ -86,9 +97,13 @@ TEST_F(ReviewWindow, IncludingTheNumberAskedForBuildsInPoolOrder)
     key(Qt::Key_E);
     EXPECT_TRUE(shows(3));
     EXPECT_EQ(counters(), u"Questions Selected: 1, Questions Left to View: 3"_s);
-    // A key held down judges nothing that nobody has seen.
-    QTest::simulateEvent(review->focusWidget(), true, Qt::Key_E, Qt::NoModifier, u"e"_s, true);
-    EXPECT_TRUE(shows(3));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(review)->role(), QAccessible::Dialog);
+    // What nobody has seen yet is not judged, neither by keys nor by the mouse.
+    control<QWidget>(review, "imgQuestion")->setUpdatesEnabled(false);
+    key(Qt::Key_E);
+    click(review, "cmdInclude");
+    ASSERT_TRUE(review && shows(3));
+    control<QWidget>(review, "imgQuestion")->setUpdatesEnabled(true);
     click(review, "cmdInclude");
     expectClosed(1);
     ASSERT_EQ(pictures().size(), 2);
@@ -125,20 +140,53 @@ TEST_F(ReviewWindow, CreateBuildsWhatIsIncludedSoFar)
     messages.expectInform(u"Error"_s, u"no such slide"_s);
     create(5);
     click(review, "cmdCreate");
+    EXPECT_TRUE(review->isVisible() && shows(1));
+    click(review, "cmdCancel");
     expectClosed(3);
+}
+
+TEST_F(ReviewWindow, GoesOnWithItsLastJudgementTakenBackWhenThereAreNoSlides)
+{
+    create(2);
+    key(Qt::Key_I);
+    key(Qt::Key_E);
+    presentations.startFailure = u"The office does not start."_s;
+    messages.expectInform(u"Error"_s, presentations.startFailure);
+    key(Qt::Key_I);
+    EXPECT_TRUE(review->isVisible() && shows(3));
+    EXPECT_EQ(counters(), u"Questions Selected: 1, Questions Left to View: 3"_s);
+    presentations.startFailure.clear();
+    key(Qt::Key_E);
+    EXPECT_TRUE(shows(4));
+    key(Qt::Key_I);
+    EXPECT_EQ(pictures().size(), 2);
+    EXPECT_TRUE(pictures()[1].contains(library.picturePath(state.DrawPool(4).PictureIndex)));
+    EXPECT_FALSE(review && review->isVisible());
 }
 
 TEST_F(ReviewWindow, CancelEscapeClosingAndExcludingAllBuildNothing)
 {
-    const std::vector<std::function<void()>> ways{[&] { click(review, "cmdCancel"); },
-                                                  [&] { key(Qt::Key_Escape); },
-                                                  [&] { review->close(); }};
+    create(3);
+    key(Qt::Key_I);
+    click(review, "cmdCancel");
+    expectClosed(0);
+    // What has been included is not thrown away unasked by any other way out.
+    const std::vector<std::function<void()>> ways{
+        [&] { key(Qt::Key_Escape); }, [&] { review->close(); }, [&] { selection->close(); }};
     for (const auto& way : ways) {
         create(3);
         key(Qt::Key_I);
-        way();
+        for (const bool leave : {false, true}) {
+            EXPECT_TRUE(review->isVisible() && selection->isVisible());
+            messages.expectYesNo(u"Leave the Review?"_s,
+                                 u"Questions included so far: 1. If you leave the review now, no "
+                                 "slides are made of them. Do you want to leave it?"_s,
+                                 leave);
+            way();
+        }
         expectClosed(0);
     }
+    selection->show();
     create(5);
     for (int i = 1; i <= 5; ++i) {
         EXPECT_TRUE(shows(i));

@@ -6,6 +6,7 @@
 #include "toolkit/LongWork.h"
 #include "toolkit/desktop_services.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QKeyEvent>
@@ -17,6 +18,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -121,6 +123,17 @@ TEST_F(ListBoxTest, MultiSelectionIsTickedAndTextOnlyFocused)
         "all, first current", [&] { list->setAllSelected(true, 0); }, 1, 0, u"xxx"_s);
     expectAfter(
         "none", [&] { list->setAllSelected(false); }, 1, 0, u"---"_s);
+    expectAfter(
+        "ticked by an assistive program",
+        [&] {
+            QAccessibleInterface* rows = QAccessible::queryAccessibleInterface(list.get());
+            QAccessibleInterface* row = rows->child(1);
+            ASSERT_NE(row, nullptr);
+            row->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        },
+        1, 1, u"-x-"_s);
+    list->setListIndex(0);
+    list->setSelected(1, false);
     const QStringList renamed{u"a"_s, u"b"_s, u"c"_s};
     expectAfter(
         "renamed", [&] { list->setItemTexts(renamed); }, 0, 0, u"---"_s);
@@ -136,11 +149,12 @@ TEST_F(ListBoxTest, MultiSelectionIsTickedAndTextOnlyFocused)
 TEST_F(ListBoxTest, OddTextsStayWholeAndShowOnOneLine)
 {
     show(ListBox::Mode::Multi);
-    const QString odd = u"a <b>&amp;\nb\t\u2028😀 "_s + QString(10'000, u'x');
+    const QString odd = u"a <b>&amp;\nb\t\u2028😀 "_s + QString(10'000, u'x') + u" (4 of 4)"_s;
     list->addItem(odd, 1);
     EXPECT_EQ(list->itemText(3), odd);
     const QString line = list->model()->index(3, 0).data().toString();
     EXPECT_TRUE(line.startsWith(u"a <b>&amp; b  😀 xxx"_s)) << line.toStdString();
+    EXPECT_TRUE(line.endsWith(u"x (4 of 4)"_s)) << line.toStdString();
     EXPECT_LT(line.size(), 1000);
     EXPECT_EQ(rect(3).height(), rect(0).height());
 }
@@ -161,6 +175,13 @@ TEST(ComboBoxTest, ReactsToTheUserAndToSetListIndexOnly)
     EXPECT_EQ(combo.entryData(1), 22);
     combo.show();
     QTest::keyClick(&combo, Qt::Key_Up);
+    EXPECT_EQ(combo.listIndex(), 0);
+    // The wheel over a list that does not have the focus only scrolls what is around it.
+    combo.clearFocus();
+    QWheelEvent wheel({5, 5}, combo.mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&combo, &wheel);
+    EXPECT_FALSE(wheel.isAccepted());
     EXPECT_EQ(combo.listIndex(), 0);
     combo.clear();
     EXPECT_EQ(clicks.size(), 3);
