@@ -217,9 +217,11 @@ void ExchangeWindow::keyPressEvent(QKeyEvent* event)
 {
     switch (event->key()) {
     case Qt::Key_Return:
-    case Qt::Key_Enter:
-        startButton_->click();
+    case Qt::Key_Enter: {
+        auto* focused = qobject_cast<QPushButton*>(focusWidget());
+        (focused ? focused : startButton_)->click();
         break;
+    }
     case Qt::Key_Escape:
         close();
         break;

@@ -32,7 +32,7 @@ protected:
     ExchangeWindow(const char* objectName, const QString& title);
 
     /// Builds the column: title, controls, bar, button, the reason of a failure, and below it
-    /// `followUp` if there is one. Enter presses the button wherever the focus is.
+    /// `followUp` if there is one. Enter presses `startButton` unless another button has the focus.
     void buildColumn(const QList<QWidget*>& controls, QPushButton* startButton,
                      QWidget* followUp = nullptr);
 
