@@ -201,6 +201,11 @@ public:
 private:
     [[noreturn]] void fail() const
     {
+        if (errno == EEXIST) {
+            throw Error(QStringLiteral("The archive holds two files of one name, or there is one "
+                                       "already: %1")
+                            .arg(QDir::toNativeSeparators(path_)));
+        }
         throw Error(QStringLiteral("The file %1 cannot be written (%2).")
                         .arg(QDir::toNativeSeparators(path_), qt_error_string(errno)));
     }

@@ -246,50 +246,59 @@ QByteArray records(int number)
 }
 
 using enum Package::Result;
-constexpr const char* info = "AssessmentInfo.txt";
-constexpr const char* topics = "topics.txt";
-constexpr const char* questions = "questions.txt";
-constexpr const char* inB = "b/AssessmentInfo.txt";
 constexpr std::array<int, 3> all{1, 1, 2};
 
 INSTANTIATE_TEST_SUITE_P(
     All, Packages,
     testing::Values(
-        Package{"Sound", {}, Imported}, Package{"NoInfo", {{info, "none"}}, NotAPackage},
-        Package{"EmptyInfo", {{info, ""}}, NotAPackage},
-        Package{"EmptyName", {{info, "\"\"\r\n"}}, Quiet},
-        Package{"NoTopics", {{topics, "none"}}, Failed},
+        Package{"Sound", {}, Imported},
+        Package{"NoInfo", {{"AssessmentInfo.txt", "none"}}, NotAPackage},
+        Package{"EmptyInfo", {{"AssessmentInfo.txt", ""}}, NotAPackage},
+        Package{"EmptyName", {{"AssessmentInfo.txt", "\"\"\r\n"}}, Quiet},
+        Package{"NoTopics", {{"topics.txt", "none"}}, Failed},
         Package{"MalformedNumber", {{"subtopics.txt", "7,\"S\",x\r\n"}}, Failed},
-        Package{"Apostrophe", {{questions, "3,7,\"it's\",70\r\n"}}, Failed},
+        Package{"Apostrophe", {{"questions.txt", "3,7,\"it's\",70\r\n"}}, Failed},
         Package{"MissingPicture", {{"4.jpg", "none"}}, Failed},
         Package{"EmptyPicture", {{"4.jpg", ""}}, Imported},
         Package{"NegativeKeys",
-                {{questions, "-3,-7,\"A\",-70\r\n"},
+                {{"questions.txt", "-3,-7,\"A\",-70\r\n"},
                  {"-3.jpg", "x"},
-                 {topics, "-7,\"T\"\r\n"},
+                 {"topics.txt", "-7,\"T\"\r\n"},
                  {"subtopics.txt", "-7,\"S\",-70\r\n"}},
                 Imported,
                 {1, 1, 1}},
-        Package{"UnknownReferences", {{questions, "3,8,\"A\",80\r\n"}}, Imported, {1, 1, 1}, "|||"},
-        Package{
-            "LastOfTwinsWins",
-            {{topics, "7,\"T\"\r\n7,\"U\"\r\n"}, {"subtopics.txt", "7,\"S\",70\r\n7,\"V\",70\r\n"}},
-            Imported,
-            {2, 2, 2},
-            "|U|V|"},
+        Package{"UnknownReferences",
+                {{"questions.txt", "3,8,\"A\",80\r\n"}},
+                Imported,
+                {1, 1, 1},
+                "|||"},
+        Package{"LastOfTwinsWins",
+                {{"topics.txt", "7,\"T\"\r\n7,\"U\"\r\n"},
+                 {"subtopics.txt", "7,\"S\",70\r\n7,\"V\",70\r\n"}},
+                Imported,
+                {2, 2, 2},
+                "|U|V|"},
         Package{"MostRecords",
-                {{topics, records(32767)}, {"subtopics.txt", ""}, {questions, ""}},
+                {{"topics.txt", records(32767)}, {"subtopics.txt", ""}, {"questions.txt", ""}},
                 Imported,
                 {32767, 0, 0}},
-        Package{"OneRecordTooMany", {{topics, records(32768)}}, Failed},
+        Package{"OneRecordTooMany", {{"topics.txt", records(32768)}}, Failed},
         Package{"InAFolder", {}, Imported, all, "|T|S|", "Algebra (1)/"},
         Package{"WithDots", {}, Imported, all, "|T|S|", "./"},
         Package{"OutsideItsFolder", {}, NotAPackage, all, "", "../"},
-        Package{"AnotherBelowIt", {{inB, "\"B\"\r\n"}}, Imported},
-        Package{"TwoInFolders", {{inB, "\"B\"\r\n"}}, NotUnpacked, all, "", "a/"},
-        Package{"NoUtf8", {{topics, "7,\"\xe9\"\r\n"}}, Imported, all, "|é|S|", "", "Not UTF-8"},
-        Package{"Utf8", {{topics, "7,\"π\"\r\n"}}, Imported, all, "|π|S|", "", "Text files: UTF-8"},
-        Package{"Utf8Mark", {{topics, "\ufeff7,\"π\"\r\n"}}, Imported, all, "|π|S|"}),
+        Package{"AnotherBelowIt", {{"b/AssessmentInfo.txt", "\"B\"\r\n"}}, Imported},
+        Package{
+            "TwoInFolders", {{"b/AssessmentInfo.txt", "\"B\"\r\n"}}, NotUnpacked, all, "", "a/"},
+        Package{
+            "NoUtf8", {{"topics.txt", "7,\"\xe9\"\r\n"}}, Imported, all, "|é|S|", "", "Not UTF-8"},
+        Package{"Utf8",
+                {{"topics.txt", "7,\"π\"\r\n"}},
+                Imported,
+                all,
+                "|π|S|",
+                "",
+                "Text files: UTF-8"},
+        Package{"Utf8Mark", {{"topics.txt", "\ufeff7,\"π\"\r\n"}}, Imported, all, "|π|S|"}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(Import, TwoQuestionsWithOnePictureGetTheirOwnBytes)
