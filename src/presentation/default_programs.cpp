@@ -131,7 +131,11 @@ std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start(SlidesIn
                                                                         const KeepGoing& keepGoing)
 {
     const QString& asked = settings_.program;
-    if (into == SlidesInto::File || asked == u"pptx") {
+    if (into == SlidesInto::File) {
+        // What opens files may be the very program that hangs, so the user is told where it is.
+        return startPptx(keepGoing, QStringLiteral("The presentation program has not answered."));
+    }
+    if (asked == u"pptx") {
         return startPptx(keepGoing);
     }
     if (asked == u"impress") {
