@@ -33,9 +33,9 @@ QString picture(const QString& folder, int number)
 /// A JPEG as far as headers go, with noise for its coded part.
 void writePicture(const QString& path, std::mt19937& random)
 {
-    QByteArray bytes("\xFF\xD8\xFF\xE0\0\x10JFIF\0\1\1\1\0\x60\0\x60\0\0"
-                     "\xFF\xC0\0\x0B\x08\1\x5E\2\x58\1\1\x11\0\xFF\xDA\0\x08\1\1\0\0\x3F\0",
-                     43);
+    QByteArray bytes("\xFF\xD8\xFF\xE0\0\x10JFIF\0\1\1\1\0\x60\0\x60\0\0", 20);
+    bytes += QByteArray("\xFF\xDB\0\x43\0", 5) + QByteArray(64, 1);
+    bytes += QByteArray("\xFF\xC0\0\x0B\x08\1\x5E\2\x58\1\1\x11\0\xFF\xDA\0\x08\1\1\0\0\x3F\0", 23);
     while (bytes.size() < pictureSize - 2) {
         bytes += char(random() % 255);
     }

@@ -86,6 +86,7 @@ void frmManage::closeEvent(QCloseEvent* event)
     QWidget::closeEvent(event);
     if (!unloaded_ && event->isAccepted()) {
         unloaded_ = true;
+        imgQuestion_->forget();
         Form_Unload();
     }
 }
@@ -273,26 +274,32 @@ void frmManage::showPicture()
     const auto path = [this](int position) {
         return FindPictureFile(services_.programFolder, state_.BrowseQuestions(position).SOLIndex);
     };
-    const QImage picture = pictures_.load(path(state_.QuestionPosition));
-    if (!picture.isNull()) {
-        imgQuestion_->setPicture(picture);
-    }
-    const bool borrowed = picture.isNull() && !imgQuestion_->picture().isNull();
-    lblPictureHint_->say(borrowed ? QStringLiteral("The picture above belongs to another question: "
-                                                   "this one's picture file is missing.")
-                                  : QString());
-    if (picture.isNull()) {
-        inform(QStringLiteral("File Missing"),
-               QStringLiteral(
-                   "The picture file is missing from this picture.  Please delete this question."));
-    }
+    const QuestionRecord& question = state_.BrowseQuestions(state_.QuestionPosition);
+    imgQuestion_->setSubject(
+        tr("Question %1: %2.").arg(PositionText(state_), GetTopicText(state_, question)));
+    lblPictureHint_->say({});
+    imgQuestion_->load(path(state_.QuestionPosition),
+                       [this](PictureFault fault) { reportPicture(fault); });
     lblQuestionCount_->setText(PositionText(state_));
     HandlePictureButtons();
     for (const int next : {state_.QuestionPosition - 1, state_.QuestionPosition + 1}) {
         if (next >= 1 && next <= state_.QuestionCount) {
-            pictures_.prefetch(path(next));
+            imgQuestion_->prefetch(path(next));
         }
     }
+}
+
+void frmManage::reportPicture(PictureFault fault)
+{
+    if (fault == PictureFault::None) {
+        return;
+    }
+    // The picture of the question before it stays.
+    const bool borrowed = !imgQuestion_->picture().isNull();
+    lblPictureHint_->say(PictureHint(fault, borrowed));
+    inform(QStringLiteral("File Missing"),
+           QStringLiteral(
+               "The picture file is missing from this picture.  Please delete this question."));
 }
 
 void frmManage::HandlePictureButtons()
@@ -311,6 +318,7 @@ void frmManage::HandlePictureButtons()
 void frmManage::showBrowser(bool shown)
 {
     if (!shown) {
+        imgQuestion_->forget();
         lblNoQuestions_->setText(whyNoQuestions());
     }
     fraQuestions_->setVisible(shown);

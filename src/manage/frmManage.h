@@ -1,7 +1,6 @@
 #pragma once
 
 #include "manage/filing_preselection.h"
-#include "pictures/picture_loader.h"
 
 #include <QWidget>
 
@@ -18,6 +17,7 @@ class Connection;
 class HintLabel;
 class ListBox;
 class PictureView;
+enum class PictureFault;
 struct ProgramState;
 struct Services;
 
@@ -82,6 +82,8 @@ private:
     /// Runs a reload outside the handlers that report a failure in words of their own.
     void loadReporting(const std::function<void()>& load);
     void showPicture();
+    /// Tells that the shown question's picture cannot be shown, and beside it why.
+    void reportPicture(PictureFault fault);
     void showBrowser(bool shown);
     /// What stands in the browser's place while it is hidden.
     [[nodiscard]] QString whyNoQuestions() const;
@@ -95,7 +97,6 @@ private:
     ProgramState& state_;
     Connection& connection_;
     OpenAuthoring openAuthoring_;
-    PictureLoader pictures_;
     bool unloaded_ = false;
 
     ComboBox* cboAssessment_ = nullptr;

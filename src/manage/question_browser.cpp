@@ -3,6 +3,8 @@
 #include "selection/question_selection.h"
 #include "store/catalogue.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace varnholt {
@@ -68,6 +70,34 @@ QString PositionText(const ProgramState& state)
 PictureButtons EnabledPictureButtons(std::int32_t questionPosition, std::int32_t questionCount)
 {
     return {questionPosition > 1, questionPosition > 0 && questionPosition != questionCount};
+}
+
+QString PictureHint(PictureFault fault, bool borrowed)
+{
+    const auto tr = [](const char* text) {
+        return QCoreApplication::translate("varnholt::frmManage", text);
+    };
+    switch (fault) {
+    case PictureFault::None:
+        return {};
+    case PictureFault::Missing:
+        return borrowed ? tr("The picture above belongs to another question: this "
+                             "one's picture file is missing.")
+                        : QString();
+    case PictureFault::Unreadable:
+        return borrowed ? tr("The picture above belongs to another question: this "
+                             "one's picture file is there, but cannot be read.")
+                        : tr("The picture file is there, but cannot be read.");
+    case PictureFault::Damaged:
+        return borrowed ? tr("The picture above belongs to another question: this one's "
+                             "picture file is damaged or is not a picture.")
+                        : tr("The picture file is damaged or is not a picture.");
+    case PictureFault::TooLarge:
+        return borrowed ? tr("The picture above belongs to another question: this "
+                             "one's picture is too large to be shown.")
+                        : tr("The picture is too large to be shown.");
+    }
+    return {};
 }
 
 } // namespace varnholt

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pictures/picture_info.h"
 #include "store/modMain.h"
 
 #include <QString>
@@ -31,6 +32,11 @@ void StepRight(ProgramState& state);
 
 /// "3 of 12".
 [[nodiscard]] QString PositionText(const ProgramState& state);
+
+/// What stands beside the picture of a question whose own cannot be shown: the reason where the
+/// message does not give it, and, where the picture is `borrowed`, that it belongs to the
+/// question before.
+[[nodiscard]] QString PictureHint(PictureFault fault, bool borrowed);
 
 /// Which of the stepping buttons work.
 struct PictureButtons

@@ -1,10 +1,11 @@
 #include "pictures/picture_info.h"
 
-#include "store/errors.h"
+#include "pictures/jpeg_structure.h"
 
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QtEndian>
@@ -13,100 +14,50 @@
 #include <mutex>
 #include <optional>
 
+#include <zlib.h>
+
 namespace varnholt {
 
 namespace {
 
 constexpr double defaultDotsPerInch = 96;
 constexpr double pointsPerInch = 72;
+/// More than any of the four formats can express in a byte.
+constexpr qint64 mostPixelsPerByte = 10'000;
 
-[[noreturn]] void fail(const QString& path, const QString& why)
+constexpr auto cutOff = "is cut off";
+constexpr auto damaged = "is damaged";
+constexpr auto noPicture = "is not a JPEG, PNG, GIF or BMP picture";
+
+[[noreturn]] void fail(PictureFault fault, const QString& path, const QString& why)
 {
-    throw Error(QStringLiteral("The picture \"%1\" %2.").arg(QDir::toNativeSeparators(path), why));
+    throw PictureError(
+        fault, QStringLiteral("The picture \"%1\" %2.").arg(QDir::toNativeSeparators(path), why));
 }
 
-/// Random access to a file through one small window, so that headers are read in few calls
-/// and the pixels between them not at all.
-class FileWindow
+QByteArray readWhole(const QString& path)
 {
-public:
-    explicit FileWindow(const QString& path)
-        : path_(path)
-        , file_(path)
-    {
-        if (!file_.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-            fail(path, file_.exists() ? QStringLiteral("cannot be read")
-                                      : QStringLiteral("does not exist"));
-        }
-        size_ = file_.size();
-        if (size_ == 0) {
-            fail(path, QStringLiteral("is empty"));
-        }
+    // Opening a pipe or a device of that name could wait for ever.
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        fail(PictureFault::Missing, path, QStringLiteral("does not exist"));
     }
-
-    [[nodiscard]] qint64 size() const { return size_; }
-
-    /// `count` bytes from `position`, valid until the next call. A file that ends before
-    /// that is cut off.
-    const uchar* bytes(qint64 position, qint64 count)
-    {
-        if (position < start_ || position + count > start_ + window_.size()) {
-            start_ = position;
-            if (position + count > size_ || !file_.seek(position)) {
-                failCutOff();
-            }
-            window_ = file_.read(std::max(count, windowSize));
-            if (window_.size() < count) {
-                failCutOff();
-            }
-        }
-        return reinterpret_cast<const uchar*>(window_.constData()) + (position - start_);
+    QFile file(path);
+    if (!info.isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        fail(PictureFault::Unreadable, path, QStringLiteral("cannot be read"));
     }
-
-    quint16 big16(qint64 position) { return qFromBigEndian<quint16>(bytes(position, 2)); }
-    quint32 big32(qint64 position) { return qFromBigEndian<quint32>(bytes(position, 4)); }
-    quint16 little16(qint64 position) { return qFromLittleEndian<quint16>(bytes(position, 2)); }
-    quint32 little32(qint64 position) { return qFromLittleEndian<quint32>(bytes(position, 4)); }
-
-    bool startsWith(QByteArrayView magic)
-    {
-        return size_ >= magic.size() && at(0, magic.size()) == magic;
+    if (file.size() > largestPictureFile) {
+        fail(PictureFault::TooLarge, path, QStringLiteral("is too large a file"));
     }
-    QByteArrayView at(qint64 position, qint64 count) { return {bytes(position, count), count}; }
-
-    /// Whether `mark` stands anywhere from `from` on. Looks at the end first, where it is in
-    /// every whole file that nothing was appended to.
-    bool containsNearEnd(QByteArrayView mark, qint64 from)
-    {
-        qint64 last = size_;
-        while (last - from >= mark.size()) {
-            const qint64 first = std::max(from, last - windowSize);
-            if (at(first, last - first).contains(mark)) {
-                return true;
-            }
-            if (first == from) {
-                break;
-            }
-            last = first + mark.size() - 1;
-        }
-        return false;
+    if (file.size() == 0) {
+        fail(PictureFault::Damaged, path, QStringLiteral("is empty"));
     }
-
-    [[noreturn]] void failCutOff() const { fail(path_, QStringLiteral("is cut off")); }
-    [[noreturn]] void failNoPicture() const
-    {
-        fail(path_, QStringLiteral("is not a JPEG, PNG, GIF or BMP picture"));
+    QByteArray bytes = file.readAll();
+    if (bytes.size() != file.size()) {
+        fail(PictureFault::Unreadable, path, QStringLiteral("cannot be read to its end"));
     }
-
-private:
-    static constexpr qint64 windowSize = 4096;
-
-    QString path_;
-    QFile file_;
-    qint64 size_ = 0;
-    qint64 start_ = 0;
-    QByteArray window_;
-};
+    return bytes;
+}
 
 struct Header
 {
@@ -117,6 +68,8 @@ struct Header
     double densityY = 0;
     /// As Exif counts: 1 upright, 2 to 8 mirrored and turned, 5 to 8 with the sides swapped.
     int orientation = 1;
+    /// Rounds through the picture that decoding takes.
+    int scans = 1;
 };
 
 /// The few entries of a TIFF directory that matter here (TIFF 6.0 section 2; Exif 2.32 4.6).
@@ -196,87 +149,134 @@ private:
     bool bigEndian_;
 };
 
-/// A frame header of any coding process (ITU-T T.81 table B.1).
-bool isFrameMarker(int marker)
+/// The numbers of a file that may end too early.
+class Fields
 {
-    return marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
-}
+public:
+    explicit Fields(QByteArrayView bytes)
+        : bytes_(bytes)
+    {}
 
-Header readJpegHeader(FileWindow& file)
+    QByteArrayView at(qint64 position, qint64 count) const
+    {
+        if (position < 0 || position + count > bytes_.size()) {
+            throw BadStructure(cutOff);
+        }
+        return bytes_.sliced(position, count);
+    }
+    quint8 byte(qint64 position) const { return quint8(at(position, 1)[0]); }
+    quint32 big32(qint64 position) const { return qFromBigEndian<quint32>(at(position, 4).data()); }
+    quint16 little16(qint64 position) const
+    {
+        return qFromLittleEndian<quint16>(at(position, 2).data());
+    }
+    quint32 little32(qint64 position) const
+    {
+        return qFromLittleEndian<quint32>(at(position, 4).data());
+    }
+
+private:
+    QByteArrayView bytes_;
+};
+
+Header readJpegHeader(QByteArrayView bytes)
 {
+    const JpegStructure structure = readJpegStructure(bytes);
     Header header;
     header.format = "jpeg";
-    qint64 position = 2;
-    for (;;) {
-        if (*file.bytes(position, 1) != 0xFF) {
-            file.failNoPicture();
-        }
-        const int marker = *file.bytes(position + 1, 1);
-        if (marker == 0xFF) {
-            ++position;
-            continue;
-        }
-        const qint64 length = file.big16(position + 2);
-        const qint64 data = position + 4;
-        if (marker == 0xE0 && length >= 14 && file.at(data, 5) == QByteArrayView("JFIF\0", 5)) {
-            const int unit = *file.bytes(data + 7, 1);
-            const double perInch = unit == 1 ? 1 : unit == 2 ? 2.54 : 0;
-            if (perInch > 0) {
-                header.densityX = file.big16(data + 8) * perInch;
-                header.densityY = file.big16(data + 10) * perInch;
-            }
-        } else if (marker == 0xE1 && length >= 16 &&
-                   file.at(data, 6) == QByteArrayView("Exif\0\0", 6)) {
-            ExifReader(file.at(data + 6, length - 8)).readInto(header);
-        } else if (isFrameMarker(marker) && length >= 8) {
-            header.pixels = QSize(file.big16(data + 3), file.big16(data + 1));
-        } else if (marker == 0xDA) {
-            break;
-        }
-        position = data - 2 + length;
+    header.pixels = structure.pixels;
+    header.scans = structure.scans;
+    if (!structure.jfif.isEmpty()) {
+        const Fields jfif(structure.jfif);
+        const int unit = jfif.byte(7);
+        const double perInch = unit == 1 ? 1 : unit == 2 ? 2.54 : 0;
+        header.densityX = qFromBigEndian<quint16>(jfif.at(8, 2).data()) * perInch;
+        header.densityY = qFromBigEndian<quint16>(jfif.at(10, 2).data()) * perInch;
     }
-    if (header.pixels.isEmpty()) {
-        file.failNoPicture();
-    }
-    if (!file.containsNearEnd("\xFF\xD9", position)) {
-        file.failCutOff();
+    if (!structure.exif.isEmpty()) {
+        ExifReader(structure.exif.sliced(6)).readInto(header);
     }
     return header;
 }
 
-Header readPngHeader(FileWindow& file)
+/// PNG (ISO/IEC 15948) 11.2.2: the bit depths that go with a colour type.
+bool isPngKind(int colourType, int depth)
 {
+    switch (colourType) {
+    case 0:
+        return depth == 1 || depth == 2 || depth == 4 || depth == 8 || depth == 16;
+    case 3:
+        return depth == 1 || depth == 2 || depth == 4 || depth == 8;
+    case 2:
+    case 4:
+    case 6:
+        return depth == 8 || depth == 16;
+    default:
+        return false;
+    }
+}
+
+Header readPngHeader(QByteArrayView bytes)
+{
+    const Fields file(bytes);
     Header header;
     header.format = "png";
-    header.pixels = QSize(int(std::min(file.big32(16), 0x7FFFFFFFu)),
-                          int(std::min(file.big32(20), 0x7FFFFFFFu)));
-    for (qint64 chunk = 8; file.at(chunk + 4, 4) != "IDAT";) {
-        if (file.at(chunk + 4, 4) == "pHYs" && *file.bytes(chunk + 16, 1) == 1) {
-            constexpr double inchesPerMetre = 1 / 0.0254;
-            header.densityX = file.big32(chunk + 8) / inchesPerMetre;
-            header.densityY = file.big32(chunk + 12) / inchesPerMetre;
+    bool palette = false;
+    bool data = false;
+    for (qint64 chunk = 8;;) {
+        const qint64 length = file.big32(chunk);
+        const QByteArrayView name = file.at(chunk + 4, 4);
+        const qint64 content = chunk + 8;
+        const QByteArrayView summed = file.at(chunk + 4, length + 4);
+        const bool critical = (name[0] & 0x20) == 0;
+        if (critical && crc32_z(0, reinterpret_cast<const Bytef*>(summed.data()),
+                                size_t(summed.size())) != file.big32(content + length)) {
+            throw BadStructure(damaged);
         }
-        chunk += 12 + qint64(file.big32(chunk));
+        if (chunk == 8) {
+            if (name != "IHDR" || length != 13 ||
+                !isPngKind(file.byte(content + 9), file.byte(content + 8)) ||
+                file.byte(content + 10) != 0 || file.byte(content + 11) != 0 ||
+                file.byte(content + 12) > 1) {
+                throw BadStructure(damaged);
+            }
+            header.pixels = QSize(int(std::min(file.big32(content), 0x7FFFFFFFu)),
+                                  int(std::min(file.big32(content + 4), 0x7FFFFFFFu)));
+        } else if (name == "pHYs" && length == 9 && file.byte(content + 8) == 1) {
+            constexpr double inchesPerMetre = 1 / 0.0254;
+            header.densityX = file.big32(content) / inchesPerMetre;
+            header.densityY = file.big32(content + 4) / inchesPerMetre;
+        } else if (name == "PLTE") {
+            palette = true;
+        } else if (name == "IDAT") {
+            data = data || palette || file.byte(25) != 3;
+        } else if (name == "IEND") {
+            if (!data) {
+                throw BadStructure(damaged);
+            }
+            return header;
+        } else if (critical) {
+            throw BadStructure(damaged);
+        }
+        chunk = content + length + 4;
     }
-    if (!file.containsNearEnd("IEND\xAE\x42\x60\x82", 8)) {
-        file.failCutOff();
-    }
-    return header;
 }
 
-Header readGifHeader(FileWindow& file)
+Header readGifHeader(QByteArrayView bytes)
 {
+    const Fields file(bytes);
     Header header;
     header.format = "gif";
     header.pixels = QSize(file.little16(6), file.little16(8));
-    if (*file.bytes(file.size() - 1, 1) != 0x3B) {
-        file.failCutOff();
+    if (file.byte(bytes.size() - 1) != 0x3B) {
+        throw BadStructure(cutOff);
     }
     return header;
 }
 
-Header readBmpHeader(FileWindow& file)
+Header readBmpHeader(QByteArrayView bytes)
 {
+    const Fields file(bytes);
     Header header;
     header.format = "bmp";
     // Rows from the top downwards are marked by a negative height.
@@ -285,27 +285,27 @@ Header readBmpHeader(FileWindow& file)
         QSize(qint32(file.little32(18)), int(std::min<qint64>(std::abs(height), 0x7FFFFFFF)));
     header.densityX = qint32(file.little32(38)) * 0.0254;
     header.densityY = qint32(file.little32(42)) * 0.0254;
-    if (file.size() < qint64(file.little32(2))) {
-        file.failCutOff();
+    if (bytes.size() < qint64(file.little32(2))) {
+        throw BadStructure(cutOff);
     }
     return header;
 }
 
-Header readHeader(FileWindow& file)
+Header readHeader(QByteArrayView bytes)
 {
-    if (file.startsWith("\xFF\xD8\xFF")) {
-        return readJpegHeader(file);
+    if (bytes.startsWith("\xFF\xD8\xFF")) {
+        return readJpegHeader(bytes);
     }
-    if (file.startsWith("\x89PNG\r\n\x1A\n")) {
-        return readPngHeader(file);
+    if (bytes.startsWith("\x89PNG\r\n\x1A\n")) {
+        return readPngHeader(bytes);
     }
-    if (file.startsWith("GIF8")) {
-        return readGifHeader(file);
+    if (bytes.startsWith("GIF8")) {
+        return readGifHeader(bytes);
     }
-    if (file.startsWith("BM") && file.size() > 54 && file.little32(14) >= 40) {
-        return readBmpHeader(file);
+    if (bytes.startsWith("BM") && bytes.size() > 54 && Fields(bytes).little32(14) >= 40) {
+        return readBmpHeader(bytes);
     }
-    file.failNoPicture();
+    throw BadStructure(noPicture);
 }
 
 /// Outside of this it is a slip of the program that wrote the file, not a density.
@@ -314,19 +314,24 @@ bool isDensity(double dotsPerInch)
     return dotsPerInch >= 1 && dotsPerInch <= 200'000;
 }
 
-QByteArray turnedUpright(const QString& path)
+QImage read(const CheckedPicture& picture, int longestSide, const QString& path)
 {
-    QImageReader reader(path);
+    AllowLargePictures();
+    QBuffer buffer;
+    buffer.setData(picture.bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, picture.info.format);
     reader.setAutoTransform(true);
-    reader.setDecideFormatFromContent(true);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    QImageWriter writer(&buffer, "jpeg");
-    writer.setQuality(95);
-    if (!writer.write(reader.read())) {
-        fail(path, QStringLiteral("cannot be decoded"));
+    const QSize size = picture.info.pixels;
+    if (size.width() > longestSide || size.height() > longestSide) {
+        reader.setScaledSize(
+            size.scaled(longestSide, longestSide, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
     }
-    return bytes;
+    QImage image = reader.read();
+    if (image.isNull()) {
+        fail(PictureFault::Damaged, path, QStringLiteral("cannot be decoded"));
+    }
+    return image;
 }
 
 } // namespace
@@ -341,39 +346,69 @@ void AllowLargePictures()
     });
 }
 
-PictureInfo readPictureInfo(const QString& path)
+CheckedPicture checkPicture(const QString& path)
 {
-    FileWindow file(path);
-    Header header = readHeader(file);
+    CheckedPicture picture;
+    picture.bytes = readWhole(path);
+    Header header;
+    try {
+        header = readHeader(picture.bytes);
+        if (header.pixels.isEmpty()) {
+            throw BadStructure(noPicture);
+        }
+    } catch (const BadStructure& fault) {
+        fail(PictureFault::Damaged, path, QLatin1String(fault.what()));
+    }
     const QSize pixels = header.pixels;
-    if (pixels.isEmpty()) {
-        file.failNoPicture();
-    }
+    const qint64 area = qint64(pixels.width()) * pixels.height();
+    // A progressive JPEG is kept whole while its scans refine it.
+    const bool wholeInMemory = header.format != "jpeg" || header.scans > 1;
+    picture.work = area * header.scans;
     if (std::max(pixels.width(), pixels.height()) > largestPictureSide ||
-        qint64(pixels.width()) * pixels.height() > largestPictureArea) {
-        fail(path, QStringLiteral("is too large for a slide (%1 × %2 pixels)")
-                       .arg(pixels.width())
-                       .arg(pixels.height()));
+        area > (wholeInMemory ? largestWholeArea : largestPictureArea) ||
+        picture.work > largestDecodingWork) {
+        fail(PictureFault::TooLarge, path,
+             QStringLiteral("is too large for a slide (%1 × %2 pixels)")
+                 .arg(pixels.width())
+                 .arg(pixels.height()));
     }
-    AllowLargePictures();
-    // Rare kinds whose headers say little: decoded once rather than judged by four numbers.
-    if ((header.format == "gif" || header.format == "bmp") &&
-        QImageReader(path, header.format).read().isNull()) {
-        fail(path, QStringLiteral("cannot be decoded"));
+    if (area / mostPixelsPerByte > picture.bytes.size()) {
+        fail(PictureFault::Damaged, path, QLatin1String(damaged));
     }
     const bool given = isDensity(header.densityX) && isDensity(header.densityY);
     const double x = given ? header.densityX : defaultDotsPerInch;
     const double y = given ? header.densityY : defaultDotsPerInch;
-    PictureInfo info;
-    info.format = header.format;
-    info.pixels = pixels;
-    info.points = QSizeF(pixels.width() / x, pixels.height() / y) * pointsPerInch;
-    if (header.orientation != 1) {
-        info.uprightJpeg = turnedUpright(path);
-        if (header.orientation >= 5) {
+    picture.orientation = header.orientation;
+    picture.info.format = header.format;
+    picture.info.pixels = pixels;
+    picture.info.points = QSizeF(pixels.width() / x, pixels.height() / y) * pointsPerInch;
+    return picture;
+}
+
+QImage decodePicture(const CheckedPicture& picture, int longestSide, const QString& path)
+{
+    const QImage image = read(picture, longestSide, path);
+    return image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                         : QImage::Format_RGB32);
+}
+
+PictureInfo readPictureInfo(const QString& path)
+{
+    const CheckedPicture picture = checkPicture(path);
+    PictureInfo info = picture.info;
+    if (picture.orientation != 1) {
+        QBuffer buffer(&info.uprightJpeg);
+        QImageWriter writer(&buffer, "jpeg");
+        writer.setQuality(95);
+        if (!writer.write(read(picture, largestPictureSide, path))) {
+            fail(PictureFault::Damaged, path, QStringLiteral("cannot be turned upright"));
+        }
+        if (picture.orientation >= 5) {
             info.pixels.transpose();
             info.points.transpose();
         }
+    } else if (info.format == "gif" || info.format == "bmp") {
+        static_cast<void>(read(picture, largestPictureSide, path));
     }
     return info;
 }

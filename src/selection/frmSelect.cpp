@@ -136,22 +136,27 @@ void frmSelect::ShowReviewQuestion()
         return FindPictureFile(services_.programFolder, state_.DrawPool(position).PictureIndex);
     };
     const QuestionRecord& question = review_.question();
-    const QImage picture = pictures_.load(path(review_.position()));
-    if (picture.isNull()) {
+    const QString topic = GetTopicText(state_, question);
+    showText(lblTopicDescription_, topic);
+    showText(lblAnswer_, QStringLiteral("Answer: ") + question.Answer);
+    imgQuestion_->setSubject(tr("Question %1 of %2: %3.")
+                                 .arg(review_.position())
+                                 .arg(state_.DrawPool.upperBound())
+                                 .arg(topic));
+    seen_ = false;
+    imgQuestion_->load(path(review_.position()), [this](PictureFault fault) {
+        if (fault == PictureFault::None) {
+            return;
+        }
         services_.messageBoxes->inform(
             QStringLiteral("File Missing"),
             QStringLiteral("One of the questions you have selected is missing the picture file.  "
                            "Please go to Manage Assessments and delete the question that is "
                            "missing the picture file."));
         abandon();
-        return;
-    }
-    seen_ = false;
-    imgQuestion_->setPicture(picture);
-    showText(lblTopicDescription_, GetTopicText(state_, question));
-    showText(lblAnswer_, QStringLiteral("Answer: ") + question.Answer);
+    });
     if (review_.position() < state_.DrawPool.upperBound()) {
-        pictures_.prefetch(path(review_.position() + 1));
+        imgQuestion_->prefetch(path(review_.position() + 1));
     }
 }
 
@@ -178,7 +183,9 @@ void frmSelect::cmdExclude_Click()
 void frmSelect::cmdCreate_Click()
 {
     review_.excludeRest();
-    build();
+    if (build()) {
+        ShowReviewQuestion();
+    }
 }
 
 void frmSelect::goOn(Review::Next next)
@@ -203,6 +210,7 @@ void frmSelect::goOn(Review::Next next)
 
 bool frmSelect::build()
 {
+    imgQuestion_->forget();
     using End = BuildOutcome::End;
     const End end = RunBuild(this, services_, state_, options_).end;
     if (end == End::Complete || end == End::Aborted) {
@@ -233,6 +241,7 @@ void frmSelect::closeEvent(QCloseEvent* event)
     event->setAccepted(unloaded_ || mayLeave());
     if (!unloaded_ && event->isAccepted()) {
         unloaded_ = true;
+        imgQuestion_->forget();
         QSettings().setValue(geometryKey, saveGeometry());
         Q_EMIT unloaded();
     }
@@ -245,7 +254,7 @@ void frmSelect::reject()
 
 bool frmSelect::eventFilter(QObject* watched, QEvent* event)
 {
-    seen_ = seen_ || event->type() == QEvent::Paint;
+    seen_ = seen_ || (event->type() == QEvent::Paint && !imgQuestion_->isLoading());
     return QDialog::eventFilter(watched, event);
 }
 

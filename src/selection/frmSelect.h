@@ -1,6 +1,5 @@
 #pragma once
 
-#include "pictures/picture_loader.h"
 #include "selection/build_run.h"
 #include "selection/review.h"
 
@@ -59,7 +58,6 @@ private:
     ProgramState& state_;
     SlideOptions options_;
     Review review_;
-    PictureLoader pictures_;
     /// The picture on show has been on the screen.
     bool seen_ = false;
     /// What was included needs no more care: it is being built or was given up.

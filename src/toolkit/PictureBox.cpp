@@ -13,12 +13,23 @@ PictureBox::PictureBox(PictureSurface& surface, QWidget* parent)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
+    announcePictures();
     resize(sizeHint());
 }
 
 QSize PictureBox::sizeHint() const
 {
     return {surface_.outerWidth(), surface_.outerHeight()};
+}
+
+QString PictureBox::pictureDescription() const
+{
+    return pictureSizeSentence(pictureSize());
+}
+
+QSize PictureBox::pictureSize() const
+{
+    return surface_.hasPicture() ? surface_.picture().size() : QSize();
 }
 
 QPoint PictureBox::origin() const

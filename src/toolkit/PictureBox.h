@@ -1,5 +1,7 @@
 #pragma once
 
+#include "toolkit/accessible_picture.h"
+
 #include <QWidget>
 
 #include <optional>
@@ -12,7 +14,7 @@ class PictureSurface;
 /// and takes its outer size. Mouse events arrive in image pixels: one press, moves and one
 /// release, whichever button; what other buttons do meanwhile is left out, and a release that
 /// got lost outside is made up for at the next move.
-class PictureBox : public QWidget
+class PictureBox : public QWidget, public DescribedPicture
 {
     Q_OBJECT
 
@@ -24,6 +26,10 @@ public:
     void refresh();
 
     [[nodiscard]] QSize sizeHint() const override;
+
+    [[nodiscard]] QString pictureDescription() const override;
+    /// Empty while the surface has no picture.
+    [[nodiscard]] QSize pictureSize() const override;
 
 Q_SIGNALS:
     void MouseDown(double X, double Y);

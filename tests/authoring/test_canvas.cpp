@@ -105,7 +105,7 @@ TEST(CanvasFonts, EveryOfferedFaceHasASubstituteOfItsKind)
 TEST(ClipboardPicture, ComesInAnyFormAndNeverHalf)
 {
     const QImage picture = testPicture({90, 70}, 3);
-    for (const char* format : {"png", "bmp", "jpeg"}) {
+    for (const char* format : {"png", "bmp", "jpeg", "tiff", "webp"}) {
         QBuffer file;
         picture.save(&file, format);
         for (const auto& [share, size] : {std::pair{3, picture.size()}, {2, QSize()}, {0, {}}}) {

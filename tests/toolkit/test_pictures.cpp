@@ -3,11 +3,16 @@
 #include "toolkit/PictureView.h"
 
 #include <QBitmap>
+#include <QBuffer>
 #include <QFile>
+#include <QImageWriter>
 #include <QRegion>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <random>
 #include <sys/stat.h>
 
 namespace varnholt::test {
@@ -45,6 +50,19 @@ class PictureLoaderTest : public testing::Test
 {
 protected:
     [[nodiscard]] QString path(int n) const { return folder.filePath(u"%1.bmp"_s.arg(n)); }
+    void write(int n, const QByteArray& bytes) const
+    {
+        QFile file(path(n));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+    LoadedPicture load(const QString& file)
+    {
+        std::optional<LoadedPicture> came;
+        loader.load(file, [&](const LoadedPicture& loaded) { came = loaded; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return came.has_value(); }, 20'000));
+        return came.value_or(LoadedPicture{});
+    }
 
     QTemporaryDir folder;
     PictureLoader loader;
@@ -57,7 +75,7 @@ TEST_F(PictureLoaderTest, WhatWasDecodedAheadIsUsedOnlyWhileTheFileIsTheSame)
         loader.prefetch(path(n));
     }
     for (int n = 1; n <= 6; ++n) {
-        EXPECT_EQ(loader.load(path(n)), testPicture({30, 20}, n));
+        EXPECT_EQ(load(path(n)).picture, testPicture({30, 20}, n));
     }
     // As long as before, but written at another time.
     testPicture({30, 20}, 7).save(path(6));
@@ -65,28 +83,90 @@ TEST_F(PictureLoaderTest, WhatWasDecodedAheadIsUsedOnlyWhileTheFileIsTheSame)
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
     file.setFileTime(QDateTime::currentDateTime().addDays(-1), QFileDevice::FileModificationTime);
     file.close();
-    EXPECT_EQ(loader.load(path(6)), testPicture({30, 20}, 7));
+    EXPECT_EQ(load(path(6)).picture, testPicture({30, 20}, 7));
     QFile::remove(path(5));
-    EXPECT_TRUE(loader.load(path(5)).isNull());
+    EXPECT_EQ(load(path(5)).fault, PictureFault::Missing);
 }
 
 TEST_F(PictureLoaderTest, OddFilesAreRefusedOrShrunkAndNeverWaitedFor)
 {
     ASSERT_EQ(mkfifo(path(1).toLocal8Bit().constData(), 0600), 0);
-    for (const int n : {1, 2}) { // a pipe, nothing
-        loader.prefetch(path(n));
-        EXPECT_TRUE(loader.load(path(n)).isNull());
-    }
-    QFile file(path(3));
+    loader.prefetch(path(1));
+    EXPECT_EQ(load(path(1)).fault, PictureFault::Unreadable);
+    EXPECT_EQ(load(path(2)).fault, PictureFault::Missing);
     QImage(8192, 80, QImage::Format_Grayscale8).save(path(3));
-    EXPECT_EQ(loader.load(path(3)).size(), QSize(4096, 40));
-    testPicture({800, 600}).save(path(3), "JPG");
-    EXPECT_EQ(loader.load(path(3)).size(), QSize(800, 600));
+    EXPECT_EQ(load(path(3)).picture.size(), QSize(4096, 40));
     // Half a picture is none: no slide could be made of it.
-    for (const qint64 size : {file.size() / 2, qint64(10), qint64(0)}) {
-        file.resize(size);
-        EXPECT_TRUE(loader.load(path(3)).isNull()) << size;
+    testPicture({800, 600}).save(path(4), "JPG");
+    const qint64 whole = QFileInfo(path(4)).size();
+    for (const qint64 size : {whole / 2, qint64(10), qint64(0)}) {
+        QFile::resize(path(4), size);
+        EXPECT_EQ(load(path(4)).fault, PictureFault::Damaged) << size;
     }
+}
+
+TEST_F(PictureLoaderTest, FilesThatClaimMoreThanTheyHoldAreRefusedUndecoded)
+{
+    write(1, QByteArray::fromHex("474946383961204E4C1D800000000000FFFFFF2C00000000204E4C1D000202"
+                                 "4C01003B"));
+    QBuffer buffer;
+    QImageWriter writer(&buffer, "jpeg");
+    writer.setProgressiveScanWrite(true);
+    ASSERT_TRUE(writer.write(testPicture({640, 480})));
+    QByteArray jpeg = buffer.data();
+    write(2, jpeg);
+    EXPECT_EQ(load(path(2)).picture.size(), QSize(640, 480));
+    // The last scan over and over.
+    const QByteArray scan = jpeg.mid(jpeg.lastIndexOf("\xFF\xDA")).chopped(2);
+    write(3, jpeg.insert(jpeg.size() - 2, scan.repeated(5000)));
+    for (const int n : {1, 3}) {
+        EXPECT_THROW(static_cast<void>(checkPicture(path(n))), PictureError) << n;
+        EXPECT_EQ(load(path(n)).fault, PictureFault::Damaged) << n;
+    }
+}
+
+TEST_F(PictureLoaderTest, OnlyThePictureAskedForLastComes)
+{
+    testPicture({7000, 6000}).save(path(1));
+    testPicture({30, 20}).save(path(2));
+    int slow = 0;
+    EXPECT_FALSE(loader.load(path(1), [&](const LoadedPicture&) { ++slow; }));
+    EXPECT_EQ(load(path(2)).picture.size(), QSize(30, 20));
+    EXPECT_EQ(load(path(1)).picture.size(), QSize(4096, 3511));
+    EXPECT_EQ(slow, 0);
+}
+
+/// Slides and screen must not differ on a file, however it is damaged.
+TEST_F(PictureLoaderTest, DamagedFilesGetTheSameVerdictForSlidesAndScreen)
+{
+    std::mt19937 random(5);
+    int refused = 0;
+    for (const auto& [format, progressive] :
+         {std::pair("jpeg", false), {"jpeg", true}, {"png", false}, {"bmp", false}}) {
+        QBuffer buffer;
+        QImageWriter writer(&buffer, format);
+        writer.setProgressiveScanWrite(progressive);
+        ASSERT_TRUE(writer.write(testPicture({90, 70})));
+        for (int i = 0; i < 250; ++i) {
+            QByteArray bytes = buffer.data();
+            for (auto hits = 1 + random() % 6; hits > 0; --hits) {
+                const auto from = qsizetype(random() % quint64(bytes.size()));
+                bytes[i % 2 ? from : from % 700 % bytes.size()] =
+                    random() % 3 ? char(random()) : char(0xFF);
+            }
+            write(9, bytes);
+            bool slides = true;
+            try {
+                static_cast<void>(readPictureInfo(path(9)));
+            } catch (const PictureError&) {
+                slides = false;
+                ++refused;
+            }
+            EXPECT_EQ(slides, load(path(9)).fault == PictureFault::None) << format << ' ' << i;
+        }
+    }
+    EXPECT_GT(refused, 100);
+    EXPECT_LT(refused, 900);
 }
 
 } // namespace
