@@ -229,6 +229,12 @@ Header readPngHeader(QByteArrayView bytes)
         const qint64 content = chunk + 8;
         const QByteArrayView summed = file.at(chunk + 4, length + 4);
         const bool critical = (name[0] & 0x20) == 0;
+        const bool named = std::all_of(name.begin(), name.end(), [](char letter) {
+            return (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
+        });
+        if (!named) {
+            throw BadStructure(damaged);
+        }
         if (critical && crc32_z(0, reinterpret_cast<const Bytef*>(summed.data()),
                                 size_t(summed.size())) != file.big32(content + length)) {
             throw BadStructure(damaged);
@@ -361,6 +367,9 @@ CheckedPicture checkPicture(const QString& path)
     }
     const QSize pixels = header.pixels;
     const qint64 area = qint64(pixels.width()) * pixels.height();
+    if (area / mostPixelsPerByte > picture.bytes.size()) {
+        fail(PictureFault::Damaged, path, QLatin1String(damaged));
+    }
     // A progressive JPEG is kept whole while its scans refine it.
     const bool wholeInMemory = header.format != "jpeg" || header.scans > 1;
     picture.work = area * header.scans;
@@ -371,9 +380,6 @@ CheckedPicture checkPicture(const QString& path)
              QStringLiteral("is too large for a slide (%1 × %2 pixels)")
                  .arg(pixels.width())
                  .arg(pixels.height()));
-    }
-    if (area / mostPixelsPerByte > picture.bytes.size()) {
-        fail(PictureFault::Damaged, path, QLatin1String(damaged));
     }
     const bool given = isDensity(header.densityX) && isDensity(header.densityY);
     const double x = given ? header.densityX : defaultDotsPerInch;

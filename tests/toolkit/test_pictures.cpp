@@ -132,7 +132,7 @@ TEST_F(PictureLoaderTest, OnlyThePictureAskedForLastComes)
     int slow = 0;
     EXPECT_FALSE(loader.load(path(1), [&](const LoadedPicture&) { ++slow; }));
     EXPECT_EQ(load(path(2)).picture.size(), QSize(30, 20));
-    EXPECT_EQ(load(path(1)).picture.size(), QSize(4096, 3511));
+    EXPECT_EQ(load(path(1)).picture.size(), QSize(4096, 3510));
     EXPECT_EQ(slow, 0);
 }
 
@@ -141,32 +141,33 @@ TEST_F(PictureLoaderTest, DamagedFilesGetTheSameVerdictForSlidesAndScreen)
 {
     std::mt19937 random(5);
     int refused = 0;
+    int file = 100;
     for (const auto& [format, progressive] :
          {std::pair("jpeg", false), {"jpeg", true}, {"png", false}, {"bmp", false}}) {
         QBuffer buffer;
         QImageWriter writer(&buffer, format);
         writer.setProgressiveScanWrite(progressive);
         ASSERT_TRUE(writer.write(testPicture({90, 70})));
-        for (int i = 0; i < 250; ++i) {
+        for (int i = 0; i < 200; ++i) {
             QByteArray bytes = buffer.data();
             for (auto hits = 1 + random() % 6; hits > 0; --hits) {
                 const auto from = qsizetype(random() % quint64(bytes.size()));
                 bytes[i % 2 ? from : from % 700 % bytes.size()] =
                     random() % 3 ? char(random()) : char(0xFF);
             }
-            write(9, bytes);
+            write(++file, bytes);
             bool slides = true;
             try {
-                static_cast<void>(readPictureInfo(path(9)));
+                static_cast<void>(readPictureInfo(path(file)));
             } catch (const PictureError&) {
                 slides = false;
                 ++refused;
             }
-            EXPECT_EQ(slides, load(path(9)).fault == PictureFault::None) << format << ' ' << i;
+            EXPECT_EQ(slides, load(path(file)).fault == PictureFault::None) << format << ' ' << i;
         }
     }
     EXPECT_GT(refused, 100);
-    EXPECT_LT(refused, 900);
+    EXPECT_LT(refused, 700);
 }
 
 } // namespace
