@@ -22,11 +22,6 @@ std::uint64_t packed(Item item)
     return static_cast<std::uint64_t>(item.kind) << 32 | static_cast<std::uint32_t>(item.key);
 }
 
-Item readItem(const Statement& row)
-{
-    return {static_cast<ItemKind>(row.integer(0)), static_cast<std::int32_t>(row.integer(1))};
-}
-
 /// How many names of a row's place its kind has.
 int depth(ItemKind kind)
 {
@@ -52,44 +47,46 @@ QString TrashTexts::placeText() const
 Trash::Trash(Connection& connection, bool dated)
     : connection_(connection)
 {
-    std::unordered_map<std::int32_t, std::vector<std::size_t>> withAssessment;
-    Statement rows(connection_, sql::SelectTrash);
-    while (rows.next()) {
-        entries_.push_back({readItem(rows), std::nullopt, rows.integer(2) != 0});
-        if (rows.integer(2) != 0) {
-            withAssessment[static_cast<std::int32_t>(rows.integer(2))].push_back(entries_.size() -
-                                                                                 1);
+    for (int kind = 1; kind <= kinds; ++kind) {
+        Statement rows(connection_, sql::SelectGone(kind));
+        while (rows.next()) {
+            entries_.push_back(
+                {{static_cast<ItemKind>(kind), static_cast<std::int32_t>(rows.integer(0))},
+                 std::nullopt,
+                 false});
         }
     }
     if (dated && !entries_.empty()) {
         readDates();
     }
-    for (const auto& [assessment, positions] : withAssessment) {
-        const Item gone{ItemKind::Assessment, assessment};
-        const auto entry = std::find_if(entries_.begin(), entries_.end(),
-                                        [&](const TrashEntry& e) { return e.item == gone; });
-        for (const std::size_t position : positions) {
-            entries_[position].deletedAt = entry->deletedAt;
+    std::unordered_map<std::int32_t, std::optional<std::int64_t>> assessments;
+    for (const TrashEntry& entry : entries_) {
+        if (entry.item.kind == ItemKind::Assessment) {
+            assessments.emplace(entry.item.key, entry.deletedAt);
         }
+    }
+    Statement rows(connection_, sql::SelectGoneWithAssessment);
+    while (rows.next()) {
+        entries_.push_back({{ItemKind::Question, static_cast<std::int32_t>(rows.integer(0))},
+                            assessments.at(static_cast<std::int32_t>(rows.integer(1))),
+                            true});
     }
     sort();
 }
 
 void Trash::readDates()
 {
-    std::unordered_map<std::uint64_t, std::size_t> positions;
-    positions.reserve(entries_.size());
-    for (std::size_t i = 0; i < entries_.size(); ++i) {
-        if (!entries_[i].goneWithAssessment) {
-            positions.emplace(packed(entries_[i].item), i);
-        }
+    std::unordered_map<std::uint64_t, TrashEntry*> gone;
+    gone.reserve(entries_.size());
+    for (TrashEntry& entry : entries_) {
+        gone.emplace(packed(entry.item), &entry);
     }
     Statement changes(connection_, sql::SelectChangeTimes);
     while (changes.next()) {
         // The last of a row's changes is the one that it went with.
-        if (const auto found = positions.find(packed(readItem(changes)));
-            found != positions.end()) {
-            entries_[found->second].deletedAt = changes.integer(2);
+        const auto found = gone.find(static_cast<std::uint64_t>(changes.integer(0)));
+        if (found != gone.end()) {
+            found->second->deletedAt = changes.integer(1);
         }
     }
 }

@@ -131,6 +131,14 @@ const char* InsertAdded(int kind)
                    INSERT_ADDED("4", "SOLIndex", QUESTION_FIELDS) FROM_QUESTIONS "> ?3"});
 }
 
+const char* SelectGone(int kind)
+{
+    return ofKind(kind, {"SELECT AssessmentNum FROM Assessments WHERE Available IS NOT 1",
+                         "SELECT TopicID FROM Topics WHERE Available IS NOT 1",
+                         "SELECT SubtopicNum FROM SubTopics WHERE Available IS NOT 1",
+                         "SELECT SOLIndex FROM Questions WHERE Available IS NOT 1"});
+}
+
 const char* SelectTrashTexts(int kind)
 {
     return ofKind(kind, {"SELECT " ASSESSMENT_TEXTS " WHERE i.AssessmentNum = ?1",

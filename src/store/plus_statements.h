@@ -92,18 +92,16 @@ inline constexpr char SelectGoneParents[] =
 
 // The trash.
 
-/// Kind, key and the number of the gone assessment (0 when the row itself is gone) of every row
-/// that a user cannot reach.
-inline constexpr char SelectTrash[] =
-    "SELECT 1, AssessmentNum, 0 FROM Assessments WHERE Available IS NOT 1"
-    " UNION ALL SELECT 2, TopicID, 0 FROM Topics WHERE Available IS NOT 1"
-    " UNION ALL SELECT 3, SubtopicNum, 0 FROM SubTopics WHERE Available IS NOT 1"
-    " UNION ALL SELECT 4, SOLIndex, 0 FROM Questions WHERE Available IS NOT 1"
-    " UNION ALL SELECT 4, SOLIndex, AssessmentNum FROM Questions WHERE Available = 1 AND "
-    "AssessmentNum IN (SELECT AssessmentNum FROM Assessments WHERE Available IS NOT 1)";
-/// Kind, key and time of every change, oldest first.
+/// The keys of the rows of a kind that are not available.
+[[nodiscard]] const char* SelectGone(int kind);
+/// Key and AssessmentNum of the available questions of assessments that are not.
+inline constexpr char SelectGoneWithAssessment[] =
+    "SELECT SOLIndex, AssessmentNum FROM Questions WHERE Available = 1 AND AssessmentNum IN "
+    "(SELECT "
+    "AssessmentNum FROM Assessments WHERE Available IS NOT 1)";
+/// Kind and key as one number (the kind above 32 bits) and the time of every change, oldest first.
 inline constexpr char SelectChangeTimes[] =
-    "SELECT Kind, ItemKey, At FROM PlusChanges ORDER BY ChangeID";
+    "SELECT Kind << 32 | ItemKey, At FROM PlusChanges ORDER BY ChangeID";
 /// ?1 key: name, and the names of the assessment, topic and subtopic that the row stands under.
 [[nodiscard]] const char* SelectTrashTexts(int kind);
 /// Key and the texts of `SelectTrashTexts`, of the rows of a kind that are in the trash.
