@@ -4,7 +4,6 @@
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
-#include <QScreen>
 #include <QStyleOptionComboBox>
 #include <QStyledItemDelegate>
 #include <QTextDocument>
@@ -30,6 +29,16 @@ public:
     [[nodiscard]] QString displayText(const QVariant& value, const QLocale&) const override
     {
         return ShortLine(value.toString(), longestShown);
+    }
+
+    /// The open list takes its width from here.
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const override
+    {
+        const int widest = std::max(static_cast<QWidget*>(parent())->width(),
+                                    option.fontMetrics.averageCharWidth() * 40);
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        return {std::min(size.width(), widest), size.height()};
     }
 };
 
@@ -70,9 +79,12 @@ void ComboBox::showEntry(int index)
 
 void ComboBox::showPopup()
 {
-    const QRect room = screen()->availableGeometry() & window()->frameGeometry();
-    view()->setMaximumWidth(std::max(width(), room.width()));
     QComboBox::showPopup();
+    // The base class makes it as wide as the longest text, up to the whole screen.
+    QWidget* list = view()->window();
+    if (list->width() > width()) {
+        list->setGeometry(mapToGlobal(QPoint()).x(), list->y(), width(), list->height());
+    }
 }
 
 void ComboBox::initStyleOption(QStyleOptionComboBox* option) const
