@@ -3,10 +3,11 @@
 #include "store/errors.h"
 
 #include <QByteArray>
-#include <QImage>
 #include <QSize>
 #include <QSizeF>
 #include <QString>
+
+class QImage;
 
 namespace varnholt {
 

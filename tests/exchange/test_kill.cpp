@@ -96,10 +96,9 @@ bool runAuthoring(Killable& program)
     canvas.Paste(testPicture({640, 400}, 3));
     const SubTopicRecord& place = program.state.SubTopicList(1);
     for (int i = 0; i < 4; ++i) {
-        SaveQuestion(program.connection, program.services.programFolder,
-                     {workedOn, place.TopicID, place.SubtopicNum,
-                      answerFor(place.TopicID, place.SubtopicNum)},
-                     canvas);
+        NewQuestion question{workedOn, place.TopicID, place.SubtopicNum,
+                             answerFor(place.TopicID, place.SubtopicNum)};
+        SaveQuestion(program.connection, program.services.programFolder, question, canvas);
     }
     return true;
 }
