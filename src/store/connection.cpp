@@ -1,5 +1,7 @@
 #include "store/connection.h"
 
+#include "store/database_words.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QScopeGuard>
@@ -14,29 +16,6 @@ namespace varnholt {
 namespace {
 
 constexpr int idleMs = 1000;
-
-/// Why the last call failed, for a user; SQLite's own words only where they are all there is.
-QString whatHappened(sqlite3* database)
-{
-    switch (sqlite3_errcode(database)) {
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-        return QStringLiteral("Another program is using the question library. Please try "
-                              "again in a moment.");
-    case SQLITE_READONLY:
-        return QStringLiteral("The question library can only be read.");
-    case SQLITE_FULL:
-        return QStringLiteral("The disk is full.");
-    case SQLITE_IOERR:
-        return QStringLiteral("The disk with the question library cannot be read or written.");
-    case SQLITE_CORRUPT:
-    case SQLITE_NOTADB:
-        return QStringLiteral("The question library is damaged.");
-    default:
-        return QStringLiteral("The question library refused it (%1).")
-            .arg(QString::fromUtf8(sqlite3_errmsg(database)));
-    }
-}
 
 } // namespace
 
@@ -69,7 +48,7 @@ bool Recordset::next()
         return true;
     }
     if (result != SQLITE_DONE) {
-        throw DatabaseError(whatHappened(database_));
+        throw DatabaseError(WhatHappened(database_));
     }
     return false;
 }
@@ -226,7 +205,7 @@ void Connection::run(const char* sql)
 
 void Connection::fail() const
 {
-    throw DatabaseError(whatHappened(database_));
+    throw DatabaseError(WhatHappened(database_));
 }
 
 Transaction::Transaction(Connection& connection)

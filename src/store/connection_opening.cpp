@@ -1,5 +1,6 @@
 #include "files/file_system.h"
 #include "store/connection.h"
+#include "store/database_words.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -133,8 +134,6 @@ void Connection::open(const QString& path, Access access)
     path_ = path;
     const int result = openDatabase(access);
     if (result != SQLITE_OK) {
-        const QString reason =
-            QString::fromUtf8(database_ ? sqlite3_errmsg(database_) : "out of memory");
         if (result == SQLITE_BUSY) {
             throw LibraryBusy(
                 QStringLiteral("Another program is using the question library just now:\n%1")
@@ -143,8 +142,8 @@ void Connection::open(const QString& path, Access access)
         throw DatabaseError(
             result == SQLITE_NOTADB
                 ? QStringLiteral("This file is not a question library:\n%1").arg(shown(path))
-                : QStringLiteral("The question library could not be opened:\n%1\n\n(%2)")
-                      .arg(shown(path), reason));
+                : QStringLiteral("The question library could not be opened:\n%1\n\n%2")
+                      .arg(shown(path), WhatHappened(database_)));
     }
     sqlite3_busy_timeout(database_, busyTimeoutMs);
     closeOnFailure.dismiss();

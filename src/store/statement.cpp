@@ -1,6 +1,7 @@
 #include "store/statement.h"
 
 #include "store/connection.h"
+#include "store/database_words.h"
 
 #include <sqlite3.h>
 
@@ -21,7 +22,7 @@ Statement::~Statement()
 void Statement::check(int result) const
 {
     if (result != SQLITE_OK) {
-        throw DatabaseError(QString::fromUtf8(sqlite3_errmsg(database_)));
+        throw DatabaseError(WhatHappened(database_));
     }
 }
 
@@ -52,7 +53,7 @@ bool Statement::next()
     }
     if (result != SQLITE_DONE) {
         // The message is that of this failure, not of the reset that follows.
-        const QString reason = QString::fromUtf8(sqlite3_errmsg(database_));
+        const QString reason = WhatHappened(database_);
         reset();
         throw DatabaseError(reason);
     }
