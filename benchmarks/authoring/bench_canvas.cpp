@@ -23,6 +23,7 @@ using namespace varnholt;
 class OnePicture : public Clipboard
 {
 public:
+    [[nodiscard]] bool answers() const override { return true; }
     [[nodiscard]] bool hasImage() const override { return true; }
     [[nodiscard]] QImage image() const override
     {

@@ -9,6 +9,7 @@
 #include "toolkit/HintLabel.h"
 #include "toolkit/LongWork.h"
 #include "toolkit/PictureBox.h"
+#include "toolkit/clipboard_probe.h"
 
 #include <QCoreApplication>
 #include <QGroupBox>
@@ -117,8 +118,25 @@ void frmAddNewQuestion::Form_Load()
     showCanvas();
 }
 
+bool frmAddNewQuestion::clipboardAnswers()
+{
+    bool answers = false;
+    {
+        const LongWork busy(this, QStringLiteral("Reading the clipboard..."),
+                            LongWork::Cancel::NotOffered);
+        answers = services_.clipboard->answers();
+    }
+    if (!answers) {
+        services_.messageBoxes->inform(QStringLiteral("Paste Error"), ClipboardSilentSentence());
+    }
+    return answers;
+}
+
 void frmAddNewQuestion::cmdPaste_Click()
 {
+    if (!clipboardAnswers()) {
+        return;
+    }
     onCanvas(QStringLiteral("Paste Error"), [this] {
         QImage picture;
         {
@@ -314,6 +332,9 @@ bool frmAddNewQuestion::answerKeyPress(QKeyEvent* event)
         return false;
     }
     // A text goes into the answer, anything else is for the canvas.
+    if (!clipboardAnswers()) {
+        return true;
+    }
     const QString before = txtAnswer_->text();
     txtAnswer_->paste();
     if (txtAnswer_->text() == before && services_.clipboard->hasImage()) {

@@ -84,6 +84,8 @@ private:
     void showPointer(double X, double Y);
     void showObstacle();
     [[nodiscard]] QString saveObstacle() const;
+    /// Tells the user when it does not.
+    [[nodiscard]] bool clipboardAnswers();
     [[nodiscard]] bool answerKeyPress(QKeyEvent* event);
     [[nodiscard]] bool canvasKeyPress(QKeyEvent* event);
 

@@ -61,6 +61,9 @@ class Clipboard
 public:
     virtual ~Clipboard() = default;
 
+    /// Whether the program that holds it answers at all; the rest is asked only then. May take
+    /// a second or two.
+    [[nodiscard]] virtual bool answers() const = 0;
     [[nodiscard]] virtual bool hasImage() const = 0;
     /// The picture on the clipboard at one image pixel per device-independent unit; null
     /// when there is none or it cannot be decoded. Throws `Error` for one too large to handle.

@@ -2,6 +2,7 @@
 
 #include "pictures/picture_info.h"
 #include "store/errors.h"
+#include "toolkit/clipboard_probe.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -139,6 +140,11 @@ QImage pictureFrom(const QMimeData& data)
         return unscaled(qvariant_cast<QImage>(data.imageData()));
     }
     return fromFiles(data);
+}
+
+bool DesktopClipboard::answers() const
+{
+    return ClipboardAnswers();
 }
 
 bool DesktopClipboard::hasImage() const

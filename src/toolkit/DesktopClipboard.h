@@ -21,6 +21,7 @@ inline constexpr qint64 maxClipboardPixels = 100'000'000;
 class DesktopClipboard : public Clipboard
 {
 public:
+    [[nodiscard]] bool answers() const override;
     [[nodiscard]] bool hasImage() const override;
     [[nodiscard]] QImage image() const override;
 };

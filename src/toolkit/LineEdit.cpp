@@ -1,7 +1,10 @@
 #include "toolkit/LineEdit.h"
 
+#include "toolkit/clipboard_probe.h"
 #include "toolkit/short_text.h"
 
+#include <QKeyEvent>
+#include <QToolTip>
 #include <QValidator>
 
 namespace varnholt {
@@ -34,6 +37,15 @@ LineEdit::LineEdit(const QString& text, QWidget* parent)
 {
     setValidator(new OneLineValidator(this));
     setText(text);
+}
+
+void LineEdit::keyPressEvent(QKeyEvent* event)
+{
+    if (event->matches(QKeySequence::Paste) && !ClipboardAnswers()) {
+        QToolTip::showText(mapToGlobal(rect().bottomLeft()), ClipboardSilentSentence(), this);
+        return;
+    }
+    QLineEdit::keyPressEvent(event);
 }
 
 } // namespace varnholt

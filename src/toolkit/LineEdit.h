@@ -6,7 +6,8 @@
 namespace varnholt {
 
 /// A one-line field whose text really is one line, however it comes in: typed, pasted, dropped,
-/// by an input method or by the program.
+/// by an input method or by the program. Pasting from a program that hangs says so beside the
+/// field instead of standing still.
 class LineEdit : public QLineEdit
 {
     Q_OBJECT
@@ -14,6 +15,9 @@ class LineEdit : public QLineEdit
 public:
     explicit LineEdit(QWidget* parent = nullptr);
     explicit LineEdit(const QString& text, QWidget* parent = nullptr);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
 };
 
 } // namespace varnholt

@@ -6,6 +6,7 @@
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
 #include "toolkit/PictureBox.h"
+#include "toolkit/clipboard_probe.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -223,6 +224,12 @@ TEST_F(Authoring, KeysDoWhatTheButtonsDo)
     key(Qt::Key_V, Qt::ControlModifier);
     messages.verify();
     clipboard.picture = testPicture(captureSize, 5);
+    clipboard.hangs = true;
+    messages.expectInform(u"Paste Error"_s, ClipboardSilentSentence());
+    key(Qt::Key_V, Qt::ControlModifier);
+    messages.verify();
+    EXPECT_FALSE(window->canvas().picQuestion.hasPicture());
+    clipboard.hangs = false;
     // With the answer in focus too, as long as there is no text to paste there.
     QTest::keyClick(part("txtAnswer"), Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(picture().size(), captureSize);

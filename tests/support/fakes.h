@@ -128,7 +128,9 @@ class FakeClipboard : public Clipboard
 {
 public:
     QImage picture;
+    bool hangs = false;
 
+    [[nodiscard]] bool answers() const override { return !hangs; }
     [[nodiscard]] bool hasImage() const override { return !picture.isNull(); }
     [[nodiscard]] QImage image() const override { return picture; }
 };

@@ -8,6 +8,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace varnholt {
@@ -34,7 +35,6 @@ ZipWriter::ZipWriter(const QString& path, const QDateTime& now)
     : file_(path)
     , time_(quint16(now.time().hour() << 11 | now.time().minute() << 5 | now.time().second() / 2))
     , date_(quint16((now.date().year() - 1980) << 9 | now.date().month() << 5 | now.date().day()))
-    , piece_(pieceSize, Qt::Uninitialized)
 {
     if (!file_.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
         fail(file_.errorString());
@@ -81,12 +81,17 @@ void ZipWriter::flush()
     pending_.resize(0);
 }
 
-void ZipWriter::append(const QByteArray& bytes)
+void ZipWriter::flushWhenFull()
 {
-    pending_ += bytes;
     if (pending_.size() >= pieceSize) {
         flush();
     }
+}
+
+void ZipWriter::append(const QByteArray& bytes)
+{
+    pending_ += bytes;
+    flushWhenFull();
 }
 
 /// What local and central header have in common, from the version on (APPNOTE 4.3.7).
@@ -153,14 +158,18 @@ void ZipWriter::addFile(const QByteArray& name, const QString& path)
     qint64 size = 0;
     uLong crc = 0;
     while (readable) {
-        const qint64 count = source.read(piece_.data(), pieceSize);
+        const qsizetype start = pending_.size();
+        pending_.resize(start + pieceSize);
+        const qint64 count = source.read(pending_.data() + start, pieceSize);
+        pending_.resize(start + std::max<qint64>(count, 0));
         readable = count >= 0;
         if (count <= 0) {
             break;
         }
-        crc = crc32_z(crc, reinterpret_cast<const Bytef*>(piece_.constData()), size_t(count));
+        crc = crc32_z(crc, reinterpret_cast<const Bytef*>(pending_.constData() + start),
+                      size_t(count));
         size += count;
-        append(QByteArray::fromRawData(piece_.constData(), count));
+        flushWhenFull();
     }
     if (!readable || size >= largestNumber) {
         fail(QStringLiteral("the picture \"%1\" cannot be read")

@@ -46,6 +46,7 @@ private:
     void append(const QByteArray& bytes);
     void end();
     void flush();
+    void flushWhenFull();
     void writeAt(qint64 offset, const QByteArray& bytes);
     [[noreturn]] void fail(const QString& why) const;
     [[noreturn]] void failTooLarge() const;
@@ -56,7 +57,6 @@ private:
     /// Bytes of the archive that are in the file; those in `pending_` follow.
     qint64 flushed_ = 0;
     QByteArray pending_;
-    QByteArray piece_;
     std::vector<Entry> entries_;
     bool finished_ = false;
 };
