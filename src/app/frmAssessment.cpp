@@ -6,7 +6,6 @@
 #include "info/InfoWindow.h"
 #include "manage/frmManage.h"
 #include "selection/frmMain.h"
-#include "store/library_file.h"
 #include "store/services.h"
 #include "toolkit/controls.h"
 
@@ -31,8 +30,9 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     : services_(services)
     , state_(state)
     , guidePath_(guidePath)
+    , library_(services.programFolder, *services.clock)
 {
-    OpenLibraryDatabase(connection_, services_.programFolder, access);
+    library_.open(access);
 
     setObjectName(QStringLiteral("frmAssessment"));
     setWindowTitle(QStringLiteral("Varnholt"));
@@ -42,7 +42,7 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     childArea_ = new QVBoxLayout(area);
     childArea_->setContentsMargins(0, 0, 0, 0);
     childArea_->setSpacing(0);
-    if (access == Connection::Access::Change && connection_.isReadOnly()) {
+    if (access == Connection::Access::Change && library_.connection().isReadOnly()) {
         showNotice(
             "lblReadOnly",
             QStringLiteral("The question library can only be read: changes cannot be saved."));
@@ -98,7 +98,7 @@ void frmAssessment::tellDamage()
         tr("The question library is damaged, so questions may be missing or wrong:\n%1\n\nKeep a "
            "copy of this file before you change anything, and put an undamaged copy from earlier "
            "in its place if you have one.")
-            .arg(QDir::toNativeSeparators(connection_.path())));
+            .arg(QDir::toNativeSeparators(library_.connection().path())));
 }
 
 QWidget* frmAssessment::childWindow() const
@@ -202,27 +202,27 @@ void frmAssessment::openChild(const Maker& make)
 
 void frmAssessment::mnuCreate_Click()
 {
-    openChild([this] { return new frmMain(services_, state_, connection_); });
+    openChild([this] { return new frmMain(services_, state_, library_.connection()); });
 }
 
 void frmAssessment::mnuManageAssessments_Click()
 {
     const auto openAuthoring = [this](QWidget* parent, const FilingPreselection& preselection) {
-        frmAddNewQuestion(services_, state_, connection_, preselection, parent).exec();
+        frmAddNewQuestion(services_, state_, library_.connection(), preselection, parent).exec();
     };
     openChild([this, openAuthoring] {
-        return new frmManage(services_, state_, connection_, openAuthoring);
+        return new frmManage(services_, state_, library_.connection(), openAuthoring);
     });
 }
 
 void frmAssessment::mnuExport_Click()
 {
-    openChild([this] { return new frmExport(services_, state_, connection_); });
+    openChild([this] { return new frmExport(services_, state_, library_.connection()); });
 }
 
 void frmAssessment::mnuImport_Click()
 {
-    openChild([this] { return new frmImport(services_, connection_); });
+    openChild([this] { return new frmImport(services_, library_.connection()); });
 }
 
 void frmAssessment::dragEnterEvent(QDragEnterEvent* event)
@@ -263,7 +263,7 @@ void frmAssessment::closeEvent(QCloseEvent* event)
         return;
     }
     QSettings().setValue(QStringLiteral("frmAssessment/geometry"), saveGeometry());
-    CloseLibraryDatabase(connection_);
+    library_.close();
     event->accept();
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/library_check.h"
-#include "store/connection.h"
+#include "library/Library.h"
 #include "store/modMain.h"
 
 #include <QMainWindow>
@@ -18,14 +18,14 @@ namespace varnholt {
 struct Services;
 
 /// The frame: carries the menu and shows one child window at a time, under a bar with its title
-/// and close button. It owns the lifetime of
-/// the library connection, which is open from its construction to its closing.
+/// and close button. It owns the
+/// library, which is open from its construction to its closing.
 class frmAssessment : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    /// Opens the library; throws as `Connection::open` when it cannot be opened. `guidePath` is
+    /// Opens the library; throws as `Library::open` when it cannot be opened. `guidePath` is
     /// the user guide's file.
     frmAssessment(Services& services, ProgramState& state, const QString& guidePath,
                   Connection::Access access = Connection::Access::Change);
@@ -72,7 +72,7 @@ private:
     Services& services_;
     ProgramState& state_;
     QString guidePath_;
-    Connection connection_;
+    Library library_;
     QVBoxLayout* childArea_ = nullptr;
     /// The title of the child on show and its close button.
     QWidget* childBar_ = nullptr;

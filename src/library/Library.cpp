@@ -26,10 +26,10 @@ Library::~Library()
     close();
 }
 
-void Library::open()
+void Library::open(Connection::Access access)
 {
     close();
-    OpenLibraryDatabase(connection_, programFolder_);
+    OpenLibraryDatabase(connection_, programFolder_, access);
     refresh();
 }
 

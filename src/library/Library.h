@@ -60,8 +60,8 @@ public:
             std::vector<QString> scripts = PlusTables::ownScripts());
     ~Library() override;
 
-    /// Opens the library of the program folder. Throws `DatabaseError`.
-    void open();
+    /// Opens the library of the program folder. Throws as `Connection::open`.
+    void open(Connection::Access access = Connection::Access::Change);
     void close();
     /// Looks anew at a library whose file has been replaced under the open connection.
     void refresh();
