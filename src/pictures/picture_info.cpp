@@ -1,6 +1,7 @@
 #include "pictures/picture_info.h"
 
 #include "pictures/jpeg_structure.h"
+#include "pictures/stoppable_bytes.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -321,13 +322,12 @@ bool isDensity(double dotsPerInch)
     return dotsPerInch >= 1 && dotsPerInch <= 200'000;
 }
 
-QImage read(const CheckedPicture& picture, int longestSide, const QString& path)
+QImage read(const CheckedPicture& picture, int longestSide, const QString& path,
+            const std::atomic<bool>* stop = nullptr)
 {
     AllowLargePictures();
-    QBuffer buffer;
-    buffer.setData(picture.bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer, picture.info.format);
+    StoppableBytes device(picture.bytes, stop);
+    QImageReader reader(&device, picture.info.format);
     reader.setAutoTransform(true);
     const QSize size = picture.info.pixels;
     if (size.width() > longestSide || size.height() > longestSide) {
@@ -392,9 +392,10 @@ CheckedPicture checkPicture(const QString& path)
     return picture;
 }
 
-QImage decodePicture(const CheckedPicture& picture, int longestSide, const QString& path)
+QImage decodePicture(const CheckedPicture& picture, int longestSide, const QString& path,
+                     const std::atomic<bool>* stop)
 {
-    const QImage image = read(picture, longestSide, path);
+    const QImage image = read(picture, longestSide, path, stop);
     return image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
                                                          : QImage::Format_RGB32);
 }

@@ -7,6 +7,8 @@
 #include <QSizeF>
 #include <QString>
 
+#include <atomic>
+
 class QImage;
 
 namespace varnholt {
@@ -75,9 +77,10 @@ struct CheckedPicture
 [[nodiscard]] CheckedPicture checkPicture(const QString& path);
 
 /// The picture upright, shrunk where a side is longer than `longestSide`, as 32-bit RGB or
-/// premultiplied ARGB. Throws `PictureError` when the decoder refuses what had passed.
+/// premultiplied ARGB. Throws `PictureError` when the decoder refuses what had passed. Once
+/// `stop` is true the rest is not decoded and the result worth nothing.
 [[nodiscard]] QImage decodePicture(const CheckedPicture& picture, int longestSide,
-                                   const QString& path);
+                                   const QString& path, const std::atomic<bool>* stop = nullptr);
 
 /// Lets Qt decode pictures up to `largestPictureArea`; its own limit stands far below.
 void AllowLargePictures();

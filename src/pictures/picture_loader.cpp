@@ -48,12 +48,17 @@ struct PictureLoader::Job
     void run()
     {
         LoadedPicture loaded{{}, PictureFault::Damaged};
+        if (stop) {
+            work_.set_value(0);
+            picture_.set_value(std::move(loaded));
+            return;
+        }
         bool looked = false;
         try {
             const CheckedPicture checked = checkPicture(path);
             work_.set_value(checked.work);
             looked = true;
-            loaded = {decodePicture(checked, longestSide, path), PictureFault::None};
+            loaded = {decodePicture(checked, longestSide, path, &stop), PictureFault::None};
         } catch (const PictureError& error) {
             loaded.fault = error.fault();
         } catch (const std::bad_alloc&) {
@@ -81,6 +86,9 @@ struct PictureLoader::Job
     const QString path;
     const qint64 size;
     const QDateTime modified;
+    /// Nobody will ask any more: its thread is wanted for others, and closing the program waits
+    /// for all threads.
+    std::atomic<bool> stop = false;
 
 private:
     std::promise<qint64> work_;
@@ -102,7 +110,10 @@ std::shared_ptr<PictureLoader::Job> PictureLoader::jobFor(const QString& path)
         return *found;
     }
     if (ahead_.size() == keptPictures) {
-        ahead_.erase(ahead_.begin());
+        const auto oldest = std::find_if(ahead_.begin(), ahead_.end(),
+                                         [&](const auto& ahead) { return ahead != wanted_; });
+        (*oldest)->stop = true;
+        ahead_.erase(oldest);
     }
     ahead_.push_back(std::make_shared<Job>(file));
     decoders().start([job = ahead_.back()] { job->run(); });
@@ -113,6 +124,13 @@ PictureLoader::PictureLoader()
 {
     poll_.setInterval(pollMs);
     poll_.callOnTimeout(this, &PictureLoader::look);
+}
+
+PictureLoader::~PictureLoader()
+{
+    for (const auto& job : ahead_) {
+        job->stop = true;
+    }
 }
 
 bool PictureLoader::load(const QString& path, Done done)
@@ -153,6 +171,10 @@ void PictureLoader::look()
     const bool ready = wanted_->readyWithin(std::chrono::milliseconds(0));
     if (!ready && !waiting_.hasExpired(patienceMs)) {
         return;
+    }
+    if (!ready) {
+        wanted_->stop = true;
+        std::erase(ahead_, wanted_);
     }
     // What is called may ask for the next picture, or show a message and wait.
     const LoadedPicture loaded =

@@ -34,6 +34,7 @@ public:
     using Done = std::function<void(const LoadedPicture&)>;
 
     PictureLoader();
+    ~PictureLoader() override;
 
     /// Calls `done` with the file's picture: before it returns (then it returns true) where that
     /// takes a moment only, as it does for nearly every picture and for every fault found in a

@@ -134,6 +134,18 @@ TEST_F(PictureLoaderTest, OnlyThePictureAskedForLastComes)
     EXPECT_EQ(load(path(2)).picture.size(), QSize(30, 20));
     EXPECT_EQ(load(path(1)).picture.size(), QSize(4096, 3510));
     EXPECT_EQ(slow, 0);
+    // What is fetched ahead does not push out what is wanted.
+    PictureLoader other;
+    PictureFault fault = PictureFault::Missing;
+    EXPECT_FALSE(other.load(path(1), [&](const LoadedPicture& loaded) { fault = loaded.fault; }));
+    for (int n = 2; n <= 7; ++n) {
+        testPicture({30, 20}, n).save(path(n));
+        other.prefetch(path(n));
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return fault == PictureFault::None; }, 20'000));
+    const std::atomic<bool> stop = true;
+    EXPECT_THROW(static_cast<void>(decodePicture(checkPicture(path(1)), 4096, path(1), &stop)),
+                 PictureError);
 }
 
 /// Slides and screen must not differ on a file, however it is damaged.
