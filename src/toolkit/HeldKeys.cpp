@@ -32,22 +32,35 @@ Typing typing()
     return {enabled, enabled && hints.testFlag(Qt::ImhMultiLine)};
 }
 
-bool actsOnce(const QKeyEvent& event)
+/// What a repetition of the key is for.
+enum class Repetition
+{
+    Nothing,
+    TheSameField,
+    Everything
+};
+
+Repetition repetitionOf(const QKeyEvent& event)
 {
     // Taking back, pasting and the like go on while Ctrl is held, as everywhere.
     if (event.modifiers() & (Qt::ControlModifier | Qt::MetaModifier)) {
-        return false;
+        return Repetition::Everything;
     }
+    const auto whereTyped = [](bool types) {
+        return types ? Repetition::TheSameField : Repetition::Nothing;
+    };
     switch (event.key()) {
     case Qt::Key_Escape:
-        return true;
+        return Repetition::Nothing;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        return !typing().lines;
+        return whereTyped(typing().lines);
     default:
         // Keys above have no character.
-        return event.key() < Qt::Key_Escape &&
-               (event.modifiers().testFlag(Qt::AltModifier) || !typing().characters);
+        return event.key() > Qt::Key_Escape
+                   ? Repetition::Everything
+                   : whereTyped(!event.modifiers().testFlag(Qt::AltModifier) &&
+                                typing().characters);
     }
 }
 
@@ -59,13 +72,24 @@ HeldKeys::HeldKeys(QObject* parent)
     qApp->installEventFilter(this);
 }
 
-bool HeldKeys::repeated(const QKeyEvent& event) const
+bool HeldKeys::leadsNowhere(const QKeyEvent& event)
 {
-    if (event.isAutoRepeat()) {
-        return true;
+    Key& key = keys_[event.key()];
+    const quint64 now = event.timestamp();
+    const bool repeated =
+        event.isAutoRepeat() || (key.released != 0 && now - key.released <= noFingerMs);
+    if (!repeated) {
+        // One press comes here once for each widget that is asked, the later ones perhaps after
+        // the first has moved the focus.
+        if (now != key.pressed) {
+            key.pressed = now;
+            key.focus = QGuiApplication::focusObject();
+        }
+        return false;
     }
-    const auto released = released_.constFind(event.key());
-    return released != released_.cend() && event.timestamp() - *released <= noFingerMs;
+    const Repetition meant = repetitionOf(event);
+    return meant == Repetition::Nothing ||
+           (meant == Repetition::TheSameField && key.focus != QGuiApplication::focusObject());
 }
 
 bool HeldKeys::eventFilter(QObject* watched, QEvent* event)
@@ -73,15 +97,13 @@ bool HeldKeys::eventFilter(QObject* watched, QEvent* event)
     switch (event->type()) {
     case QEvent::KeyRelease: {
         const auto& key = static_cast<const QKeyEvent&>(*event);
-        if (key.timestamp() != 0) {
-            released_.insert(key.key(), key.timestamp());
-        }
+        keys_[key.key()].released = key.timestamp();
         break;
     }
     case QEvent::ShortcutOverride:
     case QEvent::KeyPress: {
         auto& key = static_cast<QKeyEvent&>(*event);
-        if (repeated(key) && actsOnce(key)) {
+        if (leadsNowhere(key)) {
             // An accepted override starts no shortcut and comes back as a press.
             key.accept();
             return true;

@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QPointer>
 
 class QKeyEvent;
 
@@ -10,7 +11,8 @@ namespace varnholt {
 /// While it lives, a key held down acts once in all windows of the program: Return, Enter, Esc
 /// and, outside text fields, Space and the character keys, with or without Alt. Nothing is
 /// judged, deleted or answered again by a key that has not been released since. Keys that move
-/// or type go on repeating.
+/// go on repeating, and so do those that type, but only into the field they were pressed in: where
+/// a key has led to another window it leaves nothing there.
 ///
 /// X11 sends a held key as releases and presses, which Qt does not always tell from the real
 /// ones; it gives both the same time, which no finger can.
@@ -26,10 +28,17 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    [[nodiscard]] bool repeated(const QKeyEvent& event) const;
+    /// Times are milliseconds of the windowing system.
+    struct Key
+    {
+        quint64 pressed = 0; ///< at first, without the repetitions
+        quint64 released = 0;
+        QPointer<QObject> focus; ///< what had the focus when it was pressed
+    };
 
-    /// When each key was last released, in milliseconds of the windowing system.
-    QHash<int, quint64> released_;
+    [[nodiscard]] bool leadsNowhere(const QKeyEvent& event);
+
+    QHash<int, Key> keys_;
 };
 
 } // namespace varnholt

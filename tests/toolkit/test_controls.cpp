@@ -250,6 +250,17 @@ TEST(HeldKeysTest, AKeyActsOnceUntilItIsReleased)
         send(QEvent::KeyRelease, false);
         EXPECT_EQ(clicks.size(), 2 * test.heldClicks);
     }
+
+    // A letter that has brought the focus elsewhere leaves nothing there.
+    button.setFocus();
+    field.clear();
+    QTest::keyPress(&button, Qt::Key_X);
+    field.setFocus();
+    for (int i = 0; i < 3; ++i) {
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_X, {}, u"x"_s, true);
+        QApplication::sendEvent(&field, &held);
+    }
+    EXPECT_EQ(field.text(), u""_s);
 }
 
 TEST(LongWorkTest, IsBusyAtOnceTakesNoInputAndShowsABarAfterHalfASecond)
