@@ -6,7 +6,7 @@
 #include <QDir>
 #include <QtEndian>
 
-#include <zlib.h>
+#include <libdeflate.h>
 
 #include <algorithm>
 #include <limits>
@@ -145,8 +145,7 @@ void ZipWriter::add(const QByteArray& name, const QByteArray& bytes)
     append(bytes);
     Entry& entry = entries_.back();
     entry.size = quint32(bytes.size());
-    entry.crc = quint32(
-        crc32_z(0, reinterpret_cast<const Bytef*>(bytes.constData()), size_t(bytes.size())));
+    entry.crc = libdeflate_crc32(0, bytes.constData(), size_t(bytes.size()));
     end();
 }
 
@@ -156,7 +155,7 @@ void ZipWriter::addFile(const QByteArray& name, const QString& path)
     QFile source(path);
     bool readable = source.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
     qint64 size = 0;
-    uLong crc = 0;
+    quint32 crc = 0;
     while (readable) {
         const qsizetype start = pending_.size();
         pending_.resize(start + pieceSize);
@@ -166,8 +165,7 @@ void ZipWriter::addFile(const QByteArray& name, const QString& path)
         if (count <= 0) {
             break;
         }
-        crc = crc32_z(crc, reinterpret_cast<const Bytef*>(pending_.constData() + start),
-                      size_t(count));
+        crc = libdeflate_crc32(crc, pending_.constData() + start, size_t(count));
         size += count;
         flushWhenFull();
     }
@@ -177,7 +175,7 @@ void ZipWriter::addFile(const QByteArray& name, const QString& path)
     }
     Entry& entry = entries_.back();
     entry.size = quint32(size);
-    entry.crc = quint32(crc);
+    entry.crc = crc;
     end();
 }
 
