@@ -105,6 +105,11 @@ void frmPictureText::buildControls()
 
     lblSample_ = makeLabel("lblSample", QStringLiteral("Sample Message"));
     lblSample_->setAlignment(Qt::AlignCenter);
+    // As it will stand in the picture, whatever the desktop's colours are.
+    QPalette paper = lblSample_->palette();
+    paper.setColor(QPalette::Base, Qt::white);
+    paper.setColor(QPalette::Text, Qt::black);
+    lblSample_->setPalette(paper);
     lblSample_->setBackgroundRole(QPalette::Base);
     lblSample_->setForegroundRole(QPalette::Text);
     lblSample_->setAutoFillBackground(true);
