@@ -18,7 +18,6 @@
 #include <QMimeData>
 #include <QScrollArea>
 #include <QSettings>
-#include <QStyle>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -143,7 +142,9 @@ void frmAssessment::buildChildBar()
     bold.setBold(true);
     lblChildTitle_->setFont(bold);
     auto* cmdCloseChild = named(new QToolButton, "cmdCloseChild", tr("Close this window"));
-    cmdCloseChild->setIcon(style()->standardIcon(QStyle::SP_TitleBarCloseButton));
+    // The style's icon is dark on dark desktops, too.
+    cmdCloseChild->setText(QStringLiteral("\u00D7"));
+    cmdCloseChild->setFont(bold);
     cmdCloseChild->setToolTip(tr("Close this window (Ctrl+W)"));
     cmdCloseChild->setAutoRaise(true);
     cmdCloseChild->setFocusPolicy(Qt::TabFocus);
