@@ -2,7 +2,7 @@
 // authoring window: all work per mouse move, painting included.
 
 #include "authoring/frmAddNewQuestion.h"
-#include "store/connection.h"
+#include "library/Library.h"
 #include "store/services.h"
 #include "support/report.h"
 #include "toolkit/PictureBox.h"
@@ -82,9 +82,10 @@ int main(int argc, char** argv)
     Services services;
     services.messageBoxes = &messages;
     services.clipboard = &clipboard;
-    Connection connection;
+    const SystemClock clock;
+    Library library({}, clock);
     ProgramState state;
-    frmAddNewQuestion window(services, state, connection, {});
+    frmAddNewQuestion window(services, state, library, {});
     window.show();
     while (!window.windowHandle()->isExposed()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

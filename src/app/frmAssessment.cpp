@@ -209,10 +209,12 @@ void frmAssessment::mnuCreate_Click()
 void frmAssessment::mnuManageAssessments_Click()
 {
     const auto openAuthoring = [this](QWidget* parent, const FilingPreselection& preselection) {
-        frmAddNewQuestion(services_, state_, library_.connection(), preselection, parent).exec();
+        frmAddNewQuestion dialog(services_, state_, library_, preselection, parent);
+        dialog.exec();
+        return dialog.questionSaved() || dialog.structureChanged();
     };
     openChild([this, openAuthoring] {
-        return new frmManage(services_, state_, library_.connection(), openAuthoring);
+        return new frmManage(services_, state_, library_, openAuthoring);
     });
 }
 

@@ -2,8 +2,7 @@
 
 #include "authoring/frmPictureText.h"
 #include "authoring/hints.h"
-#include "manage/frmNewInfo.h"
-#include "store/connection.h"
+#include "library/Library.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
@@ -30,19 +29,23 @@ const QString geometryKey = QStringLiteral("frmAddNewQuestion/geometry");
 
 } // namespace
 
-frmAddNewQuestion::frmAddNewQuestion(Services& services, ProgramState& state,
-                                     Connection& connection, const FilingPreselection& preselection,
-                                     QWidget* parent, OpenNewInfo openNewInfo)
+frmAddNewQuestion::frmAddNewQuestion(Services& services, ProgramState& state, Library& library,
+                                     const FilingPreselection& preselection, QWidget* parent,
+                                     OpenNewInfo openNewInfo)
     : QDialog(parent)
     , services_(services)
     , state_(state)
-    , connection_(connection)
+    , library_(library)
     , preselection_(preselection)
     , openNewInfo_(std::move(openNewInfo))
 {
     if (!openNewInfo_) {
-        openNewInfo_ = [this](QWidget* owner, std::optional<NamedTopic> chosen) {
-            frmNewInfo(services_, state_, connection_, std::move(chosen), owner).exec();
+        openNewInfo_ = [this](QWidget* owner, frmNewInfo::Mode mode,
+                              std::optional<NamedTopic> chosen) {
+            frmNewInfo dialog(services_, library_, state_.CurrentAssessmentNum, mode,
+                              std::move(chosen), owner);
+            dialog.exec();
+            return dialog.saved();
         };
     }
     setObjectName(QStringLiteral("frmAddNewQuestion"));
@@ -106,7 +109,6 @@ void frmAddNewQuestion::connectControls()
 
 void frmAddNewQuestion::Form_Load()
 {
-    state_.QuestionSaved = false;
     FillTopicCombo();
     if (preselection_.topicId) {
         SelectTopicById(*preselection_.topicId);
@@ -114,7 +116,6 @@ void frmAddNewQuestion::Form_Load()
         cboTopics_->setListIndex(0);
     }
     txtAnswer_->clear();
-    state_.StructureChanged = false;
     showCanvas();
 }
 
@@ -164,11 +165,11 @@ void frmAddNewQuestion::cmdPaste_Click()
 
 void frmAddNewQuestion::cmdText_Click()
 {
-    frmPictureText(canvas_.font, state_, *services_.messageBoxes, this).exec();
-    if (state_.TextToAdd.isEmpty()) {
-        return;
+    frmPictureText dialog(canvas_.font, *services_.messageBoxes, this);
+    dialog.exec();
+    if (dialog.textToAdd()) {
+        onCanvas({}, [&] { canvas_.StampText(*dialog.textToAdd()); });
     }
-    onCanvas({}, [this] { canvas_.StampText(state_.TextToAdd); });
 }
 
 void frmAddNewQuestion::cmdSave_Click()
@@ -196,10 +197,11 @@ void frmAddNewQuestion::cmdSave_Click()
     try {
         const LongWork busy(this, QStringLiteral("Saving the question..."),
                             LongWork::Cancel::NotOffered);
-        question_ = {state_.CurrentAssessmentNum, cboTopics_->entryData(cboTopics_->listIndex()),
-                     cboSubtopics_->entryData(cboSubtopics_->listIndex()),
-                     txtAnswer_->text().trimmed(), question_.SOLIndex};
-        SaveQuestion(connection_, services_.programFolder, question_, canvas_);
+        question_ = {{state_.CurrentAssessmentNum, cboTopics_->entryData(cboTopics_->listIndex()),
+                      cboSubtopics_->entryData(cboSubtopics_->listIndex())},
+                     txtAnswer_->text().trimmed(),
+                     question_.SOLIndex};
+        SaveQuestion(library_, question_, canvas_);
     } catch (const std::exception& failure) {
         // No box: the window stays, with the reason where it says what stands in the way.
         const auto* known = dynamic_cast<const Error*>(&failure);
@@ -210,11 +212,11 @@ void frmAddNewQuestion::cmdSave_Click()
                                               : outcome + (known ? known->message() : QString()));
         return;
     }
-    state_.LastFiledTopicID = question_.TopicID;
-    state_.LastFiledSubtopicNum = question_.SubtopicNum;
+    state_.LastFiledTopicID = question_.filing.TopicID;
+    state_.LastFiledSubtopicNum = question_.filing.SubtopicNum;
     services_.messageBoxes->inform(QStringLiteral("Question Saved"),
                                    QStringLiteral("The question was saved successfully."));
-    state_.QuestionSaved = true;
+    questionSaved_ = true;
     accept();
 }
 
@@ -288,7 +290,7 @@ void frmAddNewQuestion::showObstacle()
 QString frmAddNewQuestion::saveObstacle() const
 {
     return SaveObstacle({txtAnswer_->text(), canvas_.picQuestion.hasPicture(),
-                         cboSubtopics_->listIndex() >= 0, connection_.isReadOnly()},
+                         cboSubtopics_->listIndex() >= 0, library_.connection().isReadOnly()},
                         services_.programFolder);
 }
 

@@ -4,7 +4,7 @@
 #include "authoring/filing.h"
 #include "authoring/question_save.h"
 #include "manage/filing_preselection.h"
-#include "manage/new_info.h"
+#include "manage/frmNewInfo.h"
 
 #include <QDialog>
 
@@ -22,15 +22,13 @@ class QScrollBar;
 namespace varnholt {
 
 class ComboBox;
-class Connection;
 class HintLabel;
+class Library;
 class PictureBox;
 struct Services;
 
 /// The window that makes one new question: a picture pasted and arranged on the canvas, an
-/// answer, a topic and a subtopic. Modal; closes itself after a successful save, with
-/// `QuestionSaved` set. `StructureChanged` tells the opener that topics or subtopics were
-/// added from here.
+/// answer, a topic and a subtopic. Modal; closes itself after a successful save.
 ///
 /// The opening for the canvas always has the size of the page, so that what is seen is what
 /// is saved; in a larger window it stays as it is, in a smaller one the window scrolls.
@@ -39,14 +37,20 @@ class frmAddNewQuestion : public QDialog
     Q_OBJECT
 
 public:
-    /// Shows the dialog for a new topic and subtopic; it leaves its results in the state.
-    using OpenNewInfo = std::function<void(QWidget* parent, std::optional<NamedTopic> chosen)>;
+    /// Shows the dialog for a new topic and subtopic, and returns what it added.
+    using OpenNewInfo = std::function<std::optional<NewInfo>(QWidget* parent, frmNewInfo::Mode mode,
+                                                             std::optional<NamedTopic> chosen)>;
 
     /// Without `openNewInfo` the program's own dialog is shown.
-    frmAddNewQuestion(Services& services, ProgramState& state, Connection& connection,
+    frmAddNewQuestion(Services& services, ProgramState& state, Library& library,
                       const FilingPreselection& preselection, QWidget* parent = nullptr,
                       OpenNewInfo openNewInfo = {});
     ~frmAddNewQuestion() override;
+
+    /// The window was left by a save that succeeded.
+    [[nodiscard]] bool questionSaved() const { return questionSaved_; }
+    /// Topics or subtopics were added from here.
+    [[nodiscard]] bool structureChanged() const { return structureChanged_; }
 
     [[nodiscard]] const PictureCanvas& canvas() const { return canvas_; }
 
@@ -75,8 +79,6 @@ private:
     void FillSubtopicCombo();
     void SelectTopicById(std::int32_t topicId);
     void SelectSubtopicById(std::int32_t subtopicNum);
-    /// Opens the dialog for a new topic or subtopic; true when it saved.
-    bool openNewInfo(bool subtopicOnly, std::optional<NamedTopic> chosen);
 
     /// Runs work on the canvas, shows the outcome and reports a failure in a box.
     void onCanvas(const QString& title, const std::function<void()>& work);
@@ -91,12 +93,14 @@ private:
 
     Services& services_;
     ProgramState& state_;
-    Connection& connection_;
+    Library& library_;
     FilingPreselection preselection_;
     OpenNewInfo openNewInfo_;
     PictureCanvas canvas_;
     /// As last tried to save; has a key while its row waits for its picture.
     NewQuestion question_;
+    bool questionSaved_ = false;
+    bool structureChanged_ = false;
     std::int32_t CurrentTopicID_ = 0;
     std::vector<FilingChoice> topicChoices_;
     std::vector<FilingChoice> subtopicChoices_;

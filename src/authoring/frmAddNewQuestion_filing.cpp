@@ -1,6 +1,7 @@
 // How the authoring window offers topics and subtopics, and takes over new ones.
 #include "authoring/frmAddNewQuestion.h"
 
+#include "library/Library.h"
 #include "store/catalogue.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
@@ -47,26 +48,21 @@ void frmAddNewQuestion::cboTopics_Click()
     FillSubtopicCombo();
 }
 
-bool frmAddNewQuestion::openNewInfo(bool subtopicOnly, std::optional<NamedTopic> chosen)
-{
-    state_.SubtopicOnly = subtopicOnly;
-    openNewInfo_(this, std::move(chosen));
-    return state_.NewInfoSaved;
-}
-
 void frmAddNewQuestion::cmdNewTopic_Click()
 {
-    if (!openNewInfo(false, std::nullopt)) {
+    const std::optional<NewInfo> added =
+        openNewInfo_(this, frmNewInfo::Mode::TopicAndSubtopic, std::nullopt);
+    if (!added) {
         return;
     }
     cboTopics_->clear();
     cboSubtopics_->clear();
-    LoadTopics(state_, connection_, *services_.messageBoxes);
-    LoadSubTopics(state_, connection_, *services_.messageBoxes);
+    LoadTopics(state_, library_.connection(), *services_.messageBoxes);
+    LoadSubTopics(state_, library_.connection(), *services_.messageBoxes);
     FillTopicCombo();
-    SelectTopicById(state_.NewTopicID);
-    SelectSubtopicById(state_.NewSubtopicNum);
-    state_.StructureChanged = true;
+    SelectTopicById(added->NewTopicID);
+    SelectSubtopicById(added->NewSubtopicNum);
+    structureChanged_ = true;
 }
 
 void frmAddNewQuestion::cmdNewSubtopic_Click()
@@ -76,14 +72,16 @@ void frmAddNewQuestion::cmdNewSubtopic_Click()
         chosen =
             NamedTopic{cboTopics_->entryData(cboTopics_->listIndex()), cboTopics_->currentText()};
     }
-    if (!openNewInfo(true, std::move(chosen))) {
+    const std::optional<NewInfo> added =
+        openNewInfo_(this, frmNewInfo::Mode::SubtopicOnly, std::move(chosen));
+    if (!added) {
         return;
     }
     cboSubtopics_->clear();
-    LoadSubTopics(state_, connection_, *services_.messageBoxes);
+    LoadSubTopics(state_, library_.connection(), *services_.messageBoxes);
     FillSubtopicCombo();
-    SelectSubtopicById(state_.NewSubtopicNum);
-    state_.StructureChanged = true;
+    SelectSubtopicById(added->NewSubtopicNum);
+    structureChanged_ = true;
 }
 
 } // namespace varnholt

@@ -21,11 +21,9 @@ constexpr int largestSize = 40;
 
 } // namespace
 
-frmPictureText::frmPictureText(CanvasFont& font, ProgramState& state, MessageBoxes& messages,
-                               QWidget* parent)
+frmPictureText::frmPictureText(CanvasFont& font, MessageBoxes& messages, QWidget* parent)
     : QDialog(parent)
     , font_(font)
-    , state_(state)
     , messages_(messages)
 {
     setObjectName(QStringLiteral("frmPictureText"));
@@ -147,7 +145,6 @@ void frmPictureText::buildControls()
 
 void frmPictureText::Form_Load()
 {
-    state_.TextToAdd.clear();
     optMSSansSerif_->setChecked(true);
     // Qt would let Tab stop at the first one until one of them has had the focus.
     const QList<QRadioButton*> options = findChildren<QRadioButton*>();
@@ -196,7 +193,7 @@ void frmPictureText::cmdAddText_Click()
         txtText_->setFocus();
         return;
     }
-    state_.TextToAdd = text;
+    textToAdd_ = text;
     accept();
 }
 

@@ -5,6 +5,7 @@
 #include <QDialog>
 
 #include <array>
+#include <optional>
 
 class QCheckBox;
 class QGroupBox;
@@ -18,11 +19,9 @@ namespace varnholt {
 class HintLabel;
 class ListBox;
 class MessageBoxes;
-struct ProgramState;
 
 /// Asks for a line of text and how it is to look. Every choice goes at once into the canvas's
-/// font, which keeps it whether a text is added or not. Leaves the text in `TextToAdd`, empty
-/// when there is none to add.
+/// font, which keeps it whether a text is added or not.
 ///
 /// The style boxes start unticked while the canvas keeps the style it had: the sample shows
 /// what a text would really look like.
@@ -31,8 +30,10 @@ class frmPictureText : public QDialog
     Q_OBJECT
 
 public:
-    frmPictureText(CanvasFont& font, ProgramState& state, MessageBoxes& messages,
-                   QWidget* parent = nullptr);
+    frmPictureText(CanvasFont& font, MessageBoxes& messages, QWidget* parent = nullptr);
+
+    /// The text to add, trimmed; none when the dialog was left without one.
+    [[nodiscard]] const std::optional<QString>& textToAdd() const { return textToAdd_; }
 
 private:
     void buildControls();
@@ -45,8 +46,8 @@ private:
     void showSample();
 
     CanvasFont& font_;
-    ProgramState& state_;
     MessageBoxes& messages_;
+    std::optional<QString> textToAdd_;
 
     QLineEdit* txtText_ = nullptr;
     QRadioButton* optMSSansSerif_ = nullptr;

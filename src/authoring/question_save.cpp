@@ -3,12 +3,9 @@
 #include "authoring/PictureCanvas.h"
 #include "imaging/cImage.h"
 #include "imaging/cJpeg.h"
-#include "pictures/picture_files.h"
-#include "store/connection.h"
-#include "store/statements.h"
+#include "library/Library.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace varnholt {
@@ -16,42 +13,6 @@ namespace varnholt {
 namespace {
 
 constexpr int pictureQuality = 75;
-
-std::int32_t readNewestKey(Connection& connection, std::int32_t assessmentNum)
-{
-    Recordset rows = connection.read(statements::SelectQuestionsNewestFirst(assessmentNum));
-    if (!rows.next()) {
-        throw DatabaseError(QStringLiteral("The new question was not found in the library."));
-    }
-    return rows.integer(rows.field("SOLIndex"));
-}
-
-bool isTaken(const QString& path)
-{
-    const QFileInfo file(path);
-    return file.exists() || file.isSymLink();
-}
-
-bool hasPictureFile(const QString& programFolder, std::int32_t key)
-{
-    return isTaken(FindPictureFile(programFolder, key));
-}
-
-void setOldPictureAside(const QString& programFolder, std::int32_t key)
-{
-    // More than one when the extension is there in several spellings.
-    while (hasPictureFile(programFolder, key)) {
-        const QString path = FindPictureFile(programFolder, key);
-        QString aside = path + QStringLiteral(".bak");
-        for (int i = 2; isTaken(aside); ++i) {
-            aside = path + QStringLiteral(".bak%1").arg(i);
-        }
-        if (!QFile::rename(path, aside)) {
-            throw Error(QStringLiteral("An old picture is in the way and cannot be renamed: %1")
-                            .arg(QDir::toNativeSeparators(path)));
-        }
-    }
-}
 
 /// The page as a bitmap picture: rows bottom-up, blue-green-red, padded to 4 bytes.
 Picture bitmapPicture(const QImage& page)
@@ -88,8 +49,7 @@ QString writeFailure(cJpeg::SaveResult result, const QString& path)
     }
 }
 
-void writePicture(const QString& programFolder, std::int32_t key, PictureCanvas& canvas,
-                  const SaveStepObserver& step)
+void writePicture(const QString& path, PictureCanvas& canvas, const SaveStepObserver& step)
 {
     step(SaveStep::RenderPage);
     const Picture page = bitmapPicture(canvas.renderPage());
@@ -103,7 +63,6 @@ void writePicture(const QString& programFolder, std::int32_t key, PictureCanvas&
     check(jpeg.SampleHDC(buffer.hDC(), buffer.Width(), buffer.Height(), 0, 0) == cJpeg::Sampled,
           QStringLiteral("There is not enough memory to save."));
     step(SaveStep::WritePicture);
-    const QString path = NewPictureFile(programFolder, key);
     QDir().mkpath(QFileInfo(path).path());
     const cJpeg::SaveResult result = jpeg.SaveFile(QFileInfo(path).filesystemFilePath());
     check(result == cJpeg::Written, writeFailure(result, path));
@@ -111,46 +70,21 @@ void writePicture(const QString& programFolder, std::int32_t key, PictureCanvas&
 
 } // namespace
 
-void SaveQuestion(Connection& connection, const QString& programFolder, NewQuestion& question,
-                  PictureCanvas& canvas, const SaveStepObserver& observer)
+void SaveQuestion(Library& library, NewQuestion& question, PictureCanvas& canvas,
+                  const SaveStepObserver& observer)
 {
     const SaveStepObserver step = observer ? observer : [](SaveStep) {};
-    Transaction transaction(connection);
-    step(SaveStep::InsertRow);
-    std::int32_t key = question.SOLIndex;
-    connection.execute(
-        key == 0 ? statements::InsertQuestion(question.TopicID, question.Answer,
-                                              question.AssessmentNum, question.SubtopicNum)
-                 : statements::UpdateQuestion(key, question.TopicID, question.SubtopicNum,
-                                              question.Answer));
+    const auto write = [&](const QString& path) { writePicture(path, canvas, step); };
     try {
-        step(SaveStep::ReadKey);
-        key = key == 0 ? readNewestKey(connection, question.AssessmentNum) : key;
-        step(SaveStep::SetOldPictureAside);
-        setOldPictureAside(programFolder, key);
-        writePicture(programFolder, key, canvas, step);
-    } catch (const std::exception& failure) {
-        if (key == 0) {
-            key = readNewestKey(connection, question.AssessmentNum);
+        if (question.SOLIndex == 0) {
+            question.SOLIndex = library.addQuestion(question.filing, question.Answer, write);
+        } else {
+            library.completeQuestion(question.SOLIndex, question.filing, question.Answer, write);
         }
-        if (hasPictureFile(programFolder, key)) {
-            throw;
-        }
-        transaction.commit();
-        question.SOLIndex = key;
-        const auto* known = dynamic_cast<const Error*>(&failure);
-        throw Error((known ? known->message() + u' ' : QString()) +
-                    QStringLiteral("The question is in the library without its picture: save "
-                                   "again to add it."));
-    }
-    try {
-        step(SaveStep::Commit);
-        transaction.commit();
-    } catch (...) {
-        QFile::remove(NewPictureFile(programFolder, key));
+    } catch (const PictureMissing& failure) {
+        question.SOLIndex = failure.SOLIndex;
         throw;
     }
-    question.SOLIndex = key;
 }
 
 } // namespace varnholt

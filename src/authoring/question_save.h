@@ -1,5 +1,7 @@
 #pragma once
 
+#include "library/items.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -7,48 +9,35 @@
 
 namespace varnholt {
 
-class Connection;
+class Library;
 class PictureCanvas;
 
 /// What a new question is filed with.
 struct NewQuestion
 {
-    std::int32_t AssessmentNum = 0;
-    std::int32_t TopicID = 0;
-    std::int32_t SubtopicNum = 0;
+    Filing filing;
     QString Answer;
     /// Key of its row once that is in the library, 0 before.
     std::int32_t SOLIndex = 0;
 };
 
-/// The steps of a save, in their order.
+/// The steps of making the picture, in their order.
 enum class SaveStep
 {
-    InsertRow,
-    ReadKey,
-    SetOldPictureAside,
     RenderPage,
     FillBuffer,
     Sample,
-    WritePicture,
-    Commit
+    WritePicture
 };
 
 /// Called before each step; may throw. Tests make steps fail with it.
 using SaveStepObserver = std::function<void(SaveStep)>;
 
-/// Inserts the row, reads its key back into `question`, and encodes the canvas's page at
-/// quality 75 to `Files/<key>.jpg`. Throws when a step fails (an `Error` says why):
-///
-/// - The row and the picture become visible together: a program killed in between leaves
-///   neither, and at most a picture file without a row.
-/// - A handled failure after the insert leaves the row, without a picture. `question` has its
-///   key then, and another try with it completes this row.
-/// - A file that has the new key's name already belongs to no question of this library (keys
-///   are never used twice; a library put back from a backup comes to this). It is renamed to
-///   "<name>.bak", so that it is neither lost nor shown as the new question's picture. Where
-///   that fails, or the key cannot be read to look for it, the row goes too.
-void SaveQuestion(Connection& connection, const QString& programFolder, NewQuestion& question,
-                  PictureCanvas& canvas, const SaveStepObserver& observer = {});
+/// Adds the question with the canvas's page, encoded at quality 75, as its picture; its key goes
+/// into `question`. A question that has a key already is completed: see `Library::addQuestion`
+/// and `Library::completeQuestion`, also for what is left when this throws. `question` has a key
+/// then if its row is in the library.
+void SaveQuestion(Library& library, NewQuestion& question, PictureCanvas& canvas,
+                  const SaveStepObserver& observer = {});
 
 } // namespace varnholt

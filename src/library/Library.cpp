@@ -143,35 +143,45 @@ std::int32_t Library::addQuestion(const Filing& filing, const QString& answer,
     Change change(*this);
     connection_.execute(statements::InsertQuestion(filing.TopicID, answer, filing.AssessmentNum,
                                                    filing.SubtopicNum));
-    const auto readKey = [&] {
-        return newestKey(statements::SelectQuestionsNewestFirst(filing.AssessmentNum), "SOLIndex");
-    };
-    std::int32_t key = 0;
+    const std::int32_t key =
+        newestKey(statements::SelectQuestionsNewestFirst(filing.AssessmentNum), "SOLIndex");
+    change.add({ItemKind::Question, key});
+    placePicture(change, key, writePicture);
+    return key;
+}
+
+void Library::completeQuestion(std::int32_t solIndex, const Filing& filing, const QString& answer,
+                               const PictureWriter& writePicture)
+{
+    Change change(*this);
+    change.touch({ItemKind::Question, solIndex});
+    connection_.execute(
+        statements::UpdateQuestion(solIndex, filing.TopicID, filing.SubtopicNum, answer));
+    placePicture(change, solIndex, writePicture);
+}
+
+void Library::placePicture(Change& change, std::int32_t key, const PictureWriter& writePicture)
+{
     try {
-        key = readKey();
         SetOldPictureAside(programFolder_, key);
         writePicture(NewPictureFile(programFolder_, key));
     } catch (const std::exception& failure) {
-        if (key == 0) {
-            key = readKey();
-        }
         if (HasPictureFile(programFolder_, key)) {
             throw;
         }
-        change.add({ItemKind::Question, key});
         change.commit();
-        const QString withoutPicture = tr("The question is in the library without its picture.");
+        const QString withoutPicture =
+            tr("The question is in the library without its picture: save again to add it.");
         const auto* known = dynamic_cast<const Error*>(&failure);
-        throw Error(known ? known->message() + u' ' + withoutPicture : withoutPicture);
+        throw PictureMissing(known ? known->message() + u' ' + withoutPicture : withoutPicture,
+                             key);
     }
-    change.add({ItemKind::Question, key});
     try {
         change.commit();
     } catch (const Error&) {
         QFile::remove(NewPictureFile(programFolder_, key));
         throw;
     }
-    return key;
 }
 
 void Library::rememberAssessment(std::int32_t assessmentNum)

@@ -30,6 +30,17 @@ public:
     bool rowsStay;
 };
 
+/// A question's picture failed; its row is in the library without one.
+class PictureMissing : public Error
+{
+public:
+    PictureMissing(const QString& reason, std::int32_t solIndex)
+        : Error(reason)
+        , SOLIndex(solIndex)
+    {}
+    std::int32_t SOLIndex;
+};
+
 /// How bringing something back from the trash ended.
 enum class RestoreOutcome
 {
@@ -91,11 +102,14 @@ public:
     using PictureWriter = std::function<void(const QString& path)>;
     /// The row and the picture become visible together: a program killed in between leaves neither,
     /// and at most a picture without a row. When the picture fails the row stays without one, and
-    /// the `Error` says so. A file that has the new key's name already belongs to no question of
-    /// this library (keys are never used twice; a library put back from a backup comes to this): it
-    /// is renamed to "<name>.bak". Where that fails the row goes, too.
+    /// `PictureMissing` is thrown. A file that has the new key's name already belongs to no
+    /// question of this library (keys are never used twice; a library put back from a backup comes
+    /// to this): it is renamed to "<name>.bak". Where that fails the row goes, too.
     std::int32_t addQuestion(const Filing& filing, const QString& answer,
                              const PictureWriter& writePicture);
+    /// Another try for a question whose picture failed: with what is said now.
+    void completeQuestion(std::int32_t solIndex, const Filing& filing, const QString& answer,
+                          const PictureWriter& writePicture);
 
     /// Adds what the plan says. Throws `ImportFailure`, and `Cancelled` when a step was cancelled:
     /// nothing has been added then.
@@ -137,6 +151,8 @@ private:
     /// The field of the first row of a read: the newest.
     [[nodiscard]] std::int32_t newestKey(const QString& statement, const char* field);
     void requireFeatures() const;
+    /// The rest of a change that has given a question its row: the picture and the commit.
+    void placePicture(Change& change, std::int32_t key, const PictureWriter& writePicture);
     void deleteRow(Item item, const QString& statement);
     void addImportedRows(const ImportPlan& plan, const ImportSteps& steps,
                          std::int32_t assessmentNum);

@@ -1,7 +1,7 @@
 #include "manage/frmEditQuestion.h"
 
+#include "library/Library.h"
 #include "manage/answer_hint.h"
-#include "manage/question_edit.h"
 #include "manage/structure_maintenance.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
@@ -15,12 +15,12 @@
 
 namespace varnholt {
 
-frmEditQuestion::frmEditQuestion(Services& services, ProgramState& state, Connection& connection,
+frmEditQuestion::frmEditQuestion(Services& services, ProgramState& state, Library& library,
                                  const FilingPreselection& preselection, QWidget* parent)
     : QDialog(parent)
     , services_(services)
     , state_(state)
-    , connection_(connection)
+    , library_(library)
     , preselection_(preselection)
 {
     setObjectName(QStringLiteral("frmEditQuestion"));
@@ -83,7 +83,6 @@ void frmEditQuestion::buildControls()
 
 void frmEditQuestion::Form_Load()
 {
-    state_.QuestionSaved = false;
     SelectedTopicID_ = preselection_.topicId.value_or(0);
     FillTopicCombo();
     FillSubtopicCombo();
@@ -168,12 +167,12 @@ void frmEditQuestion::cmdSave_Click()
         return;
     }
     try {
-        SaveQuestion(connection_, state_.BrowseQuestions(state_.QuestionPosition).SOLIndex,
-                     cboTopics_->entryData(cboTopics_->listIndex()),
-                     cboSubtopics_->entryData(cboSubtopics_->listIndex()), txtAnswer_->text());
+        library_.editQuestion(toInt16(state_.BrowseQuestions(state_.QuestionPosition).SOLIndex),
+                              toInt16(cboTopics_->entryData(cboTopics_->listIndex())),
+                              toInt16(cboSubtopics_->entryData(cboSubtopics_->listIndex())),
+                              txtAnswer_->text().trimmed());
         messages.inform(QStringLiteral("Question Saved"),
                         QStringLiteral("The question was saved successfully."));
-        state_.QuestionSaved = true;
         accept();
     } catch (const std::exception&) {
         messages.inform(saveError,

@@ -9,20 +9,20 @@ class QLineEdit;
 namespace varnholt {
 
 class ComboBox;
-class Connection;
 class HintLabel;
+class Library;
 struct ProgramState;
 struct Services;
 
-/// Refiles the question that the browser shows and changes its answer. Sets `QuestionSaved`
-/// when it has saved.
+/// Refiles the question that the browser shows and changes its answer. Accepted when it has
+/// saved.
 class frmEditQuestion : public QDialog
 {
     Q_OBJECT
 
 public:
     /// A question must be on show in the browser.
-    frmEditQuestion(Services& services, ProgramState& state, Connection& connection,
+    frmEditQuestion(Services& services, ProgramState& state, Library& library,
                     const FilingPreselection& preselection, QWidget* parent = nullptr);
 
 private:
@@ -36,7 +36,7 @@ private:
 
     Services& services_;
     ProgramState& state_;
-    Connection& connection_;
+    Library& library_;
     FilingPreselection preselection_;
     /// The topic whose subtopics `cboSubtopics` lists.
     std::int32_t SelectedTopicID_ = 0;

@@ -1,11 +1,11 @@
 #include "manage/frmManage.h"
 
+#include "library/Library.h"
 #include "manage/frmEditQuestion.h"
 #include "manage/question_browser.h"
 #include "manage/structure_maintenance.h"
 #include "pictures/picture_files.h"
 #include "store/catalogue.h"
-#include "store/connection.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
@@ -47,12 +47,12 @@ public:
 
 } // namespace
 
-frmManage::frmManage(Services& services, ProgramState& state, Connection& connection,
+frmManage::frmManage(Services& services, ProgramState& state, Library& library,
                      OpenAuthoring openAuthoring, QWidget* parent)
     : QWidget(parent)
     , services_(services)
     , state_(state)
-    , connection_(connection)
+    , library_(library)
     , openAuthoring_(std::move(openAuthoring))
 {
     setObjectName(QStringLiteral("frmManage"));
@@ -106,7 +106,7 @@ void frmManage::Form_Load()
     cmdDeleteSubtopic_->setEnabled(false);
     HandlePictureButtons();
     lblQuestions_->clear();
-    LoadAssessments(state_, connection_, *services_.messageBoxes);
+    LoadAssessments(state_, library_.connection(), *services_.messageBoxes);
     FillAssessmentCombo();
     if (state_.CurrentAssessmentNum < 1) {
         cmdDeleteAssessment_->setEnabled(false);
@@ -122,7 +122,7 @@ void frmManage::Form_Load()
 void frmManage::Form_Unload()
 {
     try {
-        SaveLastAssessment(state_, connection_);
+        library_.rememberAssessment(state_.CurrentAssessmentNum);
     } catch (const DatabaseError&) {
         // A library that takes no changes still opens; it only forgets where we were.
     }
@@ -138,7 +138,7 @@ void frmManage::FillAssessmentCombo()
         }
         cboAssessment_->addEntry(record.AssessmentName, record.AssessmentNum);
     }
-    const std::int32_t highest = HighestAssessmentNum(connection_);
+    const std::int32_t highest = HighestAssessmentNum(library_.connection());
     const bool full = highest >= std::numeric_limits<std::int16_t>::max();
     lblAssessmentHint_->say(full ? QStringLiteral("The assessments' numbers have reached %1, the "
                                                   "largest possible: adding one ends in an error.")
@@ -179,7 +179,7 @@ void frmManage::openAssessment()
     lblQuestions_->clear();
     if (state_.CurrentAssessmentNum > 0) {
         const BusyPointer busy;
-        LoadCurrentAssessment(state_, connection_, *services_.messageBoxes);
+        LoadCurrentAssessment(state_, library_.connection(), *services_.messageBoxes);
         FillTopicList();
     }
 }
@@ -251,7 +251,7 @@ bool frmManage::questionsAreThere()
 {
     // A subtopic must not pass for empty, and be deleted, because its questions were not read.
     if (!state_.QuestionsLoaded) {
-        loadReporting([this] { LoadQuestions(state_, connection_); });
+        loadReporting([this] { LoadQuestions(state_, library_.connection()); });
     }
     return state_.QuestionsLoaded;
 }
@@ -360,8 +360,7 @@ void frmManage::cmdAddNewQuestion_Click()
         return;
     }
     const int row = lstTopics_->listIndex();
-    openAuthoring_(window(), filingForNewQuestion());
-    if (state_.QuestionSaved || state_.StructureChanged) {
+    if (openAuthoring_(window(), filingForNewQuestion())) {
         ShowSubtopicQuestions();
         cboAssessment_Click();
         lstTopics_->reveal(row);
@@ -370,16 +369,15 @@ void frmManage::cmdAddNewQuestion_Click()
 
 void frmManage::cmdEditQuestion_Click()
 {
-    if (state_.QuestionPosition > 0) {
-        frmEditQuestion(services_, state_, connection_, currentRows(), window()).exec();
-    }
-    if (!state_.QuestionSaved) {
+    if (state_.QuestionPosition == 0 ||
+        frmEditQuestion(services_, state_, library_, currentRows(), window()).exec() !=
+            QDialog::Accepted) {
         return;
     }
     loadReporting([&] {
         const BusyPointer busy;
         const int row = lstSubtopics_->listIndex();
-        LoadQuestions(state_, connection_);
+        LoadQuestions(state_, library_.connection());
         lstTopics_Click();
         lstSubtopics_->reveal(row);
         lstSubtopics_->setFocus();

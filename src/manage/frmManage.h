@@ -13,8 +13,8 @@ class QPushButton;
 namespace varnholt {
 
 class ComboBox;
-class Connection;
 class HintLabel;
+class Library;
 class ListBox;
 class PictureView;
 enum class PictureFault;
@@ -30,11 +30,11 @@ class frmManage : public QWidget
 
 public:
     /// Shows the window that makes new questions, modal to `parent`, and returns when it
-    /// closes. What it did stands in `QuestionSaved` and `StructureChanged`.
-    using OpenAuthoring = std::function<void(QWidget* parent, const FilingPreselection&)>;
+    /// closes: whether a question was saved or topics or subtopics were added.
+    using OpenAuthoring = std::function<bool(QWidget* parent, const FilingPreselection&)>;
 
     /// Without `openAuthoring` no questions can be added.
-    frmManage(Services& services, ProgramState& state, Connection& connection,
+    frmManage(Services& services, ProgramState& state, Library& library,
               OpenAuthoring openAuthoring, QWidget* parent = nullptr);
     ~frmManage() override;
 
@@ -95,7 +95,7 @@ private:
 
     Services& services_;
     ProgramState& state_;
-    Connection& connection_;
+    Library& library_;
     OpenAuthoring openAuthoring_;
     bool unloaded_ = false;
 

@@ -1,7 +1,9 @@
 // The library manager's seven handlers that change the library's structure.
 #include "manage/frmManage.h"
 
+#include "library/Library.h"
 #include "manage/structure_maintenance.h"
+#include "store/catalogue.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
@@ -20,9 +22,9 @@ void frmManage::cmdAddAssessment_Click()
         if (name.isEmpty()) {
             return;
         }
-        AddAssessment(connection_, name);
+        const std::int32_t added = library_.addAssessment(name);
         cboAssessment_->clear();
-        RememberAssessment(state_, connection_, LastListedAssessment(connection_));
+        RememberAssessment(state_, library_, toInt16(added));
         Form_Load();
         inform(QStringLiteral("New Assessment Added"),
                name + QStringLiteral(" successfully added."));
@@ -40,9 +42,9 @@ void frmManage::cmdDeleteAssessment_Click()
                                "system."))) {
             return;
         }
-        DeleteAssessment(state_, connection_);
+        library_.deleteAssessment(state_.CurrentAssessmentNum);
         cboAssessment_->clear();
-        RememberAssessment(state_, connection_, 0);
+        RememberAssessment(state_, library_, 0);
         Form_Load();
         inform(QStringLiteral("Assessment Deleted"),
                QStringLiteral("The assessment was successfully deleted."));
@@ -68,7 +70,8 @@ void frmManage::cmdNewTopic_Click()
         if (name.isEmpty()) {
             return;
         }
-        AddTopic(state_, connection_, *services_.messageBoxes, name);
+        library_.addTopic(state_.CurrentAssessmentNum, name);
+        LoadCurrentAssessment(state_, library_.connection(), *services_.messageBoxes);
         FillTopicList();
         lstSubtopics_->clear();
         lblQuestions_->clear();
@@ -93,7 +96,8 @@ void frmManage::cmdDeleteTopic_Click()
     }
     attempt(QStringLiteral("There was an error deleting this topic."), [this] {
         const int row = lstTopics_->listIndex();
-        DeleteTopic(state_, connection_, *services_.messageBoxes, lstTopics_->itemData(row));
+        library_.deleteTopic(toInt16(lstTopics_->itemData(row)));
+        LoadTopics(state_, library_.connection(), *services_.messageBoxes);
         FillTopicList();
         lstTopics_->reveal(row);
         inform(QStringLiteral("Topic Deleted"),
@@ -118,8 +122,9 @@ void frmManage::cmdNewSubtopic_Click()
         if (name.isEmpty()) {
             return;
         }
-        AddSubtopic(state_, connection_, *services_.messageBoxes,
-                    lstTopics_->itemData(lstTopics_->listIndex()), name);
+        const std::int32_t topic = lstTopics_->itemData(lstTopics_->listIndex());
+        library_.addSubtopic(state_.CurrentAssessmentNum, toInt16(topic), name);
+        LoadSubTopics(state_, library_.connection(), *services_.messageBoxes);
         lstTopics_Click();
         lstSubtopics_->reveal(lstSubtopics_->listCount() - 1);
         inform(QStringLiteral("New Topic Added"), name + QStringLiteral(" successfully added."));
@@ -142,7 +147,8 @@ void frmManage::cmdDeleteSubtopic_Click()
     }
     attempt(QStringLiteral("There was an error deleting this subtopic."), [this] {
         const int row = lstSubtopics_->listIndex();
-        DeleteSubtopic(state_, connection_, *services_.messageBoxes, lstSubtopics_->itemData(row));
+        library_.deleteSubtopic(toInt16(lstSubtopics_->itemData(row)));
+        LoadSubTopics(state_, library_.connection(), *services_.messageBoxes);
         FillSubtopicList();
         lstSubtopics_->reveal(row);
         inform(QStringLiteral("Subtopic Deleted"),
@@ -160,7 +166,8 @@ void frmManage::cmdDeleteQuestion_Click()
     }
     attempt(QStringLiteral("There was an error in deleting the question."), [this] {
         const int row = lstSubtopics_->listIndex();
-        DeleteShownQuestion(state_, connection_);
+        library_.deleteQuestion(state_.BrowseQuestions(state_.QuestionPosition).SOLIndex);
+        LoadQuestions(state_, library_.connection());
         lstTopics_Click();
         lstSubtopics_->reveal(row);
         inform(QStringLiteral("Question Deleted"),

@@ -1,6 +1,6 @@
 #include "manage/frmNewInfo.h"
 
-#include "store/connection.h"
+#include "library/Library.h"
 #include "store/services.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/LineEdit.h"
@@ -12,18 +12,18 @@
 
 namespace varnholt {
 
-frmNewInfo::frmNewInfo(Services& services, ProgramState& state, Connection& connection,
+frmNewInfo::frmNewInfo(Services& services, Library& library, std::int32_t assessmentNum, Mode mode,
                        std::optional<NamedTopic> chosenTopic, QWidget* parent)
     : QDialog(parent)
     , services_(services)
-    , state_(state)
-    , connection_(connection)
+    , library_(library)
+    , assessmentNum_(assessmentNum)
+    , mode_(mode)
     , chosenTopic_(std::move(chosenTopic))
 {
     setObjectName(QStringLiteral("frmNewInfo"));
     setWindowTitle(QStringLiteral("New Topic and Subtopic"));
     buildControls();
-    Form_Load();
 }
 
 void frmNewInfo::buildControls()
@@ -62,25 +62,18 @@ void frmNewInfo::buildControls()
     setTabOrder(txtNewSubtopic_, cmdSave);
     setTabOrder(cmdSave, cmdCancel);
 
-    if (!state_.SubtopicOnly) {
+    if (mode_ == Mode::SubtopicOnly) {
+        txtNewTopic_->setText(chosenTopic_ ? chosenTopic_->Topic : QString());
+        txtNewTopic_->setEnabled(false);
+        txtNewSubtopic_->setFocus();
+    } else {
         lblTopicHint->watchForApostrophes(txtNewTopic_);
+        txtNewTopic_->setFocus();
     }
     lblSubtopicHint->watchForApostrophes(txtNewSubtopic_);
     connect(txtNewSubtopic_, &QLineEdit::returnPressed, this, &frmNewInfo::cmdSave_Click);
     connect(cmdSave, &QPushButton::clicked, this, &frmNewInfo::cmdSave_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &frmNewInfo::reject);
-}
-
-void frmNewInfo::Form_Load()
-{
-    state_.NewInfoSaved = false;
-    if (state_.SubtopicOnly) {
-        txtNewTopic_->setText(chosenTopic_ ? chosenTopic_->Topic : QString());
-        txtNewTopic_->setEnabled(false);
-        txtNewSubtopic_->setFocus();
-    } else {
-        txtNewTopic_->setFocus();
-    }
 }
 
 void frmNewInfo::cmdSave_Click()
@@ -95,9 +88,12 @@ void frmNewInfo::cmdSave_Click()
         return;
     }
     try {
-        SaveNewInfo(state_, connection_, topic, subtopic,
-                    state_.SubtopicOnly ? std::optional(chosenTopic_.value().TopicID)
-                                        : std::nullopt);
+        // A topic stays when its subtopic fails.
+        const std::int32_t topicId = mode_ == Mode::SubtopicOnly
+                                         ? chosenTopic_.value().TopicID
+                                         : library_.addTopic(assessmentNum_, topic);
+        const std::int32_t subtopicNum = library_.addSubtopic(assessmentNum_, topicId, subtopic);
+        saved_ = NewInfo{topicId, subtopicNum};
         services_.messageBoxes->inform(QStringLiteral("New Info Added"),
                                        QStringLiteral("Saved successfully."));
         accept();

@@ -1,28 +1,11 @@
 #include "manage/structure_maintenance.h"
 
-#include "store/catalogue.h"
-#include "store/connection.h"
+#include "library/Library.h"
 #include "store/statements.h"
 
 #include <limits>
 
 namespace varnholt {
-
-void AddAssessment(Connection& connection, const QString& name)
-{
-    connection.execute(statements::InsertAssessment(name));
-}
-
-std::int32_t LastListedAssessment(Connection& connection)
-{
-    Recordset rows = connection.read(statements::SelectAssessments());
-    const int number = rows.field("AssessmentNum");
-    std::int32_t last = 0;
-    while (rows.next()) {
-        last = rows.integer(number);
-    }
-    return toInt16(last);
-}
 
 std::int32_t HighestAssessmentNum(Connection& connection)
 {
@@ -34,51 +17,10 @@ std::int32_t HighestAssessmentNum(Connection& connection)
     }
 }
 
-void RememberAssessment(ProgramState& state, Connection& connection, std::int32_t assessmentNum)
+void RememberAssessment(ProgramState& state, Library& library, std::int32_t assessmentNum)
 {
     state.CurrentAssessmentNum = assessmentNum;
-    SaveLastAssessment(state, connection);
-}
-
-void DeleteAssessment(const ProgramState& state, Connection& connection)
-{
-    connection.execute(statements::DeleteAssessment(state.CurrentAssessmentNum));
-}
-
-void AddTopic(ProgramState& state, Connection& connection, MessageBoxes& messages,
-              const QString& name)
-{
-    connection.execute(statements::InsertTopic(name, state.CurrentAssessmentNum));
-    LoadCurrentAssessment(state, connection, messages);
-}
-
-void DeleteTopic(ProgramState& state, Connection& connection, MessageBoxes& messages,
-                 std::int32_t topicId)
-{
-    connection.execute(statements::DeleteTopic(toInt16(topicId)));
-    LoadTopics(state, connection, messages);
-}
-
-void AddSubtopic(ProgramState& state, Connection& connection, MessageBoxes& messages,
-                 std::int32_t topicId, const QString& name)
-{
-    connection.execute(
-        statements::InsertSubtopic(toInt16(topicId), name, state.CurrentAssessmentNum));
-    LoadSubTopics(state, connection, messages);
-}
-
-void DeleteSubtopic(ProgramState& state, Connection& connection, MessageBoxes& messages,
-                    std::int32_t subtopicNum)
-{
-    connection.execute(statements::DeleteSubtopic(toInt16(subtopicNum)));
-    LoadSubTopics(state, connection, messages);
-}
-
-void DeleteShownQuestion(ProgramState& state, Connection& connection)
-{
-    connection.execute(
-        statements::DeleteQuestion(state.BrowseQuestions(state.QuestionPosition).SOLIndex));
-    LoadQuestions(state, connection);
+    library.rememberAssessment(assessmentNum);
 }
 
 QString LargeKeyHint(const QString& subject, std::int32_t key, const QString& consequence)

@@ -77,15 +77,6 @@ struct ProgramState
     /// 1-based position in `BrowseQuestions`; 0 when no question is shown.
     std::int32_t QuestionPosition = 0;
 
-    // Values that a dialog leaves for the window that opened it.
-    bool QuestionSaved = false;
-    bool StructureChanged = false;
-    bool SubtopicOnly = false;
-    bool NewInfoSaved = false;
-    std::int32_t NewTopicID = 0;
-    std::int32_t NewSubtopicNum = 0;
-    QString TextToAdd;
-
     /// Where the last question since the program started was filed; 0 before the first.
     std::int32_t LastFiledTopicID = 0;
     std::int32_t LastFiledSubtopicNum = 0;

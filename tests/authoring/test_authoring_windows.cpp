@@ -1,5 +1,6 @@
 #include "authoring/frmAddNewQuestion.h"
 #include "authoring/frmPictureText.h"
+#include "library/Library.h"
 #include "store/catalogue.h"
 #include "support/gui.h"
 #include "support/test_services.h"
@@ -39,17 +40,19 @@ protected:
         library.addSubTopic(maths, algebra, u"Linear"_s);
         quadratic = library.addSubTopic(maths, algebra, u"Quadratic"_s);
         library.addSubTopic(maths, geometry, u"Circles"_s);
-        connection.open(library.databasePath());
+        owner.open();
         state.CurrentAssessmentNum = maths;
-        LoadCurrentAssessment(state, connection, messages);
+        LoadCurrentAssessment(state, owner.connection(), messages);
         clipboard.picture = testPicture(captureSize, 5);
     }
 
     void open(const FilingPreselection& preselection = {})
     {
         window = std::make_unique<frmAddNewQuestion>(
-            services, state, connection, preselection, nullptr,
-            [this](QWidget*, std::optional<NamedTopic> chosen) { newInfo(std::move(chosen)); });
+            services, state, owner, preselection, nullptr,
+            [this](QWidget*, frmNewInfo::Mode mode, std::optional<NamedTopic> chosen) {
+                return newInfo(mode, std::move(chosen));
+            });
         window->show();
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
@@ -96,7 +99,8 @@ protected:
     int questions() { return library.value(u"SELECT count(*) FROM Questions"_s).toInt(); }
 
     std::int32_t maths, algebra, geometry, quadratic;
-    std::function<void(std::optional<NamedTopic>)> newInfo;
+    Library owner{library.folder(), clock};
+    std::function<std::optional<NewInfo>(frmNewInfo::Mode, std::optional<NamedTopic>)> newInfo;
     std::unique_ptr<frmAddNewQuestion> window;
 };
 
@@ -104,9 +108,7 @@ protected:
 
 TEST_F(Authoring, OffersTopicsWithSubtopicsAndStartsWhereTheManagerStood)
 {
-    state.QuestionSaved = state.StructureChanged = true;
     open();
-    EXPECT_FALSE(state.QuestionSaved || state.StructureChanged);
     EXPECT_FALSE(part("fraPictureControls")->isVisible());
     EXPECT_EQ(combo("cboTopics")->count(), 2);
     EXPECT_EQ(filing(), u"Algebra/Linear"_s);
@@ -122,31 +124,29 @@ TEST_F(Authoring, OffersTopicsWithSubtopicsAndStartsWhereTheManagerStood)
 TEST_F(Authoring, TakesOverWhatTheNewInfoDialogSaved)
 {
     open({geometry, std::nullopt});
-    newInfo = [&](std::optional<NamedTopic> chosen) {
-        EXPECT_TRUE(state.SubtopicOnly);
+    newInfo = [&](frmNewInfo::Mode mode, std::optional<NamedTopic> chosen) {
+        EXPECT_EQ(mode, frmNewInfo::Mode::SubtopicOnly);
         EXPECT_EQ(chosen->TopicID, geometry);
         EXPECT_EQ(chosen->Topic, u"Geometry"_s);
-        state.NewInfoSaved = false;
+        return std::optional<NewInfo>();
     };
     click(window.get(), "cmdNewSubtopic");
-    EXPECT_FALSE(state.StructureChanged);
-    newInfo = [&](std::optional<NamedTopic>) {
+    EXPECT_FALSE(window->structureChanged());
+    newInfo = [&](frmNewInfo::Mode, std::optional<NamedTopic>) {
         library.addSubTopic(maths, geometry, u"Angles"_s);
-        state.NewSubtopicNum = library.addSubTopic(maths, geometry, u"Lines"_s);
-        state.NewInfoSaved = true;
+        return NewInfo{geometry, library.addSubTopic(maths, geometry, u"Lines"_s)};
     };
     click(window.get(), "cmdNewSubtopic");
     EXPECT_EQ(filing(), u"Geometry/Lines"_s);
-    EXPECT_TRUE(std::exchange(state.StructureChanged, false));
-    newInfo = [&](std::optional<NamedTopic> chosen) {
-        EXPECT_FALSE(state.SubtopicOnly || chosen);
-        state.NewTopicID = library.addTopic(maths, u"Chance"_s);
-        library.addSubTopic(maths, state.NewTopicID, u"Cards"_s);
-        state.NewSubtopicNum = library.addSubTopic(maths, state.NewTopicID, u"Dice"_s);
+    EXPECT_TRUE(window->structureChanged());
+    newInfo = [&](frmNewInfo::Mode mode, std::optional<NamedTopic> chosen) {
+        EXPECT_FALSE(mode == frmNewInfo::Mode::SubtopicOnly || chosen);
+        const std::int32_t topic = library.addTopic(maths, u"Chance"_s);
+        library.addSubTopic(maths, topic, u"Cards"_s);
+        return NewInfo{topic, library.addSubTopic(maths, topic, u"Dice"_s)};
     };
     click(window.get(), "cmdNewTopic");
     EXPECT_EQ(filing(), u"Chance/Dice"_s);
-    EXPECT_TRUE(state.StructureChanged);
 }
 
 TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
@@ -179,7 +179,7 @@ TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
     expectQuestion(true);
     messages.expectInform(u"Question Saved"_s, u"The question was saved successfully."_s);
     click(window.get(), "cmdSave");
-    EXPECT_TRUE(state.QuestionSaved);
+    EXPECT_TRUE(window->questionSaved());
     EXPECT_FALSE(window->isVisible());
     EXPECT_EQ(library.value(u"SELECT TopicID, SubTopicNum, Answer FROM Questions"_s),
               u"%1|1|"_s.arg(algebra));
@@ -196,7 +196,7 @@ TEST_F(Authoring, AFailedSaveShowsNoBoxAndKeepsEverything)
         click(window.get(), "cmdSave");
         messages.verify();
         EXPECT_TRUE(window->isVisible() && window->canvas().picQuestion.hasPicture());
-        EXPECT_FALSE(state.QuestionSaved);
+        EXPECT_FALSE(window->questionSaved());
         EXPECT_EQ(questions(), 0);
     };
     answer(u"it's"_s);
@@ -295,7 +295,6 @@ TEST_F(Authoring, TheMouseMayLeaveTheWindowOrBeCutShort)
     EXPECT_TRUE(window->canvas().Drawing);
     window->close();
     window.reset();
-    EXPECT_FALSE(state.QuestionSaved);
     EXPECT_EQ(questions(), 0);
 }
 
@@ -340,7 +339,6 @@ TEST_F(Authoring, TextGoesFromTheDialogToTheSelectionsCorner)
         EXPECT_EQ(dialog->focusWidget()->objectName(), u"optMSSansSerif"_s);
         QTest::keyClick(line, Qt::Key_Return);
     });
-    EXPECT_EQ(state.TextToAdd, u"Part  a"_s);
     const QImage stamped = picture();
     EXPECT_NE(stamped, before);
     EXPECT_EQ(stamped.copy(0, 0, 1000, 500), before.copy(0, 0, 1000, 500));

@@ -7,8 +7,7 @@
 #include "exchange/exchange_world.h"
 #include "exchange/package_export.h"
 #include "exchange/package_import.h"
-#include "manage/question_edit.h"
-#include "manage/structure_maintenance.h"
+#include "library/Library.h"
 #include "store/catalogue.h"
 
 #include <QElapsedTimer>
@@ -45,12 +44,13 @@ public:
 struct Killable
 {
     Killable(const QString& programFolder, const QString& package, std::int32_t assessment)
+        : library(programFolder, clock)
     {
         services.messageBoxes = &messages;
         services.fileDialogs = &files;
         services.programFolder = programFolder;
         files.answers.emplace_back(package);
-        OpenLibraryDatabase(connection, programFolder);
+        library.open();
         state.CurrentAssessmentNum = assessment;
         LoadCurrentAssessment(state, connection, messages);
     }
@@ -59,7 +59,9 @@ struct Killable
     ScriptedFileDialogs files;
     Services services;
     ProgramState state;
-    Connection connection;
+    FakeClock clock;
+    Library library;
+    Connection& connection = library.connection();
     FakeView view;
 };
 
@@ -96,9 +98,9 @@ bool runAuthoring(Killable& program)
     canvas.Paste(testPicture({640, 400}, 3));
     const SubTopicRecord& place = program.state.SubTopicList(1);
     for (int i = 0; i < 4; ++i) {
-        NewQuestion question{workedOn, place.TopicID, place.SubtopicNum,
+        NewQuestion question{{workedOn, place.TopicID, place.SubtopicNum},
                              answerFor(place.TopicID, place.SubtopicNum)};
-        SaveQuestion(program.connection, program.services.programFolder, question, canvas);
+        SaveQuestion(program.library, question, canvas);
     }
     return true;
 }
@@ -106,27 +108,26 @@ bool runAuthoring(Killable& program)
 void maintainOnce(Killable& program)
 {
     ProgramState& state = program.state;
+    Library& library = program.library;
     const SubTopicRecord old = state.SubTopicList(1);
-    AddAssessment(program.connection, QStringLiteral("Passing"));
-    RememberAssessment(state, program.connection, LastListedAssessment(program.connection));
-    DeleteAssessment(state, program.connection);
-    RememberAssessment(state, program.connection, workedOn);
+    const std::int32_t passing = library.addAssessment(QStringLiteral("Passing"));
+    library.rememberAssessment(passing);
+    library.deleteAssessment(passing);
+    library.rememberAssessment(workedOn);
 
-    AddTopic(state, program.connection, program.messages, QStringLiteral("T"));
-    const std::int32_t topic = state.TopicList(state.TopicList.upperBound()).TopicID;
-    AddSubtopic(state, program.connection, program.messages, topic, QStringLiteral("S"));
-    const std::int32_t subTopic = state.SubTopicList(state.SubTopicList.upperBound()).SubtopicNum;
-    for (const QuestionRecord& question : state.QuestionList) {
-        SaveQuestion(program.connection, question.SOLIndex, topic, subTopic,
-                     answerFor(topic, subTopic));
+    const std::int32_t topic = library.addTopic(workedOn, QStringLiteral("T"));
+    const std::int32_t subTopic = library.addSubtopic(workedOn, topic, QStringLiteral("S"));
+    LoadCurrentAssessment(state, program.connection, program.messages);
+    for (std::int32_t i = 1; i <= state.QuestionList.upperBound(); ++i) {
+        const std::int32_t key = state.QuestionList(i).SOLIndex;
+        library.editQuestion(key, topic, subTopic, answerFor(topic, subTopic));
+        if (i >= 3) {
+            library.deleteQuestion(key);
+        }
     }
-    state.BrowseQuestions = state.QuestionList;
-    for (state.QuestionPosition = 3; state.QuestionPosition <= state.BrowseQuestions.upperBound();
-         ++state.QuestionPosition) {
-        DeleteShownQuestion(state, program.connection);
-    }
-    DeleteSubtopic(state, program.connection, program.messages, old.SubtopicNum);
-    DeleteTopic(state, program.connection, program.messages, old.TopicID);
+    library.deleteSubtopic(old.SubtopicNum);
+    library.deleteTopic(old.TopicID);
+    LoadCurrentAssessment(state, program.connection, program.messages);
 }
 
 bool runMaintenance(Killable& program)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/Library.h"
 #include "manage/frmManage.h"
 #include "store/catalogue.h"
 #include "support/gui.h"
@@ -84,15 +85,15 @@ inline const Box savingFails{u"Save Error"_s,
 class ManageTest : public testing::Test, protected TestWorld
 {
 protected:
-    ManageTest() { connection.open(library.databasePath()); }
+    ManageTest() { owner.open(); }
 
     void open()
     {
         window.reset();
-        window = std::make_unique<frmManage>(services, state, connection,
+        window = std::make_unique<frmManage>(services, state, owner,
                                              [this](QWidget*, const FilingPreselection& rows) {
                                                  preselection = rows;
-                                                 authoring();
+                                                 return authoring();
                                              });
         window->show();
         window->activateWindow();
@@ -160,10 +161,12 @@ protected:
         return names.join(u' ');
     }
 
+    Library owner{library.folder(), clock};
+    Connection& connection = owner.connection();
     std::unique_ptr<frmManage> window;
     FilingPreselection preselection;
-    /// What the authoring window does when it is opened.
-    std::function<void()> authoring = [] {};
+    /// What the authoring window does when it is opened, and whether that changed anything.
+    std::function<bool()> authoring = [] { return false; };
 };
 
 } // namespace varnholt::test

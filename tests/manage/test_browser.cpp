@@ -73,9 +73,9 @@ TEST_F(Browser, AuthoringIsToldTheRowsAndReloadsWhatItChanged)
     EXPECT_EQ(place(), u"2 of 3 <>"_s); // nothing saved: everything stays
     authoring = [&] {
         library.addTopic(1, u"New"_s);
-        state.StructureChanged = true;
         state.LastFiledTopicID = 2;
         state.LastFiledSubtopicNum = 4;
+        return true;
     };
     press("cmdAddNewQuestion");
     EXPECT_EQ(topics().itemText(2), u"New"_s);
@@ -117,7 +117,6 @@ protected:
         says(savingFails);
         click(dialog, "cmdSave");
         EXPECT_TRUE(dialog->isVisible());
-        EXPECT_FALSE(state.QuestionSaved);
     }
     ComboBox& topicBox() { return *control<ComboBox>(dialog, "cboTopics"); }
     ComboBox& subtopicBox() { return *control<ComboBox>(dialog, "cboSubtopics"); }
@@ -156,17 +155,13 @@ TEST_F(Editor, RefilesAndSavesByKeyboard)
         says(saved);
         typed(Qt::Key_Return);
     });
-    EXPECT_TRUE(state.QuestionSaved);
     EXPECT_EQ(row(), u"5|2|3|9.81 \"m\"|1|1"_s);
     EXPECT_EQ(topics().listIndex(), 0);
     EXPECT_EQ(focus(), u"lstSubtopics"_s);
     key(Qt::Key_Down);
     EXPECT_EQ(text("lblQuestions"), u"Questions: 2"_s);
     // Leaving by Escape changes nothing.
-    edit([&] {
-        EXPECT_FALSE(state.QuestionSaved);
-        typed(Qt::Key_Escape);
-    });
+    edit([&] { typed(Qt::Key_Escape); });
     EXPECT_EQ(place(), u"2 of 2 <-"_s);
 }
 

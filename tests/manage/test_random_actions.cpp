@@ -21,7 +21,7 @@ protected:
     {
         services.messageBoxes = this;
         sqlite3_open(library.databasePath().toUtf8().constData(), &database);
-        authoring = [this] { author(); };
+        authoring = [this] { return author(); };
     }
     ~RandomActions() override { sqlite3_close(database); }
 
@@ -62,14 +62,13 @@ protected:
     }
 
     /// Stands in for the authoring window: files a question under any subtopic.
-    void author()
+    bool author()
     {
         const QStringList places =
             rows(u"SELECT TopicID,SubtopicNum,AssessmentNum FROM SubTopics WHERE Available AND "
                  "AssessmentNum=%1"_s.arg(state.CurrentAssessmentNum));
-        state.QuestionSaved = state.StructureChanged = false;
         if (frozen) {
-            return;
+            return false;
         }
         const QString place = places[pick(static_cast<int>(places.size()))];
         rows(
@@ -77,8 +76,8 @@ protected:
                 QString(place).replace(u'|', u',')));
         testPicture({8, 8}).save(
             library.picturePath(rows(u"SELECT last_insert_rowid()"_s)[0].toInt()), "JPG");
-        state.QuestionSaved = true;
         told = u"Question Added"_s;
+        return true;
     }
 
     /// What is done in the editor when it opens.

@@ -1,0 +1,170 @@
+// How the library manager tells of changes, takes them back and makes them again.
+#include "manage/frmManage.h"
+
+#include "library/Library.h"
+#include "manage/structure_maintenance.h"
+#include "manage/undo_words.h"
+#include "toolkit/ComboBox.h"
+#include "toolkit/ListBox.h"
+#include "toolkit/controls.h"
+
+#include <QBoxLayout>
+#include <QShortcut>
+
+namespace varnholt {
+
+namespace {
+
+void chooseRow(ListBox& list, std::int32_t key)
+{
+    for (int row = 0; row < list.listCount(); ++row) {
+        if (list.itemData(row) == key) {
+            list.setListIndex(row);
+            return;
+        }
+    }
+}
+
+} // namespace
+
+QWidget* frmManage::buildUndoBar()
+{
+    const QKeySequence undoKeys(Qt::CTRL | Qt::Key_Z);
+    const QKeySequence redoKeys(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+    const auto button = [](const char* name, const QString& caption, const QKeySequence& keys) {
+        QPushButton* made = makeButton(name, caption.arg(keys.toString(QKeySequence::NativeText)));
+        made->setAutoDefault(true);
+        // A click leaves the keyboard where work goes on.
+        made->setFocusPolicy(Qt::TabFocus);
+        return made;
+    };
+    undoBar_ = named(new QWidget, "undoBar");
+    lblUndo_ = makeLabel("lblUndo");
+    lblUndo_->setWordWrap(true);
+    cmdUndo_ = button("cmdUndo", tr("Undo (%1)"), undoKeys);
+    cmdRedo_ = button("cmdRedo", tr("Redo (%1)"), redoKeys);
+    auto* row = new QHBoxLayout(undoBar_);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(lblUndo_, 1);
+    row->addWidget(cmdUndo_);
+    row->addWidget(cmdRedo_);
+    undoBar_->hide();
+
+    // A text field with the focus keeps these keys for itself.
+    const auto shortcut = [this](const QKeySequence& keys, void (frmManage::*handler)()) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, handler);
+    };
+    shortcut(undoKeys, &frmManage::cmdUndo_Click);
+    shortcut(redoKeys, &frmManage::cmdRedo_Click);
+    shortcut(QKeySequence(Qt::CTRL | Qt::Key_Y), &frmManage::cmdRedo_Click);
+    connect(cmdUndo_, &QPushButton::clicked, this, &frmManage::cmdUndo_Click);
+    connect(cmdRedo_, &QPushButton::clicked, this, &frmManage::cmdRedo_Click);
+    connect(&library_, &Library::changed, this, &frmManage::tellChange);
+    toldStep_ = newestStep().value_or(StepInfo{}).step;
+    return undoBar_;
+}
+
+std::optional<StepInfo> frmManage::newestStep()
+{
+    try {
+        return library_.undoStep();
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
+void frmManage::tellChange()
+{
+    const std::optional<StepInfo> step = newestStep();
+    if (turning_ || (step && step->step == toldStep_)) {
+        return;
+    }
+    say(step ? DoneSentence(*step) : tr("The change is saved. It cannot be undone."));
+}
+
+void frmManage::say(const QString& sentence)
+{
+    const std::optional<StepInfo> step = newestStep();
+    toldStep_ = step.value_or(StepInfo{}).step;
+    lblUndo_->setText(sentence);
+    if (cmdUndo_->hasFocus() && !step) {
+        lstSubtopics_->setFocus();
+    }
+    cmdUndo_->setEnabled(step.has_value());
+    cmdUndo_->setToolTip(library_.features().reason);
+    bool redo = false;
+    try {
+        redo = library_.redoStep().has_value();
+    } catch (const Error&) {
+        // Without the journal there is nothing to do again.
+    }
+    if (cmdRedo_->hasFocus() && !redo) {
+        lstSubtopics_->setFocus();
+    }
+    cmdRedo_->setVisible(redo);
+    undoBar_->show();
+}
+
+void frmManage::cmdUndo_Click()
+{
+    turn(true);
+}
+
+void frmManage::cmdRedo_Click()
+{
+    turn(false);
+}
+
+void frmManage::turn(bool undo)
+{
+    UndoOutcome outcome;
+    turning_ = true;
+    try {
+        outcome = undo ? library_.undo() : library_.redo();
+    } catch (const Error& error) {
+        turning_ = false;
+        say((undo ? tr("Nothing was undone. %1") : tr("Nothing was done again. %1"))
+                .arg(error.message()));
+        return;
+    }
+    turning_ = false;
+    switch (outcome.result) {
+    case UndoOutcome::Result::Done:
+        loadReporting([&] { showItem(outcome.step->subject.item); });
+        say(undo ? UndoneSentence(*outcome.step) : DoneSentence(*outcome.step));
+        break;
+    case UndoOutcome::Result::NothingToDo:
+        say(undo ? tr("There is nothing to undo.") : tr("There is nothing to do again."));
+        break;
+    case UndoOutcome::Result::ChangedSince:
+        say(ChangedSinceSentence(outcome.inTheWay, undo));
+        break;
+    case UndoOutcome::Result::Off:
+        say(library_.features().reason);
+        break;
+    }
+}
+
+void frmManage::showItem(Item item)
+{
+    const Filing place = library_.placeOf(item);
+    if (item.kind == ItemKind::Assessment) {
+        RememberAssessment(state_, library_, place.AssessmentNum);
+        Form_Load();
+        return;
+    }
+    if (place.AssessmentNum != 0 && place.AssessmentNum != state_.CurrentAssessmentNum) {
+        for (int entry = 0; entry < cboAssessment_->listCount(); ++entry) {
+            if (cboAssessment_->entryData(entry) == place.AssessmentNum) {
+                cboAssessment_->showEntry(entry);
+            }
+        }
+    }
+    openAssessment();
+    questionToShow_ = item.kind == ItemKind::Question ? item.key : 0;
+    chooseRow(*lstTopics_, place.TopicID);
+    chooseRow(*lstSubtopics_, place.SubtopicNum);
+    questionToShow_ = 0;
+}
+
+} // namespace varnholt
