@@ -27,11 +27,15 @@ function(varnholt_executable name)
     varnholt_options(${name})
 endfunction()
 
-# varnholt_test(name SOURCES ... LIBRARIES ... [PLAIN] [TIMEOUT seconds] [LABELS ...])
+# varnholt_test(name SOURCES ... LIBRARIES ... [PLAIN] [POSIX] [TIMEOUT seconds] [LABELS ...])
 # One GoogleTest program, registered with CTest as a whole. Without PLAIN it gets a
 # main() that owns a QApplication on the off-screen platform, and the test support library.
+# POSIX tests need calls that Windows has not, such as fork(), and are left out there.
 function(varnholt_test name)
-    cmake_parse_arguments(T "PLAIN" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(T "PLAIN;POSIX" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+    if(T_POSIX AND NOT UNIX)
+        return()
+    endif()
     add_executable(${name} ${T_SOURCES})
     varnholt_options(${name})
     # Optimising code that runs once takes longer than it saves.

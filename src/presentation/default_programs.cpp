@@ -1,7 +1,6 @@
 #include "presentation/default_programs.h"
 
 #include "presentation/impress/impress_plugin.h"
-#include "presentation/powerpoint/powerpoint.h"
 #include "presentation/pptx/pptx_program.h"
 #include "store/errors.h"
 
@@ -104,6 +103,7 @@ DefaultPresentationPrograms::DefaultPresentationPrograms(QString programFolder,
                                                          PresentationSettings settings)
     : programFolder_(std::move(programFolder))
     , settings_(std::move(settings))
+    , powerPoint_(FindPowerPoint())
 {}
 
 std::unique_ptr<PresentationProgram>
@@ -127,6 +127,15 @@ DefaultPresentationPrograms::startImpress(const KeepGoing& keepGoing) const
     return ImpressPlugin::instance().start(settings);
 }
 
+std::unique_ptr<PresentationProgram>
+DefaultPresentationPrograms::startPowerPoint(const KeepGoing& keepGoing) const
+{
+    if (!powerPoint_) {
+        throw Error(QStringLiteral("PowerPoint is not available on this computer."));
+    }
+    return powerPoint_->start(keepGoing);
+}
+
 std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start(SlidesInto into,
                                                                         const KeepGoing& keepGoing)
 {
@@ -141,31 +150,32 @@ std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start(SlidesIn
     if (asked == u"impress") {
         return startImpress(keepGoing);
     }
-    if (asked == u"powerpoint" && !powerPointAvailable()) {
-        throw Error(QStringLiteral("PowerPoint is not available on this computer."));
+    if (asked == u"powerpoint") {
+        return startPowerPoint(keepGoing);
     }
     if (!asked.isEmpty()) {
         throw Error(QStringLiteral("VARNHOLT_PRESENTATION is \"%1\", but must be \"powerpoint\", "
                                    "\"impress\" or \"pptx\".")
                         .arg(asked));
     }
-    if (!settings_.hasDisplay() || ImpressPlugin::instance().entry() == nullptr) {
+    if (!canWriteFileInstead()) {
         return startPptx(keepGoing);
     }
     try {
-        return startImpress(keepGoing);
+        return powerPoint_ ? startPowerPoint(keepGoing) : startImpress(keepGoing);
     } catch (const Cancelled&) {
         throw;
     } catch (const Error& error) {
         return startPptx(keepGoing,
-                         QStringLiteral("Impress did not start: %1").arg(error.message()));
+                         QStringLiteral("%1 did not start: %2")
+                             .arg(powerPoint_ ? u"PowerPoint"_s : u"Impress"_s, error.message()));
     }
 }
 
 bool DefaultPresentationPrograms::canWriteFileInstead() const
 {
     return settings_.program.isEmpty() && settings_.hasDisplay() &&
-           ImpressPlugin::instance().entry() != nullptr;
+           (powerPoint_ || ImpressPlugin::instance().entry() != nullptr);
 }
 
 } // namespace varnholt

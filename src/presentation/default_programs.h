@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/impress/impress_settings.h"
+#include "presentation/powerpoint/powerpoint.h"
 #include "store/services.h"
 
 #include <QDateTime>
@@ -32,10 +33,10 @@ struct PresentationSettings
     static ImpressSettings impressFromEnvironment();
 };
 
-/// PowerPoint where the machine has it, else Impress where it is installed and there is a
-/// display to show it on, else the .pptx file. An Impress that was chosen here but does not
-/// start is replaced by the .pptx, which tells why in its notice, because the user is waiting
-/// for slides; one that was asked for by name is an `Error`.
+/// Where there is a display to show it on, PowerPoint if the machine has it, else Impress if it
+/// is installed; the .pptx file otherwise. A program that was chosen here but does not start is
+/// replaced by the .pptx, which tells why in its notice, because the user is waiting for slides;
+/// one that was asked for by name is an `Error`.
 class DefaultPresentationPrograms final : public PresentationPrograms
 {
 public:
@@ -50,9 +51,13 @@ private:
     startPptx(const KeepGoing& keepGoing, const QString& insteadBecause = {}) const;
     [[nodiscard]] std::unique_ptr<PresentationProgram>
     startImpress(const KeepGoing& keepGoing) const;
+    [[nodiscard]] std::unique_ptr<PresentationProgram>
+    startPowerPoint(const KeepGoing& keepGoing) const;
 
     QString programFolder_;
     PresentationSettings settings_;
+    /// Null where there is none; keeps its line to PowerPoint from one build to the next.
+    std::unique_ptr<PowerPoint> powerPoint_;
 };
 
 } // namespace varnholt

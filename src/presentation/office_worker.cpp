@@ -123,7 +123,7 @@ void OfficeWorker::run(std::function<void()> task)
 
 void OfficeWorker::runLast(std::function<void()> task, int limitMs)
 {
-    if (givenUp_) {
+    if (!wait(0)) {
         return;
     }
     give(std::move(task));

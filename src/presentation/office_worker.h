@@ -27,8 +27,8 @@ public:
     /// running when this returns, so it must own all it touches.
     void run(std::function<void()> task);
 
-    /// Runs a last task without asking anybody; what it throws is dropped. Gives up, and
-    /// breaks off, after `limitMs`.
+    /// Runs a last task without asking anybody, unless one that was given up hangs still; what
+    /// it throws is dropped. Gives up, and breaks off, after `limitMs`.
     void runLast(std::function<void()> task, int limitMs);
 
 private:

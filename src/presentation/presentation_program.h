@@ -8,7 +8,8 @@
 
 namespace varnholt {
 
-/// The presentation program has gone, or its presentation was closed, in the middle of a build.
+/// The presentation program has gone, its presentation was closed, or it takes no more calls, in
+/// the middle of a build: what it was asked for last is not the reason.
 class ProgramGone : public Error
 {
 public:

@@ -192,7 +192,7 @@ TEST(SampleAnswers, AreRight)
             EXPECT_TRUE(right(question.answer));
             continue;
         }
-        ASSERT_THAT(question.answer.toStdString(), testing::MatchesRegex("[ABCD]"));
+        ASSERT_THAT(question.answer.toStdString(), testing::AnyOf("A", "B", "C", "D"));
         EXPECT_EQ(std::set<QString>(question.options.begin(), question.options.end()).size(), 4U);
         for (int index = 0; computed && index < 4; ++index)
             EXPECT_EQ(right(question.options.at(index)),

@@ -3,6 +3,7 @@
 #include "exchange/progress_label.h"
 #include "exchange/work_view.h"
 #include "store/library_file.h"
+#include "support/file_size_limit.h"
 #include "support/test_services.h"
 
 #include <QDir>
@@ -12,9 +13,7 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <cstdio>
-#include <sys/resource.h>
 
 namespace varnholt::test {
 
@@ -102,25 +101,6 @@ inline QString runCommand(const QString& command, const QString& folder)
     }
     return found;
 }
-
-/// While it lives no file grows past `bytes`: what a full disk does.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit now{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &now);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &before_); }
-
-private:
-    rlimit before_{};
-};
 
 /// A world whose library is open, with a folder for packages and the program's own messages.
 struct ExchangeWorld : TestWorld

@@ -6,8 +6,6 @@
 
 #include <zip.h>
 
-#include <sys/stat.h>
-
 namespace varnholt {
 namespace {
 
@@ -271,6 +269,7 @@ TEST_F(Archive, TruncatedAtAnyThousandthByteIsRefused)
 TEST_F(Archive, OnlyPlainNamesAtTheRootAreTaken)
 {
     constexpr quint32 unixMode = 1u << 16;
+    constexpr quint32 link = 0120000, device = 0060000, directory = 0040000;
     std::vector<RawMember> members{
         {.name = "5.JPG", .data = "5"},
         {.name = "TOPICS.TXT", .data = "t"},
@@ -278,9 +277,9 @@ TEST_F(Archive, OnlyPlainNamesAtTheRootAreTaken)
         {.name = "0012.jpg", .data = "not key 12"},
         {.name = "größe.txt", .data = "utf8", .flags = 0x800},
         {.name = "na\x8bve.txt", .data = "cp437"},
-        {.name = "6.jpg", .data = "/etc/passwd", .attributes = (S_IFLNK | 0777) * unixMode},
-        {.name = "7.jpg", .data = "device", .attributes = (S_IFBLK | 0666) * unixMode},
-        {.name = "8.jpg", .attributes = (S_IFDIR | 0777) * unixMode},
+        {.name = "6.jpg", .data = "/etc/passwd", .attributes = (link | 0777) * unixMode},
+        {.name = "7.jpg", .data = "device", .attributes = (device | 0666) * unixMode},
+        {.name = "8.jpg", .attributes = (directory | 0777) * unixMode},
         {.name = "9.jpg", .attributes = 0x10}};
     const QByteArray names("../1.jpg,..,.,,/1.jpg,/etc/1.jpg,C:1.jpg,C:\\1.jpg,..\\1.jpg,sub/,"
                            "sub/1.jpg,./1.jpg,1.jpg/,.1.jpg,1.jpg ,1.jpg.,a\nb,a\x7f-,what?,*");

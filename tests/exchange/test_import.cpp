@@ -6,13 +6,21 @@
 #include "store/catalogue.h"
 
 #include <sys/stat.h>
+#ifndef Q_OS_WIN
 #include <sys/syscall.h>
 #include <unistd.h>
+#endif
 
 // Every request to put something on the disk, the database's own among them, passes here.
 static int syncs = 0;
 /// The kind of file (of its mode) whose requests fail.
 static mode_t badDisk = 0;
+
+#ifdef Q_OS_WIN
+/// There these requests cannot be counted, nor made to fail.
+constexpr std::initializer_list<mode_t> badDisks{0};
+#else
+constexpr std::initializer_list<mode_t> badDisks{S_IFREG, S_IFDIR, 0};
 
 extern "C" int fsync(int descriptor)
 {
@@ -31,6 +39,7 @@ extern "C" int fdatasync(int descriptor)
     ++syncs;
     return static_cast<int>(syscall(SYS_fdatasync, descriptor));
 }
+#endif
 
 namespace varnholt {
 namespace {
@@ -103,7 +112,7 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
         "UPDATE Questions SET Available = 0 WHERE SOLIndex = 7;"));
     source.state.CurrentAssessmentNum = assessment;
     LoadCurrentAssessment(source.state, source.connection, source.messages);
-    for (const mode_t bad : {S_IFREG, S_IFDIR, 0}) {
+    for (const mode_t bad : badDisks) {
         // Neither the bytes of the package nor its name may be lost with the power.
         badDisk = bad;
         source.files.answers.emplace_back(package());

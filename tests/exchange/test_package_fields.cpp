@@ -4,6 +4,8 @@
 
 #include <QBuffer>
 
+#include <filesystem>
+
 namespace varnholt {
 namespace {
 
@@ -45,7 +47,7 @@ TEST(PackageFields, WriterLaysOutLinesAsTheFormatSays)
                                          "-7,\"5\" \x96 \xe9\x80\",0\r\n"));
     // A link to the old file keeps its bytes when the file is made anew.
     const QString link = folder.filePath(QStringLiteral("link"));
-    ASSERT_EQ(::link(QFile::encodeName(path).constData(), QFile::encodeName(link).constData()), 0);
+    std::filesystem::create_hard_link(path.toStdU16String(), link.toStdU16String());
     FieldWriter(path, TextEncoding::Utf8).close();
     EXPECT_EQ(readFile(path), QByteArray());
     EXPECT_FALSE(readFile(link).isEmpty());

@@ -45,7 +45,7 @@ struct Reader
         errors.error_exit = raise;
         errors.emit_message = raiseOnWarning;
         jpeg_create_decompress(&info);
-        jpeg_mem_src(&info, file.data(), file.size());
+        jpeg_mem_src(&info, file.data(), static_cast<unsigned long>(file.size()));
         jpeg_read_header(&info, TRUE);
     }
     ~Reader() { jpeg_destroy_decompress(&info); }

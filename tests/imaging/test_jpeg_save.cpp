@@ -2,15 +2,14 @@
 #include "imaging/jpeg_markers.h"
 #include "imaging/reference_jpeg.h"
 #include "imaging/test_pictures.h"
+#include "support/file_size_limit.h"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
-
-#include <stdlib.h>
-#include <sys/resource.h>
+#include <random>
+#include <string>
 
 namespace varnholt::test {
 namespace {
@@ -22,9 +21,9 @@ class SaveTest : public testing::Test
 protected:
     void SetUp() override
     {
-        std::string pattern = (fs::temp_directory_path() / "imaging-XXXXXX").string();
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        m_folder = pattern;
+        m_folder =
+            fs::temp_directory_path() / ("imaging-" + std::to_string(std::random_device()()));
+        ASSERT_TRUE(fs::create_directory(m_folder));
         ASSERT_EQ(m_encoder.SampleHDC(&m_picture, 120, 90), cJpeg::Sampled);
     }
     void TearDown() override { fs::remove_all(m_folder); }
@@ -53,7 +52,11 @@ TEST_F(SaveTest, WritesExactlyOneFileAndNeverReplacesOne)
     expectFiles(1);
 
     std::ofstream(m_folder / "taken.jpg") << "precious";
-    fs::create_symlink(m_folder / "nowhere", m_folder / "link.jpg");
+    std::error_code noLinks; // Windows makes them for administrators only
+    fs::create_symlink(m_folder / "nowhere", m_folder / "link.jpg", noLinks);
+    if (noLinks) {
+        std::ofstream(m_folder / "link.jpg") << "a file instead";
+    }
     fs::create_directory(m_folder / "folder.jpg");
     for (const char* taken : {"taken.jpg", "link.jpg", "folder.jpg"})
         EXPECT_EQ(m_encoder.SaveFile(m_folder / taken), cJpeg::FileExists) << taken;
@@ -80,18 +83,16 @@ TEST_F(SaveTest, ReportsWhatCannotBeWrittenAndLeavesNothing)
     EXPECT_EQ(cJpeg().SaveFile(m_folder / "a.jpg"), cJpeg::NothingSampled);
 
     // A limit on the size of files fails writes the way a full disk does.
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit old{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
-    for (const rlim_t limit : {rlim_t{0}, rlim_t{1}, rlim_t{5000}}) {
-        const rlimit small{limit, old.rlim_max};
-        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-        const auto result = m_encoder.SaveFile(m_folder / "a.jpg");
-        setrlimit(RLIMIT_FSIZE, &old);
+    VARNHOLT_SKIP_ON_WINDOWS("the disk cannot be made to look full");
+    for (const unsigned limit : {0U, 1U, 5000U}) {
+        auto result = cJpeg::Written;
+        {
+            const FileSizeLimit full(limit);
+            result = m_encoder.SaveFile(m_folder / "a.jpg");
+        }
         EXPECT_EQ(result, cJpeg::NotWritten) << limit;
         expectFiles(0);
     }
-    std::signal(SIGXFSZ, oldHandler);
     EXPECT_EQ(m_encoder.SaveFile(m_folder / "a.jpg"), cJpeg::Written);
 }
 

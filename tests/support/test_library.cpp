@@ -3,9 +3,11 @@
 #include <QDir>
 #include <QFile>
 #include <QPainter>
-#include <QProcess>
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <algorithm>
 
 namespace varnholt::test {
 
@@ -37,16 +39,26 @@ TestLibrary::TestLibrary()
 
 QStringList TestLibrary::sql(const QString& statements) const
 {
-    QProcess client;
-    client.start(QStringLiteral("sqlite3"),
-                 {QStringLiteral("-batch"), QStringLiteral("-bail"), databasePath()});
-    client.write("PRAGMA synchronous = OFF;\n" + statements.toUtf8() + "\n");
-    client.closeWriteChannel();
-    if (!client.waitForFinished(60'000) || client.exitCode() != 0) {
-        ADD_FAILURE() << "sqlite3: " << client.readAllStandardError().toStdString();
-        return {};
+    sqlite3* client = nullptr;
+    sqlite3_open(databasePath().toUtf8().constData(), &client);
+    sqlite3_busy_timeout(client, 60'000);
+    QStringList rows;
+    const auto addRow = [](void* target, int columns, char** values, char**) {
+        QStringList row;
+        for (int i = 0; i < columns; ++i) {
+            row.append(QString::fromUtf8(values[i]));
+        }
+        static_cast<QStringList*>(target)->append(row.join(u'|'));
+        return 0;
+    };
+    const QByteArray text = "PRAGMA synchronous = OFF;" + statements.toUtf8();
+    if (sqlite3_exec(client, text.constData(), addRow, &rows, nullptr) != SQLITE_OK) {
+        ADD_FAILURE() << "sqlite3: " << sqlite3_errmsg(client);
+        rows.clear();
     }
-    return QString::fromUtf8(client.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+    sqlite3_close(client);
+    rows.removeAll(QString());
+    return rows;
 }
 
 QString TestLibrary::value(const QString& query) const
@@ -101,18 +113,25 @@ std::int32_t TestLibrary::addGenerated(const QString& name, int topics, int subT
 {
     const std::int32_t assessment = addAssessment(name);
     const QString statements =
-        QStringLiteral("INSERT INTO Topics(Topic, AssessmentNum)"
-                       " SELECT 'Topic '||value, %1 FROM generate_series(1, %2);"
+        QStringLiteral("CREATE TEMP VIEW Counter AS WITH RECURSIVE Counter(value) AS"
+                       " (SELECT 1 UNION ALL SELECT value+1 FROM Counter LIMIT %5)"
+                       " SELECT value FROM Counter;"
+                       "INSERT INTO Topics(Topic, AssessmentNum)"
+                       " SELECT 'Topic '||value, %1 FROM Counter WHERE value<=%2;"
                        "INSERT INTO SubTopics(TopicID, SubTopic, AssessmentNum)"
                        " SELECT TopicID, replace(Topic, 'Topic', 'Subtopic')||'.'||value, %1"
-                       " FROM Topics, generate_series(1, %3) WHERE AssessmentNum=%1 ORDER BY "
+                       " FROM Topics, Counter WHERE value<=%3 AND AssessmentNum=%1 ORDER BY "
                        "TopicID, value;"
                        "INSERT INTO Questions(TopicID, SubTopicNum, Answer, AssessmentNum)"
                        " SELECT TopicID, SubtopicNum, 'A'||row_number() OVER win, %1"
-                       " FROM SubTopics, generate_series(1, %4) WHERE AssessmentNum=%1"
+                       " FROM SubTopics, Counter WHERE value<=%4 AND AssessmentNum=%1"
                        " WINDOW win AS (ORDER BY SubtopicNum, value) ORDER BY SubtopicNum, "
                        "value;");
-    sql(statements.arg(assessment).arg(topics).arg(subTopics).arg(questions));
+    sql(statements.arg(assessment)
+            .arg(topics)
+            .arg(subTopics)
+            .arg(questions)
+            .arg(std::max({topics, subTopics, questions})));
     if (pictures) {
         int seed = 0;
         const QString keys = u"SELECT SOLIndex FROM Questions WHERE AssessmentNum=%1"_s;

@@ -3,6 +3,19 @@
 #include <QFile>
 #include <QString>
 
+#ifdef Q_OS_WIN
+namespace varnholt::test {
+
+/// For tests that Windows skips.
+class Unprivileged
+{
+public:
+    explicit Unprivileged(const QString&) {}
+    ~Unprivileged() {}
+};
+
+} // namespace varnholt::test
+#else
 #include <unistd.h>
 
 namespace varnholt::test {
@@ -36,3 +49,4 @@ private:
 };
 
 } // namespace varnholt::test
+#endif

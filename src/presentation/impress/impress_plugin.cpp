@@ -4,7 +4,7 @@
 #include "store/errors.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
+#include <QDir>
 #include <QLibrary>
 
 namespace varnholt {
@@ -15,9 +15,12 @@ QString findPlugin()
 {
     const QString own = QCoreApplication::applicationDirPath();
     for (const char* folder : {"/plugins/", "/../lib/varnholt/plugins/"}) {
-        const QString path = own + QLatin1String(folder) + QStringLiteral("varnholt_impress.so");
-        if (QFileInfo::exists(path)) {
-            return path;
+        const QDir plugins(own + QLatin1String(folder));
+        // Systems differ in how the names of libraries end.
+        const QStringList found =
+            plugins.entryList({QStringLiteral("varnholt_impress.*")}, QDir::Files);
+        if (!found.isEmpty()) {
+            return plugins.filePath(found.first());
         }
     }
     return {};

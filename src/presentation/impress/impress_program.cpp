@@ -3,9 +3,6 @@
 #include "pictures/picture_info.h"
 #include "store/errors.h"
 
-#include <QFile>
-#include <QFileInfo>
-
 #include <com/sun/star/lang/DisposedException.hpp>
 
 #include <cmath>
@@ -81,25 +78,11 @@ void ImpressProgram::setShapeText(int shape, const QString& text)
     call([shape, text](ImpressDocument& document) { document.setText(shape, text); });
 }
 
-QString ImpressProgram::scratchFile(const QByteArray& bytes)
-{
-    if (!scratch_) {
-        scratch_ = std::make_unique<QTemporaryDir>();
-    }
-    QFile file(scratch_->filePath(QStringLiteral("%1.jpg").arg(++scratchFiles_)));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
-        throw Error(QStringLiteral("A turned picture could not be written to \"%1\": %2.")
-                        .arg(file.fileName(), file.errorString()));
-    }
-    return file.fileName();
-}
-
 void ImpressProgram::addPicture(const QString& path, double left, double top, double width,
                                 double height, const QString& description)
 {
     const PictureInfo info = readPictureInfo(path);
-    const QString file = info.uprightJpeg.isEmpty() ? QFileInfo(path).absoluteFilePath()
-                                                    : scratchFile(info.uprightJpeg);
+    const QString file = pictures_.file(path, info);
     const HundredthMm box{hundredthMm(left), hundredthMm(top),
                           hundredthMm(width == ownSize ? info.points.width() : width),
                           hundredthMm(height == ownSize ? info.points.height() : height)};

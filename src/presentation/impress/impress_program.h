@@ -3,8 +3,7 @@
 #include "presentation/impress/impress_document.h"
 #include "presentation/office_worker.h"
 #include "presentation/presentation_program.h"
-
-#include <QTemporaryDir>
+#include "presentation/upright_pictures.h"
 
 #include <atomic>
 #include <memory>
@@ -38,16 +37,13 @@ private:
     /// Runs on the worker with what UNO throws made an `Error`.
     template <typename Task>
     void call(Task task);
-    QString scratchFile(const QByteArray& bytes);
 
     /// Shared with the worker, which may outlive this object when the office hangs.
     std::shared_ptr<ImpressDocument> document_;
     /// Whether a call found the presentation closed; shared like the document.
     std::shared_ptr<std::atomic<bool>> gone_ = std::make_shared<std::atomic<bool>>(false);
     OfficeWorker worker_;
-    /// For pictures that had to be turned.
-    std::unique_ptr<QTemporaryDir> scratch_;
-    int scratchFiles_ = 0;
+    UprightPictures pictures_;
 };
 
 } // namespace varnholt

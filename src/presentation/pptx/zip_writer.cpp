@@ -6,7 +6,11 @@
 #include <QDir>
 #include <QtEndian>
 
+#ifdef VARNHOLT_LIBDEFLATE
 #include <libdeflate.h>
+#else
+#include <zlib.h>
+#endif
 
 #include <algorithm>
 #include <limits>
@@ -14,6 +18,15 @@
 namespace varnholt {
 
 namespace {
+
+quint32 checkSum(quint32 before, const char* bytes, qint64 size)
+{
+#ifdef VARNHOLT_LIBDEFLATE
+    return libdeflate_crc32(before, bytes, size_t(size));
+#else
+    return quint32(crc32_z(before, reinterpret_cast<const Bytef*>(bytes), z_size_t(size)));
+#endif
+}
 
 constexpr qsizetype pieceSize = 256 * 1024;
 constexpr quint16 versionNeeded = 20;
@@ -145,7 +158,7 @@ void ZipWriter::add(const QByteArray& name, const QByteArray& bytes)
     append(bytes);
     Entry& entry = entries_.back();
     entry.size = quint32(bytes.size());
-    entry.crc = libdeflate_crc32(0, bytes.constData(), size_t(bytes.size()));
+    entry.crc = checkSum(0, bytes.constData(), bytes.size());
     end();
 }
 
@@ -165,7 +178,7 @@ void ZipWriter::addFile(const QByteArray& name, const QString& path)
         if (count <= 0) {
             break;
         }
-        crc = libdeflate_crc32(crc, pending_.constData() + start, size_t(count));
+        crc = checkSum(crc, pending_.constData() + start, count);
         size += count;
         flushWhenFull();
     }

@@ -1,0 +1,113 @@
+#include "presentation/powerpoint/powerpoint_program.h"
+
+#include "pictures/picture_info.h"
+#include "presentation/powerpoint/powerpoint.h"
+#include "presentation/powerpoint/powerpoint_connection.h"
+#include "presentation/powerpoint/powerpoint_document.h"
+#include "presentation/slide_text.h"
+
+#include <QDir>
+
+namespace varnholt {
+
+namespace {
+
+class AutomatedPowerPoint final : public PowerPoint
+{
+public:
+    explicit AutomatedPowerPoint(std::chrono::milliseconds busyLimit)
+        : busyLimit_(busyLimit)
+    {}
+
+    [[nodiscard]] std::unique_ptr<PresentationProgram> start(const KeepGoing& keepGoing) override
+    {
+        if (!connection_ || connection_->isGivenUp()) {
+            connection_ = std::make_shared<PowerPointConnection>(busyLimit_);
+        }
+        return std::make_unique<PowerPointProgram>(connection_, keepGoing);
+    }
+
+private:
+    std::chrono::milliseconds busyLimit_;
+    std::shared_ptr<PowerPointConnection> connection_;
+};
+
+} // namespace
+
+std::unique_ptr<PowerPoint> FindPowerPoint(std::chrono::milliseconds busyLimit)
+{
+    if (!automation::Object::isRegistered(PowerPointDocument::className)) {
+        return nullptr;
+    }
+    return std::make_unique<AutomatedPowerPoint>(busyLimit);
+}
+
+PowerPointProgram::PowerPointProgram(std::shared_ptr<PowerPointConnection> connection,
+                                     const KeepGoing& keepGoing)
+    : connection_(std::move(connection))
+{
+    connection_->connect(keepGoing);
+}
+
+PowerPointProgram::~PowerPointProgram()
+{
+    connection_->endBuild();
+}
+
+void PowerPointProgram::addPresentation()
+{
+    connection_->run([](PowerPointDocument& document) { document.addPresentation(); });
+}
+
+void PowerPointProgram::setVisible()
+{
+    connection_->run([](PowerPointDocument& document) { document.show(); });
+}
+
+void PowerPointProgram::appendBlankSlide()
+{
+    connection_->run([](PowerPointDocument& document) { document.appendBlankSlide(); });
+}
+
+void PowerPointProgram::addTextBox(double left, double top, double width, double height,
+                                   LongLines /*longLines*/)
+{
+    connection_->run([=](PowerPointDocument& document) {
+        document.addTextBox(float(left), float(top), float(width), float(height));
+    });
+}
+
+void PowerPointProgram::setShapeText(int shape, const QString& text)
+{
+    const std::wstring paragraphs = slideParagraphs(text).join(u'\r').toStdWString();
+    connection_->run([=](PowerPointDocument& document) { document.setText(shape, paragraphs); });
+}
+
+void PowerPointProgram::addPicture(const QString& path, double left, double top, double width,
+                                   double height, const QString& description)
+{
+    const QString file = pictures_.file(path, readPictureInfo(path));
+    connection_->run([=, file = QDir::toNativeSeparators(file).toStdWString(),
+                      words = description.toStdWString()](PowerPointDocument& document) {
+        document.addPicture(file, float(left), float(top), float(width), float(height), words);
+    });
+}
+
+void PowerPointProgram::scaleHeight(int shape, double factor)
+{
+    connection_->run(
+        [=](PowerPointDocument& document) { document.scaleHeight(shape, float(factor)); });
+}
+
+void PowerPointProgram::scaleWidth(int shape, double factor)
+{
+    connection_->run(
+        [=](PowerPointDocument& document) { document.scaleWidth(shape, float(factor)); });
+}
+
+void PowerPointProgram::showSlide(int index)
+{
+    connection_->run([=](PowerPointDocument& document) { document.selectSlide(index); });
+}
+
+} // namespace varnholt
