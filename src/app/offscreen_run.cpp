@@ -179,12 +179,13 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Varnholt"));
     QApplication::setApplicationName(QStringLiteral("Varnholt"));
-    if (argc != 2) {
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() != 2) {
         std::fprintf(stderr, "Usage: varnholt-offscreen FOLDER\n");
         return 2;
     }
     try {
-        Run(QDir(QString::fromLocal8Bit(argv[1])).absolutePath())();
+        Run(QDir(arguments.at(1)).absolutePath())();
     } catch (const Error& error) {
         std::fprintf(stderr, "%s\n", qPrintable(error.message()));
         return 1;

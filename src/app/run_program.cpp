@@ -64,9 +64,9 @@ int run(QApplication& application, MessageBoxes& messages)
 {
     const QString own = QApplication::applicationDirPath();
     const QString share = own + QStringLiteral("/../share/varnholt");
-    const QString programFolder =
-        ChooseProgramFolder({own, QStandardPaths::writableLocation(QStandardPaths::AppDataLocation),
-                             firstExisting({share + QStringLiteral("/library")})});
+    const QString programFolder = ChooseProgramFolder(
+        {own, QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation),
+         firstExisting({share + QStringLiteral("/library")})});
 
     SingleInstance instance(LibraryPath(programFolder));
     const SingleInstance::Start start = instance.start();

@@ -15,8 +15,15 @@
 #include <cstdio>
 #include <limits>
 #include <optional>
+#include <system_error>
 #include <utility>
 #include <vector>
+
+#ifdef Q_OS_WIN
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+#endif
 
 namespace varnholt {
 
@@ -156,11 +163,7 @@ public:
     /// Throws `Error`, also when something of that name exists.
     explicit UnpackedFile(const QString& path)
         : path_(path)
-#ifdef Q_OS_WIN
-        , file_(_wfopen(path.toStdWString().c_str(), L"wbxN"))
-#else
-        , file_(std::fopen(QFile::encodeName(path).constData(), "wbxe"))
-#endif
+        , file_(openNew(path))
     {
         if (!file_) {
             fail();
@@ -199,6 +202,19 @@ public:
     }
 
 private:
+    static std::FILE* openNew(const QString& path)
+    {
+#ifdef Q_OS_WIN
+        // The C library of Windows does not know the "x" of fopen().
+        const int handle =
+            _wopen(path.toStdWString().c_str(),
+                   _O_CREAT | _O_EXCL | _O_WRONLY | _O_BINARY | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+        return handle < 0 ? nullptr : _fdopen(handle, "wb");
+#else
+        return std::fopen(QFile::encodeName(path).constData(), "wbxe");
+#endif
+    }
+
     [[noreturn]] void fail() const
     {
         if (errno == EEXIST) {
@@ -207,7 +223,8 @@ private:
                             .arg(QDir::toNativeSeparators(path_)));
         }
         throw Error(QStringLiteral("The file %1 cannot be written (%2).")
-                        .arg(QDir::toNativeSeparators(path_), qt_error_string(errno)));
+                        .arg(QDir::toNativeSeparators(path_),
+                             QString::fromStdString(std::generic_category().message(errno))));
     }
 
     QString path_;
@@ -351,8 +368,7 @@ Unpacked UnpackArchive(const QString& archivePath, const QString& folder,
     file.close();
 
     int code = 0;
-    const ZipArchiveHandle archive(
-        zip_open(QFile::encodeName(archivePath).constData(), ZIP_RDONLY, &code));
+    const ZipArchiveHandle archive(zip_open(archivePath.toUtf8().constData(), ZIP_RDONLY, &code));
     if (!archive) {
         throw notOpened(code);
     }

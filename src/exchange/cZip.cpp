@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <exception>
+#include <system_error>
 
 namespace varnholt {
 
@@ -34,8 +35,7 @@ bool addMembers(zip_t* archive, const List1<QString>& files)
 {
     for (const QString& path : files) {
         const QString name = QFileInfo(path).fileName();
-        ZipSourceHandle source(
-            zip_source_file_create(QFile::encodeName(path).constData(), 0, -1, nullptr));
+        ZipSourceHandle source(zip_source_file_create(path.toUtf8().constData(), 0, -1, nullptr));
         if (!source) {
             return false;
         }
@@ -133,7 +133,7 @@ QString cZip::pack(ArchiveFile& target, const List1<QString>& files, ProgressLab
     ZipArchiveHandle archive(
         sink ? zip_open_from_source(sink.get(), ZIP_CREATE | ZIP_TRUNCATE, nullptr) : nullptr);
     if (!archive) {
-        return qt_error_string(ENOMEM);
+        return QString::fromStdString(std::generic_category().message(ENOMEM));
     }
     static_cast<void>(sink.release());
 

@@ -298,9 +298,12 @@ void PackageImport::loadLists(WorkView& view, std::int32_t assessmentNum)
     LoadImportSubTopics(assessmentNum, inWorkFolder(subTopicsFile));
     LoadImportQuestions(assessmentNum, inWorkFolder(questionsFile));
     if (placedPictures_ > 0) {
-        const std::error_code error =
-            InBackground([this] { return SyncFileSystem(native(pictureFolder_)); },
-                         [&] { view.progress(importing, 1, 1); });
+        std::vector<std::filesystem::path> placed;
+        for (int i = 1; i <= placedPictures_; ++i) {
+            placed.push_back(native(inLibrary(ImportQuestions(i))));
+        }
+        const std::error_code error = InBackground([&] { return SyncFiles(placed); },
+                                                   [&] { view.progress(importing, 1, 1); });
         if (error) {
             throw DiskError(QStringLiteral("The pictures could not be put on the disk (%1).")
                                 .arg(QString::fromStdString(error.message())));

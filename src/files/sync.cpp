@@ -89,6 +89,24 @@ std::error_code SyncFolder([[maybe_unused]] const std::filesystem::path& folder)
 #endif
 }
 
+std::error_code SyncFiles(const std::vector<std::filesystem::path>& files)
+{
+    std::error_code error;
+#ifdef __linux__
+    if (!files.empty()) {
+        error = SyncFileSystem(files.front().parent_path());
+    }
+#else
+    for (auto file = files.begin(); file != files.end() && !error; ++file) {
+        error = withOpen(*file, &sync);
+        if (!error) {
+            error = SyncFolder(file->parent_path());
+        }
+    }
+#endif
+    return error;
+}
+
 std::error_code SyncFileSystem(const std::filesystem::path& folder)
 {
 #ifdef __linux__

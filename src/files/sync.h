@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 /// Requests to have on the disk what was written so far, so that a power cut does not take it
 /// back. They return an empty error when that is done; a file system that knows no such
@@ -14,6 +15,10 @@ namespace varnholt {
 /// The names in a folder: files made, renamed or removed there. Nothing to do on Windows,
 /// where names are kept in a journal.
 [[nodiscard]] std::error_code SyncFolder(const std::filesystem::path& folder);
+
+/// These files, their names included. Where the system can be asked for a whole file system it
+/// is, which costs less than a request for each file; all must lie on the first one's.
+[[nodiscard]] std::error_code SyncFiles(const std::vector<std::filesystem::path>& files);
 
 /// All files of the folder's file system, their names included; where the system has no such
 /// request the files in the folder.

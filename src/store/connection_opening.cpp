@@ -40,12 +40,16 @@ const std::array<TableRule, 5> libraryTables{{
 
 sqlite3* openFile(const QString& path, int flags, bool immutable)
 {
-    QUrl url = QUrl::fromLocalFile(path);
+    QByteArray name = path.toUtf8();
     if (immutable) {
-        url.setQuery(QStringLiteral("immutable=1"));
+        // Three slashes before a path with a drive, four before one on another computer, whose
+        // name would be taken for a part of the address otherwise.
+        name = (path.startsWith(u'/') ? "file://" : "file:///") +
+               QUrl::toPercentEncoding(path, "/:") + "?immutable=1";
+        flags |= SQLITE_OPEN_URI;
     }
     sqlite3* database = nullptr;
-    sqlite3_open_v2(url.toEncoded().constData(), &database, flags | SQLITE_OPEN_URI, nullptr);
+    sqlite3_open_v2(name.constData(), &database, flags, nullptr);
     return database;
 }
 
