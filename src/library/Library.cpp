@@ -42,6 +42,7 @@ void Library::close()
 
 void Library::refresh()
 {
+    journal_.clear();
     tables_.refresh();
 }
 

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 struct sqlite3;
@@ -105,6 +106,15 @@ public:
     /// Reads the whole file; false when it is damaged. A damaged index makes rows disappear
     /// without an error. Ends early, and then true, once `stop` is set. Throws `DatabaseError`.
     [[nodiscard]] bool isSound(const std::atomic<bool>& stop);
+
+    /// Copies the library as it is now, changes beside the file included, to a file that is not
+    /// there yet and needs no other. `step` is called now and then; what it throws ends the copy.
+    /// The copy is not on the disk yet (see `SyncFile`). Throws `DatabaseError`.
+    void copyTo(const QString& path, const std::function<void()>& step = {}) const;
+    /// Puts the content of another file in the place of the library's, in one transaction: all of
+    /// it or, when it throws `DatabaseError`, nothing. Both have pages of one size. No `Recordset`
+    /// and no `Transaction` may be open.
+    void replaceBy(const QString& path);
 
 private:
     friend class Statement;

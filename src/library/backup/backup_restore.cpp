@@ -1,0 +1,286 @@
+#include "library/backup/backup_restore.h"
+
+#include "files/NewFile.h"
+#include "files/placing.h"
+#include "files/sync.h"
+#include "library/Library.h"
+#include "library/backup/backup_files.h"
+#include "library/backup/library_pictures.h"
+#include "library/backup/wanted_library.h"
+#include "pictures/picture_files.h"
+#include "store/statement.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace varnholt {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using State = BackupManifest::State;
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("BackupStore", text);
+}
+
+/// The manifest of a backup that can be restored into the library.
+BackupManifest restorable(const Library& library, const BackupStore& store, const QString& id)
+{
+    if (const FeatureState state = library.features(); !state.on) {
+        throw Error(state.reason);
+    }
+    BackupManifest manifest;
+    State state = store.read(id, manifest);
+    if (state == State::Whole && manifest.tables > int(PlusTables::ownScripts().size())) {
+        state = State::Newer;
+    }
+    if (state == State::Newer) {
+        throw Error(tr("This backup was made by a newer version of Varnholt (%1). Only that "
+                       "version can restore it.")
+                        .arg(manifest.program));
+    }
+    if (state != State::Whole || ShaOfFile(store.libraryOf(id)) != manifest.librarySha) {
+        throw Error(tr("This backup is damaged and cannot be restored. Please choose another one. "
+                       "Nothing has been changed."));
+    }
+    return manifest;
+}
+
+WantedLibrary buildFrom(const BackupStore& store, const QString& id, const fs::path& file,
+                        const QString& today, std::int64_t now)
+{
+    std::error_code error;
+    for (const char* ending : {"-wal", "-shm", "-journal"}) {
+        fs::path side = file;
+        fs::remove(side += ending, error);
+    }
+    Require(PlaceFile(store.libraryOf(id), file, Placing::Copy), file);
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add,
+                    error);
+    return BuildWantedLibrary(QString::fromStdU16String(file.u16string()), today, now);
+}
+
+/// Changes whenever a program changes the library.
+std::pair<std::int64_t, std::int64_t> stateOf(Library& library)
+{
+    const auto value = [&](const char* query) {
+        Statement statement(library.connection(), query);
+        statement.next();
+        return statement.integer(0);
+    };
+    return {value("PRAGMA data_version"), value("SELECT total_changes()")};
+}
+
+struct PictureWork
+{
+    std::vector<const BackedPicture*> missing;
+    std::vector<const BackedPicture*> other;
+};
+
+PictureWork comparePictures(const QString& programFolder, const BackupManifest& today,
+                            const BackupManifest& wanted)
+{
+    PictureWork work;
+    for (const BackedPicture& picture : wanted.pictures) {
+        const BackedPicture* present = today.find(picture.key);
+        if (present && present->sha == picture.sha) {
+            continue;
+        }
+        std::error_code error;
+        const bool exists =
+            present || fs::exists(PathOf(FindPictureFile(programFolder, picture.key)), error);
+        (exists ? work.other : work.missing).push_back(&picture);
+    }
+    return work;
+}
+
+/// Renames a file out of the way; it is never removed.
+void setAside(const fs::path& file)
+{
+    std::error_code error;
+    fs::path aside = file;
+    aside += ".bak";
+    for (int i = 2; fs::exists(aside, error); ++i) {
+        aside = file;
+        aside += ".bak" + std::to_string(i);
+    }
+    fs::rename(file, aside, error);
+    Require(error, file);
+}
+
+/// False when the backup has lost the picture or it cannot be written.
+bool putInPlace(const QString& programFolder, const BackupStore& store,
+                const BackedPicture& picture)
+{
+    const fs::path original = store.pictureOf(picture.sha);
+    if (ShaOfFile(original) != picture.sha) {
+        return false;
+    }
+    const fs::path place = PathOf(FindPictureFile(programFolder, picture.key));
+    std::error_code error;
+    if (fs::exists(place, error)) {
+        if (ShaOfFile(place) == picture.sha) {
+            return true;
+        }
+        setAside(place);
+    }
+    return !PlaceFile(original, PathOf(NewPictureFile(programFolder, picture.key)),
+                      Placing::MayShare);
+}
+
+/// Where a restore says what is left to do once the rows are there.
+fs::path pendingOf(const BackupStore& own)
+{
+    return PathOf(own.folder() + QStringLiteral("/restore.pending"));
+}
+
+void writePending(const BackupStore& own, const BackupStore& store, const QString& id,
+                  const QByteArray& fingerprint)
+{
+    const QByteArray text =
+        fingerprint + '\n' + id.toUtf8() + '\n' + QDir(store.folder()).absolutePath().toUtf8();
+    std::error_code ignored;
+    fs::remove(pendingOf(own), ignored);
+    errno = 0;
+    NewFile file(pendingOf(own));
+    if (!file.isOpen() ||
+        !file.write({reinterpret_cast<const std::uint8_t*>(text.constData()),
+                     static_cast<std::size_t>(text.size())}) ||
+        file.finish() != NewFile::Outcome::Done) {
+        ThrowFileError({errno != 0 ? errno : EIO, std::generic_category()}, pendingOf(own));
+    }
+}
+
+fs::path picturesFolder(const QString& programFolder)
+{
+    return PathOf(NewPictureFile(programFolder, 0)).parent_path();
+}
+
+} // namespace
+
+BackupPlan PlanBackup(Library& library, const BackupStore& store, const QString& id,
+                      std::int64_t now)
+{
+    const BackupManifest manifest = restorable(library, store, id);
+    const QTemporaryDir work;
+    const QString today = work.filePath(QStringLiteral("today.mdb"));
+    library.connection().copyTo(today);
+    BackupPlan plan =
+        buildFrom(store, id, PathOf(work.filePath(QStringLiteral("wanted.mdb"))), today, now).plan;
+
+    BackupManifest present;
+    for (const LibraryPicture& picture : LibraryPictures(library.programFolder())) {
+        present.pictures.push_back(picture.facts);
+        // A picture that has kept size and time is the one that was backed up.
+        const BackedPicture* then = manifest.find(picture.facts.key);
+        const bool same = then && then->size == picture.facts.size;
+        const std::optional<Sha> sha = same && then->modified == picture.facts.modified
+                                           ? then->sha
+                                           : (same ? ShaOfFile(picture.path) : std::nullopt);
+        present.pictures.back().sha = sha.value_or(Sha{});
+    }
+    const PictureWork pictures = comparePictures(library.programFolder(), present, manifest);
+    plan.picturesMissing = static_cast<std::int32_t>(pictures.missing.size());
+    plan.picturesChange = static_cast<std::int32_t>(pictures.other.size());
+    return plan;
+}
+
+BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupStore& store,
+                             const QString& id, std::int64_t now, const BackupProgress& progress)
+{
+    const BackupManifest manifest = restorable(library, store, id);
+    BackupRestored result;
+    const auto before = stateOf(library);
+    result.backupOfBefore = own.make(library, now, progress).backup.id;
+    BackupManifest today;
+    if (own.read(result.backupOfBefore, today) != State::Whole) {
+        throw Error(tr("Today's library could not be backed up, so nothing has been changed."));
+    }
+
+    const fs::path file = PathOf(own.folder() + QStringLiteral("/wanted.part"));
+    const auto removeWanted = qScopeGuard([&] {
+        std::error_code ignored;
+        fs::remove(file, ignored);
+    });
+    const WantedLibrary wanted =
+        buildFrom(store, id, file,
+                  QString::fromStdU16String(own.libraryOf(result.backupOfBefore).u16string()), now);
+    result.done = wanted.plan;
+
+    const QString& folder = library.programFolder();
+    const PictureWork pictures = comparePictures(folder, today, manifest);
+    result.done.picturesMissing = static_cast<std::int32_t>(pictures.missing.size());
+    result.done.picturesChange = static_cast<std::int32_t>(pictures.other.size());
+    std::error_code error;
+    fs::create_directories(picturesFolder(folder), error);
+    Require(error, picturesFolder(folder));
+    for (std::size_t i = 0; i < pictures.missing.size(); ++i) {
+        if (progress) {
+            progress(i, pictures.missing.size());
+        }
+        if (!putInPlace(folder, store, *pictures.missing[i])) {
+            result.picturesLost.push_back(pictures.missing[i]->key);
+        }
+    }
+    if (!pictures.missing.empty()) {
+        Require(SyncFileSystem(picturesFolder(folder)), picturesFolder(folder));
+    }
+    if (!pictures.other.empty()) {
+        writePending(own, store, id, wanted.fingerprint);
+    }
+    if (stateOf(library) != before) {
+        throw Error(tr("The question library was changed while the backup was being restored. "
+                       "Please try again."));
+    }
+    library.connection().replaceBy(QString::fromStdU16String(file.u16string()));
+
+    // From here on the backup is restored, and nothing may tell otherwise.
+    library.refresh();
+    for (const BackedPicture* picture : pictures.other) {
+        bool placed = false;
+        try {
+            placed = putInPlace(folder, store, *picture);
+        } catch (const Error&) {
+        }
+        if (!placed) {
+            result.picturesLost.push_back(picture->key);
+        }
+    }
+    if (!pictures.other.empty()) {
+        (void)SyncFileSystem(picturesFolder(folder));
+        fs::remove(pendingOf(own), error);
+    }
+    Q_EMIT library.changed({wanted.changed});
+    return result;
+}
+
+void FinishRestore(Library& library, const BackupStore& own)
+{
+    const std::optional<QByteArray> text = ReadWhole(pendingOf(own));
+    if (!text || library.connection().isReadOnly()) {
+        return;
+    }
+    const QList<QByteArray> lines = text->split('\n');
+    const BackupStore store(lines.size() == 3 ? QString::fromUtf8(lines[2]) : QString());
+    BackupManifest manifest;
+    // Otherwise the rows never came, or have changed since: the pictures are theirs.
+    if (lines.size() == 3 && lines[0] == FingerprintOf(library.connection()) &&
+        store.read(QString::fromUtf8(lines[1]), manifest) == State::Whole) {
+        for (const BackedPicture& picture : manifest.pictures) {
+            (void)putInPlace(library.programFolder(), store, picture);
+        }
+        (void)SyncFileSystem(picturesFolder(library.programFolder()));
+    }
+    std::error_code ignored;
+    fs::remove(pendingOf(own), ignored);
+}
+
+} // namespace varnholt
