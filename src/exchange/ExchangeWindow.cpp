@@ -195,6 +195,7 @@ void ExchangeWindow::buildColumn(const QList<QWidget*>& controls, QPushButton* s
     lblReason_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     rows->addSpacing(fontMetrics().height() / 2);
     rows->addWidget(lblReason_);
+    sayIn(lblReason_, {});
     if (followUp) {
         rows->addWidget(followUp, 0, Qt::AlignLeft);
     }
@@ -278,7 +279,7 @@ void ExchangeWindow::progress(const QString& what, std::int64_t done, std::int64
 
 void ExchangeWindow::explain(const QString& sentence)
 {
-    lblReason_->setText(sentence);
+    sayIn(lblReason_, sentence);
 }
 
 } // namespace varnholt

@@ -105,7 +105,7 @@ void frmManage::Form_Load()
     cmdDeleteTopic_->setEnabled(false);
     cmdDeleteSubtopic_->setEnabled(false);
     HandlePictureButtons();
-    lblQuestions_->clear();
+    sayIn(lblQuestions_, {});
     LoadAssessments(state_, library_.connection(), *services_.messageBoxes);
     FillAssessmentCombo();
     if (state_.CurrentAssessmentNum < 1) {
@@ -165,7 +165,7 @@ void frmManage::loadReporting(const std::function<void()>& load)
                QStringLiteral("There was an error loading the questions."));
         FillTopicList();
         lstSubtopics_->clear();
-        lblQuestions_->clear();
+        sayIn(lblQuestions_, {});
     }
 }
 
@@ -176,7 +176,7 @@ void frmManage::openAssessment()
     }
     lstTopics_->clear();
     lstSubtopics_->clear();
-    lblQuestions_->clear();
+    sayIn(lblQuestions_, {});
     if (state_.CurrentAssessmentNum > 0) {
         const BusyPointer busy;
         LoadCurrentAssessment(state_, library_.connection(), *services_.messageBoxes);
@@ -203,7 +203,7 @@ void frmManage::FillTopicList()
 
 void frmManage::lstTopics_Click()
 {
-    lblQuestions_->clear();
+    sayIn(lblQuestions_, {});
     const std::optional<std::int32_t> topicId = currentData(*lstTopics_);
     sayBelow(*lstTopics_, *lblTopicHint_,
              LargeKeyHint(QStringLiteral("Topic"), topicId.value_or(0),
@@ -217,7 +217,7 @@ void frmManage::FillSubtopicList()
 {
     lstSubtopics_->clear();
     cmdDeleteSubtopic_->setEnabled(false);
-    lblQuestions_->clear();
+    sayIn(lblQuestions_, {});
     lblSubtopicHint_->say({});
     showBrowser(false);
     state_.QuestionPosition = 0;
@@ -259,7 +259,7 @@ bool frmManage::questionsAreThere()
 void frmManage::ShowSubtopicQuestions()
 {
     CollectBrowseQuestions(state_, currentData(*lstTopics_));
-    lblQuestions_->setText(QStringLiteral("Questions: ") + QString::number(state_.QuestionCount));
+    sayIn(lblQuestions_, QStringLiteral("Questions: ") + QString::number(state_.QuestionCount));
     showBrowser(state_.QuestionCount > 0);
     if (state_.QuestionCount > 0) {
         state_.QuestionPosition = 1;

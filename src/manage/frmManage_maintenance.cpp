@@ -7,6 +7,7 @@
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
+#include "toolkit/controls.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -74,7 +75,7 @@ void frmManage::cmdNewTopic_Click()
         LoadCurrentAssessment(state_, library_.connection(), *services_.messageBoxes);
         FillTopicList();
         lstSubtopics_->clear();
-        lblQuestions_->clear();
+        sayIn(lblQuestions_, {});
         lstTopics_->reveal(lstTopics_->listCount() - 1);
         inform(QStringLiteral("New Topic Added"), name + QStringLiteral(" successfully added."));
         lstTopics_->setFocus();

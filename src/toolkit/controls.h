@@ -42,6 +42,17 @@ inline QLabel* makeLabel(const char* objectName, const QString& text = {})
     return label;
 }
 
+/// A label that is there only while it has a text: assistive technology calls an empty one by the
+/// caption of the frame around it, or finds a nameless place to stop at. Its room stays.
+inline void sayIn(QLabel* label, const QString& text)
+{
+    QSizePolicy policy = label->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    label->setSizePolicy(policy);
+    label->setText(text);
+    label->setVisible(!text.isEmpty());
+}
+
 /// Gives a window its first size, smaller where the screen is: its frame and a panel of the
 /// desktop must have room, too.
 inline void resizeWithinScreen(QWidget* window, QSize wanted)
