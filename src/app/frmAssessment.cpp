@@ -8,12 +8,14 @@
 #include "selection/frmMain.h"
 #include "store/services.h"
 #include "toolkit/controls.h"
+#include "trash/frmTrash.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
 #include <QDragEnterEvent>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScrollArea>
@@ -124,6 +126,16 @@ void frmAssessment::buildMenu()
     addEntry("mnuImport", QStringLiteral("&Import Assessment"), &frmAssessment::mnuImport_Click);
     addEntry("mnuTutorial", QStringLiteral("Tutorial &Videos"), &frmAssessment::mnuTutorial_Click);
     addEntry("mnAbout", QStringLiteral("A&bout"), &frmAssessment::mnAbout_Click);
+
+    QMenu* more = menuBar()->addMenu(tr("Mo&re"));
+    more->menuAction()->setObjectName(QStringLiteral("mnuMore"));
+    const auto addMore = [this, more](const char* name, const QString& caption,
+                                      void (frmAssessment::*handler)()) {
+        QAction* action = more->addAction(caption);
+        action->setObjectName(QLatin1String(name));
+        connect(action, &QAction::triggered, this, handler);
+    };
+    addMore("mnuTrash", tr("&Trash…"), &frmAssessment::mnuTrash_Click);
 
     auto* closeChildWindow = new QAction(QStringLiteral("Close window"), this);
     closeChildWindow->setShortcuts(
@@ -257,6 +269,11 @@ void frmAssessment::mnuTutorial_Click()
 void frmAssessment::mnAbout_Click()
 {
     openChild([this] { return new frmAbout(services_.programFolder); });
+}
+
+void frmAssessment::mnuTrash_Click()
+{
+    openChild([this] { return new frmTrash(services_, library_); });
 }
 
 void frmAssessment::closeEvent(QCloseEvent* event)

@@ -48,6 +48,7 @@ public Q_SLOTS:
     void mnuImport_Click();
     void mnuTutorial_Click();
     void mnAbout_Click();
+    void mnuTrash_Click();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -223,42 +223,80 @@ void Library::rename(Item item, const QString& name)
 
 RestoreOutcome Library::restore(Item item, const QString& newName)
 {
-    requireFeatures();
     const RestorePlan plan = planRestore(item);
-    if (plan.nothingToDo) {
-        return RestoreOutcome::NothingToDo;
-    }
-    if (plan.placeMissing) {
-        return RestoreOutcome::PlaceMissing;
-    }
+    std::map<std::int32_t, QString> newNames;
     if (plan.nameTaken) {
-        if (newName.isEmpty() ||
-            IsAssessmentNameTaken(connection_, newName, plan.nameTaken->item.key)) {
-            return RestoreOutcome::NameTaken;
-        }
-        if (!statements::canHold(newName)) {
-            throw Error(tr("A name cannot hold an apostrophe (')."));
-        }
+        newNames.emplace(plan.nameTaken->item.key, newName);
     }
-    Change change(*this);
-    // The step is about the row that was asked for: it comes first.
-    std::vector<NamedItem> rows{plan.item};
-    rows.insert(rows.end(), plan.alsoBack.begin(), plan.alsoBack.end());
-    for (const NamedItem& row : rows) {
-        change.touch(row.item);
-        const int kind = static_cast<int>(row.item.kind);
-        Statement(connection_, sql::UpdateAvailable(kind))
+    return restore(std::vector{item}, newNames).outcome;
+}
+
+QString Library::freeName(const NamedItem& taken, const std::map<std::int32_t, QString>& newNames)
+{
+    const auto found = newNames.find(taken.item.key);
+    if (found == newNames.end() || found->second.isEmpty()) {
+        return {};
+    }
+    if (!statements::canHold(found->second)) {
+        throw Error(tr("A name cannot hold an apostrophe (')."));
+    }
+    return IsAssessmentNameTaken(connection_, found->second, taken.item.key) ? QString()
+                                                                             : found->second;
+}
+
+void Library::bringBack(Change& change, const NamedItem& row, const QString& newName)
+{
+    change.touch(row.item);
+    const int kind = static_cast<int>(row.item.kind);
+    Statement(connection_, sql::UpdateAvailable(kind)).bind(1, std::int64_t{row.item.key}).run();
+    if (!newName.isEmpty()) {
+        Statement(connection_, sql::UpdateName(kind))
             .bind(1, std::int64_t{row.item.key})
+            .bind(2, newName)
             .run();
-        if (plan.nameTaken && plan.nameTaken->item == row.item) {
-            Statement(connection_, sql::UpdateName(kind))
-                .bind(1, std::int64_t{row.item.key})
-                .bind(2, newName)
-                .run();
+    }
+}
+
+RestoreResult Library::restore(const std::vector<Item>& items,
+                               const std::map<std::int32_t, QString>& newNames,
+                               const std::function<void(std::size_t done)>& progress)
+{
+    requireFeatures();
+    RestoreResult result;
+    Change change(*this);
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        // Looked at inside the transaction: what came back with a row before it is there already.
+        const RestorePlan plan = planRestore(items[i]);
+        if (plan.nothingToDo) {
+            continue;
+        }
+        if (plan.placeMissing) {
+            return {RestoreOutcome::PlaceMissing, plan.item, {}};
+        }
+        QString newName;
+        if (plan.nameTaken) {
+            newName = freeName(*plan.nameTaken, newNames);
+            if (newName.isEmpty()) {
+                return {RestoreOutcome::NameTaken, plan.nameTaken, {}};
+            }
+        }
+        // A step is about its first row, the one that was asked for.
+        std::vector<NamedItem> rows = plan.alsoBack;
+        rows.insert(rows.begin(), plan.item);
+        for (const NamedItem& row : rows) {
+            const bool renamed = plan.nameTaken && plan.nameTaken->item == row.item;
+            bringBack(change, row, renamed ? newName : QString());
+            result.back.push_back(row);
+        }
+        if (progress) {
+            progress(i + 1);
         }
     }
-    change.commit();
-    return RestoreOutcome::Done;
+    if (!result.back.empty()) {
+        change.commit();
+        result.outcome = RestoreOutcome::Done;
+    }
+    return result;
 }
 
 std::optional<StepInfo> Library::undoStep()

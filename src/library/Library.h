@@ -12,6 +12,7 @@
 #include <QObject>
 
 #include <functional>
+#include <map>
 
 namespace varnholt {
 
@@ -50,6 +51,17 @@ enum class RestoreOutcome
     /// See `RestorePlan`; nothing has been changed.
     PlaceMissing,
     NothingToDo
+};
+
+/// What bringing several rows back came to.
+struct RestoreResult
+{
+    RestoreOutcome outcome = RestoreOutcome::NothingToDo;
+    /// With `NameTaken` the assessment that needs another name, with `PlaceMissing` the row that
+    /// has no place.
+    std::optional<NamedItem> obstacle;
+    /// With `Done` every row that has come back.
+    std::vector<NamedItem> back;
 };
 
 /// The one owner of a library: its connection, its picture folder and its journal. It has a verb
@@ -131,6 +143,11 @@ public:
     /// Brings a row back, and what it stands under with it. `newName` is for the assessment whose
     /// name is taken.
     RestoreOutcome restore(Item item, const QString& newName = {});
+    /// Brings several rows back in one step, or none of them. `newNames` are for assessments whose
+    /// names are taken, by their keys. `progress` is told the rows done and may throw to stop it.
+    RestoreResult restore(const std::vector<Item>& items,
+                          const std::map<std::int32_t, QString>& newNames,
+                          const std::function<void(std::size_t done)>& progress = {});
     /// Also of a library that can only be read.
     [[nodiscard]] Trash trash() { return Trash(connection_, tables_.exist()); }
 
@@ -153,6 +170,11 @@ private:
     void requireFeatures() const;
     /// The rest of a change that has given a question its row: the picture and the commit.
     void placePicture(Change& change, std::int32_t key, const PictureWriter& writePicture);
+    /// The new name among `newNames` for an assessment whose name is taken; empty when there is
+    /// none that it could have.
+    [[nodiscard]] QString freeName(const NamedItem& taken,
+                                   const std::map<std::int32_t, QString>& newNames);
+    void bringBack(Change& change, const NamedItem& row, const QString& newName);
     void deleteRow(Item item, const QString& statement);
     void addImportedRows(const ImportPlan& plan, const ImportSteps& steps,
                          std::int32_t assessmentNum);

@@ -57,7 +57,7 @@ TEST_F(Frame, MenuStandsInItsOrder)
     EXPECT_EQ(entries.join(u'|').toStdString(),
               "mnuCreate Create PowerPoints|mnuManageAssessments Manage Assessments|"
               "mnuExport Export Assessment|mnuImport Import Assessment|"
-              "mnuTutorial Tutorial Videos|mnAbout About");
+              "mnuTutorial Tutorial Videos|mnAbout About|mnuMore More");
 }
 
 TEST_F(Frame, OneChildAtATimeAndFreshEachTime)
@@ -88,6 +88,8 @@ TEST_F(Frame, OneChildAtATimeAndFreshEachTime)
     QTest::keyClick(frame.get(), Qt::Key_W, Qt::ControlModifier);
     EXPECT_EQ(frame->childWindow(), nullptr);
     EXPECT_TRUE(control<QLabel>(frame.get(), "lblEmpty")->isVisible());
+    choose("mnuTrash");
+    EXPECT_EQ(frame->childWindow()->objectName(), u"frmTrash");
     choose("mnAbout");
     test::click(frame.get(), "cmdCloseChild");
     EXPECT_TRUE(QTest::qWaitFor([&] { return !frame->childWindow(); }, patienceMs));
