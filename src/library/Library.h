@@ -138,6 +138,9 @@ public:
     /// A name as it would be stored; empty when it is none.
     [[nodiscard]] static QString storedName(ItemKind kind, const QString& name);
 
+    /// Where a row stands: see `AvailablePlace`.
+    [[nodiscard]] Filing placeOf(Item item) { return AvailablePlace(connection_, item); }
+
     /// What `restore` would do.
     [[nodiscard]] RestorePlan planRestore(Item item) { return PlanRestore(connection_, item); }
     /// Brings a row back, and what it stands under with it. `newName` is for the assessment whose

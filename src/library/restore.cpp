@@ -44,6 +44,30 @@ std::vector<Item> above(Connection& connection, Item item)
 
 } // namespace
 
+Filing AvailablePlace(Connection& connection, Item item)
+{
+    std::vector<Item> rows = above(connection, item);
+    rows.push_back(item);
+    Filing place;
+    for (const Item row : rows) {
+        const std::int32_t key = find(connection, row).available ? row.key : 0;
+        switch (row.kind) {
+        case ItemKind::Assessment:
+            place.AssessmentNum = key;
+            break;
+        case ItemKind::Topic:
+            place.TopicID = key;
+            break;
+        case ItemKind::Subtopic:
+            place.SubtopicNum = key;
+            break;
+        case ItemKind::Question:
+            break;
+        }
+    }
+    return place;
+}
+
 bool IsAssessmentNameTaken(Connection& connection, const QString& name, std::int32_t except)
 {
     Statement rows(connection, sql::SelectAssessmentsNamed);

@@ -27,6 +27,10 @@ struct RestorePlan
 /// Throws `DatabaseError`.
 [[nodiscard]] RestorePlan PlanRestore(Connection& connection, Item item);
 
+/// The assessment, topic and subtopic that a row stands under, itself included; 0 where its kind
+/// knows none and for what is not available. Throws `DatabaseError`.
+[[nodiscard]] Filing AvailablePlace(Connection& connection, Item item);
+
 /// Whether an available assessment other than `except` has the name.
 [[nodiscard]] bool IsAssessmentNameTaken(Connection& connection, const QString& name,
                                          std::int32_t except);

@@ -262,7 +262,7 @@ void frmManage::ShowSubtopicQuestions()
     sayIn(lblQuestions_, QStringLiteral("Questions: ") + QString::number(state_.QuestionCount));
     showBrowser(state_.QuestionCount > 0);
     if (state_.QuestionCount > 0) {
-        state_.QuestionPosition = 1;
+        state_.QuestionPosition = std::max(1, PositionOf(state_.BrowseQuestions, questionToShow_));
         showPicture();
     } else {
         HandlePictureButtons();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/Journal.h"
 #include "manage/filing_preselection.h"
 
 #include <QWidget>
@@ -93,11 +94,31 @@ private:
     [[nodiscard]] FilingPreselection currentRows() const;
     [[nodiscard]] FilingPreselection filingForNewQuestion() const;
 
+    // Undo and redo. The bar under the browser says what the last change was; it comes with the
+    // first one.
+    QWidget* buildUndoBar();
+    void cmdUndo_Click();
+    void cmdRedo_Click();
+    void turn(bool undo);
+    /// The step that can be undone next; none also when it cannot be read.
+    [[nodiscard]] std::optional<StepInfo> newestStep();
+    /// Says what has just been changed, if that is a step of its own.
+    void tellChange();
+    void say(const QString& sentence);
+    /// Loads the assessment of a row that has changed, and makes the row current, or the nearest
+    /// one above it that is there. Throws where the questions cannot be loaded.
+    void showItem(Item item);
+
     Services& services_;
     ProgramState& state_;
     Library& library_;
     OpenAuthoring openAuthoring_;
     bool unloaded_ = false;
+    /// A change is being undone or made again.
+    bool turning_ = false;
+    std::int64_t toldStep_ = 0;
+    /// The question to begin with when a subtopic's are shown; 0 for the first.
+    std::int32_t questionToShow_ = 0;
 
     ComboBox* cboAssessment_ = nullptr;
     HintLabel* lblAssessmentHint_ = nullptr;
@@ -122,6 +143,10 @@ private:
     QPushButton* cmdRight_ = nullptr;
     QPushButton* cmdEditQuestion_ = nullptr;
     QPushButton* cmdDeleteQuestion_ = nullptr;
+    QWidget* undoBar_ = nullptr;
+    QLabel* lblUndo_ = nullptr;
+    QPushButton* cmdUndo_ = nullptr;
+    QPushButton* cmdRedo_ = nullptr;
 };
 
 } // namespace varnholt

@@ -50,7 +50,7 @@ void frmManage::buildControls()
     for (QWidget* next : std::initializer_list<QWidget*>{
              cmdAddAssessment_, cmdDeleteAssessment_, cmdAddNewQuestion_, lstTopics_, cmdNewTopic_,
              cmdDeleteTopic_, lstSubtopics_, cmdNewSubtopic_, cmdDeleteSubtopic_, cmdLeft_,
-             cmdRight_, cmdEditQuestion_, cmdDeleteQuestion_}) {
+             cmdRight_, cmdEditQuestion_, cmdDeleteQuestion_, cmdUndo_, cmdRedo_}) {
         setTabOrder(previous, next);
         previous = next;
     }
@@ -151,6 +151,7 @@ QWidget* frmManage::buildBrowser()
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(lblNoQuestions_, 1);
     column->addWidget(fraQuestions_, 1);
+    column->addWidget(buildUndoBar());
     return room;
 }
 

@@ -61,6 +61,16 @@ void StepRight(ProgramState& state)
     }
 }
 
+std::int32_t PositionOf(const List1<QuestionRecord>& questions, std::int32_t solIndex)
+{
+    for (std::int32_t position = 1; position <= questions.upperBound(); ++position) {
+        if (questions(position).SOLIndex == solIndex) {
+            return position;
+        }
+    }
+    return 0;
+}
+
 QString PositionText(const ProgramState& state)
 {
     return QString::number(state.QuestionPosition) + QStringLiteral(" of ") +

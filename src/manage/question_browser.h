@@ -30,6 +30,10 @@ void UpdateCount2(ProgramState& state);
 void StepLeft(ProgramState& state);
 void StepRight(ProgramState& state);
 
+/// The 1-based position of the question with this key, 0 when it is not there.
+[[nodiscard]] std::int32_t PositionOf(const List1<QuestionRecord>& questions,
+                                      std::int32_t solIndex);
+
 /// "3 of 12".
 [[nodiscard]] QString PositionText(const ProgramState& state);
 

@@ -110,15 +110,23 @@ protected:
 
     void act()
     {
-        static const std::vector<std::pair<const char*, int>> weights{
-            {"cmdAddAssessment", 4},   {"cmdDeleteAssessment", 1},
-            {"cmdNewTopic", 12},       {"cmdDeleteTopic", 6},
-            {"cmdNewSubtopic", 24},    {"cmdDeleteSubtopic", 8},
-            {"cmdAddNewQuestion", 36}, {"cmdLeft", 12},
-            {"cmdRight", 24},          {"cmdEditQuestion", 24},
-            {"cmdDeleteQuestion", 8},  {"lstTopics", 60},
-            {"lstSubtopics", 80},      {"cboAssessment", 4},
-            {"frmManage", 4}};
+        static const std::vector<std::pair<const char*, int>> weights{{"cmdAddAssessment", 4},
+                                                                      {"cmdDeleteAssessment", 1},
+                                                                      {"cmdNewTopic", 12},
+                                                                      {"cmdDeleteTopic", 6},
+                                                                      {"cmdNewSubtopic", 24},
+                                                                      {"cmdDeleteSubtopic", 8},
+                                                                      {"cmdAddNewQuestion", 36},
+                                                                      {"cmdLeft", 12},
+                                                                      {"cmdRight", 24},
+                                                                      {"cmdEditQuestion", 24},
+                                                                      {"cmdDeleteQuestion", 8},
+                                                                      {"cmdUndo", 5},
+                                                                      {"cmdRedo", 3},
+                                                                      {"lstTopics", 60},
+                                                                      {"lstSubtopics", 80},
+                                                                      {"cboAssessment", 4},
+                                                                      {"frmManage", 4}};
         static const std::vector<QByteArray> names = [] {
             std::vector<QByteArray> all;
             for (const auto& [name, weight] : weights) {
@@ -143,6 +151,7 @@ protected:
                 edit();
             }
             press(name);
+            turned = name == "cmdUndo" || name == "cmdRedo";
         }
     }
 
@@ -200,16 +209,21 @@ protected:
                 gone.removeOne(row);
             }
         }
+        if (turned) {
+            EXPECT_LE(come.size(), 1);
+            ASSERT_EQ(come.size(), gone.size());
+        }
         const bool added = told.endsWith(u"Added"_s);
         const bool removed = told.endsWith(u"Deleted"_s);
         EXPECT_EQ(come.size(), added || removed ? 1 : gone.size());
-        EXPECT_EQ(gone.size(), added     ? 0
+        EXPECT_EQ(gone.size(), turned    ? come.size()
+                               : added   ? 0
                                : removed ? 1
                                          : told == u"Question Saved"_s && !gone.isEmpty());
         if (!gone.isEmpty() && !come.isEmpty()) {
             EXPECT_EQ(gone[0].section(u'|', 0, 1), come[0].section(u'|', 0, 1));
-            EXPECT_EQ(gone[0].back(), u'1');
-            EXPECT_EQ(come[0].back(), removed ? u'0' : u'1');
+            EXPECT_TRUE(turned || gone[0].back() == u'1');
+            EXPECT_TRUE(turned || come[0].back() == (removed ? u'0' : u'1'));
         }
         EXPECT_FALSE(frozen && !come.isEmpty());
         // Nothing available below something deleted; topic and subtopic belong together.
@@ -224,6 +238,7 @@ protected:
     sqlite3* database = nullptr;
     std::mt19937 generator{GetParam()};
     bool frozen = false; // the library takes no changes
+    bool turned = false; // a change was undone or made again
     QString told;        // title of the last message
 };
 
@@ -235,6 +250,7 @@ TEST_P(RandomActions, WindowAndLibraryAgree)
         const QStringList before = everything();
         freeze(pick(12) == 0);
         told.clear();
+        turned = false;
         act();
         checkWindow();
         checkLibrary(before);

@@ -136,6 +136,64 @@ TEST_F(Structure, DeletingReloadsWhatChangedAndLeavesTheKeyboardWhereWorkGoesOn)
     EXPECT_EQ(counts(), u"2,0 2,1 2,1 1,0 0"_s);
 }
 
+TEST_F(Structure, UndoAndRedoTellAndShowWhatTheyDid)
+{
+    library.addQuestion(2, 1, 1, u"341"_s);
+    open();
+    const auto undo = [this] { QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier); };
+    const auto redo = [this] {
+        QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    };
+    undo();
+    EXPECT_EQ(text("lblUndo"), u"There is nothing to undo."_s);
+    EXPECT_FALSE(enabled("cmdUndo") || shown("cmdRedo"));
+    browse(0, 1);
+    remove(Subtopic, deleted[Subtopic]);
+    EXPECT_EQ(text("lblUndo"), u"“Light” deleted."_s);
+    browse(0, 0);
+    press("cmdRight");
+    remove(Question, deleted[Question]);
+    EXPECT_EQ(text("lblUndo"), u"Question deleted."_s);
+    EXPECT_EQ(subtopics().listIndex(), -1);
+    undo();
+    EXPECT_EQ(text("lblUndo"), u"Undone: the question is back."_s);
+    EXPECT_EQ(place(), u"2 of 2 <-"_s) << "it is on show";
+    redo();
+    EXPECT_EQ(text("lblUndo"), u"Question deleted."_s);
+    EXPECT_EQ(place(), u"1 of 1 --"_s);
+    EXPECT_FALSE(shown("cmdRedo"));
+    undo();
+    EXPECT_TRUE(shown("cmdRedo"));
+
+    // From another assessment, by the button; the remembered one follows.
+    assessments().setListIndex(0);
+    press("cmdUndo");
+    EXPECT_EQ(assessments().listIndex(), 1);
+    EXPECT_EQ(subtopics().itemText(subtopics().listIndex()), u"Light"_s);
+    asksName(Assessment, u"Third"_s);
+    saysAdded(Assessment, u"Third"_s);
+    press("cmdAddAssessment");
+    undo();
+    EXPECT_EQ(assessments().listCount(), 2);
+    redo();
+    EXPECT_EQ(assessments().listIndex(), 2);
+    EXPECT_EQ(counts(), u"3,3 2,2 2,2 2,2 3"_s);
+
+    // What has been changed since, and a library without a journal.
+    library.sql(u"UPDATE Assessments SET AssessmentName='Fourth' WHERE AssessmentNum=3"_s);
+    undo();
+    EXPECT_EQ(text("lblUndo"), u"The last change cannot be undone, because this has been changed "
+                               "since: “Fourth”."_s);
+    library.sql(u"UPDATE PlusInfo SET Version=99"_s);
+    owner.refresh();
+    remove(Assessment, deleted[Assessment]);
+    EXPECT_EQ(text("lblUndo"), u"The change is saved. It cannot be undone."_s);
+    EXPECT_FALSE(enabled("cmdUndo"));
+    undo();
+    EXPECT_EQ(text("lblUndo"), owner.features().reason);
+    EXPECT_EQ(control<QWidget>(window.get(), "cmdUndo")->toolTip(), owner.features().reason);
+}
+
 TEST_F(Structure, KeysBeyond16BitsAreHintedAtAndFail)
 {
     library.sql(
