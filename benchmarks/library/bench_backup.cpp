@@ -106,7 +106,7 @@ int main(int argc, char** argv)
 
     std::vector<double> ratios;
     std::vector<double> milliseconds;
-    constexpr int rounds = 5;
+    constexpr int rounds = 3;
     for (int i = 1; i <= rounds; ++i) {
         world.addPicture(pictures + i);
         const double own = bench::cpuOf([&] {

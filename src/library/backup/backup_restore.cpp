@@ -89,14 +89,16 @@ PictureWork comparePictures(const QString& programFolder, const BackupManifest& 
                             const BackupManifest& wanted)
 {
     PictureWork work;
+    BackupManifest there;
+    for (const LibraryPicture& picture : LibraryPictures(programFolder)) {
+        there.pictures.push_back(picture.facts);
+    }
     for (const BackedPicture& picture : wanted.pictures) {
         const BackedPicture* present = today.find(picture.key);
         if (present && present->sha == picture.sha) {
             continue;
         }
-        std::error_code error;
-        const bool exists =
-            present || fs::exists(PathOf(FindPictureFile(programFolder, picture.key)), error);
+        const bool exists = present || there.find(picture.key);
         (exists ? work.other : work.missing).push_back(&picture);
     }
     return work;
@@ -116,24 +118,41 @@ void setAside(const fs::path& file)
     Require(error, file);
 }
 
-/// False when the backup has lost the picture or it cannot be written.
+/// Whether a backup's picture is what it was. Size and time are as good here as for a picture in
+/// `Files`; only links to those have kept them.
+bool isWhole(const fs::path& file, const BackedPicture& picture)
+{
+    std::error_code error;
+    return (static_cast<std::int64_t>(fs::file_size(file, error)) == picture.size &&
+            ModifiedAt(file, error) == picture.modified && !error) ||
+           ShaOfFile(file) == picture.sha;
+}
+
+/// Puts a picture where there is none. False when the backup has lost it or it cannot be written.
+bool putBack(const QString& programFolder, const BackupStore& store, const BackedPicture& picture)
+{
+    const fs::path original = store.pictureOf(picture.sha);
+    return isWhole(original, picture) &&
+           !PlaceFile(original, PathOf(NewPictureFile(programFolder, picture.key)),
+                      Placing::MayShare);
+}
+
+/// The same where there may be another one.
 bool putInPlace(const QString& programFolder, const BackupStore& store,
                 const BackedPicture& picture)
 {
-    const fs::path original = store.pictureOf(picture.sha);
-    if (ShaOfFile(original) != picture.sha) {
-        return false;
-    }
     const fs::path place = PathOf(FindPictureFile(programFolder, picture.key));
     std::error_code error;
     if (fs::exists(place, error)) {
         if (ShaOfFile(place) == picture.sha) {
             return true;
         }
+        if (!isWhole(store.pictureOf(picture.sha), picture)) {
+            return false;
+        }
         setAside(place);
     }
-    return !PlaceFile(original, PathOf(NewPictureFile(programFolder, picture.key)),
-                      Placing::MayShare);
+    return putBack(programFolder, store, picture);
 }
 
 /// Where a restore says what is left to do once the rows are there.
@@ -226,7 +245,7 @@ BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupSto
         if (progress) {
             progress(i, pictures.missing.size());
         }
-        if (!putInPlace(folder, store, *pictures.missing[i])) {
+        if (!putBack(folder, store, *pictures.missing[i])) {
             result.picturesLost.push_back(pictures.missing[i]->key);
         }
     }
