@@ -48,9 +48,7 @@ protected:
     /// As one window saves: what an earlier try left is completed.
     std::int32_t save(const SaveStepObserver& observer = {}, const QString& answer = u"x = 2"_s)
     {
-        // A process started anew by a test is told where the library is.
-        const QString folder = qEnvironmentVariable(folderVariable, library.folder());
-        Library owner(folder, clock);
+        Library owner(library.folder(), clock);
         owner.open();
         question = {{1, 7, 9}, answer, question.SOLIndex};
         SaveQuestion(owner, question, canvas, observer);
@@ -62,7 +60,7 @@ protected:
     {
         return QDir(filesFolder()).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
     }
-    static constexpr const char* folderVariable = "VARNHOLT_TEST_KILLED_SAVE";
+
     TestLibrary library;
     FakeClock clock;
     PictureCanvas canvas;
@@ -119,26 +117,6 @@ TEST_P(FailingSave, LeavesARowThatAnotherTryCompletes)
     EXPECT_EQ(save({}, u"x = 3"_s), 1);
     EXPECT_EQ(rows(), QStringList(u"1|7|9|x = 3|1|1"_s));
     EXPECT_EQ(files(), pictureOnly);
-}
-
-/// A killed program: neither row nor half a picture; the next save goes well.
-TEST_P(FailingSave, KilledThere)
-{
-    const auto die = [this](SaveStep step) {
-        if (step == GetParam()) {
-            std::_Exit(9);
-        }
-    };
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    if (qEnvironmentVariableIsEmpty(folderVariable)) {
-        qputenv(folderVariable, library.folder().toUtf8());
-    }
-    EXPECT_EXIT(save(die), testing::ExitedWithCode(9), "");
-    qunsetenv(folderVariable);
-    EXPECT_TRUE(rows().isEmpty());
-    EXPECT_TRUE(files().isEmpty());
-    EXPECT_EQ(save(), 1);
-    EXPECT_EQ(djpeg(library.picturePath(1)).size(), questionPage);
 }
 
 INSTANTIATE_TEST_SUITE_P(Steps, FailingSave,
