@@ -1,6 +1,7 @@
 #include "app/frmAssessment.h"
 
 #include "authoring/frmAddNewQuestion.h"
+#include "check/frmCheck.h"
 #include "exchange/frmExport.h"
 #include "exchange/frmImport.h"
 #include "info/InfoWindow.h"
@@ -136,6 +137,7 @@ void frmAssessment::buildMenu()
         connect(action, &QAction::triggered, this, handler);
     };
     addMore("mnuTrash", tr("&Trash…"), &frmAssessment::mnuTrash_Click);
+    addMore("mnuCheck", tr("&Check Library…"), &frmAssessment::mnuCheck_Click);
 
     auto* closeChildWindow = new QAction(QStringLiteral("Close window"), this);
     closeChildWindow->setShortcuts(
@@ -274,6 +276,11 @@ void frmAssessment::mnAbout_Click()
 void frmAssessment::mnuTrash_Click()
 {
     openChild([this] { return new frmTrash(services_, library_); });
+}
+
+void frmAssessment::mnuCheck_Click()
+{
+    openChild([this] { return new frmCheck(services_, library_); });
 }
 
 void frmAssessment::closeEvent(QCloseEvent* event)

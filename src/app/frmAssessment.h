@@ -49,6 +49,7 @@ public Q_SLOTS:
     void mnuTutorial_Click();
     void mnAbout_Click();
     void mnuTrash_Click();
+    void mnuCheck_Click();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -156,4 +156,23 @@ const char* SelectAllTrashTexts(int kind)
                          " WHERE i.Available IS NOT 1 OR a.Available IS NOT 1"});
 }
 
+const char* CountKeysAbove(int kind)
+{
+    return ofKind(kind,
+                  {"SELECT count(*) FROM Assessments WHERE Available = 1 AND AssessmentNum > ?1",
+                   "SELECT count(*) FROM Topics WHERE Available = 1 AND TopicID > ?1",
+                   "SELECT count(*) FROM SubTopics WHERE Available = 1 AND SubtopicNum > ?1",
+                   "SELECT count(*) FROM Questions WHERE Available = 1 AND SOLIndex > ?1"});
+}
+
+const char* SelectWithApostrophe(int kind)
+{
+    return ofKind(
+        kind, {"SELECT AssessmentNum FROM Assessments WHERE Available = 1 AND "
+               "instr(AssessmentName, '''')",
+               "SELECT TopicID FROM Topics WHERE Available = 1 AND instr(Topic, '''')",
+               "SELECT SubtopicNum FROM SubTopics WHERE Available = 1 AND instr(SubTopic, '''')",
+               "SELECT SOLIndex FROM Questions WHERE Available = 1 AND instr(Answer, '''')"});
+}
+
 } // namespace varnholt::plus_statements

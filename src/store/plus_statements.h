@@ -107,4 +107,26 @@ inline constexpr char SelectChangeTimes[] =
 /// Key and the texts of `SelectTrashTexts`, of the rows of a kind that are in the trash.
 [[nodiscard]] const char* SelectAllTrashTexts(int kind);
 
+// The check of a library.
+
+inline constexpr char SelectQuestionKeys[] = "SELECT SOLIndex FROM Questions";
+/// The keys of the available questions of available assessments.
+inline constexpr char SelectQuestionsInUse[] =
+    "SELECT SOLIndex FROM Questions WHERE Available = 1 AND AssessmentNum IN (SELECT AssessmentNum "
+    "FROM Assessments WHERE Available = 1) ORDER BY SOLIndex";
+/// Key of each available question whose subtopic or topic is not, or whose assessment does not
+/// exist, and 1 when a row above it does not exist at all.
+inline constexpr char SelectMisplaced[] =
+    "SELECT q.SOLIndex, a.AssessmentNum IS NULL OR t.TopicID IS NULL OR s.SubtopicNum IS NULL FROM "
+    "Questions q LEFT JOIN Assessments a ON a.AssessmentNum = q.AssessmentNum LEFT JOIN Topics t "
+    "ON "
+    "t.TopicID = q.TopicID LEFT JOIN SubTopics s ON s.SubtopicNum = q.SubTopicNum WHERE "
+    "q.Available "
+    "= 1 AND (a.AssessmentNum IS NULL OR a.Available = 1 AND (t.Available IS NOT 1 OR s.Available "
+    "IS NOT 1)) ORDER BY q.SOLIndex";
+/// The number of available rows of a kind with keys above ?1.
+[[nodiscard]] const char* CountKeysAbove(int kind);
+/// The keys of the available rows of a kind whose name or answer holds an apostrophe.
+[[nodiscard]] const char* SelectWithApostrophe(int kind);
+
 } // namespace varnholt::plus_statements

@@ -90,6 +90,8 @@ TEST_F(Frame, OneChildAtATimeAndFreshEachTime)
     EXPECT_TRUE(control<QLabel>(frame.get(), "lblEmpty")->isVisible());
     choose("mnuTrash");
     EXPECT_EQ(frame->childWindow()->objectName(), u"frmTrash");
+    choose("mnuCheck");
+    EXPECT_EQ(frame->childWindow()->objectName(), u"frmCheck");
     choose("mnAbout");
     test::click(frame.get(), "cmdCloseChild");
     EXPECT_TRUE(QTest::qWaitFor([&] { return !frame->childWindow(); }, patienceMs));
