@@ -5,8 +5,7 @@
 #include "exchange/frmImport.h"
 #include "exchange/package_export.h"
 #include "exchange/raw_exchange.h"
-#include "store/connection.h"
-#include "store/library_file.h"
+#include "library/Library.h"
 #include "store/modMain.h"
 #include "store/services.h"
 #include "support/big_library.h"
@@ -40,6 +39,12 @@ public:
     std::optional<QString> openFile(const QString&) override { return path; }
 };
 
+class NoClock : public Clock
+{
+public:
+    [[nodiscard]] std::int64_t millisecondsSinceEpoch() const override { return 0; }
+};
+
 /// A program folder and a window of it, ready to be pressed.
 template <typename Window>
 class Ready
@@ -51,11 +56,12 @@ public:
         services_.messageBoxes = &answers_;
         services_.fileDialogs = &answers_;
         services_.programFolder = folder;
-        OpenLibraryDatabase(connection_, folder);
+        library_ = std::make_unique<Library>(folder, clock_);
+        library_->open();
         if constexpr (std::is_same_v<Window, frmExport>) {
-            window_ = std::make_unique<Window>(services_, state_, connection_);
+            window_ = std::make_unique<Window>(services_, state_, library_->connection());
         } else {
-            window_ = std::make_unique<Window>(services_, connection_);
+            window_ = std::make_unique<Window>(services_, *library_);
         }
         window_->show();
         QApplication::processEvents();
@@ -75,7 +81,7 @@ public:
 
     void writeTexts(const QString& subfolder)
     {
-        const PackageExport texts(services_, state_, QStringLiteral("Big"));
+        const PackageExport texts(services_.programFolder, state_, QStringLiteral("Big"), {});
         texts.WriteTopicsFile(subfolder);
         texts.WriteSubTopicsFile(subfolder);
         texts.WriteQuestionsFile(subfolder);
@@ -86,7 +92,8 @@ private:
     Agreeing answers_;
     Services services_;
     ProgramState state_;
-    Connection connection_;
+    NoClock clock_;
+    std::unique_ptr<Library> library_;
     std::unique_ptr<Window> window_;
 };
 

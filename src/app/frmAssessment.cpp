@@ -239,7 +239,7 @@ void frmAssessment::mnuExport_Click()
 
 void frmAssessment::mnuImport_Click()
 {
-    openChild([this] { return new frmImport(services_, library_.connection()); });
+    openChild([this] { return new frmImport(services_, library_); });
 }
 
 void frmAssessment::dragEnterEvent(QDragEnterEvent* event)

@@ -1,6 +1,6 @@
 #include "exchange/ExchangeWindow.h"
 
-#include "toolkit/LongWork.h"
+#include "store/errors.h"
 #include "toolkit/controls.h"
 
 #include <QCloseEvent>
@@ -72,15 +72,13 @@ protected:
 
 } // namespace
 
-/// `lblBack` and `lblFace`, as the packing sees them.
+/// `lblBack` and `lblFace`: the bar.
 class ProgressBarLabels
 {
 public:
     ProgressBarLabels()
         : lblBack_(named(new BackLabel, "lblBack"))
         , lblFace_(named(new FaceLabel(lblBack_), "lblFace", QStringLiteral("Progress")))
-        , back_(*this)
-        , face_(*this)
     {
         lblBack_->face = lblFace_;
         lblBack_->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
@@ -95,8 +93,6 @@ public:
     }
 
     [[nodiscard]] QLabel* widget() const { return lblBack_; }
-    [[nodiscard]] ProgressLabel& back() { return back_; }
-    [[nodiscard]] ProgressLabel& face() { return face_; }
 
     void setVisible(bool visible)
     {
@@ -127,24 +123,6 @@ public:
     }
 
 private:
-    class Label : public ProgressLabel
-    {
-    public:
-        explicit Label(ProgressBarLabels& bar)
-            : bar_(bar)
-        {}
-        [[nodiscard]] float width() const override
-        {
-            return static_cast<float>(bar_.lblBack_->contentsRect().width());
-        }
-        void setWidth(float faceWidth) override { bar_.lblFace_->setShare(faceWidth / width()); }
-        void setCaption(const QString& caption) override { bar_.setCaption(caption); }
-        void processEvents() override { bar_.processEvents(); }
-
-    private:
-        ProgressBarLabels& bar_;
-    };
-
     void setCaption(const QString& caption)
     {
         lblFace_->setText(caption);
@@ -153,8 +131,6 @@ private:
 
     BackLabel* lblBack_;
     FaceLabel* lblFace_;
-    Label back_;
-    Label face_;
     QElapsedTimer sinceEvents_;
 };
 
@@ -231,17 +207,6 @@ void ExchangeWindow::keyPressEvent(QKeyEvent* event)
     }
 }
 
-void ExchangeWindow::beginWork()
-{
-    work_ = std::make_unique<LongWork>();
-    sinceBegin_.start();
-}
-
-void ExchangeWindow::endWork()
-{
-    work_.reset();
-}
-
 void ExchangeWindow::showBar()
 {
     bar_->setVisible(true);
@@ -252,17 +217,23 @@ void ExchangeWindow::hideBar()
     bar_->setVisible(false);
 }
 
-ProgressLabel& ExchangeWindow::backLabel()
+ExchangeProgress ExchangeWindow::progress()
 {
-    return bar_->back();
+    return [this](ExchangeWork work, std::int64_t done, std::int64_t all) {
+        switch (work) {
+        case ExchangeWork::Collecting:
+            return showProgress(QStringLiteral("Collecting: "), done, all);
+        case ExchangeWork::Packing:
+            return showProgress({}, done, all);
+        case ExchangeWork::Unpacking:
+            return showProgress(QStringLiteral("Unpacking: "), done, all);
+        case ExchangeWork::Importing:
+            return showProgress(QStringLiteral("Importing: "), done, all);
+        }
+    };
 }
 
-ProgressLabel& ExchangeWindow::faceLabel()
-{
-    return bar_->face();
-}
-
-void ExchangeWindow::progress(const QString& what, std::int64_t done, std::int64_t all)
+void ExchangeWindow::showProgress(const QString& what, std::int64_t done, std::int64_t all)
 {
     if (done < all && !bar_->eventsAreDue()) {
         return;
@@ -280,6 +251,13 @@ void ExchangeWindow::progress(const QString& what, std::int64_t done, std::int64
 void ExchangeWindow::explain(const QString& sentence)
 {
     sayIn(lblReason_, sentence);
+}
+
+void ExchangeWindow::explain(const std::exception& failure)
+{
+    if (const auto* error = dynamic_cast<const Error*>(&failure)) {
+        explain(error->message());
+    }
 }
 
 } // namespace varnholt

@@ -1,9 +1,7 @@
 #include "exchange/cZip.h"
 
 #include "exchange/archive_file.h"
-#include "exchange/progress_label.h"
 #include "store/errors.h"
-#include "store/services.h"
 
 #include <QDir>
 #include <QFile>
@@ -88,40 +86,25 @@ struct FileCounter
 
 } // namespace
 
-cZip::cZip(MessageBoxes& messages)
-    : messages_(messages)
-{}
-
-bool cZip::AddFilesToZip(const List1<QString>& files, ProgressLabel& back, ProgressLabel& face)
+bool cZip::AddFilesToZip(const List1<QString>& files)
 {
-    const auto explain = [this](const QString& why) {
-        reason_ = QStringLiteral("The package could not be saved as %1 (%2).")
-                      .arg(QDir::toNativeSeparators(ZipFileName_), why);
+    const auto because = [this](const QString& why) {
+        return QStringLiteral("The package could not be saved as %1 (%2).")
+            .arg(QDir::toNativeSeparators(ZipFileName_), why);
     };
-    ArchiveFile target(ZipFileName_, [&face] { face.processEvents(); });
+    InitProgress(1, files.upperBound());
+    ArchiveFile target(ZipFileName_, [this] { showProgress(); });
     if (!target.open()) {
-        explain(target.file().errorString());
-        messages_.inform(QStringLiteral("Varnholt"),
-                         QStringLiteral("Error %1 (%2) in procedure AddFilesToZip of Modulo di "
-                                        "classe clsZip")
-                             .arg(static_cast<int>(target.file().error()))
-                             .arg(target.file().errorString()));
+        const QString words = target.file().errorString();
+        failure_ = {true, static_cast<int>(target.file().error()), words, because(words)};
         return false;
     }
-    InitProgress(1, files.upperBound(), back, face);
-    const QString failure = pack(target, files, back, face);
-    if (!failure.isEmpty()) {
-        explain(failure);
-        messages_.inform(
-            QStringLiteral("Export Error"),
-            QStringLiteral("There is a problem creating this export file.  Please try again."));
-        return false;
-    }
-    return true;
+    const QString why = pack(target, files);
+    failure_ = {false, 0, why, because(why)};
+    return why.isEmpty();
 }
 
-QString cZip::pack(ArchiveFile& target, const List1<QString>& files, ProgressLabel& back,
-                   ProgressLabel& face)
+QString cZip::pack(ArchiveFile& target, const List1<QString>& files)
 {
     if (files.isEmpty()) {
         // libzip writes no archive without members.
@@ -143,8 +126,8 @@ QString cZip::pack(ArchiveFile& target, const List1<QString>& files, ProgressLab
                                 static_cast<zip_uint16_t>(comment.size())) != 0) {
         return QString::fromUtf8(zip_strerror(archive.get()));
     }
-    FileCounter counter{files.upperBound(), [&](int file) { UpdateProgress(file, back, face); },
-                        [&] { face.processEvents(); }};
+    FileCounter counter{files.upperBound(), [this](int file) { UpdateProgress(file); },
+                        [this] { showProgress(); }};
     zip_register_progress_callback_with_state(archive.get(), 0, &FileCounter::report, nullptr,
                                               &counter);
     QString failure;
@@ -165,7 +148,12 @@ QString cZip::pack(ArchiveFile& target, const List1<QString>& files, ProgressLab
 
 bool cZip::UnzipToFolder(const QString& sFolderName)
 {
-    const Unpacked unpacked = UnpackArchive(ZipFileName_, sFolderName, {}, unzipProgress, members);
+    const UnpackProgress shown = [this](int member, int of) {
+        if (progress) {
+            progress(ExchangeWork::Unpacking, member, of);
+        }
+    };
+    const Unpacked unpacked = UnpackArchive(ZipFileName_, sFolderName, {}, shown, members);
     comment_ = unpacked.comment;
     bytesLeft = unpacked.bytesLeft;
     return false;
@@ -180,22 +168,25 @@ void cZip::CreateEmptyZip(const QString& path)
     }
 }
 
-void cZip::InitProgress(std::int32_t first, std::int32_t last, ProgressLabel& back, ProgressLabel&)
+void cZip::InitProgress(std::int32_t first, std::int32_t last)
 {
-    ProgressWidth_ = back.width();
     ProgressFirst_ = first;
     const std::int32_t total = first == 1 ? last : std::abs(last - first) + (first < 1 ? 1 : 0);
     ProgressTotal_ = std::max(total, 1);
-    ProgressCurrent_ = 1;
+    ProgressCurrent_ = 0;
 }
 
-void cZip::UpdateProgress(std::int32_t current, ProgressLabel&, ProgressLabel& face)
+void cZip::UpdateProgress(std::int32_t current)
 {
     ProgressCurrent_ = std::abs(current - ProgressFirst_) + 1;
-    face.setWidth(ProgressWidth_ * static_cast<float>(ProgressCurrent_) /
-                  static_cast<float>(ProgressTotal_));
-    face.setCaption(QString::number(std::int64_t{ProgressCurrent_} * 100 / ProgressTotal_) + u'%');
-    face.processEvents();
+    showProgress();
+}
+
+void cZip::showProgress() const
+{
+    if (progress) {
+        progress(ExchangeWork::Packing, ProgressCurrent_, ProgressTotal_);
+    }
 }
 
 } // namespace varnholt

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "exchange/archive_reader.h"
+#include "exchange/exchange_progress.h"
 #include "store/list1.h"
 
 #include <QString>
@@ -9,15 +10,21 @@
 
 namespace varnholt {
 
-class MessageBoxes;
-class ProgressLabel;
+/// Why an archive could not be made.
+struct ZipFailure
+{
+    /// The file could not even be begun: the number of that error and its words.
+    bool notOpened = false;
+    int error = 0;
+    QString description;
+    /// The whole reason, a sentence.
+    QString reason;
+};
 
 /// Packs files into one zip archive, or unpacks one. An object serves one archive.
 class cZip
 {
 public:
-    explicit cZip(MessageBoxes& messages);
-
     /// Full path of the archive.
     [[nodiscard]] const QString& ZipFileName() const { return ZipFileName_; }
     void setZipFileName(const QString& path) { ZipFileName_ = path; }
@@ -27,16 +34,16 @@ public:
     void setComment(const QString& comment) { comment_ = comment; }
 
     /// Makes the archive and adds the files in their order, each under its plain name; text
-    /// files are deflated, everything else is stored. The bar advances once a file. True on
-    /// success; on failure the user has been told, and what stood under the archive's name
-    /// is as it was. The archive appears under its name when it is complete and on the disk.
-    bool AddFilesToZip(const List1<QString>& files, ProgressLabel& back, ProgressLabel& face);
+    /// files are deflated, everything else is stored. Progress advances once a file. True on
+    /// success; else `failure()` says why, and what stood under the archive's name is as it
+    /// was. The archive appears under its name when it is complete and on the disk.
+    [[nodiscard]] bool AddFilesToZip(const List1<QString>& files);
 
-    /// Why the last `AddFilesToZip` failed, a sentence.
-    [[nodiscard]] const QString& reason() const { return reason_; }
+    /// Of the last `AddFilesToZip` that failed.
+    [[nodiscard]] const ZipFailure& failure() const { return failure_; }
 
-    /// Called while unpacking.
-    UnpackProgress unzipProgress;
+    /// Called while packing and unpacking; may be empty.
+    ExchangeProgress progress;
 
     /// What `UnzipToFolder` takes, and how many more bytes it would have unpacked.
     Members members = Members::AtRoot;
@@ -50,23 +57,20 @@ public:
     /// Writes an archive without members, 22 bytes. Throws `Error`.
     static void CreateEmptyZip(const QString& path);
 
-    void InitProgress(std::int32_t first, std::int32_t last, ProgressLabel& back,
-                      ProgressLabel& face);
-    void UpdateProgress(std::int32_t current, ProgressLabel& back, ProgressLabel& face);
+    void InitProgress(std::int32_t first, std::int32_t last);
+    void UpdateProgress(std::int32_t current);
 
 private:
     /// Empty when done, else why not.
-    QString pack(class ArchiveFile& target, const List1<QString>& files, ProgressLabel& back,
-                 ProgressLabel& face);
+    QString pack(class ArchiveFile& target, const List1<QString>& files);
+    void showProgress() const;
 
-    MessageBoxes& messages_;
     QString ZipFileName_;
     QString comment_;
-    QString reason_;
+    ZipFailure failure_;
     std::int32_t ProgressFirst_ = 0;
     std::int32_t ProgressCurrent_ = 0;
     std::int32_t ProgressTotal_ = 0;
-    float ProgressWidth_ = 0;
 };
 
 } // namespace varnholt

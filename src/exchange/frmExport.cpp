@@ -51,11 +51,23 @@ void frmExport::Form_Load()
 {
     cboAssessment_->clear();
     lblProblems_->hide();
-    LoadAssessmentInfo(state_, connection_, *services_.messageBoxes);
+    LoadAssessmentInfo();
     if (state_.AssessmentList.isEmpty()) {
         cmdExport_->setEnabled(false);
     } else {
         FillAssessmentCombo();
+    }
+}
+
+void frmExport::LoadAssessmentInfo()
+{
+    try {
+        varnholt::LoadAssessmentInfo(state_, connection_);
+    } catch (const DatabaseError& error) {
+        services_.messageBoxes->inform(QStringLiteral("Varnholt"), error.message());
+        services_.messageBoxes->inform(
+            QStringLiteral("Database Error"),
+            QStringLiteral("There was an error loading the assessments."));
     }
 }
 
@@ -93,18 +105,72 @@ void frmExport::cboAssessment_Click()
 void frmExport::cmdExport_Click()
 {
     bool closing = false;
-    runOnce([&](WorkView& view) {
+    runOnce([&] {
         cmdAddZip_->hide();
-        PackageExport package(services_, state_, cboAssessment_->currentText());
-        const PackageExport::End end = package.run(view);
-        if (!package.savedAs.isEmpty()) {
-            showSaved(package.savedAs);
+        try {
+            closing = !exportAssessment();
+        } catch (const std::exception& failure) {
+            explain(failure);
+            services_.messageBoxes->inform(
+                QStringLiteral("Export Error"),
+                QStringLiteral("There was an error creating this export file."));
         }
-        closing = end == PackageExport::End::WindowCloses;
     });
     if (closing) {
         close();
     }
+}
+
+bool frmExport::exportAssessment()
+{
+    PackageExport package(services_.programFolder, state_, cboAssessment_->currentText(),
+                          progress());
+    const bool collected = busily([&] { return package.collect(); });
+    if (!collected) {
+        explain(package.reason);
+        services_.messageBoxes->inform(
+            QStringLiteral("File Missing"),
+            QStringLiteral("Export was aborted because one of the questions is missing a "
+                           "picture file.  Please go to Manage Assessments and delete that "
+                           "question."));
+        return false;
+    }
+    hideBar();
+    const std::optional<QString> path =
+        services_.fileDialogs->saveFile(QStringLiteral("Zip Files (*.zip)"), package.initialName());
+    if (path) {
+        if (pack(package, *path)) {
+            showSaved(*path);
+            services_.messageBoxes->inform(QStringLiteral("Export Complete"),
+                                           QStringLiteral("Export was successful."));
+        }
+        package.cleanUp();
+    }
+    return true;
+}
+
+bool frmExport::pack(PackageExport& package, const QString& path)
+{
+    const auto failure = busily([&] {
+        showBar();
+        return package.pack(path);
+    });
+    if (!failure) {
+        return true;
+    }
+    explain(failure->reason);
+    if (failure->notOpened) {
+        services_.messageBoxes->inform(
+            QStringLiteral("Varnholt"),
+            QStringLiteral("Error %1 (%2) in procedure AddFilesToZip of Modulo di classe clsZip")
+                .arg(failure->error)
+                .arg(failure->description));
+    } else {
+        services_.messageBoxes->inform(
+            QStringLiteral("Export Error"),
+            QStringLiteral("There is a problem creating this export file.  Please try again."));
+    }
+    return false;
 }
 
 void frmExport::showSaved(const QString& path)

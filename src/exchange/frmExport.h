@@ -28,6 +28,11 @@ private:
     void buildControls();
     void Form_Load();
     void FillAssessmentCombo();
+    void LoadAssessmentInfo();
+    /// False when the window has nothing to stay open for.
+    [[nodiscard]] bool exportAssessment();
+    /// True when the package was saved.
+    [[nodiscard]] bool pack(class PackageExport& package, const QString& path);
     void showSaved(const QString& path);
 
     Services& services_;

@@ -1,6 +1,8 @@
 #include "exchange/frmImport.h"
 
 #include "exchange/package_import.h"
+#include "library/Library.h"
+#include "store/services.h"
 #include "toolkit/controls.h"
 
 #include <QDragEnterEvent>
@@ -17,10 +19,10 @@ QString DraggedPackage(const QMimeData& dragged)
     return QFileInfo(path).isFile() ? path : QString();
 }
 
-frmImport::frmImport(Services& services, Connection& connection)
+frmImport::frmImport(Services& services, Library& library)
     : ExchangeWindow("frmImport", QStringLiteral("Import Assessment"))
     , services_(services)
-    , connection_(connection)
+    , library_(library)
 {
     auto* lblHint = makeLabel(
         "lblHint",
@@ -39,7 +41,67 @@ frmImport::frmImport(Services& services, Connection& connection)
 
 void frmImport::importFile(const QString& path)
 {
-    runOnce([&](WorkView& view) { PackageImport(services_, connection_).run(view, path); });
+    runOnce([&] {
+        try {
+            importPackage(path);
+        } catch (const std::exception& failure) {
+            explain(failure);
+            services_.messageBoxes->inform(
+                QStringLiteral("Import Error"),
+                QStringLiteral("There was an error importing the file."));
+        }
+    });
+}
+
+void frmImport::importPackage(QString archivePath)
+{
+    PackageImport import(library_, progress());
+    if (archivePath.isEmpty()) {
+        archivePath = services_.fileDialogs->openFile(QStringLiteral("Zip Files (*.zip)"))
+                          .value_or(QString());
+    }
+    if (archivePath.isEmpty()) {
+        return;
+    }
+    const Package package = busily([&] { return import.read(archivePath); });
+    hideBar();
+    if (!package.AssessmentName) {
+        services_.messageBoxes->inform(
+            QStringLiteral("Import Error"),
+            QStringLiteral("This file does not appear to be a compatiable export file.  Import "
+                           "will be aborted."));
+    }
+    QString name = package.AssessmentName.value_or(QString());
+    if (!name.isEmpty()) {
+        name = askForName(import, name);
+    }
+    if (!name.isEmpty()) {
+        const ImportPlan plan = PlanImport(package, name);
+        const ImportResult result = busily([&] { return import.apply(package, plan); });
+        services_.messageBoxes->inform(QStringLiteral("Import Complete"),
+                                       QStringLiteral("Import was successful.\r\n\r\n"
+                                                      "Topics Imported: %1\r\n"
+                                                      "Subtopics Imported: %2\r\n"
+                                                      "Questions Imported: %3")
+                                           .arg(result.topics)
+                                           .arg(result.subtopics)
+                                           .arg(result.questions));
+    }
+    import.cleanUp();
+}
+
+QString frmImport::askForName(PackageImport& import, QString name)
+{
+    const auto ask = [&](const QString& prompt) {
+        name = services_.messageBoxes->inputText(QStringLiteral("Assessment Name"), prompt, name)
+                   .trimmed();
+    };
+    ask(QStringLiteral("What do you want to call the import assessment?"));
+    while (!name.isEmpty() && !import.CheckAssessmentName(name)) {
+        ask(QStringLiteral("That assessment name already exists.  Please enter another "
+                           "assessment name."));
+    }
+    return name;
 }
 
 void frmImport::cmdImport_Click()

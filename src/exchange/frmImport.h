@@ -6,7 +6,8 @@ class QMimeData;
 
 namespace varnholt {
 
-class Connection;
+class Library;
+class PackageImport;
 struct Services;
 
 /// The package that is being dragged over a window: one local file; empty for anything else.
@@ -19,7 +20,7 @@ class frmImport : public ExchangeWindow
     Q_OBJECT
 
 public:
-    frmImport(Services& services, Connection& connection);
+    frmImport(Services& services, Library& library);
 
     /// Imports the package at that path without asking for one.
     void importFile(const QString& path);
@@ -32,8 +33,13 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    /// Asks for the archive when there is no path.
+    void importPackage(QString archivePath);
+    /// Empty when she gave up.
+    [[nodiscard]] QString askForName(PackageImport& import, QString name);
+
     Services& services_;
-    Connection& connection_;
+    Library& library_;
 };
 
 } // namespace varnholt

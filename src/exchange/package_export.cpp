@@ -1,16 +1,12 @@
 #include "exchange/package_export.h"
 
-#include "exchange/WorkFolder.h"
-#include "exchange/cZip.h"
 #include "exchange/package_fields.h"
-#include "exchange/work_view.h"
 #include "files/placing.h"
 #include "pictures/picture_files.h"
 #include "store/catalogue.h"
 #include "store/connection.h"
 #include "store/library_file.h"
 #include "store/modMain.h"
-#include "store/services.h"
 #include "store/statements.h"
 
 #include <QDir>
@@ -18,7 +14,7 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
+#include <utility>
 
 namespace varnholt {
 
@@ -58,20 +54,14 @@ TextEncoding encodingFor(const ProgramState& state, const QString& assessmentNam
 
 } // namespace
 
-void LoadAssessmentInfo(ProgramState& state, Connection& connection, MessageBoxes& messages)
+void LoadAssessmentInfo(ProgramState& state, Connection& connection)
 {
     state.AssessmentList.clear();
-    try {
-        Recordset rows = connection.read(statements::SelectAssessments());
-        const int number = rows.field("AssessmentNum");
-        const int name = rows.field("AssessmentName");
-        while (rows.next()) {
-            state.AssessmentList.append({rows.integer(number), rows.text(name)});
-        }
-    } catch (const DatabaseError& error) {
-        messages.inform(QStringLiteral("Varnholt"), error.message());
-        messages.inform(QStringLiteral("Database Error"),
-                        QStringLiteral("There was an error loading the assessments."));
+    Recordset rows = connection.read(statements::SelectAssessments());
+    const int number = rows.field("AssessmentNum");
+    const int name = rows.field("AssessmentName");
+    while (rows.next()) {
+        state.AssessmentList.append({rows.integer(number), rows.text(name)});
     }
 }
 
@@ -123,17 +113,19 @@ QStringList PackageProblems(const ProgramState& state)
     return problems;
 }
 
-PackageExport::PackageExport(Services& services, const ProgramState& state,
-                             const QString& assessmentName)
-    : services_(services)
+PackageExport::PackageExport(const QString& programFolder, const ProgramState& state,
+                             const QString& assessmentName, ExchangeProgress progress)
+    : programFolder_(programFolder)
     , state_(state)
     , assessmentName_(assessmentName)
+    , progress_(std::move(progress))
     , encoding_(encodingFor(state, assessmentName))
+    , workFolder_(programFolder, workFolder)
 {}
 
 QString PackageExport::pathIn(const QString& folder, const QString& file) const
 {
-    return services_.programFolder + u'/' + folder + u'/' + file;
+    return programFolder_ + u'/' + folder + u'/' + file;
 }
 
 void PackageExport::WriteTopicsFile(const QString& folder) const
@@ -170,36 +162,30 @@ void PackageExport::WriteAssessmentInfoFile(const QString& folder) const
     file.close();
 }
 
-void PackageExport::CopyPictureFiles(const QString& folder, WorkView& view)
+void PackageExport::CopyPictureFiles(const QString& folder)
 {
     const auto native = [](const QString& path) { return QFileInfo(path).filesystemFilePath(); };
     const int count = state_.QuestionList.upperBound();
     int done = 0;
     for (const QuestionRecord& question : state_.QuestionList) {
         const QString copy = pathIn(folder, pictureMember(question.SOLIndex));
-        const QString picture = FindPictureFile(services_.programFolder, question.SOLIndex);
+        const QString picture = FindPictureFile(programFolder_, question.SOLIndex);
         if (PlaceFile(native(picture), native(copy), Placing::MayShare)) {
-            view.explain(QStringLiteral("The picture of the question with the answer %1 in %2 is "
-                                        "missing or cannot be read: %3")
-                             .arg(shortened(question.Answer), GetTopicText(state_, question),
-                                  QDir::toNativeSeparators(picture)));
-            services_.messageBoxes->inform(
-                QStringLiteral("File Missing"),
-                QStringLiteral("Export was aborted because one of the questions is missing a "
-                               "picture file.  Please go to Manage Assessments and delete that "
-                               "question."));
+            reason = QStringLiteral("The picture of the question with the answer %1 in %2 is "
+                                    "missing or cannot be read: %3")
+                         .arg(shortened(question.Answer), GetTopicText(state_, question),
+                              QDir::toNativeSeparators(picture));
             ExportAborted = true;
             return;
         }
         ExportFiles.append(copy);
-        view.progress(QStringLiteral("Collecting: "), ++done, count);
+        progress_(ExchangeWork::Collecting, ++done, count);
     }
 }
 
-void PackageExport::collect(const WorkFolder& folder, WorkView& view)
+bool PackageExport::collect()
 {
-    const BusyStretch busy(view);
-    folder.empty();
+    workFolder_.empty();
     WriteTopicsFile(workFolder);
     WriteSubTopicsFile(workFolder);
     WriteQuestionsFile(workFolder);
@@ -208,7 +194,14 @@ void PackageExport::collect(const WorkFolder& folder, WorkView& view)
     for (const QString& file : {topicsFile, subTopicsFile, questionsFile, assessmentInfoFile}) {
         ExportFiles.append(pathIn(workFolder, file));
     }
-    CopyPictureFiles(workFolder, view);
+    CopyPictureFiles(workFolder);
+    return !ExportAborted;
+}
+
+QString PackageExport::initialName() const
+{
+    QString name = assessmentName_;
+    return name.replace(u'/', u'-').replace(u'\\', u'-');
 }
 
 void PackageExport::requireOutsideLibrary(const QString& archivePath) const
@@ -220,12 +213,11 @@ void PackageExport::requireOutsideLibrary(const QString& archivePath) const
     const QFileInfo target(chosen.exists() ? chosen.canonicalFilePath() : archivePath);
     const QString folder = canonicalFolder(target.absolutePath());
     const QString name = target.fileName();
-    const QString library = QFileInfo(LibraryPath(services_.programFolder)).fileName();
-    const QString pictures =
-        canonicalFolder(QFileInfo(NewPictureFile(services_.programFolder, 1)).path());
+    const QString library = QFileInfo(LibraryPath(programFolder_)).fileName();
+    const QString pictures = canonicalFolder(QFileInfo(NewPictureFile(programFolder_, 1)).path());
 
     // The library's companions bear its name and something behind it.
-    const bool ofLibrary = folder == canonicalFolder(services_.programFolder) &&
+    const bool ofLibrary = folder == canonicalFolder(programFolder_) &&
                            name.startsWith(library, Qt::CaseInsensitive) &&
                            !name.endsWith(QStringLiteral(".zip"), Qt::CaseInsensitive);
     const bool ofPictures =
@@ -239,64 +231,16 @@ void PackageExport::requireOutsideLibrary(const QString& archivePath) const
     }
 }
 
-void PackageExport::pack(WorkView& view, const QString& archivePath)
+std::optional<ZipFailure> PackageExport::pack(const QString& archivePath)
 {
-    bool packed = false;
-    {
-        const BusyStretch busy(view);
-        view.showBar();
-        cZip zip(*services_.messageBoxes);
-        zip.setZipFileName(archivePath);
-        if (encoding_ == TextEncoding::Utf8) {
-            zip.setComment(utf8Comment);
-        }
-        packed = zip.AddFilesToZip(ExportFiles, view.backLabel(), view.faceLabel());
-        view.explain(zip.reason());
+    requireOutsideLibrary(archivePath);
+    cZip zip;
+    zip.setZipFileName(archivePath);
+    zip.progress = progress_;
+    if (encoding_ == TextEncoding::Utf8) {
+        zip.setComment(utf8Comment);
     }
-    if (packed) {
-        savedAs = archivePath;
-        services_.messageBoxes->inform(QStringLiteral("Export Complete"),
-                                       QStringLiteral("Export was successful."));
-    }
-}
-
-PackageExport::End PackageExport::runIn(const WorkFolder& folder, WorkView& view)
-{
-    collect(folder, view);
-    view.hideBar();
-    if (ExportAborted) {
-        return End::WindowCloses;
-    }
-    // A name with slashes would be read as a path.
-    QString initialName = assessmentName_;
-    initialName.replace(u'/', u'-').replace(u'\\', u'-');
-    const std::optional<QString> archivePath =
-        services_.fileDialogs->saveFile(QStringLiteral("Zip Files (*.zip)"), initialName);
-    if (archivePath) {
-        requireOutsideLibrary(*archivePath);
-        pack(view, *archivePath);
-        view.hideBar();
-        folder.empty();
-    }
-    return End::WindowStays;
-}
-
-PackageExport::End PackageExport::run(WorkView& view)
-{
-    view.explain({});
-    try {
-        const WorkFolder folder(services_.programFolder, workFolder);
-        return runIn(folder, view);
-    } catch (const std::exception& failure) {
-        if (const auto* error = dynamic_cast<const Error*>(&failure)) {
-            view.explain(error->message());
-        }
-        services_.messageBoxes->inform(
-            QStringLiteral("Export Error"),
-            QStringLiteral("There was an error creating this export file."));
-        view.hideBar();
-    }
-    return End::WindowStays;
+    return zip.AddFilesToZip(ExportFiles) ? std::nullopt : std::optional(zip.failure());
 }
 
 } // namespace varnholt

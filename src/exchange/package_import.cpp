@@ -1,52 +1,26 @@
 #include "exchange/package_import.h"
 
-#include "exchange/WorkFolder.h"
 #include "exchange/cZip.h"
 #include "exchange/in_background.h"
 #include "exchange/package_export.h"
 #include "exchange/package_fields.h"
-#include "exchange/work_view.h"
 #include "files/disk_space.h"
 #include "files/placing.h"
 #include "files/sync.h"
+#include "library/Library.h"
 #include "pictures/picture_files.h"
-#include "store/connection.h"
-#include "store/services.h"
 #include "store/statements.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
 
 #include <algorithm>
-#include <optional>
+#include <utility>
 
 namespace varnholt {
 
 namespace {
-
-/// The largest key of a table, asked again and again. Making the statement ready costs more
-/// than running it, so it is kept: stepped beyond its end it starts anew.
-class LargestKey
-{
-public:
-    LargestKey(Connection& connection, const QString& statement, const char* field)
-        : rows_(connection.read(statement))
-        , field_(rows_.field(field))
-    {}
-
-    [[nodiscard]] std::int32_t now()
-    {
-        std::int32_t key = 0;
-        while (rows_.next()) {
-            key = rows_.integer(field_);
-        }
-        return key;
-    }
-
-private:
-    Recordset rows_;
-    int field_;
-};
 
 /// The disk takes no more, or has failed: what has been put there goes again.
 class DiskError : public Error
@@ -74,134 +48,176 @@ void check(std::error_code error, const QString& from, const QString& to)
     }
 }
 
-} // namespace
-
-PackageImport::PackageImport(Services& services, Connection& connection)
-    : services_(services)
-    , connection_(connection)
-    , pictureFolder_(QFileInfo(NewPictureFile(services.programFolder, 1)).path())
-    , bytesLeft_(UnpackLimits().freeBytes)
-{}
-
-QString PackageImport::inWorkFolder(const QString& file) const
+/// Reads a list file record by record, as many as can be counted in 16 bits.
+template <typename Record, typename ReadRecord>
+void readList(List1<Record>& list, const QString& file, TextEncoding encoding,
+              ReadRecord readRecord)
 {
-    return services_.programFolder + QStringLiteral("/Import/") + file;
-}
-
-QString PackageImport::GetAssessmentInfo(const QString& strFile)
-{
-    try {
-        return FieldReader(strFile, encoding).text();
-    } catch (const Error&) {
-        services_.messageBoxes->inform(
-            QStringLiteral("Import Error"),
-            QStringLiteral("This file does not appear to be a compatiable export file.  Import "
-                           "will be aborted."));
-        return {};
+    FieldReader reader(file, encoding);
+    while (!reader.atEnd()) {
+        static_cast<void>(toInt16(list.upperBound() + 1));
+        list.append(readRecord(reader));
     }
 }
 
-bool PackageImport::CheckAssessmentName(const QString& strAssessment)
+void LoadImportTopics(Package& package, const QString& file, TextEncoding encoding)
 {
-    return !connection_.read(statements::SelectAssessmentsNamed(strAssessment)).next();
-}
-
-std::int32_t PackageImport::AddAssessment(const QString& strAssessment)
-{
-    connection_.execute(statements::InsertAssessment(strAssessment));
-    return LargestKey(connection_, statements::SelectMaxAssessmentNum(), "NewAssessmentNum").now();
-}
-
-void PackageImport::LoadImportTopics(std::int32_t AssessmentNum, const QString& file)
-{
-    ImportTopics.clear();
-    newTopicIds_.clear();
-    TopicsImported = 0;
-    LargestKey largest(connection_, statements::SelectMaxTopicID(), "maxvalue");
-    FieldReader reader(file, encoding);
-    while (!reader.atEnd()) {
-        ImportTopicRecord& record = ImportTopics.append({});
-        TopicsImported = toInt16(ImportTopics.upperBound());
+    readList(package.ImportTopics, file, encoding, [](FieldReader& reader) {
+        ImportTopicRecord record;
         record.OldTopicID = reader.number();
         record.Topic = reader.text();
-        record.AssessmentNum = AssessmentNum;
-        connection_.execute(statements::InsertTopic(record.Topic, AssessmentNum));
-        record.MappedTopicID = largest.now();
-        newTopicIds_.insert(record.OldTopicID, record.MappedTopicID);
-    }
+        return record;
+    });
 }
 
-void PackageImport::LoadImportSubTopics(std::int32_t AssessmentNum, const QString& file)
+void LoadImportSubTopics(Package& package, const QString& file, TextEncoding encoding)
 {
-    ImportSubTopics.clear();
-    newSubTopicIds_.clear();
-    SubtopicsImported = 0;
-    LargestKey largest(connection_, statements::SelectMaxSubTopicNum(), "maxvalue");
-    FieldReader reader(file, encoding);
-    while (!reader.atEnd()) {
-        ImportSubTopicRecord& record = ImportSubTopics.append({});
-        SubtopicsImported = toInt16(ImportSubTopics.upperBound());
+    readList(package.ImportSubTopics, file, encoding, [](FieldReader& reader) {
+        ImportSubTopicRecord record;
         record.OldTopicID = reader.number();
         record.SubTopic = reader.text();
         record.OldSubTopicNum = reader.number();
-        record.AssessmentNum = AssessmentNum;
-        record.MappedTopicID = GetNewTopicID(record.OldTopicID);
-        connection_.execute(
-            statements::InsertSubtopic(record.MappedTopicID, record.SubTopic, AssessmentNum));
-        record.MappedSubTopicNum = largest.now();
-        newSubTopicIds_.insert(record.OldSubTopicNum, record.MappedSubTopicNum);
-    }
+        return record;
+    });
 }
 
-void PackageImport::LoadImportQuestions(std::int32_t AssessmentNum, const QString& file)
+void LoadImportQuestions(Package& package, const QString& file, TextEncoding encoding)
 {
-    ImportQuestions.clear();
-    placedPictures_ = 0;
-    QuestionsImported = 0;
-    LargestKey largest(connection_, statements::SelectMaxSOLIndex(), "maxvalue");
-    FieldReader reader(file, encoding);
-    while (!reader.atEnd()) {
-        ImportQuestionRecord& record = ImportQuestions.append({});
-        QuestionsImported = toInt16(ImportQuestions.upperBound());
+    readList(package.ImportQuestions, file, encoding, [](FieldReader& reader) {
+        ImportQuestionRecord record;
         record.OldSOLIndex = reader.number();
         record.OldTopicID = reader.number();
         record.Answer = reader.text();
         record.OldSubTopicNum = reader.number();
-        record.AssessmentNum = AssessmentNum;
-        record.MappedTopicID = GetNewTopicID(record.OldTopicID);
-        record.MappedSubTopicNum = GetNewSubTopicID(record.OldSubTopicNum);
-        connection_.execute(statements::InsertQuestion(record.MappedTopicID, record.Answer,
-                                                       AssessmentNum, record.MappedSubTopicNum));
-        record.MappedSOLIndex = largest.now();
-        placePicture(record);
-        if (questionProgress) {
-            questionProgress(reader.position(), reader.size());
-        }
+        return record;
+    });
+}
+
+/// Positions in the plan by the package's keys.
+class NewKeys
+{
+public:
+    /// The next position is that key's.
+    void append(std::int32_t oldKey) { positions_.insert(oldKey, next_++); }
+
+    [[nodiscard]] std::optional<std::size_t> find(std::int32_t oldKey) const
+    {
+        const auto found = positions_.constFind(oldKey);
+        return found == positions_.constEnd() ? std::nullopt : std::optional(*found);
+    }
+
+private:
+    QHash<std::int32_t, std::size_t> positions_;
+    std::size_t next_ = 0;
+};
+
+} // namespace
+
+std::optional<QString> GetAssessmentInfo(const QString& strFile, TextEncoding encoding)
+{
+    try {
+        return FieldReader(strFile, encoding).text();
+    } catch (const Error&) {
+        return std::nullopt;
     }
 }
 
-QString PackageImport::inLibrary(const ImportQuestionRecord& question) const
+Package ReadPackage(const QString& folder, TextEncoding encoding)
 {
-    return pictureFolder_ + u'/' + pictureMember(question.MappedSOLIndex);
+    const auto in = [&](const QString& file) { return folder + u'/' + file; };
+    Package package;
+    package.AssessmentName = GetAssessmentInfo(in(assessmentInfoFile), encoding);
+    if (package.AssessmentName.value_or(QString()).isEmpty()) {
+        return package;
+    }
+    try {
+        LoadImportTopics(package, in(topicsFile), encoding);
+        LoadImportSubTopics(package, in(subTopicsFile), encoding);
+        LoadImportQuestions(package, in(questionsFile), encoding);
+    } catch (const Error& error) {
+        package.defect = error.message();
+    }
+    return package;
 }
 
-void PackageImport::placePicture(const ImportQuestionRecord& question)
+ImportPlan PlanImport(const Package& package, const QString& name)
 {
-    const QString source = inWorkFolder(pictureMember(question.OldSOLIndex));
-    const QString target = inLibrary(question);
+    ImportPlan plan;
+    plan.AssessmentName = name;
+    plan.defect = package.defect;
+    NewKeys topics;
+    for (const ImportTopicRecord& record : package.ImportTopics) {
+        topics.append(record.OldTopicID);
+        plan.topics.push_back({record.Topic});
+    }
+    const auto GetNewTopicID = [&](std::int32_t intOldID) { return topics.find(intOldID); };
+    NewKeys subtopics;
+    for (const ImportSubTopicRecord& record : package.ImportSubTopics) {
+        subtopics.append(record.OldSubTopicNum);
+        plan.subtopics.push_back({GetNewTopicID(record.OldTopicID), record.SubTopic});
+    }
+    const auto GetNewSubTopicID = [&](std::int32_t intOldID) { return subtopics.find(intOldID); };
+    for (const ImportQuestionRecord& record : package.ImportQuestions) {
+        plan.questions.push_back({GetNewTopicID(record.OldTopicID),
+                                  GetNewSubTopicID(record.OldSubTopicNum), record.Answer});
+    }
+    return plan;
+}
+
+PackageImport::PackageImport(Library& library, ExchangeProgress progress)
+    : library_(library)
+    , progress_(std::move(progress))
+    , workFolder_(library.programFolder(), QStringLiteral("Import"))
+    , pictureFolder_(QFileInfo(NewPictureFile(library.programFolder(), 1)).path())
+{
+    workFolder_.empty();
+}
+
+Package PackageImport::read(const QString& archivePath)
+{
+    workFolder_.requireEmpty();
+    cZip zip;
+    zip.setZipFileName(archivePath);
+    zip.members = Members::OfPackage;
+    zip.progress = progress_;
+    zip.UnzipToFolder(workFolder_.path());
+    bytesLeft_ = zip.bytesLeft;
+    return ReadPackage(workFolder_.path(), zip.comment() == utf8Comment
+                                               ? TextEncoding::Utf8
+                                               : TextEncoding::Windows1252);
+}
+
+bool PackageImport::CheckAssessmentName(const QString& strAssessment)
+{
+    return !library_.connection().read(statements::SelectAssessmentsNamed(strAssessment)).next();
+}
+
+QString PackageImport::inLibrary(std::int32_t SOLIndex) const
+{
+    return pictureFolder_ + u'/' + pictureMember(SOLIndex);
+}
+
+void PackageImport::placePicture(const Package& package, std::size_t question,
+                                 std::int32_t SOLIndex)
+{
+    const auto oldKey = [&](std::size_t i) {
+        return package.ImportQuestions(static_cast<int>(i) + 1).OldSOLIndex;
+    };
+    const std::int32_t OldSOLIndex = oldKey(question);
+    const QString source = workFolder_.file(pictureMember(OldSOLIndex));
+    const QString target = inLibrary(SOLIndex);
     const std::error_code error = MoveFile(native(source), native(target));
     // It may have gone with an earlier question of that key: each gets its own bytes.
-    const auto twin = error ? std::find_if(ImportQuestions.begin(), ImportQuestions.end(),
-                                           [&](const ImportQuestionRecord& earlier) {
-                                               return earlier.OldSOLIndex == question.OldSOLIndex;
-                                           })
-                            : ImportQuestions.end();
-    if (error && &*twin != &question) {
-        copyPicture(inLibrary(*twin), target);
+    std::size_t twin = error ? 0 : question;
+    while (twin < question && oldKey(twin) != OldSOLIndex) {
+        ++twin;
+    }
+    if (twin < question) {
+        copyPicture(inLibrary(placed_.at(twin)), target);
     } else {
         check(error, source, target);
     }
-    ++placedPictures_;
+    placed_.push_back(SOLIndex);
 }
 
 void PackageImport::copyPicture(const QString& from, const QString& to)
@@ -221,167 +237,70 @@ void PackageImport::copyPicture(const QString& from, const QString& to)
     check(PlaceFile(native(from), native(to), Placing::Copy), from, to);
 }
 
-void PackageImport::returnPictures(bool libraryKeepsThem)
+void PackageImport::syncPictures()
 {
-    for (int i = 1; i <= placedPictures_; ++i) {
-        const ImportQuestionRecord& question = ImportQuestions(i);
-        const auto picture = native(inWorkFolder(pictureMember(question.OldSOLIndex)));
-        const auto placed = native(inLibrary(question));
+    if (placed_.empty()) {
+        return;
+    }
+    std::vector<std::filesystem::path> pictures;
+    for (const std::int32_t key : placed_) {
+        pictures.push_back(native(inLibrary(key)));
+    }
+    const std::error_code error = InBackground(
+        [&] { return SyncFiles(pictures); }, [this] { progress_(ExchangeWork::Importing, 1, 1); });
+    if (error) {
+        throw DiskError(QStringLiteral("The pictures could not be put on the disk (%1).")
+                            .arg(QString::fromStdString(error.message())));
+    }
+}
+
+void PackageImport::returnPictures(const Package& package, bool libraryKeepsThem)
+{
+    int question = 0;
+    for (const std::int32_t key : placed_) {
+        const QString member = pictureMember(package.ImportQuestions(++question).OldSOLIndex);
+        const auto picture = native(workFolder_.file(member));
+        const auto placed = native(inLibrary(key));
         // Should that fail: it was on offer only, the package still has it.
         static_cast<void>(libraryKeepsThem ? PlaceFile(placed, picture, Placing::MayShare)
                                            : MoveFile(placed, picture));
     }
-    placedPictures_ = 0;
+    placed_.clear();
 }
 
-std::int32_t PackageImport::GetNewTopicID(std::int32_t intOldID) const
+ImportResult PackageImport::apply(const Package& package, const ImportPlan& plan)
 {
-    return newTopicIds_.value(intOldID, 0);
-}
-
-std::int32_t PackageImport::GetNewSubTopicID(std::int32_t intOldID) const
-{
-    return newSubTopicIds_.value(intOldID, 0);
-}
-
-void PackageImport::reportFailure(WorkView& view, const std::exception& failure)
-{
-    if (const auto* error = dynamic_cast<const Error*>(&failure)) {
-        view.explain(error->message());
-    }
-    services_.messageBoxes->inform(QStringLiteral("Import Error"),
-                                   QStringLiteral("There was an error importing the file."));
-}
-
-void PackageImport::unpack(const WorkFolder& workFolder, WorkView& view, const QString& archivePath)
-{
-    const BusyStretch busy(view);
-    workFolder.requireEmpty();
-    cZip zip(*services_.messageBoxes);
-    zip.setZipFileName(archivePath);
-    zip.members = Members::OfPackage;
-    zip.unzipProgress = [&view](int member, int members) {
-        view.progress(QStringLiteral("Unpacking: "), member, members);
-    };
-    zip.UnzipToFolder(workFolder.path());
-    bytesLeft_ = zip.bytesLeft;
-    encoding = zip.comment() == utf8Comment ? TextEncoding::Utf8 : TextEncoding::Windows1252;
-}
-
-QString PackageImport::askForName(QString name)
-{
-    const QString title = QStringLiteral("Assessment Name");
-    MessageBoxes& messages = *services_.messageBoxes;
-    name = messages
-               .inputText(title, QStringLiteral("What do you want to call the import assessment?"),
-                          name)
-               .trimmed();
-    while (!name.isEmpty() && !CheckAssessmentName(name)) {
-        name = messages
-                   .inputText(title,
-                              QStringLiteral("That assessment name already exists.  Please enter "
-                                             "another assessment name."),
-                              name)
-                   .trimmed();
-    }
-    return name;
-}
-
-void PackageImport::loadLists(WorkView& view, std::int32_t assessmentNum)
-{
-    const BusyStretch busy(view);
-    const QString importing = QStringLiteral("Importing: ");
-    questionProgress = [&view, importing](std::int64_t done, std::int64_t all) {
-        view.progress(importing, done, all);
-    };
-    LoadImportTopics(assessmentNum, inWorkFolder(topicsFile));
-    LoadImportSubTopics(assessmentNum, inWorkFolder(subTopicsFile));
-    LoadImportQuestions(assessmentNum, inWorkFolder(questionsFile));
-    if (placedPictures_ > 0) {
-        std::vector<std::filesystem::path> placed;
-        for (int i = 1; i <= placedPictures_; ++i) {
-            placed.push_back(native(inLibrary(ImportQuestions(i))));
+    bool diskFailed = false;
+    const auto watched = [&](const auto& step) {
+        try {
+            step();
+        } catch (const DiskError&) {
+            diskFailed = true;
+            throw;
         }
-        const std::error_code error = InBackground([&] { return SyncFiles(placed); },
-                                                   [&] { view.progress(importing, 1, 1); });
-        if (error) {
-            throw DiskError(QStringLiteral("The pictures could not be put on the disk (%1).")
-                                .arg(QString::fromStdString(error.message())));
-        }
-    }
-}
-
-bool PackageImport::insertAll(WorkView& view, const QString& name)
-{
-    placedPictures_ = 0;
-    Transaction transaction(connection_);
-    std::int32_t assessmentNum = 0;
+    };
+    ImportSteps steps;
+    steps.placePicture = [&](std::size_t question, std::int32_t SOLIndex) {
+        watched([&] { placePicture(package, question, SOLIndex); });
+    };
+    steps.syncPictures = [&] { watched([&] { syncPictures(); }); };
+    steps.progress = [this](std::size_t done, std::size_t all) {
+        progress_(ExchangeWork::Importing, static_cast<std::int64_t>(done),
+                  static_cast<std::int64_t>(all));
+    };
+    placed_.clear();
+    ImportResult result;
     try {
-        assessmentNum = AddAssessment(name);
+        result = library_.apply(plan, steps);
+    } catch (const ImportFailure& failure) {
+        returnPictures(package, failure.rowsStay && !diskFailed);
+        throw;
     } catch (...) {
-        transaction.commit();
+        returnPictures(package, false);
         throw;
     }
-    try {
-        loadLists(view, assessmentNum);
-        transaction.commit();
-    } catch (const std::exception& failure) {
-        reportFailure(view, failure);
-        bool rowsStay = false;
-        try {
-            connection_.execute(statements::DeleteAssessment(assessmentNum));
-            transaction.commit();
-            rowsStay = true;
-        } catch (const Error&) {
-            // The rows went with the transaction.
-        }
-        const BusyStretch busy(view);
-        returnPictures(rowsStay && !dynamic_cast<const DiskError*>(&failure));
-        return false;
-    }
-    connection_.settle();
-    services_.messageBoxes->inform(QStringLiteral("Import Complete"),
-                                   QStringLiteral("Import was successful.\r\n\r\n"
-                                                  "Topics Imported: %1\r\n"
-                                                  "Subtopics Imported: %2\r\n"
-                                                  "Questions Imported: %3")
-                                       .arg(TopicsImported)
-                                       .arg(SubtopicsImported)
-                                       .arg(QuestionsImported));
-    return true;
-}
-
-void PackageImport::runIn(const WorkFolder& workFolder, WorkView& view, QString archivePath)
-{
-    workFolder.empty();
-    if (archivePath.isEmpty()) {
-        archivePath = services_.fileDialogs->openFile(QStringLiteral("Zip Files (*.zip)"))
-                          .value_or(QString());
-    }
-    if (archivePath.isEmpty()) {
-        return;
-    }
-    unpack(workFolder, view, archivePath);
-    view.hideBar();
-    QString name = GetAssessmentInfo(workFolder.file(assessmentInfoFile));
-    if (!name.isEmpty()) {
-        name = askForName(name);
-    }
-    if (name.isEmpty() || insertAll(view, name)) {
-        workFolder.empty();
-    }
-}
-
-void PackageImport::run(WorkView& view, const QString& archivePath)
-{
-    view.explain({});
-    try {
-        const WorkFolder workFolder(services_.programFolder, QStringLiteral("Import"));
-        runIn(workFolder, view, archivePath);
-    } catch (const std::exception& failure) {
-        reportFailure(view, failure);
-    }
-    view.hideBar();
+    library_.connection().settle();
+    return result;
 }
 
 } // namespace varnholt

@@ -37,6 +37,9 @@ struct ImportPlan
     std::vector<ImportedTopic> topics;
     std::vector<ImportedSubtopic> subtopics;
     std::vector<ImportedQuestion> questions;
+    /// Why the package could be read no further than to these rows, a sentence; empty when they are
+    /// all. They are added, and then the import fails with it.
+    QString defect;
 };
 
 /// The outside world during an import, all of it optional but `placePicture`.

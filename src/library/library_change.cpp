@@ -82,9 +82,11 @@ void Library::Change::finish()
         change.items.push_back(row.item);
     }
     for (const Expected& expected : expected_) {
-        const std::int64_t last = largestKey(library_.connection_, expected.kind);
-        for (std::int64_t key = expected.largestKey + 1; key <= last; ++key) {
-            change.items.push_back({expected.kind, static_cast<std::int32_t>(key)});
+        Statement added(library_.connection_,
+                        plus_statements::SelectKeysAbove(static_cast<int>(expected.kind)));
+        added.bind(1, expected.largestKey);
+        while (added.next()) {
+            change.items.push_back({expected.kind, static_cast<std::int32_t>(added.integer(0))});
         }
     }
     transaction_.commit();

@@ -4,11 +4,16 @@
 #include "store/plus_statements.h"
 #include "store/statements.h"
 
+#include <QCoreApplication>
+
+#include <limits>
+
 namespace varnholt {
 
 namespace {
 
-/// The largest key of a table, asked again and again: the newest row's.
+/// The largest key of a table, asked again and again: the newest row's. Making the statement ready
+/// costs more than running it, so it is kept.
 class LargestKey
 {
 public:
@@ -18,11 +23,16 @@ public:
 
     [[nodiscard]] std::int32_t now()
     {
-        std::int32_t key = 0;
+        std::int64_t key = 0;
         while (statement_.next()) {
-            key = static_cast<std::int32_t>(statement_.integer(0));
+            key = statement_.integer(0);
         }
-        return key;
+        if (key > std::numeric_limits<std::int32_t>::max()) {
+            throw DatabaseError(
+                QCoreApplication::translate("Library", "The number %1 is too large for a key.")
+                    .arg(key));
+        }
+        return static_cast<std::int32_t>(key);
     }
 
 private:
@@ -73,6 +83,9 @@ void Library::addImportedRows(const ImportPlan& plan, const ImportSteps& steps,
         steps.placePicture(i, questionKey.now());
         goOn();
     }
+    if (!plan.defect.isEmpty()) {
+        throw Error(plan.defect);
+    }
     if (steps.syncPictures) {
         steps.syncPictures();
     }
@@ -81,13 +94,19 @@ void Library::addImportedRows(const ImportPlan& plan, const ImportSteps& steps,
 ImportResult Library::apply(const ImportPlan& plan, const ImportSteps& steps)
 {
     Change change(*this);
-    for (const ItemKind kind :
-         {ItemKind::Assessment, ItemKind::Topic, ItemKind::Subtopic, ItemKind::Question}) {
+    for (const ItemKind kind : {ItemKind::Topic, ItemKind::Subtopic, ItemKind::Question}) {
         change.expect(kind);
     }
     connection_.execute(statements::InsertAssessment(plan.AssessmentName));
-    const std::int32_t assessmentNum =
-        LargestKey(connection_, statements::SelectMaxAssessmentNum()).now();
+    std::int32_t assessmentNum = 0;
+    try {
+        assessmentNum = LargestKey(connection_, statements::SelectMaxAssessmentNum()).now();
+    } catch (const Error& failure) {
+        // Without a key it cannot be deleted again.
+        change.commitUnrecorded();
+        throw ImportFailure(failure.message(), true);
+    }
+    change.add({ItemKind::Assessment, assessmentNum});
     try {
         addImportedRows(plan, steps, assessmentNum);
     } catch (const Cancelled&) {

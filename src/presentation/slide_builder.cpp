@@ -153,6 +153,7 @@ void finishQuietly(PresentationProgram& program)
     try {
         program.finish();
     } catch (const Error&) {
+    } catch (const Cancelled&) {
     }
 }
 

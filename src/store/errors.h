@@ -49,12 +49,10 @@ public:
 };
 
 /// The user asked to stop; nothing went wrong and nothing needs to be reported.
-class Cancelled : public Error
+class Cancelled : public std::exception
 {
 public:
-    Cancelled()
-        : Error(QStringLiteral("Cancelled."))
-    {}
+    [[nodiscard]] const char* what() const noexcept override { return "Cancelled."; }
 };
 
 /// The one conversion to the 16-bit values that some handlers keep keys in.

@@ -102,6 +102,14 @@ const char* SelectLargestKey(int kind)
                          "SELECT coalesce(max(SOLIndex), 0) FROM Questions"});
 }
 
+const char* SelectKeysAbove(int kind)
+{
+    return ofKind(kind, {"SELECT AssessmentNum" FROM_ASSESSMENTS "> ?1 ORDER BY 1",
+                         "SELECT TopicID" FROM_TOPICS "> ?1 ORDER BY 1",
+                         "SELECT SubtopicNum" FROM_SUBTOPICS "> ?1 ORDER BY 1",
+                         "SELECT SOLIndex" FROM_QUESTIONS "> ?1 ORDER BY 1"});
+}
+
 const char* SelectPlace(int kind)
 {
     return ofKind(kind, {"SELECT 0, 0, 0" FROM_ASSESSMENTS "= ?1",

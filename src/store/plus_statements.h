@@ -30,6 +30,8 @@ inline constexpr char UpdateVersion[] = "UPDATE PlusInfo SET Version = ?1";
 [[nodiscard]] const char* UpdateName(int kind);
 /// The largest key, 0 without rows.
 [[nodiscard]] const char* SelectLargestKey(int kind);
+/// ?1 key: the larger ones, ascending.
+[[nodiscard]] const char* SelectKeysAbove(int kind);
 /// ?1 key: AssessmentNum, TopicID and SubtopicNum that the row stands under, 0 where its kind
 /// knows none.
 [[nodiscard]] const char* SelectPlace(int kind);

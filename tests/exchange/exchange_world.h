@@ -1,8 +1,6 @@
 #pragma once
 
-#include "exchange/progress_label.h"
-#include "exchange/work_view.h"
-#include "store/library_file.h"
+#include "library/Library.h"
 #include "support/file_size_limit.h"
 #include "support/test_services.h"
 
@@ -16,43 +14,6 @@
 #include <cstdio>
 
 namespace varnholt::test {
-
-class FakeLabel : public ProgressLabel
-{
-public:
-    std::vector<float> widths{200};
-    QStringList captions;
-    int events = 0;
-
-    [[nodiscard]] float width() const override { return widths.back(); }
-    void setWidth(float width) override { widths.push_back(width); }
-    void setCaption(const QString& caption) override { captions.append(caption); }
-    void processEvents() override { ++events; }
-};
-
-/// Notes what a run shows, in order; progress only by what it is about.
-class FakeView : public WorkView
-{
-public:
-    QStringList calls;
-    QString reason;
-    FakeLabel back;
-    FakeLabel face;
-
-    void beginWork() override { calls.append(QStringLiteral("begin")); }
-    void endWork() override { calls.append(QStringLiteral("end")); }
-    void showBar() override { calls.append(QStringLiteral("show")); }
-    void hideBar() override { calls.append(QStringLiteral("hide")); }
-    ProgressLabel& backLabel() override { return back; }
-    ProgressLabel& faceLabel() override { return face; }
-    void progress(const QString& what, std::int64_t, std::int64_t) override
-    {
-        if (!calls.contains(what)) {
-            calls.append(what);
-        }
-    }
-    void explain(const QString& why) override { reason = why; }
-};
 
 inline void writeFile(const QString& path, const QByteArray& bytes)
 {
@@ -106,9 +67,10 @@ inline QString runCommand(const QString& command, const QString& folder)
 struct ExchangeWorld : TestWorld
 {
     QTemporaryDir packages;
-    FakeView view;
+    Library opened{library.folder(), clock};
+    Connection& connection = opened.connection();
 
-    ExchangeWorld() { OpenLibraryDatabase(connection, library.folder()); }
+    ExchangeWorld() { opened.open(); }
 
     [[nodiscard]] QString package(const QString& name = QStringLiteral("p.zip")) const
     {

@@ -30,7 +30,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
     }
     void openExport() { open(std::make_unique<frmExport>(services, state, connection)); }
-    void openImport() { open(std::make_unique<frmImport>(services, connection)); }
+    void openImport() { open(std::make_unique<frmImport>(services, opened)); }
 
     QLabel* label(const char* name) { return control<QLabel>(form.get(), name); }
 

@@ -1,8 +1,12 @@
 #include "exchange/archive_reader.h"
 #include "exchange/exchange_world.h"
+#include "exchange/frmExport.h"
 #include "exchange/package_export.h"
 #include "exchange/package_fields.h"
 #include "store/catalogue.h"
+#include "support/gui.h"
+
+#include <QLabel>
 
 namespace varnholt {
 namespace {
@@ -34,10 +38,15 @@ protected:
         return library.folder() + QStringLiteral("/Export/") + QLatin1String(file);
     }
 
-    PackageExport::End run()
+    /// True when the window stays open.
+    bool run()
     {
-        view.calls.clear();
-        return PackageExport(services, state, QStringLiteral("Algebra/1")).run(view);
+        frmExport form(services, state, connection);
+        form.show();
+        form.cmdExport_Click();
+        EXPECT_FALSE(control<QLabel>(&form, "lblBack")->isVisible());
+        reason = control<QLabel>(&form, "lblReason")->text();
+        return form.isVisible();
     }
 
     void expectSuccess(const QString& path)
@@ -60,6 +69,7 @@ protected:
     std::int32_t second = 0;
     QString inUpperCase;
     QString comment;
+    QString reason;
     std::string members;
 };
 
@@ -70,19 +80,15 @@ TEST_F(Export, WritesThePackageAndCleansUp)
     const QByteArray picture = readFile(inUpperCase);
     expectSuccess(package());
     messages.beforeAnswer = [this] {
-        view.calls.append(QStringLiteral("message"));
         EXPECT_EQ(listing(work()), QStringLiteral("%1.jpg %2.jpg AssessmentInfo.txt questions.txt "
                                                   "subtopics.txt topics.txt")
                                        .arg(first)
                                        .arg(second)
                                        .toStdString());
     };
-    EXPECT_EQ(run(), PackageExport::End::WindowStays);
+    EXPECT_TRUE(run());
 
     EXPECT_EQ(files.calls.at(0), QStringLiteral("save Zip Files (*.zip)|Algebra-1"));
-    EXPECT_EQ(view.calls.join(u' ').toStdString(),
-              "begin Collecting:  end hide begin show end message hide");
-    EXPECT_EQ(view.face.captions.join(u' ').toStdString(), "16% 33% 50% 66% 83% 100%");
     EXPECT_EQ(listing(work()), "");
     EXPECT_EQ(contents("topics.txt"), QStringLiteral("1,\"Adding, subtracting\"\r\n"));
     EXPECT_EQ(contents("subtopics.txt"), QStringLiteral("1,\"Fractions\",1\r\n"));
@@ -97,7 +103,6 @@ TEST_F(Export, WritesThePackageAndCleansUp)
 TEST_F(Export, TextsBeyondTheCodePageMakeTheWholePackageUtf8)
 {
     library.sql(QStringLiteral("UPDATE SubTopics SET SubTopic = 'π ≤ 漢字'"));
-    LoadCurrentAssessment(state, connection, messages);
     expectSuccess(package());
     run();
     EXPECT_EQ(contents("subtopics.txt").toLatin1(), "\xef\xbb\xbf"
@@ -138,8 +143,8 @@ TEST_F(Export, WhatNobodyCanImportIsToldBeforehand)
 
 TEST_F(Export, EmptyAssessmentIsFourTextFiles)
 {
-    state.CurrentAssessmentNum = library.addAssessment(QStringLiteral("Empty"));
-    LoadCurrentAssessment(state, connection, messages);
+    library.sql(QStringLiteral("UPDATE Assessments SET Available = 0"));
+    library.addAssessment(QStringLiteral("Empty"));
     // Saved into the work folder, the package is what the user wanted, not a leftover.
     expectSuccess(work("mine"));
     run();
@@ -153,8 +158,7 @@ TEST_F(Export, FailuresEndAsDescribed)
 {
     // Cancelled: silent, and the work folder stays.
     files.answers.emplace_back(std::nullopt);
-    EXPECT_EQ(run(), PackageExport::End::WindowStays);
-    EXPECT_EQ(view.calls.back(), QStringLiteral("hide"));
+    EXPECT_TRUE(run());
     EXPECT_NE(listing(work()), "");
 
     // The packing has told; no success, and the work folder is emptied.
@@ -164,7 +168,7 @@ TEST_F(Export, FailuresEndAsDescribed)
     run();
     EXPECT_EQ(listing(work()), "");
 
-    EXPECT_TRUE(view.reason.contains(QStringLiteral("No such file or directory")));
+    EXPECT_TRUE(reason.contains(QStringLiteral("No such file or directory")));
 
     // Nothing of the library is overwritten, whichever way leads there.
     const QString link = packages.filePath(QStringLiteral("link"));
@@ -175,7 +179,7 @@ TEST_F(Export, FailuresEndAsDescribed)
         files.answers.emplace_back(link + QLatin1String(target));
         expect("Export Error", "There was an error creating this export file.");
         run();
-        EXPECT_TRUE(view.reason.contains(QStringLiteral("harm"))) << target;
+        EXPECT_TRUE(reason.contains(QStringLiteral("harm"))) << target;
     }
     EXPECT_EQ(listing(library.folder() + QStringLiteral("/Files")), sound);
 
@@ -183,23 +187,22 @@ TEST_F(Export, FailuresEndAsDescribed)
     QFile::remove(library.picturePath(second));
     files.calls.clear();
     expectMissingPicture();
-    EXPECT_EQ(run(), PackageExport::End::WindowCloses);
+    EXPECT_FALSE(run());
     EXPECT_TRUE(files.calls.empty());
-    EXPECT_TRUE(view.reason.contains(library.picturePath(second)));
+    EXPECT_TRUE(reason.contains(library.picturePath(second)));
     EXPECT_EQ(listing(work()), "1.jpg AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
 
     // No place for the text files.
     QDir(work()).removeRecursively();
     writeFile(work().chopped(1), "a file in the way");
     expect("Export Error", "There was an error creating this export file.");
-    EXPECT_EQ(run(), PackageExport::End::WindowStays);
-    EXPECT_EQ(view.calls.back(), QStringLiteral("hide"));
+    EXPECT_TRUE(run());
 
     // The list of assessments.
     connection.close();
     expect("Varnholt", "The question library is not open.");
     expect("Database Error", "There was an error loading the assessments.");
-    LoadAssessmentInfo(state, connection, messages);
+    const frmExport form(services, state, connection);
     EXPECT_TRUE(state.AssessmentList.isEmpty());
 }
 

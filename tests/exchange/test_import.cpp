@@ -1,9 +1,11 @@
 #include "exchange/WorkFolder.h"
 #include "exchange/exchange_world.h"
-#include "exchange/package_export.h"
-#include "exchange/package_import.h"
+#include "exchange/frmExport.h"
+#include "exchange/frmImport.h"
 #include "exchange/zip_maker.h"
-#include "store/catalogue.h"
+#include "support/gui.h"
+
+#include <QLabel>
 
 #include <sys/stat.h>
 #ifndef Q_OS_WIN
@@ -49,12 +51,15 @@ using namespace test;
 class Import : public testing::Test, protected ExchangeWorld
 {
 protected:
-    void run()
+    void run(const std::optional<QString>& chosen)
     {
-        files.answers.emplace_back(package());
-        PackageImport(services, connection).run(view);
+        files.answers.emplace_back(chosen);
+        frmImport form(services, opened);
+        form.cmdImport_Click();
+        reason = control<QLabel>(&form, "lblReason")->text();
         messages.verify();
     }
+    void run() { run(package()); }
 
     /// The usual package is imported under the name "P"; or that fails.
     void runSound(bool works)
@@ -63,6 +68,8 @@ protected:
         works ? expectImported(1, 1, 2) : expectImportError();
         run();
     }
+
+    QString reason;
 
     /// What is in a folder of the program's.
     [[nodiscard]] std::string in(const char* folder) const
@@ -104,14 +111,13 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
 {
     ExchangeWorld source;
     const QString name = QStringLiteral("Algebra – π");
-    const auto assessment = source.library.addGenerated(name, 10, 10, 50, true);
+    source.library.addGenerated(name, 10, 10, 50, true);
     source.library.sql(QStringLiteral(
         "UPDATE Topics SET Topic = char(65279) || 'Commas, and 漢字' WHERE TopicID = 3;"
         "UPDATE Questions SET Answer = 'two' || char(13,10) || 'lines' WHERE SOLIndex = 5;"
         "UPDATE Questions SET TopicID = 999 WHERE SOLIndex = 6;"
         "UPDATE Questions SET Available = 0 WHERE SOLIndex = 7;"));
-    source.state.CurrentAssessmentNum = assessment;
-    LoadCurrentAssessment(source.state, source.connection, source.messages);
+    frmExport form(source.services, source.state, source.connection);
     for (const mode_t bad : badDisks) {
         // Neither the bytes of the package nor its name may be lost with the power.
         badDisk = bad;
@@ -119,8 +125,11 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
         bad ? source.expect("Export Error",
                             "There is a problem creating this export file.  Please try again.")
             : source.expect("Export Complete", "Export was successful.");
-        PackageExport(source.services, source.state, name).run(source.view);
-        EXPECT_EQ(source.view.reason.contains(QStringLiteral("(Input/output error)")), bad != 0);
+        form.cmdExport_Click();
+        EXPECT_EQ(control<QLabel>(&form, "lblReason")
+                      ->text()
+                      .contains(QStringLiteral("(Input/output error)")),
+                  bad != 0);
     }
     library.addGenerated(QStringLiteral("Mine"), 2, 2, 2, true);
 
@@ -135,7 +144,13 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
               source.content(name).join(u'\n').toStdString());
     EXPECT_EQ(visible(), QStringLiteral("Mine,") + name);
     EXPECT_EQ(in("Import"), "");
-    EXPECT_TRUE(view.calls.contains(QStringLiteral("Importing: ")));
+
+    // An import is one step.
+    EXPECT_EQ(opened.undo().result, UndoOutcome::Result::Done);
+    EXPECT_EQ(visible(), QStringLiteral("Mine"));
+    EXPECT_EQ(opened.redo().result, UndoOutcome::Result::Done);
+    EXPECT_EQ(content(name).join(u'\n').toStdString(),
+              source.content(name).join(u'\n').toStdString());
 }
 
 TEST_F(Import, NameIsAskedUntilItIsFree)
@@ -164,8 +179,7 @@ TEST_F(Import, NameIsAskedUntilItIsFree)
     expectNameQuestion(QStringLiteral("P"), QStringLiteral("  "));
     run();
     EXPECT_EQ(in("Import"), "");
-    files.answers.emplace_back(std::nullopt);
-    PackageImport(services, connection).run(view);
+    run(std::nullopt);
     EXPECT_EQ(count("Assessments"), 3);
 
     // A name that no statement can hold.
@@ -238,8 +252,8 @@ TEST_P(Packages, AreImportedOrRefusedWhole)
               result == Package::Imported ? QStringLiteral("Mine,P") : QStringLiteral("Mine"));
     EXPECT_EQ(count("Assessments"), tried ? 2 : 1);
     EXPECT_EQ(in("Import") == "", result != Package::Failed);
-    EXPECT_EQ(view.reason.isEmpty(), result != Package::Failed && result != Package::NotUnpacked)
-        << view.reason.toStdString();
+    EXPECT_EQ(reason.isEmpty(), result != Package::Failed && result != Package::NotUnpacked)
+        << reason.toStdString();
     if (result == Package::Imported && counts[2] > 0) {
         EXPECT_TRUE(content(QStringLiteral("P")).last().contains(QString::fromUtf8(references)));
     }
@@ -335,10 +349,7 @@ TEST_F(Import, TwoQuestionsWithOnePictureGetTheirOwnBytes)
 TEST_F(Import, WorkFolderIsOneRunsOwnAndKeepsWhatIsNotOfAPackage)
 {
     const QString folder = library.folder() + QStringLiteral("/Import");
-    const auto cancel = [this] {
-        files.answers.emplace_back(std::nullopt);
-        PackageImport(services, connection).run(view);
-    };
+    const auto cancel = [this] { run(std::nullopt); };
     writeFile(package(QStringLiteral("1.jpg")), "a photo");
     QFile::link(packages.path(), folder);
     cancel();
@@ -354,8 +365,8 @@ TEST_F(Import, WorkFolderIsOneRunsOwnAndKeepsWhatIsNotOfAPackage)
     {
         const WorkFolder another(library.folder(), QStringLiteral("Import"));
         expectImportError();
-        PackageImport(services, connection).run(view);
-        EXPECT_TRUE(view.reason.contains(QStringLiteral("Another program")));
+        run();
+        EXPECT_TRUE(reason.contains(QStringLiteral("Another program")));
     }
     writeFile(package(), makeZip(soundPackage({{"notes.txt", "theirs"}})));
     runSound(true);
@@ -369,7 +380,6 @@ TEST_F(Import, WhatIsNoArchiveLeavesEverything)
     expectImportError();
     run();
     EXPECT_EQ(count("Assessments"), 0);
-    EXPECT_EQ(view.calls.last(), QStringLiteral("hide"));
 }
 
 TEST_F(Import, DatabaseFailuresSoftDeleteOrLeaveNothing)

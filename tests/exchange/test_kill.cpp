@@ -30,39 +30,35 @@ constexpr std::int32_t workedOn = 2;
 class AnyMessages : public MessageBoxes
 {
 public:
-    void inform(const QString& title, const QString&) override { last = title; }
+    void inform(const QString&, const QString&) override {}
     bool yesNo(const QString&, const QString&, Answer) override { return true; }
     QString inputText(const QString&, const QString&, const QString& text) override
     {
         return text + QString::number(QRandomGenerator::global()->generate());
     }
-
-    QString last;
 };
 
 /// What an operation is given: services that agree, and a library opened afresh.
 struct Killable
 {
-    Killable(const QString& programFolder, const QString& package, std::int32_t assessment)
-        : library(programFolder, clock)
+    Killable(const QString& programFolder, const QString& thePackage, std::int32_t assessment)
+        : package(thePackage)
+        , library(programFolder, clock)
     {
         services.messageBoxes = &messages;
-        services.fileDialogs = &files;
         services.programFolder = programFolder;
-        files.answers.emplace_back(package);
         library.open();
         state.CurrentAssessmentNum = assessment;
         LoadCurrentAssessment(state, connection, messages);
     }
 
     AnyMessages messages;
-    ScriptedFileDialogs files;
+    QString package;
     Services services;
     ProgramState state;
     FakeClock clock;
     Library library;
     Connection& connection = library.connection();
-    FakeView view;
 };
 
 /// An operation that writes. True when it succeeded.
@@ -76,14 +72,19 @@ struct Operation
 
 bool runImport(Killable& program)
 {
-    PackageImport(program.services, program.connection).run(program.view);
-    return program.messages.last == QStringLiteral("Import Complete");
+    PackageImport import(program.library, [](ExchangeWork, std::int64_t, std::int64_t) {});
+    const Package package = import.read(program.package);
+    const QString name = program.messages.inputText({}, {}, *package.AssessmentName);
+    import.apply(package, PlanImport(package, name));
+    import.cleanUp();
+    return true;
 }
 
 bool runExport(Killable& program)
 {
-    PackageExport(program.services, program.state, QStringLiteral("A")).run(program.view);
-    return program.messages.last == QStringLiteral("Export Complete");
+    PackageExport assessment(program.services.programFolder, program.state, QStringLiteral("A"),
+                             [](ExchangeWork, std::int64_t, std::int64_t) {});
+    return assessment.collect() && !assessment.pack(program.package);
 }
 
 /// Answers tell the filing, so that a question filed by halves shows.
