@@ -9,6 +9,7 @@
 #include "exchange/package_import.h"
 #include "library/Library.h"
 #include "store/catalogue.h"
+#include "store/library_file.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>
@@ -162,9 +163,9 @@ protected:
 
     void expectSound()
     {
-        Connection opened;
-        ASSERT_NO_THROW(OpenLibraryDatabase(opened, library.folder()));
-        opened.close();
+        Connection again;
+        ASSERT_NO_THROW(OpenLibraryDatabase(again, library.folder()));
+        again.close();
         EXPECT_EQ(library.value(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
         for (const QString& name : library.sql(
                  QStringLiteral("SELECT AssessmentName FROM Assessments WHERE Available AND "
