@@ -15,6 +15,7 @@
 #include <QLocale>
 #include <QProgressBar>
 #include <QShortcut>
+#include <QSignalBlocker>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -126,6 +127,8 @@ void frmCheck::buildControls()
     lstFindings_->setRootIsDecorated(false);
     lstFindings_->setUniformRowHeights(true);
     lstFindings_->setAlternatingRowColors(true);
+    // A place is told by its end.
+    lstFindings_->setTextElideMode(Qt::ElideMiddle);
     lstFindings_->header()->setStretchLastSection(false);
     lstFindings_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     lstFindings_->header()->setSectionResizeMode(1, QHeaderView::Interactive);
@@ -240,6 +243,8 @@ void frmCheck::cmdCheckAgain_Click()
 
 void frmCheck::showFindings(int current)
 {
+    // While the list is empty in between the button keeps its place and the focus.
+    const QSignalBlocker quiet(lstFindings_);
     lstFindings_->clear();
     QList<QTreeWidgetItem*> rows;
     for (const Finding& finding : findings_) {
@@ -304,8 +309,26 @@ void frmCheck::cmdRemedy_Click()
         done_ = Done{step->step, row, finding};
     }
     findings_.erase(findings_.begin() + row);
+    if (RemedyFor(finding.kind) == Remedy::RestorePlace) {
+        forgetPlacesBack();
+    }
     lblNote_->say(tr("Done: %1").arg(inWords(RemedyFor(finding.kind)).remove(u'&')) + u'.');
     showFindings(row);
+    if (!cmdRemedy_->isVisibleTo(this)) {
+        lstFindings_->setFocus();
+    }
+}
+
+void frmCheck::forgetPlacesBack()
+{
+    try {
+        std::erase_if(findings_, [this](const Finding& other) {
+            return other.kind == FindingKind::PlaceDeleted &&
+                   library_.planRestore(other.item).nothingToDo;
+        });
+    } catch (const DatabaseError&) {
+        // They stay in the list until the next check.
+    }
 }
 
 void frmCheck::cmdUndo_Click()

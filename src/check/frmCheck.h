@@ -46,6 +46,8 @@ private:
     void cmdRemedy_Click();
     void cmdUndo_Click();
 
+    /// Takes off the list what a restored place has put right as well.
+    void forgetPlacesBack();
     void showFindings(int current);
     void showRemedy();
     [[nodiscard]] int currentRow() const;
