@@ -39,7 +39,7 @@ struct ImportPlan
     std::vector<ImportedQuestion> questions;
     /// Why the package could be read no further than to these rows, a sentence; empty when they are
     /// all. They are added, and then the import fails with it.
-    QString defect;
+    QString defect = {};
 };
 
 /// The outside world during an import, all of it optional but `placePicture`.
