@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTableView>
 
 #include <gtest/gtest.h>
@@ -83,7 +84,9 @@ TEST_F(TrashWindow, BringsBackAndTakesItBackByTheKeyboard)
         const auto shown = table->model()->index(1, 0).data(Qt::DecorationRole).value<QPixmap>();
         return shown.toImage().pixelColor(shown.width() / 2, shown.height() / 2).alpha() == 255;
     };
+    QSignalSpy repainted(table->model(), &QAbstractItemModel::dataChanged);
     EXPECT_TRUE(QTest::qWaitFor(picture, patienceMs));
+    EXPECT_FALSE(repainted.isEmpty());
 
     // Stays where it is on No; comes back with its subtopic on Yes.
     QTest::keyClick(table, Qt::Key_Down);
@@ -112,6 +115,9 @@ TEST_F(TrashWindow, BringsBackAndTakesItBackByTheKeyboard)
     EXPECT_EQ(available(), u"1010011"_s);
     EXPECT_FALSE(table->isVisible());
     EXPECT_EQ(note(), "Question with the answer A4 is back.");
+    owner.deleteQuestion(3);
+    click(window.get(), "cmdUndo");
+    EXPECT_EQ(available(), u"1010001"_s) << "nor what has been done since";
 }
 
 TEST_F(TrashWindow, RestoresManyInOneStepUnderNewNamesButNotWithoutAPlace)
