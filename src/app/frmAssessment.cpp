@@ -128,7 +128,8 @@ void frmAssessment::buildMenu()
     addEntry("mnuTutorial", QStringLiteral("Tutorial &Videos"), &frmAssessment::mnuTutorial_Click);
     addEntry("mnAbout", QStringLiteral("A&bout"), &frmAssessment::mnAbout_Click);
 
-    QMenu* more = menuBar()->addMenu(tr("Mo&re"));
+    // No letter of the word is free in every window, and theirs were there first: F10 leads here.
+    QMenu* more = menuBar()->addMenu(tr("More"));
     more->menuAction()->setObjectName(QStringLiteral("mnuMore"));
     const auto addMore = [this, more](const char* name, const QString& caption,
                                       void (frmAssessment::*handler)()) {
