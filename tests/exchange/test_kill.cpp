@@ -75,7 +75,10 @@ bool runImport(Killable& program)
 {
     PackageImport import(program.library, [](ExchangeWork, std::int64_t, std::int64_t) {});
     const Package package = import.read(program.package);
-    const QString name = program.messages.inputText({}, {}, *package.AssessmentName);
+    QString name = *package.AssessmentName;
+    do {
+        name = program.messages.inputText({}, {}, name);
+    } while (!import.CheckAssessmentName(name));
     import.apply(package, PlanImport(package, name));
     import.cleanUp();
     return true;
