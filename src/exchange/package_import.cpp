@@ -157,6 +157,7 @@ ImportPlan PlanImport(const Package& package, const QString& name)
         plan.subtopics.push_back({GetNewTopicID(record.OldTopicID), record.SubTopic});
     }
     const auto GetNewSubTopicID = [&](std::int32_t intOldID) { return subtopics.find(intOldID); };
+    plan.questions.reserve(static_cast<std::size_t>(package.ImportQuestions.upperBound()));
     for (const ImportQuestionRecord& record : package.ImportQuestions) {
         plan.questions.push_back({GetNewTopicID(record.OldTopicID),
                                   GetNewSubTopicID(record.OldSubTopicNum), record.Answer});
