@@ -243,12 +243,10 @@ void PackageImport::syncPictures()
     if (placed_.empty()) {
         return;
     }
-    std::vector<std::filesystem::path> pictures;
-    for (const std::int32_t key : placed_) {
-        pictures.push_back(native(inLibrary(key)));
-    }
-    const std::error_code error = InBackground(
-        [&] { return SyncFiles(pictures); }, [this] { progress_(ExchangeWork::Importing, 1, 1); });
+    const auto picture = [this](std::size_t i) { return native(inLibrary(placed_[i])); };
+    const std::error_code error =
+        InBackground([&] { return SyncFiles(placed_.size(), picture); },
+                     [this] { progress_(ExchangeWork::Importing, 1, 1); });
     if (error) {
         throw DiskError(QStringLiteral("The pictures could not be put on the disk (%1).")
                             .arg(QString::fromStdString(error.message())));

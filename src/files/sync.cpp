@@ -89,18 +89,20 @@ std::error_code SyncFolder([[maybe_unused]] const std::filesystem::path& folder)
 #endif
 }
 
-std::error_code SyncFiles(const std::vector<std::filesystem::path>& files)
+std::error_code SyncFiles(std::size_t count,
+                          const std::function<std::filesystem::path(std::size_t)>& file)
 {
     std::error_code error;
 #ifdef __linux__
-    if (!files.empty()) {
-        error = SyncFileSystem(files.front().parent_path());
+    if (count > 0) {
+        error = SyncFileSystem(file(0).parent_path());
     }
 #else
-    for (auto file = files.begin(); file != files.end() && !error; ++file) {
-        error = withOpen(*file, &sync);
+    for (std::size_t i = 0; i < count && !error; ++i) {
+        const std::filesystem::path path = file(i);
+        error = withOpen(path, &sync);
         if (!error) {
-            error = SyncFolder(file->parent_path());
+            error = SyncFolder(path.parent_path());
         }
     }
 #endif
