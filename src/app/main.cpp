@@ -1,6 +1,7 @@
 #include "app/run_program.h"
 #include "store/errors.h"
 #include "toolkit/desktop_services.h"
+#include "words/words.h"
 
 #include <QApplication>
 
@@ -39,5 +40,6 @@ int main(int argc, char** argv)
 {
     Application application(argc, argv);
     varnholt::NameApplication();
+    varnholt::InstallWords(application);
     return varnholt::RunProgram(application);
 }

@@ -9,6 +9,7 @@
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
 #include "toolkit/desktop_services.h"
+#include "words/words.h"
 
 #include <QApplication>
 #include <QDir>
@@ -179,6 +180,7 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Varnholt"));
     QApplication::setApplicationName(QStringLiteral("Varnholt"));
+    varnholt::InstallWords(application);
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() != 2) {
         std::fprintf(stderr, "Usage: varnholt-offscreen FOLDER\n");

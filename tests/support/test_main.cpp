@@ -1,3 +1,5 @@
+#include "words/words.h"
+
 #include <QApplication>
 #include <QSettings>
 #include <QStandardPaths>
@@ -25,5 +27,6 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("VarnholtTest"));
     QApplication::setApplicationName(QStringLiteral("VarnholtTest"));
+    varnholt::InstallWords(application);
     return RUN_ALL_TESTS();
 }
