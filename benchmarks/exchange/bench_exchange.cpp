@@ -37,6 +37,7 @@ public:
     QString inputText(const QString&, const QString&, const QString& text) override { return text; }
     std::optional<QString> saveFile(const QString&, const QString&) override { return path; }
     std::optional<QString> openFile(const QString&) override { return path; }
+    std::optional<QString> openFolder(const QString&, const QString&) override { return path; }
 };
 
 class NoClock : public Clock

@@ -53,6 +53,9 @@ public:
 
     virtual std::optional<QString> saveFile(const QString& filter, const QString& initialName) = 0;
     virtual std::optional<QString> openFile(const QString& filter) = 0;
+    /// A folder that is there; it starts at `initialFolder`.
+    virtual std::optional<QString> openFolder(const QString& title,
+                                              const QString& initialFolder) = 0;
 };
 
 /// The desktop's clipboard, read only.

@@ -185,6 +185,15 @@ std::optional<QString> DesktopFileDialogs::openFile(const QString& filter)
                                                lastFolder(), filter));
 }
 
+std::optional<QString> DesktopFileDialogs::openFolder(const QString& title,
+                                                      const QString& initialFolder)
+{
+    const QString folder = QFileDialog::getExistingDirectory(
+        QApplication::activeWindow(), title,
+        QFileInfo(initialFolder).isDir() ? initialFolder : QDir::homePath());
+    return folder.isEmpty() ? std::nullopt : std::optional(folder);
+}
+
 bool OpenWithDesktop(const QString& path)
 {
     return programIsRegistered(path) && QDesktopServices::openUrl(QUrl::fromLocalFile(path));

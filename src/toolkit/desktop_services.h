@@ -23,6 +23,7 @@ class DesktopFileDialogs : public FileDialogs
 public:
     std::optional<QString> saveFile(const QString& filter, const QString& initialName) override;
     std::optional<QString> openFile(const QString& filter) override;
+    std::optional<QString> openFolder(const QString& title, const QString& initialFolder) override;
 };
 
 /// Opens a file or folder with the desktop's own program for it; false when it has none.

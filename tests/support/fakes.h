@@ -109,6 +109,10 @@ public:
     {
         return next(QStringLiteral("open ") + filter);
     }
+    std::optional<QString> openFolder(const QString& title, const QString& initialFolder) override
+    {
+        return next(QStringLiteral("folder ") + title + u'|' + initialFolder);
+    }
 
 private:
     std::optional<QString> next(const QString& call)
