@@ -237,12 +237,16 @@ TEST(Backups, Read_and_write_only_the_pictures_that_are_new)
         }
         setFileSteps(fileSystem);
         EXPECT_EQ(world.backUp().picturesWritten, 16U);
+        EXPECT_FALSE(world.store.isDue(start + 3601));
+        world.add(QStringLiteral("new"));
+        world.store.noteChange();
         EXPECT_FALSE(world.store.isDue(start + 3599));
         EXPECT_TRUE(world.store.isDue(start + 3601));
-        world.add(QStringLiteral("new"));
         BackupResult next = world.backUp(start + 7200);
         EXPECT_EQ(next.picturesRead, 1U);
         EXPECT_EQ(next.picturesWritten, 1U);
+        EXPECT_FALSE(world.store.isDue(start + 99'999));
+        EXPECT_EQ(world.store.list().front().added, 1);
         // Written just before that backup looked: its time may not tell of one more change.
         EXPECT_EQ(world.backUp(start + 7300).picturesRead, 1U);
         // A picture that only old backups have goes with them.
@@ -345,6 +349,29 @@ TEST(Backups, At_a_second_place_stay_whole_when_it_is_full_or_pulled_out)
     BackupStore there = BackupStore::storesAt(place).at(0);
     RestoreBackup(world.library, world.store, there, there.list().at(1).id, start + 200);
     EXPECT_EQ(bytesOf(world.files.picturePath(5)), "picture 5");
+}
+
+TEST(Backups, Take_the_place_of_a_library_that_cannot_be_read)
+{
+    World world;
+    const QStringList rows = world.rows();
+    const auto pictures = world.pictures();
+    const QString id = world.backUp().backup.id;
+    world.change();
+    world.library.close();
+    const QString path = world.files.databasePath();
+    writeBytes(path, "torn");
+    writeBytes(path + QStringLiteral("-wal"), "of the torn one");
+    EXPECT_THROW(world.library.open(), DatabaseError);
+    EXPECT_TRUE(ReplaceLibrary(world.files.folder(), world.store, id).empty());
+    EXPECT_EQ(bytesOf(path + QStringLiteral(".damaged")), "torn");
+    world.library.open();
+    FinishRestore(world.library, world.store);
+    EXPECT_EQ(world.rows(), rows);
+    auto found = world.pictures();
+    found.erase(QStringLiteral("%1.jpg").arg(world.newKey));
+    EXPECT_EQ(found, pictures);
+    EXPECT_EQ(world.add(QStringLiteral("next")), world.newKey + 1);
 }
 
 TEST(Backups, Say_why_when_the_disk_is_full_and_change_nothing)

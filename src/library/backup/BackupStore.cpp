@@ -6,7 +6,6 @@
 #include "library/Library.h"
 #include "library/backup/backup_files.h"
 #include "library/backup/library_pictures.h"
-#include "library/backup/retention.h"
 #include "store/statement.h"
 
 #include <QCoreApplication>
@@ -39,15 +38,6 @@ QString idOf(std::int64_t time, const Sha& librarySha)
            QString::fromLatin1(librarySha.data(), shaDigits);
 }
 
-/// 0 for a name that is not of ours.
-std::int64_t timeOf(const QString& id)
-{
-    constexpr qsizetype digits = 15;
-    QDateTime time = QDateTime::fromString(id.left(digits), QStringLiteral("yyyyMMdd-HHmmss"));
-    time.setTimeSpec(Qt::UTC);
-    return time.isValid() ? time.toSecsSinceEpoch() : 0;
-}
-
 std::int64_t countQuestions(Library& library)
 {
     Statement count(library.connection(),
@@ -68,6 +58,14 @@ bool isAsRead(const BackedPicture& now, const BackedPicture* then, std::int64_t 
 
 } // namespace
 
+std::int64_t BackupStore::timeOf(const QString& id)
+{
+    constexpr qsizetype digits = 15;
+    QDateTime time = QDateTime::fromString(id.left(digits), QStringLiteral("yyyyMMdd-HHmmss"));
+    time.setTimeSpec(Qt::UTC);
+    return time.isValid() ? time.toSecsSinceEpoch() : 0;
+}
+
 BackupStore::BackupStore(QString folder)
     : folder_(std::move(folder))
 {}
@@ -80,6 +78,11 @@ QString BackupStore::folderBeside(const QString& programFolder)
 fs::path BackupStore::path(const QString& name) const
 {
     return PathOf(folder_ + u'/' + name);
+}
+
+fs::path BackupStore::manifestOf(const QString& id) const
+{
+    return path(id + manifestEnding);
 }
 
 fs::path BackupStore::libraryOf(const QString& id) const
@@ -122,13 +125,13 @@ std::vector<Sha> BackupStore::pooled() const
 
 State BackupStore::read(const QString& id, BackupManifest& manifest) const
 {
-    const std::optional<QByteArray> text = ReadWhole(path(id + manifestEnding));
+    const std::optional<QByteArray> text = ReadWhole(manifestOf(id));
     return text ? BackupManifest::read(*text, manifest) : State::Damaged;
 }
 
-BackupInfo BackupStore::info(const QString& id, const std::vector<Sha>& pooled) const
+BackupInfo BackupStore::info(const QString& id, const std::vector<Sha>& pooled,
+                             BackupManifest& manifest) const
 {
-    BackupManifest manifest;
     BackupInfo info;
     info.id = id;
     info.state = read(id, manifest);
@@ -163,22 +166,50 @@ std::vector<BackupInfo> BackupStore::list() const
 {
     const std::vector<Sha> pictures = pooled();
     std::vector<BackupInfo> result;
+    BackupManifest newer;
+    qsizetype ofNewer = -1;
     for (const QString& id : ids()) {
-        result.push_back(info(id, pictures));
+        BackupManifest manifest;
+        result.push_back(info(id, pictures, manifest));
+        if (result.back().state != State::Whole) {
+            continue;
+        }
+        if (ofNewer >= 0) {
+            result[static_cast<std::size_t>(ofNewer)].added =
+                std::count_if(newer.pictures.begin(), newer.pictures.end(),
+                              [&](const auto& picture) { return !manifest.find(picture.key); });
+        }
+        newer = std::move(manifest);
+        ofNewer = static_cast<qsizetype>(result.size()) - 1;
     }
     std::stable_partition(result.begin(), result.end(),
                           [](const BackupInfo& backup) { return backup.state == State::Whole; });
     return result;
 }
 
+QString BackupStore::newestId() const
+{
+    const std::vector<QString> all = ids();
+    return all.empty() ? QString() : all.front();
+}
+
+void BackupStore::noteChange()
+{
+    QDir().mkpath(folder_);
+    QFile mark(QString::fromStdU16String(changeMark().u16string()));
+    (void)mark.open(QIODevice::WriteOnly);
+}
+
 bool BackupStore::isDue(std::int64_t now) const
 {
     constexpr std::int64_t hour = 3600;
     const std::vector<QString> all = ids();
-    return std::none_of(all.begin(), all.end(), [&](const QString& id) {
-        const std::int64_t made = timeOf(id);
-        return made > now - hour && made <= now;
-    });
+    std::error_code error;
+    return fs::exists(changeMark(), error) &&
+           std::none_of(all.begin(), all.end(), [&](const QString& id) {
+               const std::int64_t made = timeOf(id);
+               return made > now - hour && made <= now;
+           });
 }
 
 BackupManifest BackupStore::newest() const
@@ -208,13 +239,31 @@ fs::path BackupStore::begin()
     return path(QStringLiteral("library.part"));
 }
 
-void BackupStore::syncPool(const std::vector<Path>& written) const
+void BackupStore::addToPool(const Path& from, const BackedPicture& picture, bool share,
+                            Written& written) const
+{
+    constexpr std::int64_t bytesAtOnce = 16 << 20;
+    const Path to = pictureOf(picture.sha);
+    std::error_code error;
+    if (fs::exists(to, error)) {
+        return;
+    }
+    Require(PlaceFile(from, to, share ? Placing::MayShare : Placing::Copy), to);
+    written.files.push_back(to);
+    written.unsynced += fs::hard_link_count(to, error) > 1 ? 0 : picture.size;
+    if (written.unsynced > bytesAtOnce) {
+        Require(SyncFileSystem(pool()), pool());
+        written.unsynced = 0;
+    }
+}
+
+void BackupStore::syncPool(const Written& written) const
 {
     constexpr std::size_t few = 32;
-    if (written.size() > few) {
+    if (written.files.size() > few) {
         Require(SyncFileSystem(pool()), pool());
     } else {
-        std::for_each(written.begin(), written.end(), SyncOrThrow);
+        std::for_each(written.files.begin(), written.files.end(), SyncOrThrow);
     }
     Require(SyncFolder(pool()), pool());
 }
@@ -228,7 +277,7 @@ void BackupStore::publish(const QString& id, const Path& library,
     Require(error, libraryOf(id));
     Require(SyncFolder(PathOf(folder_)), PathOf(folder_));
 
-    const Path last = path(id + manifestEnding);
+    const Path last = manifestOf(id);
     const QByteArray text = manifest.text();
     errno = 0;
     NewFile file(last);
@@ -271,7 +320,7 @@ BackupResult BackupStore::make(Library& library, std::int64_t now, const BackupP
 
     std::vector<LibraryPicture> pictures = LibraryPictures(library.programFolder());
     manifest.pictures.reserve(pictures.size());
-    std::vector<Path> written;
+    Written written;
     for (std::size_t i = 0; i < pictures.size(); ++i) {
         report(i, pictures.size());
         BackedPicture& picture = pictures[i].facts;
@@ -287,145 +336,32 @@ BackupResult BackupStore::make(Library& library, std::int64_t now, const BackupP
             picture.sha = *sha;
             ++result.picturesRead;
         }
-        const Path pooledPath = pictureOf(picture.sha);
-        if (!std::binary_search(there.begin(), there.end(), picture.sha) &&
-            !fs::exists(pooledPath, error)) {
-            Require(PlaceFile(pictures[i].path, pooledPath, Placing::MayShare), pooledPath);
-            written.push_back(pooledPath);
+        if (!std::binary_search(there.begin(), there.end(), picture.sha)) {
+            addToPool(pictures[i].path, picture, true, written);
         }
         manifest.pictures.push_back(picture);
     }
     syncPool(written);
-    result.picturesWritten = written.size();
+    result.picturesWritten = written.files.size();
 
     manifest.madeAt = now;
-    while (fs::exists(path(idOf(manifest.madeAt, manifest.librarySha) + manifestEnding), error)) {
+    while (fs::exists(manifestOf(idOf(manifest.madeAt, manifest.librarySha)), error)) {
         ++manifest.madeAt;
     }
     const QString id = idOf(manifest.madeAt, manifest.librarySha);
     report(pictures.size(), pictures.size());
     publish(id, copy, manifest);
-    result.backup = {id,
-                     manifest.madeAt,
-                     manifest.questions,
-                     static_cast<std::int64_t>(manifest.pictures.size()),
-                     manifest.librarySize,
-                     State::Whole,
-                     {}};
+    fs::remove(changeMark(), error);
+    result.backup.id = id;
+    result.backup.madeAt = manifest.madeAt;
+    result.backup.questions = manifest.questions;
+    result.backup.pictures = static_cast<std::int64_t>(manifest.pictures.size());
+    result.backup.bytes = manifest.librarySize;
+    result.backup.state = State::Whole;
     for (const BackedPicture& picture : manifest.pictures) {
         result.backup.bytes += picture.size;
     }
     return result;
-}
-
-void BackupStore::removeUnnamed() const
-{
-    std::vector<Sha> named;
-    for (const QString& id : ids()) {
-        const std::optional<QByteArray> text = ReadWhole(path(id + manifestEnding));
-        if (!text) {
-            return;
-        }
-        // Of a damaged manifest, too: what it names may be all that is left.
-        const char* word = text->constData();
-        for (const char* at = word; at != text->constData() + text->size(); ++at) {
-            if (*at == ' ' || *at == '\n') {
-                Sha sha;
-                if (at - word == std::ptrdiff_t(sha.size())) {
-                    std::copy(word, at, sha.begin());
-                    named.push_back(sha);
-                }
-                word = at + 1;
-            }
-        }
-    }
-    std::sort(named.begin(), named.end());
-    std::error_code error;
-    for (const fs::directory_entry& entry : fs::directory_iterator(pool(), error)) {
-        const std::string name = entry.path().filename().string();
-        Sha sha{};
-        std::copy_n(name.begin(), std::min(name.size(), sha.size()), sha.begin());
-        if (!std::binary_search(named.begin(), named.end(), sha)) {
-            fs::remove(entry.path(), error);
-        }
-    }
-}
-
-void BackupStore::tidy(std::int64_t now, std::int64_t utcOffset)
-{
-    const auto gone = [&](const std::vector<QString>& among) {
-        std::vector<std::int64_t> times;
-        std::transform(among.begin(), among.end(), std::back_inserter(times), timeOf);
-        const std::vector<bool> kept = KeptBackups(times, now, utcOffset);
-        std::vector<QString> result;
-        for (std::size_t i = 0; i < among.size(); ++i) {
-            if (!kept[i]) {
-                result.push_back(among[i]);
-            }
-        }
-        return result;
-    };
-    std::error_code error;
-    // Fewer backups among themselves lose no more than all together: mostly nothing, then.
-    if (!gone(ids()).empty()) {
-        std::vector<QString> whole;
-        std::vector<QString> other;
-        for (const BackupInfo& backup : list()) {
-            (backup.state == State::Damaged ? other : whole).push_back(backup.id);
-        }
-        for (const std::vector<QString>& among : {gone(whole), gone(other)}) {
-            for (const QString& id : among) {
-                fs::remove(path(id + manifestEnding), error);
-                Require(error, path(id + manifestEnding));
-            }
-        }
-        (void)SyncFolder(PathOf(folder_));
-        removeUnnamed();
-    }
-    // Without their manifest these are nothing.
-    for (const QString& name :
-         QDir(folder_).entryList({QStringLiteral("*-*-*.mdb*")}, QDir::Files)) {
-        const QString id = name.left(name.indexOf(u'.'));
-        if (!fs::exists(path(id + manifestEnding), error) && !error) {
-            fs::remove(path(name), error);
-        }
-    }
-}
-
-BackupCheck BackupStore::verify(const QString& id, const BackupProgress& progress)
-{
-    BackupCheck check;
-    const auto damaged = [&](const Path& file) {
-        check.whole = false;
-        check.damagedFiles.push_back(Shown(file));
-    };
-    const auto look = [&](const Path& file, const Sha& expected) {
-        const std::optional<Sha> found = ShaOfFile(file);
-        if (found == expected) {
-            return;
-        }
-        damaged(file);
-        if (found) {
-            Path aside = file;
-            aside += ".damaged";
-            std::error_code ignored;
-            fs::rename(file, aside, ignored);
-        }
-    };
-    BackupManifest manifest;
-    const State state = read(id, manifest);
-    if (state != State::Whole) {
-        damaged(path(id + manifestEnding));
-        return check;
-    }
-    look(libraryOf(id), manifest.librarySha);
-    for (std::size_t i = 0; i < manifest.pictures.size(); ++i) {
-        if (progress) {
-            progress(i, manifest.pictures.size());
-        }
-        look(pictureOf(manifest.pictures[i].sha), manifest.pictures[i].sha);
-    }
-    return check;
 }
 
 } // namespace varnholt

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace varnholt {
@@ -20,6 +21,8 @@ struct BackupInfo
     std::int64_t madeAt = 0;
     std::int64_t questions = 0;
     std::int64_t pictures = 0;
+    /// The pictures of keys that the whole one before it does not have; none for the oldest.
+    std::optional<std::int64_t> added;
     /// Of all its files, those that it shares included.
     std::int64_t bytes = 0;
     BackupManifest::State state = BackupManifest::State::Damaged;
@@ -68,7 +71,13 @@ public:
 
     /// The whole ones first, and the newest of them first of all. Takes the files' bytes on trust.
     [[nodiscard]] std::vector<BackupInfo> list() const;
-    /// Whether an hour has passed since the newest one.
+    /// The newest one's name, whole or not; empty when there is none.
+    [[nodiscard]] QString newestId() const;
+
+    /// Remembers, beyond the end of the program, that the library has changed. To be called after
+    /// each change; what fails is not told.
+    void noteChange();
+    /// Whether the library has changed since the newest one, and an hour has passed.
     [[nodiscard]] bool isDue(std::int64_t now) const;
 
     /// Backs up what is committed. A library that can only be read can be backed up, too, where
@@ -94,6 +103,8 @@ public:
                              const BackupProgress& progress = {});
     /// The stores at a second place, of all libraries.
     [[nodiscard]] static std::vector<BackupStore> storesAt(const QString& place);
+    /// What tells the backups of several libraries apart at a place that they share.
+    [[nodiscard]] QString identity() const;
 
     // For restoring.
 
@@ -106,18 +117,32 @@ private:
 
     [[nodiscard]] Path path(const QString& name) const;
     [[nodiscard]] Path pool() const { return path(QStringLiteral("Pictures")); }
+    [[nodiscard]] Path manifestOf(const QString& id) const;
+    /// When a backup was made, by its name; 0 for a name that is not of ours.
+    [[nodiscard]] static std::int64_t timeOf(const QString& id);
     /// Newest first.
     [[nodiscard]] std::vector<QString> ids() const;
     [[nodiscard]] std::vector<Sha> pooled() const;
-    [[nodiscard]] BackupInfo info(const QString& id, const std::vector<Sha>& pooled) const;
+    [[nodiscard]] Path changeMark() const { return path(QStringLiteral("changed")); }
+    [[nodiscard]] BackupInfo info(const QString& id, const std::vector<Sha>& pooled,
+                                  BackupManifest& manifest) const;
     /// The newest manifest that can be read.
     [[nodiscard]] BackupManifest newest() const;
     [[nodiscard]] Path begin();
-    void syncPool(const std::vector<Path>& written) const;
+    /// Pictures that have come into the pool, to be put on the disk.
+    struct Written
+    {
+        std::vector<Path> files;
+        std::int64_t unsynced = 0;
+    };
+    /// Puts a picture of `size` bytes into the pool. Much at once would keep the disk busy beyond
+    /// anybody's wish to stop it: it goes there in parts.
+    void addToPool(const Path& from, const BackedPicture& picture, bool share,
+                   Written& written) const;
+    void syncPool(const Written& written) const;
     /// Gives the library file its name and writes the manifest.
     void publish(const QString& id, const Path& library, const BackupManifest& manifest) const;
     void removeUnnamed() const;
-    [[nodiscard]] QString identity() const;
 
     QString folder_;
 };

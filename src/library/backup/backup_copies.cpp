@@ -23,13 +23,13 @@ QString commonFolder(const QString& place)
 
 } // namespace
 
-/// What tells the backups of several libraries apart at a place that they share.
 QString BackupStore::identity() const
 {
     const Path file = path(QStringLiteral("identity"));
     std::optional<QByteArray> text = ReadWhole(file);
     if (!text || text->size() != 16) {
         std::error_code ignored;
+        fs::create_directories(PathOf(folder_), ignored);
         fs::remove(file, ignored);
         text = QByteArray::number(QRandomGenerator::system()->generate64(), 16)
                    .rightJustified(16, '0');
@@ -70,25 +70,24 @@ BackupStore::CopyOutcome BackupStore::copyNewestTo(const QString& place, std::in
     BackupStore there(commonFolder(place) + u'/' + identity());
     const Path library = there.begin();
     const std::vector<Sha> known = there.pooled();
-    const BackupInfo copied = there.info(id, known);
+    BackupManifest ofCopy;
+    const BackupInfo copied = there.info(id, known, ofCopy);
     if (copied.state == BackupManifest::State::Whole) {
         return CopyOutcome::NothingNew;
     }
     // A damaged copy of the same backup gives way.
     std::error_code error;
-    fs::remove(there.path(id + QStringLiteral(".manifest")), error);
+    fs::remove(there.manifestOf(id), error);
 
     // Bytes of their own: what shares them with the original is no second copy.
-    std::vector<Path> written;
+    Written written;
     for (std::size_t i = 0; i < manifest.pictures.size(); ++i) {
         if (progress) {
             progress(i, manifest.pictures.size());
         }
-        const Sha& sha = manifest.pictures[i].sha;
-        const Path to = there.pictureOf(sha);
-        if (!std::binary_search(known.begin(), known.end(), sha) && !fs::exists(to, error)) {
-            Require(PlaceFile(pictureOf(sha), to, Placing::Copy), to);
-            written.push_back(to);
+        const BackedPicture& picture = manifest.pictures[i];
+        if (!std::binary_search(known.begin(), known.end(), picture.sha)) {
+            there.addToPool(pictureOf(picture.sha), picture, false, written);
         }
     }
     there.syncPool(written);

@@ -8,6 +8,7 @@
 #include "library/backup/library_pictures.h"
 #include "library/backup/wanted_library.h"
 #include "pictures/picture_files.h"
+#include "store/library_file.h"
 #include "store/statement.h"
 
 #include <QCoreApplication>
@@ -31,12 +32,9 @@ QString tr(const char* text)
     return QCoreApplication::translate("BackupStore", text);
 }
 
-/// The manifest of a backup that can be restored into the library.
-BackupManifest restorable(const Library& library, const BackupStore& store, const QString& id)
+/// The manifest of a backup that can be restored.
+BackupManifest wholeManifest(const BackupStore& store, const QString& id)
 {
-    if (const FeatureState state = library.features(); !state.on) {
-        throw Error(state.reason);
-    }
     BackupManifest manifest;
     State state = store.read(id, manifest);
     if (state == State::Whole && manifest.tables > int(PlusTables::ownScripts().size())) {
@@ -54,8 +52,16 @@ BackupManifest restorable(const Library& library, const BackupStore& store, cons
     return manifest;
 }
 
-WantedLibrary buildFrom(const BackupStore& store, const QString& id, const fs::path& file,
-                        const QString& today, std::int64_t now)
+/// The same for this library.
+BackupManifest restorable(const Library& library, const BackupStore& store, const QString& id)
+{
+    if (const FeatureState state = library.features(); !state.on) {
+        throw Error(state.reason);
+    }
+    return wholeManifest(store, id);
+}
+
+void placeBackupsLibrary(const BackupStore& store, const QString& id, const fs::path& file)
 {
     std::error_code error;
     for (const char* ending : {"-wal", "-shm", "-journal"}) {
@@ -65,6 +71,12 @@ WantedLibrary buildFrom(const BackupStore& store, const QString& id, const fs::p
     Require(PlaceFile(store.libraryOf(id), file, Placing::Copy), file);
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add,
                     error);
+}
+
+WantedLibrary buildFrom(const BackupStore& store, const QString& id, const fs::path& file,
+                        const QString& today, std::int64_t now)
+{
+    placeBackupsLibrary(store, id, file);
     return BuildWantedLibrary(QString::fromStdU16String(file.u16string()), today, now);
 }
 
@@ -104,18 +116,31 @@ PictureWork comparePictures(const QString& programFolder, const BackupManifest& 
     return work;
 }
 
-/// Renames a file out of the way; it is never removed.
-void setAside(const fs::path& file)
+/// A free name beside a file: its own with the ending and, if need be, a number.
+fs::path nameAside(const fs::path& file, const std::string& ending)
 {
     std::error_code error;
     fs::path aside = file;
-    aside += ".bak";
+    aside += ending;
     for (int i = 2; fs::exists(aside, error); ++i) {
         aside = file;
-        aside += ".bak" + std::to_string(i);
+        aside += ending + std::to_string(i);
     }
-    fs::rename(file, aside, error);
+    return aside;
+}
+
+/// Renames a file out of the way; it is never removed.
+void setAside(const fs::path& file, const std::string& ending)
+{
+    std::error_code error;
+    fs::rename(file, nameAside(file, ending), error);
     Require(error, file);
+}
+
+/// Keeps what a file holds that is about to be replaced.
+void keepAside(const fs::path& file, const std::string& ending)
+{
+    Require(PlaceFile(file, nameAside(file, ending), Placing::MayShare), file);
 }
 
 /// Whether a backup's picture is what it was. Size and time are as good here as for a picture in
@@ -150,9 +175,19 @@ bool putInPlace(const QString& programFolder, const BackupStore& store,
         if (!isWhole(store.pictureOf(picture.sha), picture)) {
             return false;
         }
-        setAside(place);
+        setAside(place, ".bak");
     }
     return putBack(programFolder, store, picture);
+}
+
+/// The same when it is too late to fail.
+bool placed(const QString& programFolder, const BackupStore& store, const BackedPicture& picture)
+{
+    try {
+        return putInPlace(programFolder, store, picture);
+    } catch (const Error&) {
+        return false;
+    }
 }
 
 /// Where a restore says what is left to do once the rows are there.
@@ -264,12 +299,7 @@ BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupSto
     // From here on the backup is restored, and nothing may tell otherwise.
     library.refresh();
     for (const BackedPicture* picture : pictures.other) {
-        bool placed = false;
-        try {
-            placed = putInPlace(folder, store, *picture);
-        } catch (const Error&) {
-        }
-        if (!placed) {
+        if (!placed(folder, store, *picture)) {
             result.picturesLost.push_back(picture->key);
         }
     }
@@ -277,8 +307,66 @@ BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupSto
         (void)SyncFileSystem(picturesFolder(folder));
         fs::remove(pendingOf(own), error);
     }
-    Q_EMIT library.changed({wanted.changed});
+    result.changed = wanted.changed;
+    Q_EMIT library.changed({result.changed});
     return result;
+}
+
+std::vector<std::int32_t> ReplaceLibrary(const QString& programFolder, const BackupStore& store,
+                                         const QString& id, const BackupProgress& progress)
+{
+    const BackupManifest manifest = wholeManifest(store, id);
+    const BackupStore own(BackupStore::folderBeside(programFolder));
+    std::error_code error;
+    for (const fs::path& folder : {PathOf(own.folder()), picturesFolder(programFolder)}) {
+        fs::create_directories(folder, error);
+        Require(error, folder);
+    }
+    const fs::path file = PathOf(own.folder() + QStringLiteral("/wanted.part"));
+    placeBackupsLibrary(store, id, file);
+    std::vector<const BackedPicture*> missing;
+    std::vector<const BackedPicture*> other;
+    std::int32_t largestKey = 0;
+    BackupManifest there;
+    for (const LibraryPicture& picture : LibraryPictures(programFolder)) {
+        there.pictures.push_back(picture.facts);
+        largestKey = picture.facts.key;
+    }
+    for (const BackedPicture& picture : manifest.pictures) {
+        (there.find(picture.key) ? other : missing).push_back(&picture);
+    }
+    std::vector<std::int32_t> lost;
+    for (std::size_t i = 0; i < missing.size(); ++i) {
+        if (progress) {
+            progress(i, manifest.pictures.size());
+        }
+        if (!putBack(programFolder, store, *missing[i])) {
+            lost.push_back(missing[i]->key);
+        }
+    }
+    Require(SyncFileSystem(picturesFolder(programFolder)), picturesFolder(programFolder));
+    writePending(own, store, id, PrepareReplacement(Shown(file), largestKey));
+    SyncOrThrow(file);
+
+    // The log belongs to the damaged file and would be read into the new one.
+    const fs::path library = PathOf(LibraryPath(programFolder));
+    for (const char* ending : {"-wal", "-shm", "-journal", ""}) {
+        fs::path old = library;
+        old += ending;
+        if (fs::exists(old, error)) {
+            *ending ? setAside(old, ".damaged") : keepAside(old, ".damaged");
+        }
+    }
+    fs::rename(file, library, error);
+    Require(error, library);
+    Require(SyncFolder(library.parent_path()), library.parent_path());
+    for (std::size_t i = 0; i < other.size(); ++i) {
+        if (!placed(programFolder, store, *other[i])) {
+            lost.push_back(other[i]->key);
+        }
+    }
+    fs::remove(pendingOf(own), error);
+    return lost;
 }
 
 void FinishRestore(Library& library, const BackupStore& own)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/backup/BackupStore.h"
+#include "library/items.h"
 
 #include <QString>
 
@@ -33,6 +34,8 @@ struct BackupRestored
     QString backupOfBefore;
     /// The keys of pictures that the backup has lost, or that could not be put in their place.
     std::vector<std::int32_t> picturesLost;
+    /// Every row that is not as it was.
+    std::vector<Item> changed;
 };
 
 /// Compares the library with a backup; changes nothing. Throws `Error` with the reason when the
@@ -49,6 +52,14 @@ struct BackupRestored
 BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupStore& store,
                              const QString& id, std::int64_t now,
                              const BackupProgress& progress = {});
+
+/// For a library that cannot be read any more and that nobody has open: puts the backup's file in
+/// its place, and its pictures. What stood there is renamed to "<name>.damaged" and kept. Keys go
+/// on above the largest that a picture has. Like a restore it is whole or not at all, and the last
+/// of it may be left to `FinishRestore`. The keys of lost pictures are returned. Throws `Error`,
+/// and what `progress` throws.
+std::vector<std::int32_t> ReplaceLibrary(const QString& programFolder, const BackupStore& store,
+                                         const QString& id, const BackupProgress& progress = {});
 
 /// To be called after opening the library. Does nothing when no restore was cut short.
 void FinishRestore(Library& library, const BackupStore& own);

@@ -215,6 +215,20 @@ QByteArray FingerprintOf(Connection& library)
     return hash.result().toHex();
 }
 
+QByteArray PrepareReplacement(const QString& file, std::int32_t largestKey)
+{
+    Connection wanted;
+    wanted.open(file);
+    if (has(wanted, "main", QStringLiteral("sqlite_sequence"))) {
+        wanted.execute(QStringLiteral("UPDATE sqlite_sequence SET seq = max(seq, %1) WHERE name = "
+                                      "'Questions'")
+                           .arg(largestKey));
+    }
+    const QByteArray fingerprint = FingerprintOf(wanted);
+    wanted.close();
+    return fingerprint;
+}
+
 WantedLibrary BuildWantedLibrary(const QString& file, const QString& today, std::int64_t now)
 {
     WantedLibrary result;

@@ -33,6 +33,10 @@ struct WantedLibrary
 [[nodiscard]] WantedLibrary BuildWantedLibrary(const QString& file, const QString& today,
                                                std::int64_t now);
 
+/// The same for a library that has nothing to add: keys of questions go on above `largestKey`. The
+/// fingerprint is returned. Throws `DatabaseError`.
+[[nodiscard]] QByteArray PrepareReplacement(const QString& file, std::int32_t largestKey);
+
 /// The fingerprint of an open library.
 [[nodiscard]] QByteArray FingerprintOf(Connection& library);
 
