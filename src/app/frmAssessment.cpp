@@ -224,8 +224,13 @@ void frmAssessment::mnuCreate_Click()
 void frmAssessment::mnuManageAssessments_Click()
 {
     const auto openAuthoring = [this](QWidget* parent, const FilingPreselection& preselection) {
-        frmAddNewQuestion dialog(services_, state_, library_, preselection, parent);
+        // A saved question leaves no row chosen; the next one mostly belongs beside it.
+        frmAddNewQuestion dialog(services_, state_, library_,
+                                 preselection.topicId ? preselection : lastFiling_, parent);
         dialog.exec();
+        if (dialog.questionSaved()) {
+            lastFiling_ = {dialog.lastFiling().TopicID, dialog.lastFiling().SubtopicNum};
+        }
         return dialog.questionSaved() || dialog.structureChanged();
     };
     openChild([this, openAuthoring] {

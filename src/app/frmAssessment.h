@@ -2,6 +2,7 @@
 
 #include "app/library_check.h"
 #include "library/Library.h"
+#include "manage/filing_preselection.h"
 #include "store/modMain.h"
 
 #include <QMainWindow>
@@ -83,6 +84,8 @@ private:
     QScrollArea* childScroll_ = nullptr;
     QLabel* lblEmpty_ = nullptr;
     QPointer<QWidget> child_;
+    /// Where the last question since the program started was filed; nothing before the first.
+    FilingPreselection lastFiling_;
     LibraryCheck check_;
 };
 

@@ -2,6 +2,8 @@
 
 #include "store/errors.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -12,11 +14,16 @@ namespace {
 
 constexpr std::int32_t moveStep = 100;
 
+QString tr(const char* sentence)
+{
+    return QCoreApplication::translate("PictureCanvas", sentence);
+}
+
 std::int32_t checked(std::int64_t value)
 {
     if (value < std::numeric_limits<std::int32_t>::min() ||
         value > std::numeric_limits<std::int32_t>::max()) {
-        throw OverflowError(QStringLiteral("The position %1 is too far away.").arg(value));
+        throw OverflowError(tr("The position %1 is too far away.").arg(value));
     }
     return static_cast<std::int32_t>(value);
 }
@@ -36,7 +43,7 @@ std::int32_t rounded(double value)
 {
     // Written so that a value that is no number fails as well.
     if (!(std::abs(value) < 4e18)) {
-        throw OverflowError(QStringLiteral("The position is too far away."));
+        throw OverflowError(tr("The position is too far away."));
     }
     return checked(std::llrint(value));
 }

@@ -24,7 +24,6 @@ namespace varnholt {
 
 namespace {
 
-const QString saveError = QStringLiteral("Save Error");
 const QString geometryKey = QStringLiteral("frmAddNewQuestion/geometry");
 
 } // namespace
@@ -49,7 +48,7 @@ frmAddNewQuestion::frmAddNewQuestion(Services& services, ProgramState& state, Li
         };
     }
     setObjectName(QStringLiteral("frmAddNewQuestion"));
-    setWindowTitle(QStringLiteral("Add New Question"));
+    setWindowTitle(tr("Add New Question"));
     buildControls();
     connectControls();
     Form_Load();
@@ -123,12 +122,11 @@ bool frmAddNewQuestion::clipboardAnswers()
 {
     bool answers = false;
     {
-        const LongWork busy(this, QStringLiteral("Reading the clipboard..."),
-                            LongWork::Cancel::NotOffered);
+        const LongWork busy(this, tr("Reading the clipboard..."), LongWork::Cancel::NotOffered);
         answers = services_.clipboard->answers();
     }
     if (!answers) {
-        services_.messageBoxes->inform(QStringLiteral("Paste Error"), ClipboardSilentSentence());
+        services_.messageBoxes->inform(tr("Paste Error"), ClipboardSilentSentence());
     }
     return answers;
 }
@@ -138,11 +136,10 @@ void frmAddNewQuestion::cmdPaste_Click()
     if (!clipboardAnswers()) {
         return;
     }
-    onCanvas(QStringLiteral("Paste Error"), [this] {
+    onCanvas(tr("Paste Error"), [this] {
         QImage picture;
         {
-            const LongWork busy(this, QStringLiteral("Reading the clipboard..."),
-                                LongWork::Cancel::NotOffered);
+            const LongWork busy(this, tr("Reading the clipboard..."), LongWork::Cancel::NotOffered);
             picture = services_.clipboard->image();
         }
         try {
@@ -151,15 +148,14 @@ void frmAddNewQuestion::cmdPaste_Click()
                 return;
             }
         } catch (const OverflowError&) {
-            throw Error(QStringLiteral("The copied picture is too large to work on: %1 by %2 "
-                                       "pixels. Please copy a smaller part of it.")
+            throw Error(tr("The copied picture is too large to work on: %1 by %2 "
+                           "pixels. Please copy a smaller part of it.")
                             .arg(picture.width())
                             .arg(picture.height()));
         }
         showCanvas();
         services_.messageBoxes->inform(
-            QStringLiteral("Paste Error"),
-            QStringLiteral("A question needs to be copied before it can be pasted."));
+            tr("Paste Error"), tr("A question needs to be copied before it can be pasted."));
     });
 }
 
@@ -176,27 +172,25 @@ void frmAddNewQuestion::cmdSave_Click()
 {
     onCanvas({}, [this] { canvas_.CancelDrag(); });
     if (txtAnswer_->text().isEmpty()) {
-        services_.messageBoxes->inform(
-            saveError, QStringLiteral("Cannot save because Answer is a required field."));
+        services_.messageBoxes->inform(tr("Save Error"),
+                                       tr("Cannot save because Answer is a required field."));
         txtAnswer_->setFocus();
         return;
     }
     if (!canvas_.picQuestion.hasPicture()) {
-        services_.messageBoxes->inform(
-            saveError, QStringLiteral("Cannot save because the picture of the question is "
-                                      "missing.  Please paste a picture before saving."));
+        services_.messageBoxes->inform(tr("Save Error"),
+                                       tr("Cannot save because the picture of the question is "
+                                          "missing.  Please paste a picture before saving."));
         return;
     }
     onCanvas({}, [this] { canvas_.DropSelection(); });
-    if (!services_.messageBoxes->yesNo(
-            QStringLiteral("Save?"),
-            QStringLiteral("Are you sure you want to save this  question?"),
-            MessageBoxes::Answer::Yes)) {
+    if (!services_.messageBoxes->yesNo(tr("Save?"),
+                                       tr("Are you sure you want to save this  question?"),
+                                       MessageBoxes::Answer::Yes)) {
         return;
     }
     try {
-        const LongWork busy(this, QStringLiteral("Saving the question..."),
-                            LongWork::Cancel::NotOffered);
+        const LongWork busy(this, tr("Saving the question..."), LongWork::Cancel::NotOffered);
         question_ = {{state_.CurrentAssessmentNum, cboTopics_->entryData(cboTopics_->listIndex()),
                       cboSubtopics_->entryData(cboSubtopics_->listIndex())},
                      txtAnswer_->text().trimmed(),
@@ -206,16 +200,18 @@ void frmAddNewQuestion::cmdSave_Click()
         // No box: the window stays, with the reason where it says what stands in the way.
         const auto* known = dynamic_cast<const Error*>(&failure);
         const QString obstacle = saveObstacle();
-        const QString outcome =
-            question_.SOLIndex == 0 ? QStringLiteral("The question was not saved. ") : QString();
-        lblSaveHint_->say(!obstacle.isEmpty() ? obstacle
-                                              : outcome + (known ? known->message() : QString()));
+        QStringList sentences;
+        if (question_.SOLIndex == 0) {
+            sentences.append(tr("The question was not saved."));
+        }
+        if (known) {
+            sentences.append(known->message());
+        }
+        lblSaveHint_->say(!obstacle.isEmpty() ? obstacle : sentences.join(u' '));
         return;
     }
-    state_.LastFiledTopicID = question_.filing.TopicID;
-    state_.LastFiledSubtopicNum = question_.filing.SubtopicNum;
-    services_.messageBoxes->inform(QStringLiteral("Question Saved"),
-                                   QStringLiteral("The question was saved successfully."));
+    services_.messageBoxes->inform(tr("Question Saved"),
+                                   tr("The question was saved successfully."));
     questionSaved_ = true;
     accept();
 }
@@ -238,11 +234,11 @@ void frmAddNewQuestion::onCanvas(const QString& title, const std::function<void(
     } catch (const Error& error) {
         failure = error.message();
     } catch (const std::bad_alloc&) {
-        failure = QStringLiteral("There is not enough memory for this picture.");
+        failure = tr("There is not enough memory for this picture.");
     }
     showCanvas();
     if (!failure.isEmpty()) {
-        services_.messageBoxes->inform(title.isEmpty() ? QStringLiteral("Error") : title, failure);
+        services_.messageBoxes->inform(title.isEmpty() ? tr("Error") : title, failure);
     }
 }
 

@@ -49,6 +49,8 @@ public:
 
     /// The window was left by a save that succeeded.
     [[nodiscard]] bool questionSaved() const { return questionSaved_; }
+    /// Where the question saved was filed.
+    [[nodiscard]] const Filing& lastFiling() const { return question_.filing; }
     /// Topics or subtopics were added from here.
     [[nodiscard]] bool structureChanged() const { return structureChanged_; }
 

@@ -72,16 +72,16 @@ void frmAddNewQuestion::buildControls()
 
 QWidget* frmAddNewQuestion::buildCanvas()
 {
-    cmdPaste_ = makeButton("cmdPaste", QStringLiteral("&Paste Screenshot"));
-    cmdPaste_->setToolTip(QStringLiteral("Ctrl+V"));
-    auto* lblPrintScreen = makeLabel(
-        "lblPrintScreen", QStringLiteral("Type PrintScreen on keyboard for screen capture"));
+    cmdPaste_ = makeButton("cmdPaste", tr("&Paste Screenshot"));
+    cmdPaste_->setToolTip(tr("Ctrl+V"));
+    auto* lblPrintScreen =
+        makeLabel("lblPrintScreen", tr("Type PrintScreen on keyboard for screen capture"));
 
     picCropped_ = named(new QWidget, "picCropped");
     picCropped_->setFixedSize(canvas_.picCropped.outerWidth(), canvas_.picCropped.outerHeight());
     picCropped_->installEventFilter(this);
     picQuestion_ = named(new PictureBox(canvas_.picQuestion, picCropped_), "picQuestion",
-                         QStringLiteral("Picture of the question"));
+                         tr("Picture of the question"));
     picQuestion_->setFocusPolicy(Qt::StrongFocus);
     picQuestion_->setCursor(Qt::CrossCursor);
     picQuestion_->installEventFilter(this);
@@ -95,11 +95,11 @@ QWidget* frmAddNewQuestion::buildCanvas()
     frameLayout->addWidget(picCropped_);
 
     HScroll_ = makeScrollBar("HScroll", Qt::Horizontal, picCropped_->width(),
-                             QStringLiteral("Scroll the picture sideways"));
+                             tr("Scroll the picture sideways"));
     VScroll_ = makeScrollBar("VScroll", Qt::Vertical, picCropped_->height(),
-                             QStringLiteral("Scroll the picture up and down"));
-    auto* lblHelp = makeLabel(
-        "lblHelp", QStringLiteral("Click and hold to draw frames around what you want to edit"));
+                             tr("Scroll the picture up and down"));
+    auto* lblHelp =
+        makeLabel("lblHelp", tr("Click and hold to draw frames around what you want to edit"));
 
     auto* top = new QHBoxLayout;
     top->addWidget(cmdPaste_);
@@ -123,7 +123,7 @@ QWidget* frmAddNewQuestion::buildCanvas()
 
 QWidget* frmAddNewQuestion::buildPictureControls()
 {
-    fraPictureControls_ = makeFrame("fraPictureControls", QStringLiteral("Picture Controls"));
+    fraPictureControls_ = makeFrame("fraPictureControls", tr("Picture Controls"));
     QSizePolicy policy = fraPictureControls_->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
     fraPictureControls_->setSizePolicy(policy);
@@ -134,18 +134,17 @@ QWidget* frmAddNewQuestion::buildPictureControls()
         button->setFocusPolicy(Qt::TabFocus);
         return button;
     };
-    cmdCrop_ = make("cmdCrop", QStringLiteral("C&rop"),
-                    QStringLiteral("Keeps only what is inside the frame."));
-    cmdCenter_ = make("cmdCenter", QStringLiteral("Cen&ter"),
-                      QStringLiteral("Keeps only what is inside the frame, in the middle."));
-    cmdUp_ = make("cmdUp", QStringLiteral("Move &Up"),
-                  QStringLiteral("100 pixels; the arrow keys move by one, with Shift by 10."));
-    cmdDown_ = make("cmdDown", QStringLiteral("Move &Down"), cmdUp_->toolTip());
-    cmdMoveLeft_ = make("cmdMoveLeft", QStringLiteral("Move &Left"), cmdUp_->toolTip());
-    cmdRight_ = make("cmdRight", QStringLiteral("Move Ri&ght"), cmdUp_->toolTip());
-    cmdErase_ = make("cmdErase", QStringLiteral("&Erase"), QStringLiteral("Delete"));
-    cmdText_ = make("cmdText", QStringLiteral("Enter Te&xt"),
-                    QStringLiteral("Writes a line of text at the frame's upper left corner."));
+    cmdCrop_ = make("cmdCrop", tr("C&rop"), tr("Keeps only what is inside the frame."));
+    cmdCenter_ =
+        make("cmdCenter", tr("Cen&ter"), tr("Keeps only what is inside the frame, in the middle."));
+    cmdUp_ = make("cmdUp", tr("Move &Up"),
+                  tr("100 pixels; the arrow keys move by one, with Shift by 10."));
+    cmdDown_ = make("cmdDown", tr("Move &Down"), cmdUp_->toolTip());
+    cmdMoveLeft_ = make("cmdMoveLeft", tr("Move &Left"), cmdUp_->toolTip());
+    cmdRight_ = make("cmdRight", tr("Move Ri&ght"), cmdUp_->toolTip());
+    cmdErase_ = make("cmdErase", tr("&Erase"), tr("Delete"));
+    cmdText_ = make("cmdText", tr("Enter Te&xt"),
+                    tr("Writes a line of text at the frame's upper left corner."));
     auto* grid = new QGridLayout(fraPictureControls_);
     grid->addWidget(cmdCrop_, 0, 0);
     grid->addWidget(cmdCenter_, 1, 0);
@@ -160,29 +159,29 @@ QWidget* frmAddNewQuestion::buildPictureControls()
 
 QLayout* frmAddNewQuestion::buildFiling()
 {
-    auto* lblTopic = makeLabel("lblTopic", QStringLiteral("Top&ic:"));
-    cboTopics_ = named(new ComboBox, "cboTopics", QStringLiteral("Topic"));
+    auto* lblTopic = makeLabel("lblTopic", tr("Top&ic:"));
+    cboTopics_ = named(new ComboBox, "cboTopics", tr("Topic"));
     lblTopic->setBuddy(cboTopics_);
-    auto* lblSubTopic = makeLabel("lblSubTopic", QStringLiteral("Su&btopic:"));
-    cboSubtopics_ = named(new ComboBox, "cboSubtopics", QStringLiteral("Subtopic"));
+    auto* lblSubTopic = makeLabel("lblSubTopic", tr("Su&btopic:"));
+    cboSubtopics_ = named(new ComboBox, "cboSubtopics", tr("Subtopic"));
     lblSubTopic->setBuddy(cboSubtopics_);
     for (ComboBox* combo : {cboTopics_, cboSubtopics_}) {
         // Beside the page a screen of 1024 pixels leaves no more.
         combo->setMinimumContentsLength(12);
     }
-    cmdNewTopic_ = makeButton("cmdNewTopic", QStringLiteral("&New Topic and Subtopic"));
-    cmdNewSubtopic_ = makeButton("cmdNewSubtopic", QStringLiteral("Ne&w Subtopic"));
-    auto* lblAnswer = makeLabel("lblAnswer", QStringLiteral("&Answer:"));
-    txtAnswer_ = named(new LineEdit, "txtAnswer", QStringLiteral("Answer"));
+    cmdNewTopic_ = makeButton("cmdNewTopic", tr("&New Topic and Subtopic"));
+    cmdNewSubtopic_ = makeButton("cmdNewSubtopic", tr("Ne&w Subtopic"));
+    auto* lblAnswer = makeLabel("lblAnswer", tr("&Answer:"));
+    txtAnswer_ = named(new LineEdit, "txtAnswer", tr("Answer"));
     txtAnswer_->installEventFilter(this);
     lblAnswer->setBuddy(txtAnswer_);
     lblAnswerHint_ = new HintLabel("lblAnswerHint", txtAnswer_, HintLabel::Place::Kept);
     lblAnswerHint_->setText(ApostropheHint(QStringLiteral("'")));
     WatchAnswer(lblAnswerHint_, txtAnswer_);
 
-    cmdSave_ = makeButton("cmdSave", QStringLiteral("&Save"));
-    cmdSave_->setToolTip(QStringLiteral("Ctrl+S"));
-    cmdCancel_ = makeButton("cmdCancel", QStringLiteral("&Cancel"));
+    cmdSave_ = makeButton("cmdSave", tr("&Save"));
+    cmdSave_->setToolTip(tr("Ctrl+S"));
+    cmdCancel_ = makeButton("cmdCancel", tr("&Cancel"));
     lblSaveHint_ = new HintLabel("lblSaveHint", cmdSave_, HintLabel::Place::Given);
 
     auto* column = new QVBoxLayout;

@@ -27,58 +27,57 @@ frmPictureText::frmPictureText(CanvasFont& font, MessageBoxes& messages, QWidget
     , messages_(messages)
 {
     setObjectName(QStringLiteral("frmPictureText"));
-    setWindowTitle(QStringLiteral("Create Text"));
+    setWindowTitle(tr("Create Text"));
     buildControls();
     Form_Load();
 }
 
 QGroupBox* frmPictureText::buildFaces()
 {
-    auto* frame = makeFrame("fraFont", QStringLiteral("Font"));
+    auto* frame = makeFrame("fraFont", tr("Font"));
     auto* column = new QVBoxLayout(frame);
-    const auto add = [&](const char* name, const QString& caption) {
+    const auto add = [&](const char* name, const QString& caption, const QString& face) {
         auto* option = named(new QRadioButton(caption), name);
-        const QString face = option->text().remove(u'&');
         const QString used = stampFont({face}).family();
         if (used != face && QFontDatabase::hasFamily(used)) {
             option->setToolTip(
-                QStringLiteral("This computer does not have %1; %2 is used in its place.")
-                    .arg(face, used));
+                tr("This computer does not have %1; %2 is used in its place.").arg(face, used));
         }
-        connect(option, &QRadioButton::toggled, this, [this, option](bool chosen) {
+        connect(option, &QRadioButton::toggled, this, [this, face](bool chosen) {
             if (chosen) {
-                optFont_Click(option);
+                optFont_Click(face);
             }
         });
         column->addWidget(option);
         return option;
     };
-    add("optArial", QStringLiteral("A&rial"));
-    add("optCalibri", QStringLiteral("Ca&libri"));
-    add("optCourier", QStringLiteral("&Courier"));
-    add("optCourierNew", QStringLiteral("Courier &New"));
-    optMSSansSerif_ = add("optMSSansSerif", QStringLiteral("&MS Sans Serif"));
-    add("optTimesNewRoman", QStringLiteral("Times Ne&w Roman"));
-    add("optVerdana", QStringLiteral("&Verdana"));
+    add("optArial", tr("A&rial"), QStringLiteral("Arial"));
+    add("optCalibri", tr("Ca&libri"), QStringLiteral("Calibri"));
+    add("optCourier", tr("&Courier"), QStringLiteral("Courier"));
+    add("optCourierNew", tr("Courier &New"), QStringLiteral("Courier New"));
+    optMSSansSerif_ = add("optMSSansSerif", tr("&MS Sans Serif"), QStringLiteral("MS Sans Serif"));
+    add("optTimesNewRoman", tr("Times Ne&w Roman"), QStringLiteral("Times New Roman"));
+    add("optVerdana", tr("&Verdana"), QStringLiteral("Verdana"));
     return frame;
 }
 
 QGroupBox* frmPictureText::buildStyles()
 {
-    auto* frame = makeFrame("fraFontStyle", QStringLiteral("Font Style"));
+    auto* frame = makeFrame("fraFontStyle", tr("Font Style"));
     auto* column = new QVBoxLayout(frame);
-    const auto add = [&](const char* name, const QString& caption, bool CanvasFont::*on) {
+    const auto add = [&](const char* name, const QString& caption, const QString& style,
+                         bool CanvasFont::*on) {
         auto* box = named(new QCheckBox(caption), name);
         connect(box, &QCheckBox::toggled, this, [this, on](bool checked) {
             font_.*on = checked;
             showSample();
         });
         column->addWidget(box);
-        return Style{box, on};
+        return Style{box, style, on};
     };
-    styles_ = {add("chkBold", QStringLiteral("&Bold"), &CanvasFont::bold),
-               add("chkItalic", QStringLiteral("&Italic"), &CanvasFont::italic),
-               add("chkUnderline", QStringLiteral("&Underline"), &CanvasFont::underline)};
+    styles_ = {add("chkBold", tr("&Bold"), tr("Bold"), &CanvasFont::bold),
+               add("chkItalic", tr("&Italic"), tr("Italic"), &CanvasFont::italic),
+               add("chkUnderline", tr("&Underline"), tr("Underline"), &CanvasFont::underline)};
     lblStyleHint_ = new HintLabel("lblStyleHint", frame, HintLabel::Place::Given);
     column->addWidget(lblStyleHint_);
     column->addStretch();
@@ -87,21 +86,20 @@ QGroupBox* frmPictureText::buildStyles()
 
 void frmPictureText::buildControls()
 {
-    auto* lblTextToAdd = makeLabel("lblTextToAdd", QStringLiteral("&Text to Add:"));
-    txtText_ = named(new LineEdit, "txtText", QStringLiteral("Text to add"));
+    auto* lblTextToAdd = makeLabel("lblTextToAdd", tr("&Text to Add:"));
+    txtText_ = named(new LineEdit, "txtText", tr("Text to add"));
     lblTextToAdd->setBuddy(txtText_);
 
-    lstFontSize_ =
-        named(new ListBox(ListBox::Mode::Single), "lstFontSize", QStringLiteral("Font size"));
+    lstFontSize_ = named(new ListBox(ListBox::Mode::Single), "lstFontSize", tr("Font size"));
     for (int size = smallestSize; size <= largestSize; size += 2) {
         lstFontSize_->addItem(QString::number(size), size);
     }
     lstFontSize_->setMinimumWidth(fontMetrics().averageCharWidth() * 10);
     connect(lstFontSize_, &ListBox::Click, this, &frmPictureText::lstFontSize_Click);
-    auto* fraFontSize = makeFrame("fraFontSize", QStringLiteral("Font Si&ze"));
+    auto* fraFontSize = makeFrame("fraFontSize", tr("Font Si&ze"));
     (new QVBoxLayout(fraFontSize))->addWidget(lstFontSize_);
 
-    lblSample_ = makeLabel("lblSample", QStringLiteral("Sample Message"));
+    lblSample_ = makeLabel("lblSample", tr("Sample Message"));
     lblSample_->setAlignment(Qt::AlignCenter);
     // As it will stand in the picture, whatever the desktop's colours are.
     QPalette paper = lblSample_->palette();
@@ -113,12 +111,12 @@ void frmPictureText::buildControls()
     lblSample_->setAutoFillBackground(true);
     lblSample_->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     // As large as the largest sample, so that the window keeps still.
-    const QFontMetrics largest(stampFont({QStringLiteral("Verdana"), largestSize, true}));
+    const QFontMetrics largest(stampFont({tr("Verdana"), largestSize, true}));
     lblSample_->setMinimumSize(largest.horizontalAdvance(lblSample_->text()) + largest.height(),
                                largest.height() * 3 / 2);
 
-    QPushButton* cmdAddText = makeButton("cmdAddText", QStringLiteral("&Add Text"));
-    QPushButton* cmdCancel = makeButton("cmdCancel", QStringLiteral("Cancel"));
+    QPushButton* cmdAddText = makeButton("cmdAddText", tr("&Add Text"));
+    QPushButton* cmdCancel = makeButton("cmdCancel", tr("Cancel"));
     cmdAddText->setDefault(true);
     cmdCancel->setAutoDefault(true);
     connect(cmdAddText, &QPushButton::clicked, this, &frmPictureText::cmdAddText_Click);
@@ -154,9 +152,9 @@ void frmPictureText::Form_Load()
     lstFontSize_->setListIndex(0);
 }
 
-void frmPictureText::optFont_Click(QRadioButton* option)
+void frmPictureText::optFont_Click(const QString& face)
 {
-    font_.name = option->text().remove(u'&');
+    font_.name = face;
     showSample();
 }
 
@@ -174,22 +172,20 @@ void frmPictureText::showSample()
     QStringList kept;
     for (const Style& style : styles_) {
         if (font_.*style.on && !style.box->isChecked()) {
-            kept.append(style.box->text().remove(u'&'));
+            kept.append(style.name);
         }
     }
-    lblStyleHint_->say(kept.isEmpty()
-                           ? QString()
-                           : QStringLiteral("%1: still on from the last text. Tick and untick to "
-                                            "turn it off.")
-                                 .arg(kept.join(QStringLiteral(", "))));
+    lblStyleHint_->say(kept.isEmpty() ? QString()
+                                      : tr("%1: still on from the last text. Tick and untick to "
+                                           "turn it off.")
+                                            .arg(kept.join(tr(", "))));
 }
 
 void frmPictureText::cmdAddText_Click()
 {
     const QString text = txtText_->text().trimmed();
     if (text.isEmpty()) {
-        messages_.inform(QStringLiteral("Missing Text"),
-                         QStringLiteral("Please enter the text you would like to add."));
+        messages_.inform(tr("Missing Text"), tr("Please enter the text you would like to add."));
         txtText_->setFocus();
         return;
     }

@@ -40,7 +40,7 @@ private:
     QGroupBox* buildFaces();
     QGroupBox* buildStyles();
     void Form_Load();
-    void optFont_Click(QRadioButton* option);
+    void optFont_Click(const QString& face);
     void lstFontSize_Click();
     void cmdAddText_Click();
     void showSample();
@@ -58,6 +58,7 @@ private:
     struct Style
     {
         QCheckBox* box;
+        QString name;
         bool CanvasFont::*on;
     };
     std::array<Style, 3> styles_{};

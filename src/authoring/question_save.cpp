@@ -5,6 +5,7 @@
 #include "imaging/cJpeg.h"
 #include "library/Library.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -13,6 +14,11 @@ namespace varnholt {
 namespace {
 
 constexpr int pictureQuality = 75;
+
+QString tr(const char* sentence)
+{
+    return QCoreApplication::translate("SaveQuestion", sentence);
+}
 
 /// The page as a bitmap picture: rows bottom-up, blue-green-red, padded to 4 bytes.
 Picture bitmapPicture(const QImage& page)
@@ -38,14 +44,13 @@ QString writeFailure(cJpeg::SaveResult result, const QString& path)
     const QString shown = QDir::toNativeSeparators(path);
     switch (result) {
     case cJpeg::CannotCreate:
-        return QStringLiteral("The picture cannot be written: the folder takes no files (%1).")
-            .arg(shown);
+        return tr("The picture cannot be written: the folder takes no files (%1).").arg(shown);
     case cJpeg::NotWritten:
-        return QStringLiteral("The picture could not be written: the disk is full or has failed "
-                              "(%1).")
+        return tr("The picture could not be written: the disk is full or has failed "
+                  "(%1).")
             .arg(shown);
     default:
-        return QStringLiteral("The picture could not be written (%1).").arg(shown);
+        return tr("The picture could not be written (%1).").arg(shown);
     }
 }
 
@@ -55,13 +60,13 @@ void writePicture(const QString& path, PictureCanvas& canvas, const SaveStepObse
     const Picture page = bitmapPicture(canvas.renderPage());
     step(SaveStep::FillBuffer);
     cImage buffer;
-    check(buffer.CopyStdPicture(page), QStringLiteral("There is not enough memory to save."));
+    check(buffer.CopyStdPicture(page), tr("There is not enough memory to save."));
     step(SaveStep::Sample);
     cJpeg jpeg;
     jpeg.SetSamplingFrequencies(2, 2, 1, 1, 1, 1);
     jpeg.Quality(pictureQuality);
     check(jpeg.SampleHDC(buffer.hDC(), buffer.Width(), buffer.Height(), 0, 0) == cJpeg::Sampled,
-          QStringLiteral("There is not enough memory to save."));
+          tr("There is not enough memory to save."));
     step(SaveStep::WritePicture);
     QDir().mkpath(QFileInfo(path).path());
     const cJpeg::SaveResult result = jpeg.SaveFile(QFileInfo(path).filesystemFilePath());

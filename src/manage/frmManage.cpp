@@ -360,7 +360,7 @@ void frmManage::cmdAddNewQuestion_Click()
         return;
     }
     const int row = lstTopics_->listIndex();
-    if (openAuthoring_(window(), filingForNewQuestion())) {
+    if (openAuthoring_(window(), currentRows())) {
         ShowSubtopicQuestions();
         cboAssessment_Click();
         lstTopics_->reveal(row);
@@ -402,16 +402,6 @@ void frmManage::inform(const QString& title, const QString& text)
 FilingPreselection frmManage::currentRows() const
 {
     return {currentData(*lstTopics_), currentData(*lstSubtopics_)};
-}
-
-FilingPreselection frmManage::filingForNewQuestion() const
-{
-    const FilingPreselection rows = currentRows();
-    // A saved question leaves no row chosen; the next one mostly belongs beside it.
-    if (rows.topicId || state_.LastFiledTopicID == 0) {
-        return rows;
-    }
-    return {state_.LastFiledTopicID, state_.LastFiledSubtopicNum};
 }
 
 } // namespace varnholt

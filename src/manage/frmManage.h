@@ -92,7 +92,6 @@ private:
     void attempt(const QString& failure, const std::function<void()>& work);
     void inform(const QString& title, const QString& text);
     [[nodiscard]] FilingPreselection currentRows() const;
-    [[nodiscard]] FilingPreselection filingForNewQuestion() const;
 
     // Undo and redo. The bar under the browser says what the last change was; it comes with the
     // first one.

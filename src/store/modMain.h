@@ -76,10 +76,6 @@ struct ProgramState
     std::int32_t QuestionCount = 0;
     /// 1-based position in `BrowseQuestions`; 0 when no question is shown.
     std::int32_t QuestionPosition = 0;
-
-    /// Where the last question since the program started was filed; 0 before the first.
-    std::int32_t LastFiledTopicID = 0;
-    std::int32_t LastFiledSubtopicNum = 0;
 };
 
 } // namespace varnholt

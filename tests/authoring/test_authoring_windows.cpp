@@ -174,7 +174,6 @@ TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
     click(window.get(), "cmdSave");
     EXPECT_EQ(questions(), 0);
     EXPECT_EQ(picture(), window->canvas().picQuestion.image());
-    EXPECT_EQ(state.LastFiledTopicID, 0);
 
     expectQuestion(true);
     messages.expectInform(u"Question Saved"_s, u"The question was saved successfully."_s);
@@ -184,8 +183,8 @@ TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
     EXPECT_EQ(library.value(u"SELECT TopicID, SubTopicNum, Answer FROM Questions"_s),
               u"%1|1|"_s.arg(algebra));
     EXPECT_EQ(QImage(library.picturePath(1)).size(), questionPage);
-    EXPECT_EQ(state.LastFiledTopicID, algebra);
-    EXPECT_EQ(state.LastFiledSubtopicNum, 1);
+    EXPECT_EQ(window->lastFiling().TopicID, algebra);
+    EXPECT_EQ(window->lastFiling().SubtopicNum, 1);
 }
 
 TEST_F(Authoring, AFailedSaveShowsNoBoxAndKeepsEverything)
