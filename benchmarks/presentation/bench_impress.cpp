@@ -66,7 +66,7 @@ End Function
 constexpr int slides = 100;
 constexpr int runs = 5;
 
-double ours(const OfficeHost& host, const List1<QuestionRecord>& pool)
+double ours(const OfficeHost& host, const List1<DrawnQuestion>& pool)
 {
     const auto program = ImpressPlugin::instance().start(host.settings());
     const BuildInput input{
@@ -94,9 +94,9 @@ int main(int argc, char** argv)
                      qPrintable(ImpressPlugin::instance().reason()));
         return 1;
     }
-    List1<QuestionRecord> pool;
+    List1<DrawnQuestion> pool;
     for (int i = 1; i <= slides; ++i) {
-        pool.append({i, i, 1, 1, QStringLiteral("A"), true});
+        pool.append({{i, i, 1, 1, QStringLiteral("A")}, true});
         writePicture(host.filePath(QStringLiteral("%1.jpg").arg(i)), {800, 600}, 96);
     }
     std::vector<double> own;

@@ -48,9 +48,9 @@ void writePicture(const QString& path, std::mt19937& random)
 
 void buildPptx(const QString& folder, int count)
 {
-    List1<QuestionRecord> pool;
+    List1<DrawnQuestion> pool;
     for (int i = 1; i <= count; ++i) {
-        pool.append({i, i, 1, 1, QStringLiteral("A"), true});
+        pool.append({{i, i, 1, 1, QStringLiteral("A")}, true});
     }
     const BuildInput input{
         pool, true, false, [](const QuestionRecord&) { return QStringLiteral("Algebra - Roots"); },

@@ -2,7 +2,6 @@
 
 #include "store/catalogue.h"
 #include "store/connection.h"
-#include "store/services.h"
 #include "support/big_library.h"
 #include "support/report.h"
 
@@ -14,20 +13,10 @@ namespace {
 
 using namespace varnholt;
 
-class NoMessages : public MessageBoxes
-{
-public:
-    void inform(const QString&, const QString&) override { std::abort(); }
-    bool yesNo(const QString&, const QString&, Answer) override { std::abort(); }
-    QString inputText(const QString&, const QString&, const QString&) override { std::abort(); }
-};
-
 struct RawTopic
 {
     int topicId;
     std::string topic;
-    std::string selectedText;
-    int subTopicCount;
 };
 
 struct RawSubTopic
@@ -35,7 +24,6 @@ struct RawSubTopic
     int topicId;
     int subtopicNum;
     std::string subTopic;
-    bool selected;
 };
 
 struct RawQuestion
@@ -45,7 +33,6 @@ struct RawQuestion
     int topicId;
     int subtopicNum;
     std::string answer;
-    bool selected;
 };
 
 std::string textOf(sqlite3_stmt* row, int column)
@@ -74,21 +61,20 @@ std::size_t rawLoad(sqlite3* database)
     const auto topics = readAll<RawTopic>(
         database, "Select * from Topics Where Available = true and AssessmentNum = 1",
         [](sqlite3_stmt* row) {
-            return RawTopic{sqlite3_column_int(row, 0), textOf(row, 1), "0", 0};
+            return RawTopic{sqlite3_column_int(row, 0), textOf(row, 1)};
         });
     const auto subTopics = readAll<RawSubTopic>(
         database, "Select * from SubTopics where Available = true and AssessmentNum = 1",
         [](sqlite3_stmt* row) {
             return RawSubTopic{sqlite3_column_int(row, 1), sqlite3_column_int(row, 0),
-                               textOf(row, 2), true};
+                               textOf(row, 2)};
         });
     const auto questions = readAll<RawQuestion>(
         database, "Select * from Questions where Available = true and AssessmentNum = 1",
         [](sqlite3_stmt* row) {
             const int key = sqlite3_column_int(row, 0);
-            return RawQuestion{
-                key, key, sqlite3_column_int(row, 1), sqlite3_column_int(row, 2), textOf(row, 3),
-                true};
+            return RawQuestion{key, key, sqlite3_column_int(row, 1), sqlite3_column_int(row, 2),
+                               textOf(row, 3)};
         });
     return topics.size() + subTopics.size() + questions.size();
 }
@@ -101,7 +87,6 @@ double loadRatio(int questions, int rounds)
 
     Connection connection;
     connection.open(path);
-    NoMessages messages;
     sqlite3* raw = nullptr;
     sqlite3_open_v2(path.toUtf8().constData(), &raw, SQLITE_OPEN_READONLY, nullptr);
     const std::size_t rows = static_cast<std::size_t>(questions) * 111 / 100;
@@ -111,7 +96,10 @@ double loadRatio(int questions, int rounds)
         [&] {
             ProgramState state;
             state.CurrentAssessmentNum = 1;
-            LoadCurrentAssessment(state, connection, messages);
+            if (!LoadStructure(state, connection).isEmpty()) {
+                std::abort();
+            }
+            LoadQuestions(state, connection);
             if (state.QuestionList.upperBound() != questions) {
                 std::abort();
             }

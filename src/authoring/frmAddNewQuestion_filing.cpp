@@ -57,8 +57,8 @@ void frmAddNewQuestion::cmdNewTopic_Click()
     }
     cboTopics_->clear();
     cboSubtopics_->clear();
-    LoadTopics(state_, library_.connection(), *services_.messageBoxes);
-    LoadSubTopics(state_, library_.connection(), *services_.messageBoxes);
+    services_.messageBoxes->informEach(tr("Database Error"),
+                                       LoadStructure(state_, library_.connection()));
     FillTopicCombo();
     SelectTopicById(added->NewTopicID);
     SelectSubtopicById(added->NewSubtopicNum);
@@ -78,7 +78,8 @@ void frmAddNewQuestion::cmdNewSubtopic_Click()
         return;
     }
     cboSubtopics_->clear();
-    LoadSubTopics(state_, library_.connection(), *services_.messageBoxes);
+    services_.messageBoxes->informEach(tr("Database Error"),
+                                       LoadSubTopics(state_, library_.connection()));
     FillSubtopicCombo();
     SelectSubtopicById(added->NewSubtopicNum);
     structureChanged_ = true;

@@ -92,7 +92,10 @@ void frmExport::cboAssessment_Click()
     // What was read in part must not pass for the whole assessment.
     cmdExport_->setEnabled(false);
     try {
-        cmdExport_->setEnabled(LoadCurrentAssessment(state_, connection_, *services_.messageBoxes));
+        const LoadFailures failures = LoadStructure(state_, connection_);
+        services_.messageBoxes->informEach(tr("Database Error"), failures);
+        LoadQuestions(state_, connection_);
+        cmdExport_->setEnabled(failures.isEmpty());
     } catch (const Error&) {
         services_.messageBoxes->inform(QStringLiteral("Database Error"),
                                        QStringLiteral("There was an error loading the questions."));

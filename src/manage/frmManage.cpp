@@ -106,7 +106,7 @@ void frmManage::Form_Load()
     cmdDeleteSubtopic_->setEnabled(false);
     HandlePictureButtons();
     sayIn(lblQuestions_, {});
-    LoadAssessments(state_, library_.connection(), *services_.messageBoxes);
+    tellFailures(LoadAssessments(state_, library_.connection()));
     FillAssessmentCombo();
     if (state_.CurrentAssessmentNum < 1) {
         cmdDeleteAssessment_->setEnabled(false);
@@ -169,6 +169,17 @@ void frmManage::loadReporting(const std::function<void()>& load)
     }
 }
 
+void frmManage::tellFailures(const LoadFailures& failures)
+{
+    services_.messageBoxes->informEach(tr("Database Error"), failures);
+}
+
+void frmManage::LoadCurrentAssessment()
+{
+    tellFailures(LoadStructure(state_, library_.connection()));
+    LoadQuestions(state_, library_.connection());
+}
+
 void frmManage::openAssessment()
 {
     if (cboAssessment_->listIndex() >= 0) {
@@ -179,7 +190,7 @@ void frmManage::openAssessment()
     sayIn(lblQuestions_, {});
     if (state_.CurrentAssessmentNum > 0) {
         const BusyPointer busy;
-        LoadCurrentAssessment(state_, library_.connection(), *services_.messageBoxes);
+        LoadCurrentAssessment();
         FillTopicList();
     }
 }
@@ -224,10 +235,9 @@ void frmManage::FillSubtopicList()
     HandlePictureButtons();
     const std::optional<std::int32_t> topicId = currentData(*lstTopics_);
     std::vector<ListBox::Row> rows;
-    for (SubTopicRecord& record : state_.SubTopicList) {
+    for (const SubTopicRecord& record : state_.SubTopicList) {
         if (record.TopicID == topicId) {
             rows.push_back({record.SubTopic, record.SubtopicNum, false});
-            record.Selected = false;
         }
     }
     lstSubtopics_->setRows(std::move(rows));
@@ -242,7 +252,6 @@ void frmManage::lstSubtopics_Click()
     sayBelow(*lstSubtopics_, *lblSubtopicHint_,
              LargeKeyHint(QStringLiteral("Subtopic"), *subtopicNum,
                           QStringLiteral("cannot be deleted")));
-    ChooseSubtopic(state_.SubTopicList, *topicId, *subtopicNum);
     ShowSubtopicQuestions();
     cmdDeleteSubtopic_->setEnabled(true);
 }
@@ -258,7 +267,7 @@ bool frmManage::questionsAreThere()
 
 void frmManage::ShowSubtopicQuestions()
 {
-    CollectBrowseQuestions(state_, currentData(*lstTopics_));
+    CollectBrowseQuestions(state_, currentData(*lstTopics_), currentData(*lstSubtopics_));
     sayIn(lblQuestions_, QStringLiteral("Questions: ") + QString::number(state_.QuestionCount));
     showBrowser(state_.QuestionCount > 0);
     if (state_.QuestionCount > 0) {

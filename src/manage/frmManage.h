@@ -2,6 +2,7 @@
 
 #include "library/Journal.h"
 #include "manage/filing_preselection.h"
+#include "store/catalogue.h"
 
 #include <QWidget>
 
@@ -78,6 +79,9 @@ private:
     void ShowSubtopicQuestions();
     void HandlePictureButtons();
 
+    void tellFailures(const LoadFailures& failures);
+    /// Tells what of the structure could not be loaded, and throws where the questions could not.
+    void LoadCurrentAssessment();
     /// Throws where the questions cannot be loaded.
     void openAssessment();
     /// Runs a reload outside the handlers that report a failure in words of their own.

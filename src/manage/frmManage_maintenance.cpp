@@ -72,7 +72,7 @@ void frmManage::cmdNewTopic_Click()
             return;
         }
         library_.addTopic(state_.CurrentAssessmentNum, name);
-        LoadCurrentAssessment(state_, library_.connection(), *services_.messageBoxes);
+        LoadCurrentAssessment();
         FillTopicList();
         lstSubtopics_->clear();
         sayIn(lblQuestions_, {});
@@ -98,7 +98,7 @@ void frmManage::cmdDeleteTopic_Click()
     attempt(QStringLiteral("There was an error deleting this topic."), [this] {
         const int row = lstTopics_->listIndex();
         library_.deleteTopic(toInt16(lstTopics_->itemData(row)));
-        LoadTopics(state_, library_.connection(), *services_.messageBoxes);
+        tellFailures(LoadTopics(state_, library_.connection()));
         FillTopicList();
         lstTopics_->reveal(row);
         inform(QStringLiteral("Topic Deleted"),
@@ -125,7 +125,7 @@ void frmManage::cmdNewSubtopic_Click()
         }
         const std::int32_t topic = lstTopics_->itemData(lstTopics_->listIndex());
         library_.addSubtopic(state_.CurrentAssessmentNum, toInt16(topic), name);
-        LoadSubTopics(state_, library_.connection(), *services_.messageBoxes);
+        tellFailures(LoadSubTopics(state_, library_.connection()));
         lstTopics_Click();
         lstSubtopics_->reveal(lstSubtopics_->listCount() - 1);
         inform(QStringLiteral("New Topic Added"), name + QStringLiteral(" successfully added."));
@@ -149,7 +149,7 @@ void frmManage::cmdDeleteSubtopic_Click()
     attempt(QStringLiteral("There was an error deleting this subtopic."), [this] {
         const int row = lstSubtopics_->listIndex();
         library_.deleteSubtopic(toInt16(lstSubtopics_->itemData(row)));
-        LoadSubTopics(state_, library_.connection(), *services_.messageBoxes);
+        tellFailures(LoadSubTopics(state_, library_.connection()));
         FillSubtopicList();
         lstSubtopics_->reveal(row);
         inform(QStringLiteral("Subtopic Deleted"),

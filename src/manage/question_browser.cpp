@@ -1,50 +1,37 @@
 #include "manage/question_browser.h"
 
-#include "selection/question_selection.h"
-#include "store/catalogue.h"
+#include "selection/Selection.h"
 
 #include <QCoreApplication>
 
-#include <algorithm>
-
 namespace varnholt {
 
-void ChooseSubtopic(List1<SubTopicRecord>& subTopicList, std::int32_t topicId,
-                    std::int32_t subtopicNum)
+void CollectBrowseQuestions(ProgramState& state, std::optional<std::int32_t> topicId,
+                            std::optional<std::int32_t> subtopicNum)
 {
-    for (SubTopicRecord& record : subTopicList) {
-        record.Selected = false;
+    Selection browsed;
+    if (topicId) {
+        browsed.setTopics({{*topicId, true}});
     }
-    SetSubTopicSelected(subTopicList, topicId, subtopicNum, true);
-}
-
-void CollectBrowseQuestions(ProgramState& state, std::optional<std::int32_t> selectedTopicId)
-{
-    std::vector<TopicChoice> choices;
-    if (selectedTopicId) {
-        choices.push_back({*selectedTopicId, true});
+    for (const SubTopicRecord& record : state.SubTopicList) {
+        browsed.SetSubTopicSelected(record.TopicID, record.SubtopicNum,
+                                    record.TopicID == topicId && record.SubtopicNum == subtopicNum);
     }
-    SelectQuestions(state.QuestionList, SelectionRule(choices, state.SubTopicList));
-    UpdateCount2(state);
-
     state.BrowseQuestions.clear();
-    if (state.QuestionCount == 0) {
-        state.QuestionPosition = 0;
-        return;
-    }
-    state.BrowseQuestions.reserve(static_cast<std::size_t>(state.QuestionCount));
     for (const QuestionRecord& question : state.QuestionList) {
-        if (question.Selected) {
+        if (browsed.IsQuestionInSelection(question.TopicID, question.SubtopicNum)) {
             state.BrowseQuestions.append(question);
         }
+    }
+    UpdateCount2(state);
+    if (state.QuestionCount == 0) {
+        state.QuestionPosition = 0;
     }
 }
 
 void UpdateCount2(ProgramState& state)
 {
-    state.QuestionCount = static_cast<std::int32_t>(
-        std::count_if(state.QuestionList.begin(), state.QuestionList.end(),
-                      [](const QuestionRecord& question) { return question.Selected; }));
+    state.QuestionCount = state.BrowseQuestions.upperBound();
 }
 
 void StepLeft(ProgramState& state)

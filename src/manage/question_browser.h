@@ -9,21 +9,16 @@
 
 namespace varnholt {
 
-// The browser shows the questions of one subtopic one at a time. It works through the
-// `Selected` flags of the catalogue's subtopics and questions and overwrites them; what it
-// shows are `BrowseQuestions`, `QuestionCount` and `QuestionPosition` of the state.
+// The browser shows the questions of one subtopic one at a time: `BrowseQuestions`,
+// `QuestionCount` and `QuestionPosition` of the state.
 
-/// Sets the flag of the subtopic's record and clears all others.
-void ChooseSubtopic(List1<SubTopicRecord>& subTopicList, std::int32_t topicId,
-                    std::int32_t subtopicNum);
+/// Copies into `BrowseQuestions`, in catalogue order, the questions of the topic (none without
+/// one) that are filed under the subtopic, or under one that is not in the catalogue, and counts
+/// them. `QuestionPosition` becomes 0 when there are none and stays otherwise.
+void CollectBrowseQuestions(ProgramState& state, std::optional<std::int32_t> topicId,
+                            std::optional<std::int32_t> subtopicNum);
 
-/// Sets each question's flag: those of the topic selected in the topic list (none without
-/// one) that are filed under a subtopic with its flag set, or under one that is not in the
-/// list. Counts them, and copies them in catalogue order into `BrowseQuestions`.
-/// `QuestionPosition` becomes 0 when there are none and stays otherwise.
-void CollectBrowseQuestions(ProgramState& state, std::optional<std::int32_t> selectedTopicId);
-
-/// `QuestionCount` becomes the number of questions with their flag set.
+/// `QuestionCount` becomes the number of questions to browse.
 void UpdateCount2(ProgramState& state);
 
 /// One question back or on; at an end the position stays.

@@ -74,7 +74,7 @@ private:
     {
         int number = 0;
         for (poolIndex_ = 1; poolIndex_ <= input_.drawPool.upperBound(); ++poolIndex_) {
-            const QuestionRecord& record = input_.drawPool(poolIndex_);
+            const DrawnQuestion& record = input_.drawPool(poolIndex_);
             if (record.Selected) {
                 number_ = ++number;
                 addQuestionSlide(record);
@@ -118,7 +118,7 @@ private:
         int answer = 0;
         int line = 1;
         for (int i = 1; i <= input_.drawPool.upperBound(); ++i) {
-            const QuestionRecord& record = input_.drawPool(i);
+            const DrawnQuestion& record = input_.drawPool(i);
             if (!record.Selected) {
                 continue;
             }

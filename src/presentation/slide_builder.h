@@ -14,7 +14,7 @@ namespace varnholt {
 struct BuildInput
 {
     /// Records whose `Selected` is set go on slides, in pool order.
-    const List1<QuestionRecord>& drawPool;
+    const List1<DrawnQuestion>& drawPool;
     /// A topic line on each question slide.
     bool topicLine = false;
     /// Answer key slides after the questions.

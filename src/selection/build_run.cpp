@@ -1,6 +1,7 @@
 #include "selection/build_run.h"
 
 #include "pictures/picture_files.h"
+#include "selection/question_draw.h"
 #include "store/catalogue.h"
 #include "store/errors.h"
 #include "store/services.h"
@@ -13,10 +14,10 @@ namespace varnholt {
 
 namespace {
 
-QString sentence(const char* text)
+struct Words
 {
-    return QCoreApplication::translate("RunBuild", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RunBuild)
+};
 
 /// So long without an answer, and the user is told that she may as well stop.
 constexpr int longWaitMs = 10'000;
@@ -24,25 +25,26 @@ constexpr int longWaitMs = 10'000;
 /// The progress bar lives in here and nobody speaks meanwhile. `silent` becomes whether in the
 /// end the presentation program had not answered for long.
 BuildOutcome build(SlidesInto into, QWidget* window, const Services& services,
-                   const ProgramState& state, const SlideOptions& options, bool& silent)
+                   const ProgramState& state, const Draw& draw, const SlideOptions& options,
+                   bool& silent)
 {
     PresentationPrograms& programs = *services.presentationPrograms;
     const bool mayStaySilent = into == SlidesInto::Program && programs.canWriteFileInstead();
     const BuildInput input{
-        state.DrawPool, options.topicLine, options.answerKey,
+        draw.DrawPool, options.topicLine, options.answerKey,
         [&](const QuestionRecord& question) { return GetTopicText(state, question); },
         [&](const QuestionRecord& question) {
             return FindPictureFile(services.programFolder, question.PictureIndex);
         }};
-    const QString creating = sentence("Creating the slides…");
+    const QString creating = Words::tr("Creating the slides…");
     LongWork work(window, creating, LongWork::Cancel::Offered);
     QElapsedTimer sinceStep;
     sinceStep.start();
     const auto keepGoing = [&] {
         silent = mayStaySilent && sinceStep.hasExpired(longWaitMs);
         if (silent) {
-            work.setLabel(sentence("The presentation program has not answered for a while. You "
-                                   "can go on waiting for it or cancel."));
+            work.setLabel(Words::tr("The presentation program has not answered for a while. You "
+                                    "can go on waiting for it or cancel."));
         }
         return work.goOn();
     };
@@ -66,56 +68,58 @@ BuildOutcome build(SlidesInto into, QWidget* window, const Services& services,
 }
 
 /// Why a build was aborted, at which question, and what to make of it.
-QString explanation(const BuildOutcome& outcome, const ProgramState& state)
+QString explanation(const BuildOutcome& outcome, const ProgramState& state, const Draw& draw)
 {
     QString text = outcome.reason;
     if (outcome.number > 0) {
         text += QStringLiteral("\n\n") +
-                sentence("It happened at question %1 of the presentation (%2).")
+                Words::tr("It happened at question %1 of the presentation (%2).")
                     .arg(outcome.number)
-                    .arg(GetTopicText(state, state.DrawPool(outcome.poolIndex)));
+                    .arg(GetTopicText(state, draw.DrawPool(outcome.poolIndex)));
     }
     if (!outcome.pictureIsBad) {
         text += QStringLiteral("\n\n") +
-                sentence("No picture is missing, so there is nothing to delete. Please "
-                         "create the slides once more.");
+                Words::tr("No picture is missing, so there is nothing to delete. Please "
+                          "create the slides once more.");
     }
     return text;
 }
 
-void tell(MessageBoxes& messages, const BuildOutcome& outcome, const ProgramState& state)
+void tell(MessageBoxes& messages, const BuildOutcome& outcome, const ProgramState& state,
+          const Draw& draw)
 {
     if (outcome.end == BuildOutcome::End::Failed) {
-        messages.inform(QStringLiteral("Error"), outcome.reason);
+        messages.inform(Words::tr("Error"), outcome.reason);
     } else if (outcome.end == BuildOutcome::End::Aborted) {
         messages.explain(
-            QStringLiteral("File Missing"),
-            QStringLiteral("The creation of the powerpoint has been aborted because one of the "
-                           "questions selected is missing a picture file. Please go to Manage "
-                           "Assessments and delete that questions."),
-            explanation(outcome, state));
+            Words::tr("File Missing"),
+            Words::tr("The creation of the powerpoint has been aborted because one of the "
+                      "questions selected is missing a picture file. Please go to Manage "
+                      "Assessments and delete that questions."),
+            explanation(outcome, state, draw));
     }
     if (!outcome.notice.isEmpty()) {
-        messages.inform(sentence("Presentation"), outcome.notice);
+        messages.inform(Words::tr("Presentation"), outcome.notice);
     }
 }
 
 } // namespace
 
 BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& state,
-                      const SlideOptions& options)
+                      const Draw& draw, const SlideOptions& options)
 {
     bool silent = false;
-    BuildOutcome outcome = build(SlidesInto::Program, window, services, state, options, silent);
+    BuildOutcome outcome =
+        build(SlidesInto::Program, window, services, state, draw, options, silent);
     if (outcome.end == BuildOutcome::End::Cancelled && silent &&
         services.messageBoxes->yesNo(
-            sentence("Presentation"),
-            sentence("The presentation program has not answered. Do you want the slides in a "
-                     "presentation file instead?"),
+            Words::tr("Presentation"),
+            Words::tr("The presentation program has not answered. Do you want the slides in a "
+                      "presentation file instead?"),
             MessageBoxes::Answer::Yes)) {
-        outcome = build(SlidesInto::File, window, services, state, options, silent);
+        outcome = build(SlidesInto::File, window, services, state, draw, options, silent);
     }
-    tell(*services.messageBoxes, outcome, state);
+    tell(*services.messageBoxes, outcome, state, draw);
     return outcome;
 }
 

@@ -6,6 +6,7 @@ class QWidget;
 
 namespace varnholt {
 
+struct Draw;
 struct ProgramState;
 struct Services;
 
@@ -16,11 +17,11 @@ struct SlideOptions
     bool answerKey = true;
 };
 
-/// Builds the presentation of the marked questions of `DrawPool` with a busy pointer and,
+/// Builds the presentation of the marked questions of a draw with a busy pointer and,
 /// on long builds, a progress bar over `window`. When all that has gone the user is told what
 /// there is to tell, so the caller says nothing more; the slides built until then stay open.
 /// Throws nothing that the build threw.
 BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& state,
-                      const SlideOptions& options);
+                      const Draw& draw, const SlideOptions& options);
 
 } // namespace varnholt

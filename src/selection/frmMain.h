@@ -1,7 +1,8 @@
 #pragma once
 
-#include "selection/question_selection.h"
-#include "store/catalogue.h"
+#include "presentation/slide_builder.h"
+#include "selection/Selection.h"
+#include "selection/question_draw.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -26,7 +27,7 @@ struct SlideOptions;
 /// presentation and the number of questions. Opening it loads the catalogue; closing it
 /// remembers the assessment. Names of controls and handlers are those a user of the program
 /// knows from its windows.
-class frmMain : public QWidget, private SelectionCaptions
+class frmMain : public QWidget
 {
     Q_OBJECT
 
@@ -56,13 +57,19 @@ private:
     void cmdSelectAllSub_Click();
     void selectShownSubTopics(bool selected);
     void cmdCreate_Click();
+    void tell(DrawObstacle obstacle);
     /// Opens the review window; this window is switched off until it closes.
-    void openReview(const SlideOptions& options);
+    void openReview(Draw draw, const SlideOptions& options);
+    /// Builds the marked questions of a draw with its progress over `window`. The one place that
+    /// learns of every build, with and without a review, and of what came of it.
+    BuildOutcome buildSlides(QWidget* window, const Draw& draw, const SlideOptions& options);
 
     void FillAssessmentCombo();
     void FillTopicList();
     void FillSubTopicList();
+    /// Takes over the ticked topics, recounts and asks for all that is selected.
     void RefreshQuestionSelection();
+    void UpdateSelectionCounts();
     void loadCatalogue();
     /// Says beforehand why there is nothing to choose.
     void showObstacle(bool loaded);
@@ -71,12 +78,12 @@ private:
     /// What closing does, once.
     void unload();
 
-    void setQuestionCount(const QString& caption) override;
-    void setTopicRows(const QStringList& texts) override;
-
     Services& services_;
     ProgramState& state_;
     Connection& connection_;
+    /// The ticks of the open assessment.
+    Selection selection_;
+    std::int32_t SelectedQuestionCount_ = 0;
     /// False while the subtopic list is being refilled.
     bool SubTopicEventsEnabled_ = true;
     bool unloaded_ = false;

@@ -14,6 +14,8 @@
 #include <QShortcut>
 #include <QTextDocument>
 
+#include <utility>
+
 namespace varnholt {
 
 namespace {
@@ -27,7 +29,7 @@ QPushButton* makeKeyButton(const char* objectName, const QString& caption, Qt::K
     button->setAutoDefault(true);
     const QString letter = QKeySequence(key).toString(QKeySequence::NativeText);
     button->setIcon(keyIcon(letter));
-    button->setToolTip(QStringLiteral("Press the key %1").arg(letter));
+    button->setToolTip(frmSelect::tr("Press the key %1").arg(letter));
     auto* shortcut = new QShortcut(key, button);
     shortcut->setAutoRepeat(false);
     QObject::connect(shortcut, &QShortcut::activated, button, [button] { button->click(); });
@@ -44,23 +46,23 @@ void showText(QLabel* label, const QString& text)
 
 } // namespace
 
-frmSelect::frmSelect(Services& services, ProgramState& state, const SlideOptions& options,
+frmSelect::frmSelect(Services& services, const ProgramState& state, Draw draw, Build build,
                      QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
     , services_(services)
     , state_(state)
-    , options_(options)
-    , review_(state.DrawPool, state.RequestedQuestionCount)
+    , build_(std::move(build))
+    , review_(std::move(draw))
 {
     setObjectName(QStringLiteral("frmSelect"));
-    setWindowTitle(QStringLiteral("Select Questions"));
+    setWindowTitle(tr("Select Questions"));
     setAttribute(Qt::WA_DeleteOnClose);
     buildControls();
 }
 
 void frmSelect::buildControls()
 {
-    imgQuestion_ = named(new PictureView, "imgQuestion", QStringLiteral("Picture of the question"));
+    imgQuestion_ = named(new PictureView, "imgQuestion", tr("Picture of the question"));
     imgQuestion_->installEventFilter(this);
     lblTopicDescription_ = makeLabel("lblTopicDescription");
     lblTopicDescription_->setWordWrap(true);
@@ -72,14 +74,14 @@ void frmSelect::buildControls()
     lblCount1_ = makeLabel("lblCount1");
     lblCount2_ = makeLabel("lblCount2");
 
-    auto* cmdInclude = makeKeyButton("cmdInclude", QStringLiteral("&Include"), Qt::Key_I);
-    auto* cmdExclude = makeKeyButton("cmdExclude", QStringLiteral("&Exclude"), Qt::Key_E);
-    auto* cmdCreate = makeButton("cmdCreate", QStringLiteral("&Create"));
+    auto* cmdInclude = makeKeyButton("cmdInclude", tr("&Include"), Qt::Key_I);
+    auto* cmdExclude = makeKeyButton("cmdExclude", tr("&Exclude"), Qt::Key_E);
+    auto* cmdCreate = makeButton("cmdCreate", tr("&Create"));
     cmdCreate->setAutoDefault(true);
-    cmdCreate->setToolTip(QStringLiteral("Makes the slides of the questions included so far."));
-    auto* cmdCancel = makeButton("cmdCancel", QStringLiteral("C&ancel"));
+    cmdCreate->setToolTip(tr("Makes the slides of the questions included so far."));
+    auto* cmdCancel = makeButton("cmdCancel", tr("C&ancel"));
     cmdCancel->setAutoDefault(true);
-    cmdCancel->setToolTip(QStringLiteral("Makes no slides (Esc)."));
+    cmdCancel->setToolTip(tr("Makes no slides (Esc)."));
 
     auto* counts = new QVBoxLayout;
     counts->addWidget(lblCount1_, 0, Qt::AlignRight);
@@ -133,15 +135,15 @@ void frmSelect::Form_Load()
 void frmSelect::ShowReviewQuestion()
 {
     const auto path = [this](int position) {
-        return FindPictureFile(services_.programFolder, state_.DrawPool(position).PictureIndex);
+        return FindPictureFile(services_.programFolder, draw().DrawPool(position).PictureIndex);
     };
     const QuestionRecord& question = review_.question();
     const QString topic = GetTopicText(state_, question);
     showText(lblTopicDescription_, topic);
-    showText(lblAnswer_, QStringLiteral("Answer: ") + question.Answer);
+    showText(lblAnswer_, tr("Answer: %1").arg(question.Answer));
     imgQuestion_->setSubject(tr("Question %1 of %2: %3.")
                                  .arg(review_.position())
-                                 .arg(state_.DrawPool.upperBound())
+                                 .arg(draw().DrawPool.upperBound())
                                  .arg(topic));
     seen_ = false;
     imgQuestion_->load(path(review_.position()), [this](PictureFault fault) {
@@ -149,13 +151,12 @@ void frmSelect::ShowReviewQuestion()
             return;
         }
         services_.messageBoxes->inform(
-            QStringLiteral("File Missing"),
-            QStringLiteral("One of the questions you have selected is missing the picture file.  "
-                           "Please go to Manage Assessments and delete the question that is "
-                           "missing the picture file."));
+            tr("File Missing"),
+            tr("One of the questions you have selected is missing the picture file.  Please go to "
+               "Manage Assessments and delete the question that is missing the picture file."));
         abandon();
     });
-    if (review_.position() < state_.DrawPool.upperBound()) {
+    if (review_.position() < draw().DrawPool.upperBound()) {
         imgQuestion_->prefetch(path(review_.position() + 1));
     }
 }
@@ -212,7 +213,7 @@ bool frmSelect::build()
 {
     imgQuestion_->forget();
     using End = BuildOutcome::End;
-    const End end = RunBuild(this, services_, state_, options_).end;
+    const End end = build_(this, draw()).end;
     if (end == End::Complete || end == End::Aborted) {
         abandon();
         return false;

@@ -1,9 +1,11 @@
 #pragma once
 
-#include "selection/build_run.h"
+#include "presentation/slide_builder.h"
 #include "selection/review.h"
 
 #include <QDialog>
+
+#include <functional>
 
 class QLabel;
 
@@ -13,8 +15,8 @@ class PictureView;
 struct ProgramState;
 struct Services;
 
-/// The review window: shows the drawn questions one at a time to be included or excluded, and
-/// builds the slides of those included. A question is judged only after its picture was on the
+/// The review window: shows the drawn questions one at a time to be included or excluded, and has
+/// the slides of those included built. A question is judged only after its picture was on the
 /// screen. A window of its own, not modal; it deletes itself when it closes. Closing it other
 /// than by its buttons asks first when questions have been included.
 class frmSelect : public QDialog
@@ -22,9 +24,14 @@ class frmSelect : public QDialog
     Q_OBJECT
 
 public:
+    /// Builds the marked questions of a draw with its progress over `window`.
+    using Build = std::function<BuildOutcome(QWidget* window, const Draw& draw)>;
     /// `parent` is the window it stays above.
-    frmSelect(Services& services, ProgramState& state, const SlideOptions& options,
+    frmSelect(Services& services, const ProgramState& state, Draw draw, Build build,
               QWidget* parent);
+
+    /// What is reviewed, as it has been judged so far.
+    [[nodiscard]] const Draw& draw() const { return review_.draw(); }
 
     /// Shows the first question; closes at once when its picture is missing.
     void Form_Load();
@@ -55,8 +62,8 @@ private:
     [[nodiscard]] bool mayLeave();
 
     Services& services_;
-    ProgramState& state_;
-    SlideOptions options_;
+    const ProgramState& state_;
+    Build build_;
     Review review_;
     /// The picture on show has been on the screen.
     bool seen_ = false;

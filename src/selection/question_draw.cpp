@@ -15,7 +15,7 @@ namespace varnholt {
 namespace {
 
 /// The records are moved in random order; asking for them ahead hides the memory's delay.
-void prefetch([[maybe_unused]] const List1<QuestionRecord>& pool, [[maybe_unused]] int position)
+void prefetch([[maybe_unused]] const List1<DrawnQuestion>& pool, [[maybe_unused]] int position)
 {
 #if defined(__GNUC__)
     __builtin_prefetch(&pool(position), 1);
@@ -35,41 +35,38 @@ std::optional<double> ParseNumber(const QString& text)
     return numeric && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
-bool DrawQuestions(ProgramState& state, const QString& numberText, RandomGenerator& random,
-                   MessageBoxes& messages)
+std::variant<Draw, DrawObstacle> DrawQuestions(const List1<QuestionRecord>& questionList,
+                                               const Selection& selection,
+                                               const QString& numberText, RandomGenerator& random)
 {
-    if (state.SelectedQuestionCount == 0) {
-        messages.inform(QStringLiteral("No Questions"),
-                        QStringLiteral("There are no questions selected."));
-        return false;
+    const std::int32_t SelectedQuestionCount = CountSelected(questionList, selection);
+    if (SelectedQuestionCount == 0) {
+        return DrawObstacle::NoQuestions;
     }
     const std::optional<double> number = ParseNumber(numberText);
     if (!number) {
-        messages.inform(QStringLiteral("Error"),
-                        QStringLiteral("Please enter a number for the number of questions."));
-        return false;
+        return DrawObstacle::NotANumber;
     }
     // Halves go to the even neighbour, as in the number conversions of office programs.
     const double wanted = std::nearbyint(*number);
-    if (wanted < 1 || wanted > state.SelectedQuestionCount) {
-        messages.inform(QStringLiteral("Error"), QStringLiteral("Invalid number of questions."));
-        return false;
+    if (wanted < 1 || wanted > SelectedQuestionCount) {
+        return DrawObstacle::NumberOutOfRange;
     }
-    state.RequestedQuestionCount = static_cast<std::int32_t>(wanted);
 
-    List1<QuestionRecord> pool;
-    pool.reserve(static_cast<std::size_t>(state.SelectedQuestionCount));
-    for (const QuestionRecord& question : state.QuestionList) {
-        if (question.Selected) {
-            pool.append(question);
+    Draw draw;
+    draw.RequestedQuestionCount = static_cast<std::int32_t>(wanted);
+    draw.seed = random.state();
+    draw.DrawPool.reserve(static_cast<std::size_t>(SelectedQuestionCount));
+    for (const QuestionRecord& question : questionList) {
+        if (selection.IsQuestionInSelection(question.TopicID, question.SubtopicNum)) {
+            draw.DrawPool.append({question});
         }
     }
-    ShuffleDrawPool(pool, random);
-    state.DrawPool = std::move(pool);
-    return true;
+    ShuffleDrawPool(draw.DrawPool, random);
+    return draw;
 }
 
-void ShuffleDrawPool(List1<QuestionRecord>& pool, RandomGenerator& random)
+void ShuffleDrawPool(List1<DrawnQuestion>& pool, RandomGenerator& random)
 {
     const auto n = static_cast<std::size_t>(pool.upperBound());
     // Every position drawn is written down, and stays written only if it had not been taken:
@@ -89,7 +86,7 @@ void ShuffleDrawPool(List1<QuestionRecord>& pool, RandomGenerator& random)
             word |= bit;
         }
     }
-    List1<QuestionRecord> shuffled;
+    List1<DrawnQuestion> shuffled;
     shuffled.reserve(n);
     for (std::size_t i = 0; i < n; ++i) {
         prefetch(pool, order[std::min(i + 16, n - 1)]);
@@ -98,7 +95,7 @@ void ShuffleDrawPool(List1<QuestionRecord>& pool, RandomGenerator& random)
     pool = std::move(shuffled);
 }
 
-void MarkFirst(List1<QuestionRecord>& pool, std::int32_t count)
+void MarkFirst(List1<DrawnQuestion>& pool, std::int32_t count)
 {
     for (int i = 1; i <= count; ++i) {
         pool(i).Selected = true;

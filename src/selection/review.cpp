@@ -1,29 +1,33 @@
 #include "selection/review.h"
 
+#include <QCoreApplication>
+
+#include <utility>
+
 namespace varnholt {
 
-Review::Review(List1<QuestionRecord>& drawPool, std::int32_t requestedQuestionCount)
-    : DrawPool_(drawPool)
-    , RequestedQuestionCount_(requestedQuestionCount)
+Review::Review(Draw draw)
+    : draw_(std::move(draw))
 {}
 
 Review::Next Review::include()
 {
-    DrawPool_(ReviewPosition_).Selected = true;
+    draw_.DrawPool(ReviewPosition_).Selected = true;
     ++AcceptedCount_;
     return moveOn();
 }
 
 Review::Next Review::exclude()
 {
-    DrawPool_(ReviewPosition_).Selected = false;
+    draw_.DrawPool(ReviewPosition_).Selected = false;
     return moveOn();
 }
 
 Review::Next Review::moveOn()
 {
     ++ReviewPosition_;
-    if (ReviewPosition_ <= DrawPool_.upperBound() && AcceptedCount_ < RequestedQuestionCount_) {
+    if (ReviewPosition_ <= draw_.DrawPool.upperBound() &&
+        AcceptedCount_ < draw_.RequestedQuestionCount) {
         return Next::Show;
     }
     return AcceptedCount_ > 0 ? Next::Build : Next::Close;
@@ -31,27 +35,27 @@ Review::Next Review::moveOn()
 
 void Review::excludeRest()
 {
-    for (int i = ReviewPosition_; i <= DrawPool_.upperBound(); ++i) {
-        DrawPool_(i).Selected = false;
+    for (int i = ReviewPosition_; i <= draw_.DrawPool.upperBound(); ++i) {
+        draw_.DrawPool(i).Selected = false;
     }
 }
 
 void Review::reopenLast()
 {
-    QuestionRecord& question = DrawPool_(--ReviewPosition_);
+    DrawnQuestion& question = draw_.DrawPool(--ReviewPosition_);
     AcceptedCount_ -= question.Selected ? 1 : 0;
     question.Selected = false;
 }
 
 QString Review::selectedText() const
 {
-    return QStringLiteral("Questions Selected: ") + QString::number(AcceptedCount_);
+    return QCoreApplication::translate("Review", "Questions Selected: %1").arg(AcceptedCount_);
 }
 
 QString Review::leftText() const
 {
-    return QStringLiteral("Questions Left to View: ") +
-           QString::number(DrawPool_.upperBound() - ReviewPosition_ + 1);
+    return QCoreApplication::translate("Review", "Questions Left to View: %1")
+        .arg(draw_.DrawPool.upperBound() - ReviewPosition_ + 1);
 }
 
 } // namespace varnholt

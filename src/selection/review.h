@@ -1,13 +1,13 @@
 #pragma once
 
-#include "store/modMain.h"
+#include "selection/question_draw.h"
 
 #include <QString>
 
 namespace varnholt {
 
-/// The review of a drawn pool, question by question from position 1. It only keeps count and
-/// marks the records of the pool, which must outlive it and come with every flag cleared.
+/// The review of a draw, question by question from position 1. It only keeps count and marks the
+/// records of the pool.
 class Review
 {
 public:
@@ -20,12 +20,14 @@ public:
         Close
     };
 
-    Review(List1<QuestionRecord>& drawPool, std::int32_t requestedQuestionCount);
+    explicit Review(Draw draw);
 
+    /// The draw as it has been judged so far.
+    [[nodiscard]] const Draw& draw() const { return draw_; }
     /// The pool position on show; one past the end when all have been judged.
     [[nodiscard]] int position() const { return ReviewPosition_; }
     /// The question on show.
-    [[nodiscard]] const QuestionRecord& question() const { return DrawPool_(ReviewPosition_); }
+    [[nodiscard]] const QuestionRecord& question() const { return draw_.DrawPool(ReviewPosition_); }
 
     /// Questions included so far.
     [[nodiscard]] int acceptedCount() const { return AcceptedCount_; }
@@ -47,8 +49,7 @@ public:
 private:
     Next moveOn();
 
-    List1<QuestionRecord>& DrawPool_;
-    std::int32_t RequestedQuestionCount_;
+    Draw draw_;
     std::int32_t ReviewPosition_ = 1;
     std::int32_t AcceptedCount_ = 0;
 };

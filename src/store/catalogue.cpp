@@ -1,11 +1,9 @@
 #include "store/catalogue.h"
 
 #include "store/connection.h"
-#include "store/services.h"
 #include "store/statements.h"
 
-#include <QHash>
-#include <QStringList>
+#include <QCoreApplication>
 
 #include <algorithm>
 
@@ -13,24 +11,28 @@ namespace varnholt {
 
 namespace {
 
+QString sentence(const char* text)
+{
+    return QCoreApplication::translate("Catalogue", text);
+}
+
 template <typename Load>
-bool reportFailure(MessageBoxes& messages, const QString& text, Load load)
+LoadFailures failuresOf(Load load, const char* failure)
 {
     try {
         load();
-        return true;
+        return {};
     } catch (const DatabaseError&) {
-        messages.inform(QStringLiteral("Database Error"), text);
-        return false;
+        return {sentence(failure)};
     }
 }
 
 } // namespace
 
-void LoadAssessments(ProgramState& state, Connection& connection, MessageBoxes& messages)
+LoadFailures LoadAssessments(ProgramState& state, Connection& connection)
 {
     state.AssessmentList.clear();
-    reportFailure(messages, QStringLiteral("There was an error loading the assessments."), [&] {
+    const auto load = [&] {
         Recordset rows = connection.read(statements::SelectAssessments());
         const int number = rows.field("AssessmentNum");
         const int name = rows.field("AssessmentName");
@@ -42,39 +44,48 @@ void LoadAssessments(ProgramState& state, Connection& connection, MessageBoxes& 
         if (history.next()) {
             state.LastAssessmentNum = history.integer(lastId);
         }
-    });
+    };
+    return failuresOf(
+        load, QT_TRANSLATE_NOOP("Catalogue", "There was an error loading the assessments."));
 }
 
-bool LoadTopics(ProgramState& state, Connection& connection, MessageBoxes& messages)
+LoadFailures LoadTopics(ProgramState& state, Connection& connection)
 {
     state.TopicList.clear();
-    return reportFailure(messages, QStringLiteral("There was an error loading the topics."), [&] {
+    const auto load = [&] {
         Recordset rows = connection.read(statements::SelectTopics(state.CurrentAssessmentNum));
         const int topicId = rows.field("TopicID");
         const int topic = rows.field("Topic");
         while (rows.next()) {
-            TopicRecord& record = state.TopicList.append({});
-            record.TopicID = rows.integer(topicId);
-            record.Topic = rows.text(topic);
+            state.TopicList.append({rows.integer(topicId), rows.text(topic)});
         }
-    });
+    };
+    return failuresOf(load,
+                      QT_TRANSLATE_NOOP("Catalogue", "There was an error loading the topics."));
 }
 
-bool LoadSubTopics(ProgramState& state, Connection& connection, MessageBoxes& messages)
+LoadFailures LoadSubTopics(ProgramState& state, Connection& connection)
 {
     state.SubTopicList.clear();
-    return reportFailure(
-        messages, QStringLiteral("There was an error loading the subtopics."), [&] {
-            Recordset rows =
-                connection.read(statements::SelectSubTopics(state.CurrentAssessmentNum));
-            const int topicId = rows.field("TopicID");
-            const int subtopicNum = rows.field("SubtopicNum");
-            const int subTopic = rows.field("SubTopic");
-            while (rows.next()) {
-                state.SubTopicList.append(
-                    {rows.integer(topicId), rows.integer(subtopicNum), rows.text(subTopic), true});
-            }
-        });
+    const auto load = [&] {
+        Recordset rows = connection.read(statements::SelectSubTopics(state.CurrentAssessmentNum));
+        const int topicId = rows.field("TopicID");
+        const int subtopicNum = rows.field("SubtopicNum");
+        const int subTopic = rows.field("SubTopic");
+        while (rows.next()) {
+            state.SubTopicList.append(
+                {rows.integer(topicId), rows.integer(subtopicNum), rows.text(subTopic)});
+        }
+    };
+    return failuresOf(load,
+                      QT_TRANSLATE_NOOP("Catalogue", "There was an error loading the subtopics."));
+}
+
+LoadFailures LoadStructure(ProgramState& state, Connection& connection)
+{
+    LoadFailures failures = LoadTopics(state, connection);
+    failures += LoadSubTopics(state, connection);
+    return failures;
 }
 
 void LoadQuestions(ProgramState& state, Connection& connection)
@@ -89,62 +100,9 @@ void LoadQuestions(ProgramState& state, Connection& connection)
     while (rows.next()) {
         const std::int32_t key = rows.integer(solIndex);
         state.QuestionList.append(
-            {key, key, rows.integer(topicId), rows.integer(subtopicNum), rows.text(answer), true});
+            {key, key, rows.integer(topicId), rows.integer(subtopicNum), rows.text(answer)});
     }
     state.QuestionsLoaded = true;
-}
-
-bool LoadCurrentAssessment(ProgramState& state, Connection& connection, MessageBoxes& messages)
-{
-    const bool topics = LoadTopics(state, connection, messages);
-    const bool subTopics = LoadSubTopics(state, connection, messages);
-    LoadQuestions(state, connection);
-    return topics && subTopics;
-}
-
-void SetSubTopicSelected(List1<SubTopicRecord>& subTopicList, std::int32_t topicId,
-                         std::int32_t subtopicNum, bool selected)
-{
-    for (SubTopicRecord& record : subTopicList) {
-        if (record.TopicID == topicId && record.SubtopicNum == subtopicNum) {
-            record.Selected = selected;
-        }
-    }
-}
-
-void UpdateSelectionCounts(ProgramState& state, SelectionCaptions& captions)
-{
-    state.SelectedQuestionCount = static_cast<std::int32_t>(
-        std::count_if(state.QuestionList.begin(), state.QuestionList.end(),
-                      [](const QuestionRecord& question) { return question.Selected; }));
-    captions.setQuestionCount(QString::number(state.SelectedQuestionCount));
-
-    struct Count
-    {
-        std::int32_t all = 0;
-        std::int32_t selected = 0;
-    };
-    QHash<std::int32_t, Count> counts;
-    counts.reserve(state.TopicList.upperBound());
-    for (const SubTopicRecord& record : state.SubTopicList) {
-        Count& count = counts[record.TopicID];
-        ++count.all;
-        count.selected += record.Selected ? 1 : 0;
-    }
-
-    QStringList texts;
-    texts.reserve(state.TopicList.upperBound());
-    for (TopicRecord& topic : state.TopicList) {
-        const Count count = counts.value(topic.TopicID);
-        topic.SelectedSubTopicText = QString::number(count.selected);
-        topic.SubTopicCount = count.all;
-        texts.append(topic.Topic + QStringLiteral(" (") + topic.SelectedSubTopicText +
-                     QStringLiteral(" of ") + QString::number(topic.SubTopicCount) +
-                     QStringLiteral(" topics)"));
-    }
-    state.TopicEventsEnabled = false;
-    captions.setTopicRows(texts);
-    state.TopicEventsEnabled = true;
 }
 
 QString GetTopicText(const ProgramState& state, const QuestionRecord& question)

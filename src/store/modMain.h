@@ -18,10 +18,6 @@ struct TopicRecord
 {
     std::int32_t TopicID = 0;
     QString Topic;
-    /// Decimal number of this topic's selected subtopics.
-    QString SelectedSubTopicText = QStringLiteral("0");
-    /// Number of this topic's subtopics; 0 until the first count.
-    std::int32_t SubTopicCount = 0;
 };
 
 struct SubTopicRecord
@@ -29,7 +25,6 @@ struct SubTopicRecord
     std::int32_t TopicID = 0;
     std::int32_t SubtopicNum = 0;
     QString SubTopic;
-    bool Selected = true;
 };
 
 struct QuestionRecord
@@ -41,8 +36,13 @@ struct QuestionRecord
     std::int32_t TopicID = 0;
     std::int32_t SubtopicNum = 0;
     QString Answer;
-    /// In `QuestionList`: inside the user's selection. In `DrawPool`: goes on a slide.
-    bool Selected = true;
+};
+
+/// A question in a draw pool.
+struct DrawnQuestion : QuestionRecord
+{
+    /// Goes into the presentation.
+    bool Selected = false;
 };
 
 /// Everything the windows share. `RunProgram` creates one and hands it to each window by
@@ -61,15 +61,6 @@ struct ProgramState
     std::int32_t CurrentAssessmentNum = 0;
     /// `History.LastID` as last read.
     std::int32_t LastAssessmentNum = 0;
-    /// Number of `QuestionList` records with `Selected` set.
-    std::int32_t SelectedQuestionCount = 0;
-    /// False while the topic list's rows are being rewritten.
-    bool TopicEventsEnabled = true;
-    bool RandomSeeded = false;
-
-    // The draw.
-    List1<QuestionRecord> DrawPool;
-    std::int32_t RequestedQuestionCount = 0;
 
     // The question browser of the library manager.
     List1<QuestionRecord> BrowseQuestions;

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 
 class QImage;
 
@@ -22,6 +24,14 @@ public:
 
     /// A message with an OK button.
     virtual void inform(const QString& title, const QString& text) = 0;
+
+    /// One such message for each text.
+    void informEach(const QString& title, const QStringList& texts)
+    {
+        for (const QString& text : texts) {
+            inform(title, text);
+        }
+    }
 
     /// The same with what explains it in the same box, below the text.
     virtual void explain(const QString& title, const QString& text, const QString& explanation)
@@ -89,6 +99,15 @@ public:
     virtual ~RandomGenerator() = default;
 
     virtual void seed(std::uint64_t value) = 0;
+    /// What to seed it with to get the numbers that are going to come once more.
+    [[nodiscard]] virtual std::uint64_t state() const = 0;
+    /// Seeds it unless that has been done before.
+    void seedOnce(std::uint64_t value)
+    {
+        if (!std::exchange(RandomSeeded_, true)) {
+            seed(value);
+        }
+    }
     /// Uniform in [0, 1).
     [[nodiscard]] virtual double next() = 0;
     /// The next numbers of the same sequence, for who needs very many.
@@ -98,6 +117,9 @@ public:
             number = next();
         }
     }
+
+private:
+    bool RandomSeeded_ = false;
 };
 
 /// Called several times a second while something outside is waited for; false when the user has

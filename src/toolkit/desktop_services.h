@@ -42,6 +42,7 @@ class SplitMix64 final : public RandomGenerator
 {
 public:
     void seed(std::uint64_t value) override { state_ = value; }
+    [[nodiscard]] std::uint64_t state() const override { return state_; }
     [[nodiscard]] double next() override
     {
         state_ += 0x9e3779b97f4a7c15;

@@ -6,6 +6,7 @@
 #include "presentation/default_programs.h"
 #include "presentation/office_host.h"
 #include "presentation/package_reader.h"
+#include "selection/frmSelect.h"
 #include "store/catalogue.h"
 #include "store/library_file.h"
 #include "support/fakes.h"
@@ -104,15 +105,19 @@ TEST_P(MainJob, FromTheSuppliedLibraryToSlides)
     topics->setListIndex(2);
     subTopics->setListIndex(0);
     subTopics->setSelected(0, false);
-    ASSERT_GT(state.SelectedQuestionCount, 12);
+    Selection ticks;
+    ticks.setTopics({{topics->itemData(0), true}, {topics->itemData(2), true}});
+    ticks.SetSubTopicSelected(topics->itemData(2), subTopics->itemData(0), false);
 
     control<QRadioButton>(frame.get(), "optSelectNo")->setChecked(true);
     control<QLineEdit>(frame.get(), "txtQuestions")->setText(u"12"_s);
+    SplitMix64 sameNumbers = random;
     click(frame.get(), "cmdCreate");
+    const Draw draw =
+        std::get<Draw>(DrawQuestions(state.QuestionList, ticks, u"12"_s, sameNumbers));
     List1<QuestionRecord> chosen;
     for (int i = 1; i <= 12; ++i) {
-        chosen.append(state.DrawPool(i));
-        EXPECT_NE(state.DrawPool(i).SubtopicNum, subTopics->itemData(0));
+        chosen.append(draw.DrawPool(i));
     }
     expectSlides(chosen);
 
@@ -120,12 +125,13 @@ TEST_P(MainJob, FromTheSuppliedLibraryToSlides)
     control<QRadioButton>(frame.get(), "optSelectYes")->setChecked(true);
     control<QLineEdit>(frame.get(), "txtQuestions")->setText(u"3"_s);
     click(frame.get(), "cmdCreate");
-    const QPointer<QWidget> review = control<QWidget>(frame.get(), "frmSelect");
+    const QPointer<frmSelect> review = control<frmSelect>(frame.get(), "frmSelect");
+    const Draw reviewed = review->draw();
     EXPECT_FALSE(frame->childWindow()->isEnabled());
     chosen.clear();
     for (int i = 1; i <= 6; ++i) {
         if (i % 2 == 0) {
-            chosen.append(state.DrawPool(i));
+            chosen.append(reviewed.DrawPool(i));
         }
         QApplication::processEvents(); // nothing is judged before it was painted
         click(review, i % 2 == 0 ? "cmdInclude" : "cmdExclude");

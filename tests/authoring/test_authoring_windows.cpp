@@ -42,7 +42,7 @@ protected:
         library.addSubTopic(maths, geometry, u"Circles"_s);
         owner.open();
         state.CurrentAssessmentNum = maths;
-        LoadCurrentAssessment(state, owner.connection(), messages);
+        LoadCurrentAssessment(state, owner.connection());
         clipboard.picture = testPicture(captureSize, 5);
     }
 

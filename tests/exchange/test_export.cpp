@@ -29,8 +29,8 @@ protected:
         inUpperCase = library.picturePath(first).chopped(3) + QStringLiteral("JPG");
         QFile::rename(library.picturePath(first), inUpperCase);
         state.CurrentAssessmentNum = assessment;
-        LoadAssessments(state, connection, messages);
-        LoadCurrentAssessment(state, connection, messages);
+        EXPECT_EQ(LoadAssessments(state, connection), LoadFailures());
+        LoadCurrentAssessment(state, connection);
     }
 
     [[nodiscard]] QString work(const char* file = "") const

@@ -50,7 +50,7 @@ struct Killable
         services.programFolder = programFolder;
         library.open();
         state.CurrentAssessmentNum = assessment;
-        LoadCurrentAssessment(state, connection, messages);
+        LoadCurrentAssessment(state, connection);
     }
 
     AnyMessages messages;
@@ -122,7 +122,7 @@ void maintainOnce(Killable& program)
 
     const std::int32_t topic = library.addTopic(workedOn, QStringLiteral("T"));
     const std::int32_t subTopic = library.addSubtopic(workedOn, topic, QStringLiteral("S"));
-    LoadCurrentAssessment(state, program.connection, program.messages);
+    LoadCurrentAssessment(state, program.connection);
     for (std::int32_t i = 1; i <= state.QuestionList.upperBound(); ++i) {
         const std::int32_t key = state.QuestionList(i).SOLIndex;
         library.editQuestion(key, topic, subTopic, answerFor(topic, subTopic));
@@ -132,7 +132,7 @@ void maintainOnce(Killable& program)
     }
     library.deleteSubtopic(old.SubtopicNum);
     library.deleteTopic(old.TopicID);
-    LoadCurrentAssessment(state, program.connection, program.messages);
+    LoadCurrentAssessment(state, program.connection);
 }
 
 bool runMaintenance(Killable& program)

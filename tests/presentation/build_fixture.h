@@ -47,7 +47,7 @@ protected:
                      const QString& topic = QStringLiteral("Algebra - Roots"))
     {
         const int key = pool_.upperBound() + 1;
-        pool_.append({key, key, 1, 1, answer, true});
+        pool_.append({{key, key, 1, 1, answer}, true});
         topics_.append(topic);
     }
 
@@ -62,7 +62,7 @@ protected:
     }
 
     QTemporaryDir folder_;
-    List1<QuestionRecord> pool_;
+    List1<DrawnQuestion> pool_;
     QStringList topics_;
 };
 

@@ -1,34 +1,42 @@
 #include "selection/question_draw.h"
-#include "selection/question_selection.h"
 #include "support/fakes.h"
 #include "toolkit/desktop_services.h"
+
+#include <QLocale>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <map>
-#include <set>
 
 namespace varnholt::test {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
-ProgramState stateWith(int questions, const std::set<int>& unselected = {})
+/// Questions under the subtopic that has their own number.
+List1<QuestionRecord> questionsTo(int count)
 {
-    ProgramState state;
-    for (int i = 1; i <= questions; ++i) {
-        const bool selected = unselected.count(i) == 0;
-        state.QuestionList.append({i, i, 1, 1, u"A%1"_s.arg(i), selected});
-        state.SelectedQuestionCount += selected ? 1 : 0;
+    List1<QuestionRecord> questions;
+    for (int i = 1; i <= count; ++i) {
+        questions.append({i, i, 1, i, u"A%1"_s.arg(i)});
     }
-    return state;
+    return questions;
 }
 
-std::vector<int> keysOf(const List1<QuestionRecord>& pool)
+Selection everything()
+{
+    Selection selection;
+    selection.setTopics({{1, true}});
+    return selection;
+}
+
+std::vector<int> keysOf(const List1<DrawnQuestion>& pool)
 {
     std::vector<int> keys;
-    for (const QuestionRecord& record : pool) {
+    for (const DrawnQuestion& record : pool) {
+        EXPECT_FALSE(record.Selected);
+        EXPECT_EQ(record.Answer, u"A%1"_s.arg(record.SOLIndex));
         keys.push_back(record.SOLIndex);
     }
     return keys;
@@ -36,53 +44,59 @@ std::vector<int> keysOf(const List1<QuestionRecord>& pool)
 
 TEST(Draw, TakesNumbersRoundedToEvenAndRefusesTheRest)
 {
-    ScriptedMessageBoxes messages;
     FakeRandom random;
-    ProgramState none = stateWith(3, {1, 2, 3});
-    messages.expectInform(u"No Questions"_s, u"There are no questions selected."_s);
-    EXPECT_FALSE(DrawQuestions(none, u"abc"_s, random, messages));
-
-    const QString noNumber = u"Please enter a number for the number of questions."_s;
-    const QString outOfRange = u"Invalid number of questions."_s;
-    const std::vector<std::pair<QString, std::vector<const char*>>> refused{
-        {noNumber, {"", "  ", "abc", "3x", "nan", "inf", "1e999", "--1"}},
-        {outOfRange, {"0", "-1", "11", "0.5", "10.6", "4294967297", "1e300", "-1e300"}}};
-    ProgramState state = stateWith(10);
-    for (const auto& [message, texts] : refused) {
-        for (const char* text : texts) {
-            messages.expectInform(u"Error"_s, message);
-            EXPECT_FALSE(DrawQuestions(state, QLatin1String(text), random, messages)) << text;
-            messages.verify();
-        }
+    const List1<QuestionRecord> ten = questionsTo(10);
+    EXPECT_EQ(std::get<DrawObstacle>(DrawQuestions(ten, {}, u"abc"_s, random)),
+              DrawObstacle::NoQuestions);
+    const auto drawn = [&](const char* text) {
+        const auto result = DrawQuestions(ten, everything(), QString::fromUtf8(text), random);
+        const auto* draw = std::get_if<Draw>(&result);
+        return draw ? draw->RequestedQuestionCount
+                    : -static_cast<int>(std::get<DrawObstacle>(result));
+    };
+    constexpr int noNumber = -static_cast<int>(DrawObstacle::NotANumber);
+    constexpr int outOfRange = -static_cast<int>(DrawObstacle::NumberOutOfRange);
+    std::map<const char*, int> numbers{{"2.5", 2},  {"3.5", 4},   {"1.5", 2},
+                                       {"10", 10},  {" 7 ", 7},   {"+3", 3},
+                                       {"1e1", 10}, {"10.5", 10}, {"0.51", 1}};
+    for (const char* text : {"", "  ", "abc", "3x", "nan", "inf", "1e999", "--1"}) {
+        numbers[text] = noNumber;
     }
-    EXPECT_TRUE(state.DrawPool.isEmpty());
-    EXPECT_EQ(state.RequestedQuestionCount, 0);
-
-    const std::map<const char*, int> taken{{"2.5", 2},  {"3.5", 4},   {"1.5", 2},
-                                           {"10", 10},  {" 7 ", 7},   {"+3", 3},
-                                           {"1e1", 10}, {"10.5", 10}, {"0.51", 1}};
-    for (const auto& [text, count] : taken) {
-        EXPECT_TRUE(DrawQuestions(state, QLatin1String(text), random, messages)) << text;
-        EXPECT_EQ(state.RequestedQuestionCount, count) << text;
+    for (const char* text : {"0", "-1", "11", "0.5", "10.6", "4294967297", "1e300", "-1e300"}) {
+        numbers[text] = outOfRange;
     }
+    for (const auto& [text, expected] : numbers) {
+        EXPECT_EQ(drawn(text), expected) << text;
+    }
+    // In the user's own notation, and still with a decimal point.
+    QLocale::setDefault(QLocale::German);
+    EXPECT_EQ(drawn("2,6"), 3);
+    EXPECT_EQ(drawn("3.6"), 4);
+    QLocale::setDefault(QLocale::c());
 }
 
 TEST(Draw, PoolHoldsTheSelectedQuestionsOnceInTheGeneratorsOrder)
 {
-    ScriptedMessageBoxes messages;
-    ProgramState state = stateWith(5, {2});
+    const List1<QuestionRecord> five = questionsTo(5);
+    Selection selection = everything();
+    selection.SetSubTopicSelected(1, 2, false);
     FakeRandom random;
     // Of four: third; third again (taken, so drawn anew) and first; fourth; then the second
     // after two positions that have gone.
     random.numbers = {0.5, 0.74, 0.0, 0.99, 0.0, 0.5, 0.25};
-    ASSERT_TRUE(DrawQuestions(state, u"2"_s, random, messages));
-    EXPECT_EQ(keysOf(state.DrawPool), (std::vector<int>{4, 1, 5, 3}));
-    for (const QuestionRecord& record : state.DrawPool) {
-        EXPECT_FALSE(record.Selected);
-        EXPECT_EQ(record.Answer, u"A%1"_s.arg(record.SOLIndex));
-    }
-    EXPECT_TRUE(state.QuestionList(4).Selected);
-    EXPECT_EQ(state.QuestionList(4).Answer, u"A4"_s);
+    const Draw draw = std::get<Draw>(DrawQuestions(five, selection, u"2"_s, random));
+    EXPECT_EQ(keysOf(draw.DrawPool), (std::vector<int>{4, 1, 5, 3}));
+
+    // Each draw differs from the one before and can be repeated from its seed.
+    SplitMix64 numbers;
+    const auto drawn = [&] {
+        return std::get<Draw>(DrawQuestions(questionsTo(50), everything(), u"2"_s, numbers));
+    };
+    const Draw first = drawn();
+    const Draw second = drawn();
+    EXPECT_NE(keysOf(second.DrawPool), keysOf(first.DrawPool));
+    numbers.seed(second.seed);
+    EXPECT_EQ(keysOf(drawn().DrawPool), keysOf(second.DrawPool));
 }
 
 TEST(Draw, EveryOrderIsEquallyLikely)
@@ -92,7 +106,10 @@ TEST(Draw, EveryOrderIsEquallyLikely)
     std::map<std::vector<int>, int> seen;
     constexpr int rounds = 24'000;
     for (int i = 0; i < rounds; ++i) {
-        List1<QuestionRecord> pool = stateWith(4).QuestionList;
+        List1<DrawnQuestion> pool;
+        for (const QuestionRecord& question : questionsTo(4)) {
+            pool.append({question, true});
+        }
         ShuffleDrawPool(pool, random);
         ++seen[keysOf(pool)];
     }
@@ -105,21 +122,33 @@ TEST(Draw, EveryOrderIsEquallyLikely)
     EXPECT_LT(chiSquare, 49.7);
 }
 
-TEST(Selection, FirstTopicRowThenFirstSubtopicRecordDecides)
+TEST(Selection, TicksOfTopicAndSubtopicDecideAndAreCounted)
 {
-    List1<SubTopicRecord> subTopics;
-    subTopics.append({1, 10, QString(), true});
-    subTopics.append({1, 11, QString(), false});
-    subTopics.append({1, 11, QString(), true}); // never decides
-    subTopics.append({2, 10, QString(), true});
-    const SelectionRule rule({{1, true}, {2, false}, {2, true}, {-3, true}}, subTopics);
+    ProgramState state;
+    for (const int topic : {1, 2, -3}) {
+        state.TopicList.append({topic, u"%2 of %1"_s});
+        for (const int subtopic : {10, 11}) {
+            state.SubTopicList.append({topic, subtopic, QString()});
+        }
+    }
+    Selection selection;
+    selection.setTopics({{1, true}, {2, false}, {2, true}, {-3, true}});
+    selection.SetSubTopicSelected(1, 11, false);
+    selection.SetSubTopicSelected(2, 10, false);
+    selection.SetSubTopicSelected(2, 10, true);
     const std::map<std::pair<int, int>, bool> expected{
         {{1, 10}, true},  {{1, 11}, false}, {{1, 99}, true}, // no such subtopic any more
-        {{2, 10}, false}, {{7, 10}, false}, {{-3, -1}, true}};
+        {{2, 10}, false}, {{7, 10}, false}, {{-3, -1}, true}, {{-3, 11}, true}};
     for (const auto& [keys, selected] : expected) {
-        EXPECT_EQ(rule.IsQuestionInSelection(keys.first, keys.second), selected)
+        EXPECT_EQ(selection.IsQuestionInSelection(keys.first, keys.second), selected)
             << keys.first << ' ' << keys.second;
+        state.QuestionList.append({1, 1, keys.first, keys.second, QString()});
     }
+    const SelectionCounts counts = CountSelection(state, selection);
+    EXPECT_EQ(counts.SelectedQuestionCount, 4);
+    EXPECT_EQ(counts.topicTexts,
+              QStringList({u"%2 of %1 (1 of 2 topics)"_s, u"%2 of %1 (2 of 2 topics)"_s,
+                           u"%2 of %1 (2 of 2 topics)"_s}));
 }
 
 } // namespace

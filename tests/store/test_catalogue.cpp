@@ -10,25 +10,16 @@ namespace {
 using namespace Qt::Literals::StringLiterals;
 using namespace statements;
 
-class Catalogue : public testing::Test, protected TestWorld, protected SelectionCaptions
+class Catalogue : public testing::Test, protected TestWorld
 {
 protected:
     void load(std::int32_t assessment)
     {
         connection.open(library.databasePath());
-        LoadAssessments(state, connection, messages);
+        EXPECT_EQ(LoadAssessments(state, connection), LoadFailures());
         state.CurrentAssessmentNum = assessment;
-        LoadCurrentAssessment(state, connection, messages);
+        LoadCurrentAssessment(state, connection);
     }
-
-    void setQuestionCount(const QString& caption) override { captions = {caption}; }
-    void setTopicRows(const QStringList& texts) override
-    {
-        captions += texts;
-        EXPECT_FALSE(state.TopicEventsEnabled);
-    }
-
-    QStringList captions;
 };
 
 TEST_F(Catalogue, LoadsAvailableRowsOfTheAssessmentWithDefaults)
@@ -54,16 +45,12 @@ TEST_F(Catalogue, LoadsAvailableRowsOfTheAssessmentWithDefaults)
     ASSERT_EQ(state.AssessmentList.upperBound(), 1);
     EXPECT_EQ(state.AssessmentList(1).AssessmentName, name);
     ASSERT_EQ(state.TopicList.upperBound(), 1);
-    EXPECT_EQ(state.TopicList(1).SelectedSubTopicText, u"0"_s);
-    EXPECT_EQ(state.TopicList(1).SubTopicCount, 0);
     ASSERT_EQ(state.SubTopicList.upperBound(), 1);
-    EXPECT_TRUE(state.SubTopicList(1).Selected);
     ASSERT_EQ(state.QuestionList.upperBound(), 3);
     const QuestionRecord& question = state.QuestionList(1);
     EXPECT_EQ(question.SOLIndex, 2);
     EXPECT_EQ(question.PictureIndex, 2);
     EXPECT_EQ(question.Answer, answer);
-    EXPECT_TRUE(question.Selected);
     EXPECT_EQ(state.QuestionList(2).Answer + state.QuestionList(3).Answer, u"BC"_s);
     EXPECT_EQ(state.LastAssessmentNum, 77);
     EXPECT_THROW((void)state.QuestionList(4), std::out_of_range);
@@ -78,31 +65,18 @@ TEST_F(Catalogue, LoadsAvailableRowsOfTheAssessmentWithDefaults)
     EXPECT_EQ(library.value(u"SELECT LastID FROM History"_s), u"2"_s);
 }
 
-TEST_F(Catalogue, CountsAndCaptionsFollowTheFlags)
-{
-    load(library.addGenerated(u"Generated"_s, 2, 3, 4));
-    SetSubTopicSelected(state.SubTopicList, 1, 2, false);
-    SetSubTopicSelected(state.SubTopicList, 2, 2,
-                        false); // topic 2 has no subtopic 2
-    state.QuestionList(1).Selected = false;
-    UpdateSelectionCounts(state, *this);
-    EXPECT_EQ(captions,
-              QStringList({u"23"_s, u"Topic 1 (2 of 3 topics)"_s, u"Topic 2 (3 of 3 topics)"_s}));
-    EXPECT_EQ(state.SelectedQuestionCount, 23);
-    EXPECT_TRUE(state.TopicEventsEnabled);
-}
-
-TEST_F(Catalogue, FailedLoadsAreReportedAndQuestionsThrow)
+TEST_F(Catalogue, FailedLoadsAreToldAndQuestionsThrow)
 {
     connection.open(library.databasePath());
-    for (const QString& list : {u"assessments"_s, u"topics"_s, u"subtopics"_s}) {
-        library.sql(u"DROP TABLE "_s + list);
-        messages.expectInform(u"Database Error"_s,
-                              u"There was an error loading the %1."_s.arg(list));
+    for (const QString& table : {u"Assessments"_s, u"Topics"_s, u"SubTopics"_s, u"Questions"_s}) {
+        library.sql(u"DROP TABLE "_s + table);
     }
-    library.sql(u"DROP TABLE Questions"_s);
-    LoadAssessments(state, connection, messages);
-    EXPECT_THROW(LoadCurrentAssessment(state, connection, messages), DatabaseError);
+    EXPECT_EQ(LoadAssessments(state, connection) + LoadStructure(state, connection),
+              LoadFailures({u"There was an error loading the assessments."_s,
+                            u"There was an error loading the topics."_s,
+                            u"There was an error loading the subtopics."_s}));
+    EXPECT_THROW(LoadQuestions(state, connection), DatabaseError);
+    EXPECT_FALSE(state.QuestionsLoaded);
 }
 
 TEST_F(Catalogue, StatementsWriteWhatTheySayAndKeysAreNeverUsedTwice)

@@ -155,6 +155,7 @@ public:
     std::vector<std::uint64_t> seeds;
 
     void seed(std::uint64_t value) override { seeds.push_back(value); }
+    [[nodiscard]] std::uint64_t state() const override { return seeds.empty() ? 0 : seeds.back(); }
     [[nodiscard]] double next() override
     {
         if (!numbers.empty()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/catalogue.h"
 #include "store/connection.h"
 #include "store/modMain.h"
 #include "support/fakes.h"
@@ -7,6 +8,13 @@
 #include "support/test_library.h"
 
 namespace varnholt::test {
+
+/// Reads the whole current assessment, and fails the test when that fails.
+inline void LoadCurrentAssessment(ProgramState& state, Connection& connection)
+{
+    EXPECT_EQ(LoadStructure(state, connection), LoadFailures());
+    LoadQuestions(state, connection);
+}
 
 /// A library, the shared state and every service faked: what a window is opened with.
 struct TestWorld
