@@ -1,6 +1,8 @@
 #include "app/frmAssessment.h"
 
 #include "authoring/frmAddNewQuestion.h"
+#include "backups/backup_words.h"
+#include "backups/frmBackups.h"
 #include "check/frmCheck.h"
 #include "exchange/frmExport.h"
 #include "exchange/frmImport.h"
@@ -33,8 +35,10 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     , state_(state)
     , guidePath_(guidePath)
     , library_(services.programFolder, *services.clock)
+    , backups_(services, library_)
 {
     library_.open(access);
+    const QString unfinished = backups_.begin();
 
     setObjectName(QStringLiteral("frmAssessment"));
     setWindowTitle(QStringLiteral("Varnholt"));
@@ -48,6 +52,9 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
         showNotice(
             "lblReadOnly",
             QStringLiteral("The question library can only be read: changes cannot be saved."));
+    }
+    if (!unfinished.isEmpty()) {
+        showNotice("lblUnfinished", unfinished);
     }
     buildChildBar();
     lblEmpty_ = makeLabel("lblEmpty", QStringLiteral("Choose what to do in the menu above."));
@@ -95,12 +102,45 @@ void frmAssessment::tellDamage()
         QTimer::singleShot(retryMs, this, &frmAssessment::tellDamage);
         return;
     }
-    services_.messageBoxes->inform(
-        QStringLiteral("Database Error"),
-        tr("The question library is damaged, so questions may be missing or wrong:\n%1\n\nKeep a "
-           "copy of this file before you change anything, and put an undamaged copy from earlier "
-           "in its place if you have one.")
-            .arg(QDir::toNativeSeparators(library_.connection().path())));
+    const QString title = QStringLiteral("Database Error");
+    const QString told =
+        tr("The question library is damaged, so questions may be missing or wrong:\n%1")
+            .arg(QDir::toNativeSeparators(library_.connection().path()));
+    const std::optional<BackupInfo> newest =
+        library_.connection().isReadOnly() ? std::nullopt : backups_.newestGood();
+    if (!newest) {
+        services_.messageBoxes->inform(
+            title, told + QStringLiteral("\n\n") +
+                       tr("Keep a copy of this file before you change anything, and put an "
+                          "undamaged copy from earlier in its place if you have one."));
+        return;
+    }
+    // Leaving a window writes to the library.
+    const bool childLeft = child_ && closeChild();
+    try {
+        backups_.setDamaged();
+    } catch (const DatabaseError&) {
+        // A backup can take its place all the same.
+    }
+    if (childLeft) {
+        openChild(childMaker_);
+    }
+    showNotice("lblDamaged",
+               tr("The question library is damaged and can only be read. \"Backups…\" "
+                  "in the menu \"More\" brings a good one back."));
+    connect(&library_, &Library::changed, this, [this] {
+        if (!backups_.isDamaged()) {
+            delete findChild<QLabel*>(QStringLiteral("lblDamaged"));
+        }
+    });
+    if (services_.messageBoxes->yesNo(
+            title,
+            told + QStringLiteral("\n\n") + BackupWords::newest(*newest, backups_.now()) + u' ' +
+                tr("The library can only be read until a backup is restored, so that nothing gets "
+                   "worse. Do you want to choose the backup now?"),
+            MessageBoxes::Answer::Yes)) {
+        mnuBackups_Click();
+    }
 }
 
 QWidget* frmAssessment::childWindow() const
@@ -138,6 +178,7 @@ void frmAssessment::buildMenu()
         connect(action, &QAction::triggered, this, handler);
     };
     addMore("mnuTrash", tr("&Trash…"), &frmAssessment::mnuTrash_Click);
+    addMore("mnuBackups", tr("&Backups…"), &frmAssessment::mnuBackups_Click);
     addMore("mnuCheck", tr("&Check Library…"), &frmAssessment::mnuCheck_Click);
 
     auto* closeChildWindow = new QAction(QStringLiteral("Close window"), this);
@@ -203,6 +244,7 @@ void frmAssessment::openChild(const Maker& make)
     if (!closeChild()) {
         return;
     }
+    childMaker_ = make;
     child_ = make();
     // A child may also close by itself.
     child_->setAttribute(Qt::WA_DeleteOnClose);
@@ -245,7 +287,9 @@ void frmAssessment::mnuExport_Click()
 
 void frmAssessment::mnuImport_Click()
 {
-    openChild([this] { return new frmImport(services_, library_); });
+    openChild([this] {
+        return new frmImport(services_, library_, [this] { return backups_.makeBefore(this); });
+    });
 }
 
 void frmAssessment::dragEnterEvent(QDragEnterEvent* event)
@@ -284,6 +328,11 @@ void frmAssessment::mnuTrash_Click()
     openChild([this] { return new frmTrash(services_, library_); });
 }
 
+void frmAssessment::mnuBackups_Click()
+{
+    openChild([this] { return new frmBackups(services_, backups_); });
+}
+
 void frmAssessment::mnuCheck_Click()
 {
     openChild([this] { return new frmCheck(services_, library_); });
@@ -296,6 +345,7 @@ void frmAssessment::closeEvent(QCloseEvent* event)
         return;
     }
     QSettings().setValue(QStringLiteral("frmAssessment/geometry"), saveGeometry());
+    backups_.makeAtClose(this);
     library_.close();
     event->accept();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/library_check.h"
+#include "backups/LibraryBackups.h"
 #include "library/Library.h"
 #include "manage/filing_preselection.h"
 #include "store/modMain.h"
@@ -50,6 +51,7 @@ public Q_SLOTS:
     void mnuTutorial_Click();
     void mnAbout_Click();
     void mnuTrash_Click();
+    void mnuBackups_Click();
     void mnuCheck_Click();
 
 protected:
@@ -59,7 +61,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    /// Waits until no other message stands.
+    /// Waits until no other message stands. From then on the library is only read.
     void tellDamage();
 
     using Maker = std::function<QWidget*()>;
@@ -76,6 +78,7 @@ private:
     ProgramState& state_;
     QString guidePath_;
     Library library_;
+    LibraryBackups backups_;
     QVBoxLayout* childArea_ = nullptr;
     /// The title of the child on show and its close button.
     QWidget* childBar_ = nullptr;
@@ -84,6 +87,8 @@ private:
     QScrollArea* childScroll_ = nullptr;
     QLabel* lblEmpty_ = nullptr;
     QPointer<QWidget> child_;
+    /// Makes the child on show anew.
+    Maker childMaker_;
     /// Where the last question since the program started was filed; nothing before the first.
     FilingPreselection lastFiling_;
     LibraryCheck check_;

@@ -2,6 +2,7 @@
 
 #include "app/SingleInstance.h"
 #include "app/frmAssessment.h"
+#include "app/library_rescue.h"
 #include "app/library_wait.h"
 #include "presentation/default_programs.h"
 #include "store/library_file.h"
@@ -93,11 +94,19 @@ int run(QApplication& application, MessageBoxes& messages)
     const QString guide = firstExisting(
         {own + QStringLiteral("/guide/index.html"), share + QStringLiteral("/guide/index.html")});
     std::optional<frmAssessment> opened;
-    if (!OpenWhenFree([&] {
-            opened.emplace(services, state, guide,
-                           first ? Connection::Access::Change : Connection::Access::ReadOnly);
-        })) {
-        return 1;
+    const auto open = [&] {
+        opened.emplace(services, state, guide,
+                       first ? Connection::Access::Change : Connection::Access::ReadOnly);
+    };
+    try {
+        if (!OpenWhenFree(open)) {
+            return 1;
+        }
+    } catch (const DatabaseError& error) {
+        if (!first || !RescueLibrary(services, error.message())) {
+            throw;
+        }
+        open();
     }
     frmAssessment& frame = *opened;
     if (!first) {

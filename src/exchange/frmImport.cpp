@@ -19,10 +19,11 @@ QString DraggedPackage(const QMimeData& dragged)
     return QFileInfo(path).isFile() ? path : QString();
 }
 
-frmImport::frmImport(Services& services, Library& library)
+frmImport::frmImport(Services& services, Library& library, std::function<bool()> mayBegin)
     : ExchangeWindow("frmImport", QStringLiteral("Import Assessment"))
     , services_(services)
     , library_(library)
+    , mayBegin_(std::move(mayBegin))
 {
     auto* lblHint = makeLabel(
         "lblHint",
@@ -75,7 +76,7 @@ void frmImport::importPackage(QString archivePath)
     if (!name.isEmpty()) {
         name = askForName(import, name);
     }
-    if (!name.isEmpty()) {
+    if (!name.isEmpty() && (!mayBegin_ || mayBegin_())) {
         const ImportPlan plan = PlanImport(package, name);
         const ImportResult result = busily([&] { return import.apply(package, plan); });
         services_.messageBoxes->inform(QStringLiteral("Import Complete"),

@@ -2,6 +2,8 @@
 
 #include "exchange/ExchangeWindow.h"
 
+#include <functional>
+
 class QMimeData;
 
 namespace varnholt {
@@ -20,7 +22,8 @@ class frmImport : public ExchangeWindow
     Q_OBJECT
 
 public:
-    frmImport(Services& services, Library& library);
+    /// `mayBegin` is asked before the library is changed; not when it is empty.
+    frmImport(Services& services, Library& library, std::function<bool()> mayBegin = {});
 
     /// Imports the package at that path without asking for one.
     void importFile(const QString& path);
@@ -40,6 +43,7 @@ private:
 
     Services& services_;
     Library& library_;
+    std::function<bool()> mayBegin_;
 };
 
 } // namespace varnholt

@@ -353,25 +353,34 @@ TEST(Backups, At_a_second_place_stay_whole_when_it_is_full_or_pulled_out)
 
 TEST(Backups, Take_the_place_of_a_library_that_cannot_be_read)
 {
-    World world;
-    const QStringList rows = world.rows();
-    const auto pictures = world.pictures();
-    const QString id = world.backUp().backup.id;
-    world.change();
-    world.library.close();
-    const QString path = world.files.databasePath();
-    writeBytes(path, "torn");
-    writeBytes(path + QStringLiteral("-wal"), "of the torn one");
-    EXPECT_THROW(world.library.open(), DatabaseError);
-    EXPECT_TRUE(ReplaceLibrary(world.files.folder(), world.store, id).empty());
-    EXPECT_EQ(bytesOf(path + QStringLiteral(".damaged")), "torn");
-    world.library.open();
-    FinishRestore(world.library, world.store);
-    EXPECT_EQ(world.rows(), rows);
-    auto found = world.pictures();
-    found.erase(QStringLiteral("%1.jpg").arg(world.newKey));
-    EXPECT_EQ(found, pictures);
-    EXPECT_EQ(world.add(QStringLiteral("next")), world.newKey + 1);
+    for (const bool readable : {true, false}) {
+        World world;
+        const QStringList rows = world.rows();
+        const auto pictures = world.pictures();
+        const QString id = world.backUp().backup.id;
+        world.change();
+        world.library.close();
+        const QString path = world.files.databasePath();
+        if (!readable) {
+            writeBytes(path, "torn");
+            writeBytes(path + QStringLiteral("-wal"), "of the torn one");
+            EXPECT_THROW(world.library.open(), DatabaseError);
+        }
+        const QByteArray before = bytesOf(path);
+        const BackupRestored done = ReplaceLibrary(world.files.folder(), world.store, id, start);
+        EXPECT_EQ(done.done.newerQuestionsToTrash, readable ? 1 : 0);
+        EXPECT_EQ(bytesOf(path + QStringLiteral(".damaged")), before);
+        world.library.open();
+        FinishRestore(world.library, world.store);
+        QStringList found = world.rows();
+        EXPECT_EQ(found.removeIf([&](const QString& row) { return !rows.contains(row); }),
+                  readable ? 2 : 0);
+        EXPECT_EQ(found, rows);
+        auto shown = world.pictures();
+        shown.erase(QStringLiteral("%1.jpg").arg(world.newKey));
+        EXPECT_EQ(shown, pictures);
+        EXPECT_EQ(world.add(QStringLiteral("next")), world.newKey + 1);
+    }
 }
 
 TEST(Backups, Say_why_when_the_disk_is_full_and_change_nothing)

@@ -312,8 +312,8 @@ BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupSto
     return result;
 }
 
-std::vector<std::int32_t> ReplaceLibrary(const QString& programFolder, const BackupStore& store,
-                                         const QString& id, const BackupProgress& progress)
+BackupRestored ReplaceLibrary(const QString& programFolder, const BackupStore& store,
+                              const QString& id, std::int64_t now, const BackupProgress& progress)
 {
     const BackupManifest manifest = wholeManifest(store, id);
     const BackupStore own(BackupStore::folderBeside(programFolder));
@@ -323,7 +323,19 @@ std::vector<std::int32_t> ReplaceLibrary(const QString& programFolder, const Bac
         Require(error, folder);
     }
     const fs::path file = PathOf(own.folder() + QStringLiteral("/wanted.part"));
-    placeBackupsLibrary(store, id, file);
+    const QString damaged = LibraryPath(programFolder);
+    BackupRestored result;
+    try {
+        if (QFileInfo(damaged).isFile()) {
+            WantedLibrary wanted = buildFrom(store, id, file, damaged, now);
+            result.done = wanted.plan;
+            result.changed = std::move(wanted.changed);
+        } else {
+            placeBackupsLibrary(store, id, file);
+        }
+    } catch (const DatabaseError&) {
+        placeBackupsLibrary(store, id, file);
+    }
     std::vector<const BackedPicture*> missing;
     std::vector<const BackedPicture*> other;
     std::int32_t largestKey = 0;
@@ -335,13 +347,12 @@ std::vector<std::int32_t> ReplaceLibrary(const QString& programFolder, const Bac
     for (const BackedPicture& picture : manifest.pictures) {
         (there.find(picture.key) ? other : missing).push_back(&picture);
     }
-    std::vector<std::int32_t> lost;
     for (std::size_t i = 0; i < missing.size(); ++i) {
         if (progress) {
             progress(i, manifest.pictures.size());
         }
         if (!putBack(programFolder, store, *missing[i])) {
-            lost.push_back(missing[i]->key);
+            result.picturesLost.push_back(missing[i]->key);
         }
     }
     Require(SyncFileSystem(picturesFolder(programFolder)), picturesFolder(programFolder));
@@ -349,7 +360,7 @@ std::vector<std::int32_t> ReplaceLibrary(const QString& programFolder, const Bac
     SyncOrThrow(file);
 
     // The log belongs to the damaged file and would be read into the new one.
-    const fs::path library = PathOf(LibraryPath(programFolder));
+    const fs::path library = PathOf(damaged);
     for (const char* ending : {"-wal", "-shm", "-journal", ""}) {
         fs::path old = library;
         old += ending;
@@ -362,11 +373,11 @@ std::vector<std::int32_t> ReplaceLibrary(const QString& programFolder, const Bac
     Require(SyncFolder(library.parent_path()), library.parent_path());
     for (std::size_t i = 0; i < other.size(); ++i) {
         if (!placed(programFolder, store, *other[i])) {
-            lost.push_back(other[i]->key);
+            result.picturesLost.push_back(other[i]->key);
         }
     }
     fs::remove(pendingOf(own), error);
-    return lost;
+    return result;
 }
 
 void FinishRestore(Library& library, const BackupStore& own)

@@ -55,11 +55,12 @@ BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupSto
 
 /// For a library that cannot be read any more and that nobody has open: puts the backup's file in
 /// its place, and its pictures. What stood there is renamed to "<name>.damaged" and kept. Keys go
-/// on above the largest that a picture has. Like a restore it is whole or not at all, and the last
-/// of it may be left to `FinishRestore`. The keys of lost pictures are returned. Throws `Error`,
-/// and what `progress` throws.
-std::vector<std::int32_t> ReplaceLibrary(const QString& programFolder, const BackupStore& store,
-                                         const QString& id, const BackupProgress& progress = {});
+/// on above the largest that a picture has. Newer rows that can still be read are carried over as
+/// in a restore; where none can, `done` tells of no rows. It is whole or not at all, and the last
+/// of it may be left to `FinishRestore`. Throws `Error`, and what `progress` throws.
+BackupRestored ReplaceLibrary(const QString& programFolder, const BackupStore& store,
+                              const QString& id, std::int64_t now,
+                              const BackupProgress& progress = {});
 
 /// To be called after opening the library. Does nothing when no restore was cut short.
 void FinishRestore(Library& library, const BackupStore& own);
