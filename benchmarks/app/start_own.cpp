@@ -2,6 +2,7 @@
 // frame, or with the argument "ready" that of the selection window.
 
 #include "app/run_program.h"
+#include "words/words.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -38,6 +39,7 @@ int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
     varnholt::NameApplication();
+    varnholt::InstallWords(application);
     QuitAfterPaint filter(argc > 1 && std::strcmp(argv[1], "ready") == 0 ? "frmMain"
                                                                          : "frmAssessment");
     application.installEventFilter(&filter);

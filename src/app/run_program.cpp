@@ -9,6 +9,7 @@
 #include "store/services.h"
 #include "toolkit/DesktopClipboard.h"
 #include "toolkit/HeldKeys.h"
+#include "toolkit/LateIconStyle.h"
 #include "toolkit/desktop_services.h"
 
 #include <QApplication>
@@ -37,8 +38,18 @@ QString firstExisting(const QStringList& paths)
     return {};
 }
 
+/// Has Qt read every plug-in for pictures.
+void setIcon()
+{
+    QIcon icon;
+    for (const char* size : {"32", "64", "128"}) {
+        icon.addFile(QStringLiteral(":/icons/varnholt-%1.png").arg(QLatin1String(size)));
+    }
+    QApplication::setWindowIcon(icon);
+}
+
 /// Opens the selection window as soon as the frame has painted itself, so that the program is
-/// on the screen before the catalogue is read.
+/// on the screen before the catalogue and its icon are read.
 class OpenAfterFirstPaint : public QObject
 {
 public:
@@ -52,7 +63,10 @@ public:
     {
         if (event->type() == QEvent::Paint) {
             watched->removeEventFilter(this);
-            QTimer::singleShot(0, &frame_, &frmAssessment::mnuCreate_Click);
+            QTimer::singleShot(0, &frame_, [this] {
+                frame_.mnuCreate_Click();
+                setIcon();
+            });
         }
         return false;
     }
@@ -148,11 +162,7 @@ void NameApplication()
     QApplication::setApplicationName(QStringLiteral("Varnholt"));
     QApplication::setApplicationVersion(QStringLiteral(VARNHOLT_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("org.varnholt.Varnholt"));
-    QIcon icon;
-    for (const char* size : {"32", "64", "128"}) {
-        icon.addFile(QStringLiteral(":/icons/varnholt-%1.png").arg(QLatin1String(size)));
-    }
-    QApplication::setWindowIcon(icon);
+    QApplication::setStyle(new LateIconStyle);
 }
 
 int RunProgram(QApplication& application)
