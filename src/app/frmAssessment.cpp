@@ -273,7 +273,6 @@ void frmAssessment::mnuManageAssessments_Click()
         if (dialog.questionSaved()) {
             lastFiling_ = {dialog.lastFiling().TopicID, dialog.lastFiling().SubtopicNum};
         }
-        return dialog.questionSaved() || dialog.structureChanged();
     };
     openChild([this, openAuthoring] {
         return new frmManage(services_, state_, library_, openAuthoring);

@@ -2,6 +2,7 @@
 
 #include "toolkit/HintLabel.h"
 
+#include <QCoreApplication>
 #include <QFontMetricsF>
 #include <QLineEdit>
 
@@ -31,8 +32,9 @@ QString AnswerHint(const QString& answer)
     if (!refusal.isEmpty() || !leavesTheSlide(answer)) {
         return refusal;
     }
-    return QStringLiteral("This is too long for one line of the answer key: its end will run off "
-                          "the slide.");
+    return QCoreApplication::translate(
+        "AnswerHint",
+        "This is too long for one line of the answer key: its end will run off the slide.");
 }
 
 void WatchAnswer(HintLabel* hint, QLineEdit* field)

@@ -11,6 +11,8 @@ struct FilingPreselection
 {
     std::optional<std::int32_t> topicId;
     std::optional<std::int32_t> subtopicNum;
+
+    bool operator==(const FilingPreselection&) const = default;
 };
 
 } // namespace varnholt

@@ -15,38 +15,40 @@
 
 namespace varnholt {
 
-frmEditQuestion::frmEditQuestion(Services& services, ProgramState& state, Library& library,
+frmEditQuestion::frmEditQuestion(Services& services, const ProgramState& catalogue,
+                                 Library& library, QuestionRecord question,
                                  const FilingPreselection& preselection, QWidget* parent)
     : QDialog(parent)
     , services_(services)
-    , state_(state)
+    , catalogue_(catalogue)
     , library_(library)
+    , question_(std::move(question))
     , preselection_(preselection)
 {
     setObjectName(QStringLiteral("frmEditQuestion"));
-    setWindowTitle(QStringLiteral("Edit Question"));
+    setWindowTitle(tr("Edit Question"));
     buildControls();
     Form_Load();
 }
 
 void frmEditQuestion::buildControls()
 {
-    auto* lblTopic = makeLabel("lblTopic", QStringLiteral("&Topic:"));
-    cboTopics_ = named(new ComboBox, "cboTopics", QStringLiteral("Topic"));
+    auto* lblTopic = makeLabel("lblTopic", tr("&Topic:"));
+    cboTopics_ = named(new ComboBox, "cboTopics", tr("Topic"));
     lblTopic->setBuddy(cboTopics_);
-    auto* lblSubTopic = makeLabel("lblSubTopic", QStringLiteral("S&ubtopic:"));
-    cboSubtopics_ = named(new ComboBox, "cboSubtopics", QStringLiteral("Subtopic"));
+    auto* lblSubTopic = makeLabel("lblSubTopic", tr("S&ubtopic:"));
+    cboSubtopics_ = named(new ComboBox, "cboSubtopics", tr("Subtopic"));
     lblSubTopic->setBuddy(cboSubtopics_);
     lblFilingHint_ = new HintLabel("lblFilingHint", cboSubtopics_, HintLabel::Place::Kept);
-    auto* lblAnswer = makeLabel("lblAnswer", QStringLiteral("&Answer:"));
-    txtAnswer_ = named(new LineEdit, "txtAnswer", QStringLiteral("Answer"));
+    auto* lblAnswer = makeLabel("lblAnswer", tr("&Answer:"));
+    txtAnswer_ = named(new LineEdit, "txtAnswer", tr("Answer"));
     lblAnswer->setBuddy(txtAnswer_);
     // A longer answer from elsewhere must not lose its end by being filed again.
     txtAnswer_->setMaxLength(std::numeric_limits<int>::max());
     auto* lblAnswerHint = new HintLabel("lblAnswerHint", txtAnswer_, HintLabel::Place::Kept);
-    auto* cmdSave = makeButton("cmdSave", QStringLiteral("&Save"));
+    auto* cmdSave = makeButton("cmdSave", tr("&Save"));
     cmdSave->setDefault(true);
-    auto* cmdCancel = makeButton("cmdCancel", QStringLiteral("&Cancel"));
+    auto* cmdCancel = makeButton("cmdCancel", tr("&Cancel"));
     cmdCancel->setAutoDefault(true);
 
     auto* grid = new QGridLayout(this);
@@ -86,7 +88,7 @@ void frmEditQuestion::Form_Load()
     SelectedTopicID_ = preselection_.topicId.value_or(0);
     FillTopicCombo();
     FillSubtopicCombo();
-    txtAnswer_->setText(state_.BrowseQuestions(state_.QuestionPosition).Answer);
+    txtAnswer_->setText(question_.Answer);
     txtAnswer_->selectAll();
     txtAnswer_->setFocus();
 }
@@ -95,7 +97,7 @@ void frmEditQuestion::FillTopicCombo()
 {
     cboTopics_->clear();
     int chosen = 0;
-    for (const TopicRecord& topic : state_.TopicList) {
+    for (const TopicRecord& topic : catalogue_.TopicList) {
         if (topic.TopicID == preselection_.topicId) {
             chosen = cboTopics_->listCount();
         }
@@ -110,7 +112,7 @@ void frmEditQuestion::FillSubtopicCombo()
 {
     cboSubtopics_->clear();
     int chosen = 0;
-    for (const SubTopicRecord& subTopic : state_.SubTopicList) {
+    for (const SubTopicRecord& subTopic : catalogue_.SubTopicList) {
         if (subTopic.TopicID != SelectedTopicID_) {
             continue;
         }
@@ -134,18 +136,17 @@ void frmEditQuestion::cboTopics_Click()
 
 void frmEditQuestion::updateFilingHint()
 {
-    const QString refusal = QStringLiteral("cannot take a question");
-    QString hint = LargeKeyHint(QStringLiteral("Question"),
-                                state_.BrowseQuestions(state_.QuestionPosition).SOLIndex,
-                                QStringLiteral("cannot be saved"));
+    QString hint =
+        LargeKeyHint(tr("Question number %1 is above %2 and cannot be saved."), question_.SOLIndex);
     if (hint.isEmpty()) {
-        hint = LargeKeyHint(QStringLiteral("Topic"), SelectedTopicID_, refusal);
+        hint = LargeKeyHint(tr("Topic number %1 is above %2 and cannot take a question."),
+                            SelectedTopicID_);
     }
     if (hint.isEmpty() && cboSubtopics_->listIndex() < 0) {
-        hint = QStringLiteral("This topic has no subtopics; choose another topic.");
+        hint = tr("This topic has no subtopics; choose another topic.");
     } else if (hint.isEmpty()) {
-        hint = LargeKeyHint(QStringLiteral("Subtopic"),
-                            cboSubtopics_->entryData(cboSubtopics_->listIndex()), refusal);
+        hint = LargeKeyHint(tr("Subtopic number %1 is above %2 and cannot take a question."),
+                            cboSubtopics_->entryData(cboSubtopics_->listIndex()));
     }
     lblFilingHint_->say(hint);
 }
@@ -153,30 +154,26 @@ void frmEditQuestion::updateFilingHint()
 void frmEditQuestion::cmdSave_Click()
 {
     MessageBoxes& messages = *services_.messageBoxes;
-    const QString saveError = QStringLiteral("Save Error");
+    const QString saveError = tr("Save Error");
     if (txtAnswer_->text().isEmpty()) {
-        messages.inform(saveError,
-                        QStringLiteral("Cannot save because Answer is a required field."));
+        messages.inform(saveError, tr("Cannot save because Answer is a required field."));
         txtAnswer_->setFocus();
         return;
     }
-    if (!messages.yesNo(
-            QStringLiteral("Save?"),
-            QStringLiteral("Are you sure you want to save these changes to this question?"),
-            MessageBoxes::Answer::Yes)) {
+    if (!messages.yesNo(tr("Save?"),
+                        tr("Are you sure you want to save these changes to this question?"),
+                        MessageBoxes::Answer::Yes)) {
         return;
     }
     try {
-        library_.editQuestion(toInt16(state_.BrowseQuestions(state_.QuestionPosition).SOLIndex),
+        library_.editQuestion(toInt16(question_.SOLIndex),
                               toInt16(cboTopics_->entryData(cboTopics_->listIndex())),
                               toInt16(cboSubtopics_->entryData(cboSubtopics_->listIndex())),
                               txtAnswer_->text().trimmed());
-        messages.inform(QStringLiteral("Question Saved"),
-                        QStringLiteral("The question was saved successfully."));
+        messages.inform(tr("Question Saved"), tr("The question was saved successfully."));
         accept();
     } catch (const std::exception&) {
-        messages.inform(saveError,
-                        QStringLiteral("There was an error saving the changes for this question."));
+        messages.inform(saveError, tr("There was an error saving the changes for this question."));
     }
 }
 

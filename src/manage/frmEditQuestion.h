@@ -1,6 +1,7 @@
 #pragma once
 
 #include "manage/filing_preselection.h"
+#include "store/modMain.h"
 
 #include <QDialog>
 
@@ -11,19 +12,19 @@ namespace varnholt {
 class ComboBox;
 class HintLabel;
 class Library;
-struct ProgramState;
 struct Services;
 
-/// Refiles the question that the browser shows and changes its answer. Accepted when it has
+/// Files a question elsewhere in its assessment and changes its answer. Accepted when it has
 /// saved.
 class frmEditQuestion : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// A question must be on show in the browser.
-    frmEditQuestion(Services& services, ProgramState& state, Library& library,
-                    const FilingPreselection& preselection, QWidget* parent = nullptr);
+    /// `catalogue` has the topics and subtopics to choose from.
+    frmEditQuestion(Services& services, const ProgramState& catalogue, Library& library,
+                    QuestionRecord question, const FilingPreselection& preselection,
+                    QWidget* parent = nullptr);
 
 private:
     void buildControls();
@@ -35,8 +36,9 @@ private:
     void updateFilingHint();
 
     Services& services_;
-    ProgramState& state_;
+    const ProgramState& catalogue_;
     Library& library_;
+    QuestionRecord question_;
     FilingPreselection preselection_;
     /// The topic whose subtopics `cboSubtopics` lists.
     std::int32_t SelectedTopicID_ = 0;

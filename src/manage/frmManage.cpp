@@ -1,10 +1,7 @@
 #include "manage/frmManage.h"
 
 #include "library/Library.h"
-#include "manage/frmEditQuestion.h"
-#include "manage/question_browser.h"
 #include "manage/structure_maintenance.h"
-#include "pictures/picture_files.h"
 #include "store/catalogue.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
@@ -15,25 +12,51 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QTimer>
+#include <QSignalBlocker>
 
+#include <algorithm>
 #include <limits>
 
 namespace varnholt {
 
 namespace {
 
+/// While a message is open.
+constexpr int askAgainMs = 100;
+
 std::optional<std::int32_t> currentData(const ListBox& list)
 {
     return list.listIndex() < 0 ? std::nullopt : std::optional(list.itemData(list.listIndex()));
 }
 
-/// Shows a hint about a list's current row, which stays in view although the list gets shorter.
-void sayBelow(ListBox& list, HintLabel& hint, const QString& sentence)
+/// Makes the row of a key current without the reaction; false when there is none.
+bool showRow(ListBox& list, std::optional<std::int32_t> key)
 {
-    hint.say(sentence);
-    // Not before everything has been laid out anew.
-    QTimer::singleShot(0, &list, [&list] { list.scrollTo(list.currentIndex()); });
+    for (int row = 0; row < list.listCount(); ++row) {
+        if (list.itemData(row) == key) {
+            const QSignalBlocker quiet(list);
+            list.setListIndex(row);
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Gives a list the texts of `rows` where it has rows of the same keys; false where it has others.
+bool showTexts(ListBox& list, const std::vector<ListBox::Row>& rows)
+{
+    const auto sameKey = [](const ListBox::Row& one, const ListBox::Row& other) {
+        return one.itemData == other.itemData;
+    };
+    if (!std::equal(rows.begin(), rows.end(), list.rows().begin(), list.rows().end(), sameKey)) {
+        return false;
+    }
+    QStringList texts;
+    for (const ListBox::Row& row : rows) {
+        texts.append(row.text);
+    }
+    list.setItemTexts(texts);
+    return true;
 }
 
 class BusyPointer
@@ -56,9 +79,12 @@ frmManage::frmManage(Services& services, ProgramState& state, Library& library,
     , openAuthoring_(std::move(openAuthoring))
 {
     setObjectName(QStringLiteral("frmManage"));
-    setWindowTitle(QStringLiteral("Manage Assessments"));
+    setWindowTitle(tr("Manage Assessments"));
     buildControls();
     connectControls();
+    refreshSoon_.setSingleShot(true);
+    refreshSoon_.callOnTimeout(this, &frmManage::refreshUnasked);
+    connect(&library_, &Library::changed, this, &frmManage::libraryChanged);
     loadReporting([this] { Form_Load(); });
 }
 
@@ -107,7 +133,7 @@ void frmManage::Form_Load()
     HandlePictureButtons();
     sayIn(lblQuestions_, {});
     tellFailures(LoadAssessments(state_, library_.connection()));
-    FillAssessmentCombo();
+    FillAssessmentCombo(state_.LastAssessmentNum);
     if (state_.CurrentAssessmentNum < 1) {
         cmdDeleteAssessment_->setEnabled(false);
         cmdAddNewQuestion_->setEnabled(false);
@@ -128,20 +154,20 @@ void frmManage::Form_Unload()
     }
 }
 
-void frmManage::FillAssessmentCombo()
+void frmManage::FillAssessmentCombo(std::int32_t wanted)
 {
     cboAssessment_->clear();
     int chosen = 0;
     for (const AssessmentRecord& record : state_.AssessmentList) {
-        if (record.AssessmentNum == state_.LastAssessmentNum && state_.LastAssessmentNum > 0) {
+        if (record.AssessmentNum == wanted) {
             chosen = cboAssessment_->listCount();
         }
         cboAssessment_->addEntry(record.AssessmentName, record.AssessmentNum);
     }
     const std::int32_t highest = HighestAssessmentNum(library_.connection());
     const bool full = highest >= std::numeric_limits<std::int16_t>::max();
-    lblAssessmentHint_->say(full ? QStringLiteral("The assessments' numbers have reached %1, the "
-                                                  "largest possible: adding one ends in an error.")
+    lblAssessmentHint_->say(full ? tr("The assessments' numbers have reached %1, the largest "
+                                      "possible: adding one ends in an error.")
                                        .arg(highest)
                                  : QString());
     if (!state_.AssessmentList.isEmpty()) {
@@ -159,10 +185,10 @@ void frmManage::cboAssessment_Click()
 void frmManage::loadReporting(const std::function<void()>& load)
 {
     try {
+        const BusyPointer busy;
         load();
     } catch (const Error&) {
-        inform(QStringLiteral("Database Error"),
-               QStringLiteral("There was an error loading the questions."));
+        inform(tr("Database Error"), tr("There was an error loading the questions."));
         FillTopicList();
         lstSubtopics_->clear();
         sayIn(lblQuestions_, {});
@@ -189,26 +215,138 @@ void frmManage::openAssessment()
     lstSubtopics_->clear();
     sayIn(lblQuestions_, {});
     if (state_.CurrentAssessmentNum > 0) {
-        const BusyPointer busy;
+        changed_.clear();
+        refreshSoon_.stop();
         LoadCurrentAssessment();
         FillTopicList();
     }
 }
 
-void frmManage::FillTopicList()
+void frmManage::libraryChanged(const LibraryChange& change)
+{
+    for (const Item& item : change.items) {
+        changed_.insert(item.kind);
+    }
+    // Whoever makes a change here reads it as soon as it is made; this is for all others.
+    refreshSoon_.start(0);
+    tellChange();
+}
+
+void frmManage::reloadChanged()
+{
+    refreshSoon_.stop();
+    const std::set<ItemKind> changed = std::exchange(changed_, {});
+    LoadFailures failures;
+    if (changed.contains(ItemKind::Assessment)) {
+        failures += LoadAssessments(state_, library_.connection());
+    }
+    if (changed.contains(ItemKind::Topic)) {
+        failures += LoadTopics(state_, library_.connection());
+    }
+    if (changed.contains(ItemKind::Subtopic)) {
+        failures += LoadSubTopics(state_, library_.connection());
+    }
+    tellFailures(failures);
+    if (changed.contains(ItemKind::Question)) {
+        LoadQuestions(state_, library_.connection());
+    }
+}
+
+void frmManage::refresh(const Place& place)
+{
+    const bool assessments = changed_.contains(ItemKind::Assessment);
+    const bool questions = changed_.contains(ItemKind::Question);
+    reloadChanged();
+    if (assessments) {
+        if (!isThere(state_.CurrentAssessmentNum)) {
+            Form_Load();
+            return;
+        }
+        FillAssessmentCombo(state_.CurrentAssessmentNum);
+    }
+    const bool sameRows =
+        showTexts(*lstTopics_, topicRows()) && showTexts(*lstSubtopics_, subtopicRows());
+    if (sameRows && !questions && place == currentPlace()) {
+        return;
+    }
+    FillTopicList();
+    lstSubtopics_->clear();
+    sayIn(lblQuestions_, {});
+    goTo(place);
+}
+
+void frmManage::refreshUnasked()
+{
+    // A message must not come up over another one, nor rows change under what asks about them.
+    if (inDialog_ || QApplication::activeModalWidget() || QApplication::activePopupWidget()) {
+        refreshSoon_.start(askAgainMs);
+        return;
+    }
+    loadReporting([this] { refresh(currentPlace()); });
+}
+
+bool frmManage::isThere(std::int32_t assessmentNum) const
+{
+    const auto& all = state_.AssessmentList;
+    return std::any_of(all.begin(), all.end(), [&](const AssessmentRecord& record) {
+        return record.AssessmentNum == assessmentNum;
+    });
+}
+
+frmManage::Place frmManage::currentPlace() const
+{
+    const std::int32_t position = browser_.QuestionPosition;
+    return {currentRows(), position > 0 ? browser_.current().SOLIndex : 0, position};
+}
+
+void frmManage::goTo(const Place& place)
+{
+    if (!showRow(*lstTopics_, place.rows.topicId)) {
+        return;
+    }
+    lstTopics_Click();
+    if (showRow(*lstSubtopics_, place.rows.subtopicNum)) {
+        browse(place.SOLIndex, std::max(1, place.position));
+    }
+}
+
+void frmManage::focusAgain(QWidget* had)
+{
+    const bool can = had && had->isEnabled() && had->isVisibleTo(this);
+    (can ? had : lstSubtopics_)->setFocus();
+}
+
+std::vector<ListBox::Row> frmManage::topicRows() const
 {
     std::vector<ListBox::Row> rows;
     rows.reserve(static_cast<std::size_t>(state_.TopicList.upperBound()));
     for (const TopicRecord& topic : state_.TopicList) {
         rows.push_back({topic.Topic, topic.TopicID, false});
     }
-    lstTopics_->setRows(std::move(rows));
+    return rows;
+}
+
+std::vector<ListBox::Row> frmManage::subtopicRows() const
+{
+    const std::optional<std::int32_t> topicId = currentData(*lstTopics_);
+    std::vector<ListBox::Row> rows;
+    for (const SubTopicRecord& record : state_.SubTopicList) {
+        if (record.TopicID == topicId) {
+            rows.push_back({record.SubTopic, record.SubtopicNum, false});
+        }
+    }
+    return rows;
+}
+
+void frmManage::FillTopicList()
+{
+    lstTopics_->setRows(topicRows());
     lblTopicHint_->say({});
     lblSubtopicHint_->say({});
     cmdDeleteTopic_->setEnabled(false);
     cmdDeleteSubtopic_->setEnabled(false);
     cmdNewSubtopic_->setEnabled(false);
-    state_.QuestionPosition = 0;
+    browser_.hide();
     showBrowser(false);
 }
 
@@ -217,8 +355,9 @@ void frmManage::lstTopics_Click()
     sayIn(lblQuestions_, {});
     const std::optional<std::int32_t> topicId = currentData(*lstTopics_);
     sayBelow(*lstTopics_, *lblTopicHint_,
-             LargeKeyHint(QStringLiteral("Topic"), topicId.value_or(0),
-                          QStringLiteral("cannot be deleted or take new subtopics")));
+             LargeKeyHint(tr("Topic number %1 is above %2 and cannot be deleted or take new "
+                             "subtopics."),
+                          topicId.value_or(0)));
     cmdDeleteTopic_->setEnabled(topicId.has_value());
     cmdNewSubtopic_->setEnabled(topicId.has_value());
     FillSubtopicList();
@@ -231,166 +370,16 @@ void frmManage::FillSubtopicList()
     sayIn(lblQuestions_, {});
     lblSubtopicHint_->say({});
     showBrowser(false);
-    state_.QuestionPosition = 0;
+    browser_.hide();
     HandlePictureButtons();
-    const std::optional<std::int32_t> topicId = currentData(*lstTopics_);
-    std::vector<ListBox::Row> rows;
-    for (const SubTopicRecord& record : state_.SubTopicList) {
-        if (record.TopicID == topicId) {
-            rows.push_back({record.SubTopic, record.SubtopicNum, false});
-        }
-    }
-    lstSubtopics_->setRows(std::move(rows));
+    lstSubtopics_->setRows(subtopicRows());
 }
 
-void frmManage::lstSubtopics_Click()
+void frmManage::sayBelow(ListBox& list, HintLabel& hint, const QString& sentence)
 {
-    const auto [topicId, subtopicNum] = currentRows();
-    if (!topicId || !subtopicNum || !questionsAreThere()) {
-        return;
-    }
-    sayBelow(*lstSubtopics_, *lblSubtopicHint_,
-             LargeKeyHint(QStringLiteral("Subtopic"), *subtopicNum,
-                          QStringLiteral("cannot be deleted")));
-    ShowSubtopicQuestions();
-    cmdDeleteSubtopic_->setEnabled(true);
-}
-
-bool frmManage::questionsAreThere()
-{
-    // A subtopic must not pass for empty, and be deleted, because its questions were not read.
-    if (!state_.QuestionsLoaded) {
-        loadReporting([this] { LoadQuestions(state_, library_.connection()); });
-    }
-    return state_.QuestionsLoaded;
-}
-
-void frmManage::ShowSubtopicQuestions()
-{
-    CollectBrowseQuestions(state_, currentData(*lstTopics_), currentData(*lstSubtopics_));
-    sayIn(lblQuestions_, QStringLiteral("Questions: ") + QString::number(state_.QuestionCount));
-    showBrowser(state_.QuestionCount > 0);
-    if (state_.QuestionCount > 0) {
-        state_.QuestionPosition = std::max(1, PositionOf(state_.BrowseQuestions, questionToShow_));
-        showPicture();
-    } else {
-        HandlePictureButtons();
-    }
-}
-
-void frmManage::showPicture()
-{
-    const auto path = [this](int position) {
-        return FindPictureFile(services_.programFolder, state_.BrowseQuestions(position).SOLIndex);
-    };
-    const QuestionRecord& question = state_.BrowseQuestions(state_.QuestionPosition);
-    imgQuestion_->setSubject(
-        tr("Question %1: %2.").arg(PositionText(state_), GetTopicText(state_, question)));
-    lblPictureHint_->say({});
-    imgQuestion_->load(path(state_.QuestionPosition),
-                       [this](PictureFault fault) { reportPicture(fault); });
-    lblQuestionCount_->setText(PositionText(state_));
-    HandlePictureButtons();
-    for (const int next : {state_.QuestionPosition - 1, state_.QuestionPosition + 1}) {
-        if (next >= 1 && next <= state_.QuestionCount) {
-            imgQuestion_->prefetch(path(next));
-        }
-    }
-}
-
-void frmManage::reportPicture(PictureFault fault)
-{
-    if (fault == PictureFault::None) {
-        return;
-    }
-    // The picture of the question before it stays.
-    const bool borrowed = !imgQuestion_->picture().isNull();
-    lblPictureHint_->say(PictureHint(fault, borrowed));
-    inform(QStringLiteral("File Missing"),
-           QStringLiteral(
-               "The picture file is missing from this picture.  Please delete this question."));
-}
-
-void frmManage::HandlePictureButtons()
-{
-    const PictureButtons enabled =
-        EnabledPictureButtons(state_.QuestionPosition, state_.QuestionCount);
-    // A button that comes to its end gives the focus to the list of subtopics, from where work
-    // goes on. From its neighbour one key press too many would step backwards.
-    if ((cmdLeft_->hasFocus() && !enabled.left) || (cmdRight_->hasFocus() && !enabled.right)) {
-        lstSubtopics_->setFocus();
-    }
-    cmdLeft_->setEnabled(enabled.left);
-    cmdRight_->setEnabled(enabled.right);
-}
-
-void frmManage::showBrowser(bool shown)
-{
-    if (!shown) {
-        imgQuestion_->forget();
-        lblNoQuestions_->setText(whyNoQuestions());
-    }
-    fraQuestions_->setVisible(shown);
-    lblNoQuestions_->setVisible(!shown);
-}
-
-QString frmManage::whyNoQuestions() const
-{
-    if (state_.CurrentAssessmentNum < 1) {
-        return QStringLiteral("There is no assessment yet. Create one to begin.");
-    }
-    if (state_.TopicList.isEmpty()) {
-        return QStringLiteral("This assessment has no topics yet. Create one to go on.");
-    }
-    if (lstTopics_->listIndex() >= 0 && lstSubtopics_->listIndex() >= 0) {
-        return QStringLiteral("This subtopic has no questions yet.");
-    }
-    return QStringLiteral("Choose a topic and a subtopic to see its questions.");
-}
-
-void frmManage::cmdLeft_Click()
-{
-    StepLeft(state_);
-    showPicture();
-}
-
-void frmManage::cmdRight_Click()
-{
-    StepRight(state_);
-    showPicture();
-}
-
-void frmManage::cmdAddNewQuestion_Click()
-{
-    if (state_.TopicList.isEmpty() || state_.SubTopicList.isEmpty()) {
-        inform(
-            QStringLiteral("Add Error"),
-            QStringLiteral("Cannot add a question until a topic and subtopic has been created."));
-        return;
-    }
-    const int row = lstTopics_->listIndex();
-    if (openAuthoring_(window(), currentRows())) {
-        ShowSubtopicQuestions();
-        cboAssessment_Click();
-        lstTopics_->reveal(row);
-    }
-}
-
-void frmManage::cmdEditQuestion_Click()
-{
-    if (state_.QuestionPosition == 0 ||
-        frmEditQuestion(services_, state_, library_, currentRows(), window()).exec() !=
-            QDialog::Accepted) {
-        return;
-    }
-    loadReporting([&] {
-        const BusyPointer busy;
-        const int row = lstSubtopics_->listIndex();
-        LoadQuestions(state_, library_.connection());
-        lstTopics_Click();
-        lstSubtopics_->reveal(row);
-        lstSubtopics_->setFocus();
-    });
+    hint.say(sentence);
+    // Not before everything has been laid out anew.
+    QTimer::singleShot(0, &list, [&list] { list.scrollTo(list.currentIndex()); });
 }
 
 void frmManage::attempt(const QString& failure, const std::function<void()>& work)
@@ -399,7 +388,7 @@ void frmManage::attempt(const QString& failure, const std::function<void()>& wor
         const BusyPointer busy;
         work();
     } catch (const std::exception&) {
-        inform(QStringLiteral("Error"), failure);
+        inform(tr("Error"), failure);
     }
 }
 

@@ -2,11 +2,15 @@
 
 #include "library/Journal.h"
 #include "manage/filing_preselection.h"
+#include "manage/question_browser.h"
 #include "store/catalogue.h"
+#include "toolkit/ListBox.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
+#include <set>
 
 class QGroupBox;
 class QLabel;
@@ -17,7 +21,6 @@ namespace varnholt {
 class ComboBox;
 class HintLabel;
 class Library;
-class ListBox;
 class PictureView;
 enum class PictureFault;
 struct ProgramState;
@@ -25,15 +28,15 @@ struct Services;
 
 /// The library manager: browses the questions of a subtopic, and adds, refiles and deletes
 /// assessments, topics, subtopics and questions. Opening it loads the catalogue; closing it
-/// remembers the assessment.
+/// remembers the assessment. It reads again what the library's notices name, whoever made the
+/// change.
 class frmManage : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Shows the window that makes new questions, modal to `parent`, and returns when it
-    /// closes: whether a question was saved or topics or subtopics were added.
-    using OpenAuthoring = std::function<bool(QWidget* parent, const FilingPreselection&)>;
+    /// Shows the window that makes new questions, modal to `parent`, and returns when it closes.
+    using OpenAuthoring = std::function<void(QWidget* parent, const FilingPreselection&)>;
 
     /// Without `openAuthoring` no questions can be added.
     frmManage(Services& services, ProgramState& state, Library& library,
@@ -47,6 +50,17 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    /// What is chosen in the lists and the question on show there.
+    struct Place
+    {
+        FilingPreselection rows;
+        /// 0 for none.
+        std::int32_t SOLIndex = 0;
+        std::int32_t position = 1;
+
+        bool operator==(const Place&) const = default;
+    };
+
     void buildControls();
     QWidget* buildAssessments();
     QWidget* buildTopics();
@@ -71,12 +85,17 @@ private:
     void cmdEditQuestion_Click();
     void cmdDeleteQuestion_Click();
 
-    void FillAssessmentCombo();
+    /// Chooses the wanted assessment or, where it is not there, the first.
+    void FillAssessmentCombo(std::int32_t wanted);
+    [[nodiscard]] std::vector<ListBox::Row> topicRows() const;
+    [[nodiscard]] std::vector<ListBox::Row> subtopicRows() const;
     void FillTopicList();
     void FillSubtopicList();
     /// Reads the questions again if that failed before; false, after a message, when it fails.
     bool questionsAreThere();
-    void ShowSubtopicQuestions();
+    /// Shows the chosen subtopic with the question of the key `wanted`, or with the one at `orAt`.
+    void browse(std::int32_t wanted, std::int32_t orAt);
+    void ShowSubtopicQuestions(std::int32_t wanted, std::int32_t orAt);
     void HandlePictureButtons();
 
     void tellFailures(const LoadFailures& failures);
@@ -95,7 +114,25 @@ private:
     /// Runs a handler's work; any failure in it is reported with this text.
     void attempt(const QString& failure, const std::function<void()>& work);
     void inform(const QString& title, const QString& text);
+    /// Shows a hint about a list's current row, which stays in view although the list gets shorter.
+    static void sayBelow(ListBox& list, HintLabel& hint, const QString& sentence);
     [[nodiscard]] FilingPreselection currentRows() const;
+    [[nodiscard]] Place currentPlace() const;
+    /// Chooses as much of a place as is there.
+    void goTo(const Place& place);
+    /// Hands the keyboard back to who had it or, where that cannot take it, to the subtopics.
+    void focusAgain(QWidget* had);
+
+    // What has changed.
+    void libraryChanged(const LibraryChange& change);
+    /// Reads the lists that have changed, and no others, and leaves the controls alone. Throws
+    /// where the questions cannot be loaded.
+    void reloadChanged();
+    /// Does so and shows the new rows, with as much of a place chosen as is there.
+    void refresh(const Place& place);
+    /// The same for a change that nobody here waits for.
+    void refreshUnasked();
+    [[nodiscard]] bool isThere(std::int32_t assessmentNum) const;
 
     // Undo and redo. The bar under the browser says what the last change was; it comes with the
     // first one.
@@ -108,7 +145,7 @@ private:
     /// Says what has just been changed, if that is a step of its own.
     void tellChange();
     void say(const QString& sentence);
-    /// Loads the assessment of a row that has changed, and makes the row current, or the nearest
+    /// Shows the assessment of a row that has changed, and makes the row current, or the nearest
     /// one above it that is there. Throws where the questions cannot be loaded.
     void showItem(Item item);
 
@@ -116,12 +153,16 @@ private:
     ProgramState& state_;
     Library& library_;
     OpenAuthoring openAuthoring_;
+    QuestionBrowser browser_;
+    /// What has been changed since it was read.
+    std::set<ItemKind> changed_;
+    QTimer refreshSoon_;
+    /// A dialog of this window is open, after which it refreshes itself.
+    bool inDialog_ = false;
     bool unloaded_ = false;
     /// A change is being undone or made again.
     bool turning_ = false;
     std::int64_t toldStep_ = 0;
-    /// The question to begin with when a subtopic's are shown; 0 for the first.
-    std::int32_t questionToShow_ = 0;
 
     ComboBox* cboAssessment_ = nullptr;
     HintLabel* lblAssessmentHint_ = nullptr;

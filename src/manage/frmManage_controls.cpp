@@ -58,16 +58,15 @@ void frmManage::buildControls()
 
 QWidget* frmManage::buildAssessments()
 {
-    cboAssessment_ = named(new ComboBox, "cboAssessment", QStringLiteral("Assessment"));
+    cboAssessment_ = named(new ComboBox, "cboAssessment", tr("Assessment"));
     cboAssessment_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    cmdAddAssessment_ =
-        makeEnterButton("cmdAddAssessment", QStringLiteral("Create Ne&w Assessment"));
+    cmdAddAssessment_ = makeEnterButton("cmdAddAssessment", tr("Create Ne&w Assessment"));
     lblAssessmentHint_ =
         new HintLabel("lblAssessmentHint", cmdAddAssessment_, HintLabel::Place::Given);
-    cmdDeleteAssessment_ = makeButton("cmdDeleteAssessment", QStringLiteral("&Delete Assessment"));
-    cmdAddNewQuestion_ = makeEnterButton("cmdAddNewQuestion", QStringLiteral("Add New &Question"));
+    cmdDeleteAssessment_ = makeButton("cmdDeleteAssessment", tr("&Delete Assessment"));
+    cmdAddNewQuestion_ = makeEnterButton("cmdAddNewQuestion", tr("Add New &Question"));
 
-    auto* fraAssessments = makeFrame("fraAssessments", QStringLiteral("&Assessments"));
+    auto* fraAssessments = makeFrame("fraAssessments", tr("&Assessments"));
     auto* grid = new QGridLayout(fraAssessments);
     grid->addWidget(cboAssessment_, 0, 0);
     grid->addWidget(cmdAddAssessment_, 0, 1);
@@ -81,12 +80,12 @@ QWidget* frmManage::buildAssessments()
 
 QWidget* frmManage::buildTopics()
 {
-    lstTopics_ = named(new ListBox(ListBox::Mode::Single), "lstTopics", QStringLiteral("Topics"));
+    lstTopics_ = named(new ListBox(ListBox::Mode::Single), "lstTopics", tr("Topics"));
     lblTopicHint_ = new HintLabel("lblTopicHint", lstTopics_, HintLabel::Place::Given);
-    cmdNewTopic_ = makeEnterButton("cmdNewTopic", QStringLiteral("Create New To&pic"));
-    cmdDeleteTopic_ = makeButton("cmdDeleteTopic", QStringLiteral("De&lete Topic"));
+    cmdNewTopic_ = makeEnterButton("cmdNewTopic", tr("Create New To&pic"));
+    cmdDeleteTopic_ = makeButton("cmdDeleteTopic", tr("De&lete Topic"));
 
-    auto* fraTopics = makeFrame("fraTopics", QStringLiteral("&Topics"));
+    auto* fraTopics = makeFrame("fraTopics", tr("&Topics"));
     auto* grid = new QGridLayout(fraTopics);
     grid->addWidget(lstTopics_, 0, 0, 1, 2);
     grid->addWidget(lblTopicHint_, 1, 0, 1, 2);
@@ -97,14 +96,13 @@ QWidget* frmManage::buildTopics()
 
 QWidget* frmManage::buildSubtopics()
 {
-    lstSubtopics_ =
-        named(new ListBox(ListBox::Mode::Single), "lstSubtopics", QStringLiteral("Subtopics"));
+    lstSubtopics_ = named(new ListBox(ListBox::Mode::Single), "lstSubtopics", tr("Subtopics"));
     lblSubtopicHint_ = new HintLabel("lblSubtopicHint", lstSubtopics_, HintLabel::Place::Given);
     lblQuestions_ = makeLabel("lblQuestions");
-    cmdNewSubtopic_ = makeEnterButton("cmdNewSubtopic", QStringLiteral("Create New S&ubtopic"));
-    cmdDeleteSubtopic_ = makeButton("cmdDeleteSubtopic", QStringLiteral("Delete Subt&opic"));
+    cmdNewSubtopic_ = makeEnterButton("cmdNewSubtopic", tr("Create New S&ubtopic"));
+    cmdDeleteSubtopic_ = makeButton("cmdDeleteSubtopic", tr("Delete Subt&opic"));
 
-    auto* fraSubtopics = makeFrame("fraSubtopics", QStringLiteral("&Subtopics"));
+    auto* fraSubtopics = makeFrame("fraSubtopics", tr("&Subtopics"));
     auto* grid = new QGridLayout(fraSubtopics);
     grid->addWidget(lstSubtopics_, 0, 0, 1, 2);
     grid->addWidget(lblSubtopicHint_, 1, 0, 1, 2);
@@ -121,20 +119,20 @@ QWidget* frmManage::buildBrowser()
     lblNoQuestions_->setWordWrap(true);
     lblNoQuestions_->setForegroundRole(QPalette::PlaceholderText);
 
-    imgQuestion_ = named(new PictureView, "imgQuestion", QStringLiteral("Picture of the question"));
+    imgQuestion_ = named(new PictureView, "imgQuestion", tr("Picture of the question"));
     lblPictureHint_ = new HintLabel("lblPictureHint", imgQuestion_, HintLabel::Place::Given);
     lblQuestionCount_ = makeLabel("lblQuestionCount");
     lblQuestionCount_->setAlignment(Qt::AlignCenter);
-    cmdLeft_ = makeEnterButton("cmdLeft", QStringLiteral("P&revious Questions"));
-    cmdRight_ = makeEnterButton("cmdRight", QStringLiteral("&Next Question"));
-    cmdEditQuestion_ = makeEnterButton("cmdEditQuestion", QStringLiteral("&Edit Question"));
-    cmdDeleteQuestion_ = makeButton("cmdDeleteQuestion", QStringLiteral("Delete Question"));
+    cmdLeft_ = makeEnterButton("cmdLeft", tr("P&revious Questions"));
+    cmdRight_ = makeEnterButton("cmdRight", tr("&Next Question"));
+    cmdEditQuestion_ = makeEnterButton("cmdEditQuestion", tr("&Edit Question"));
+    cmdDeleteQuestion_ = makeButton("cmdDeleteQuestion", tr("Delete Question"));
     const QKeySequence deleteKeys(Qt::CTRL | Qt::Key_Delete);
     cmdDeleteQuestion_->setShortcut(deleteKeys);
     cmdDeleteQuestion_->setToolTip(deleteKeys.toString(QKeySequence::NativeText));
 
     fraQuestions_ = makeFrame("fraQuestions", {});
-    fraQuestions_->setAccessibleName(QStringLiteral("Questions"));
+    fraQuestions_->setAccessibleName(tr("Questions"));
     auto* grid = new QGridLayout(fraQuestions_);
     grid->addWidget(imgQuestion_, 0, 0, 1, 3);
     grid->addWidget(lblPictureHint_, 1, 0, 1, 3);

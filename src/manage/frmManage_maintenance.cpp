@@ -16,10 +16,9 @@ namespace varnholt {
 
 void frmManage::cmdAddAssessment_Click()
 {
-    attempt(QStringLiteral("There was an error adding this assessment."), [this] {
+    attempt(tr("There was an error adding this assessment."), [this] {
         const QString name = services_.messageBoxes->inputText(
-            QStringLiteral("New Assessment Name"),
-            QStringLiteral("Please enter the name of the new assessment."));
+            tr("New Assessment Name"), tr("Please enter the name of the new assessment."));
         if (name.isEmpty()) {
             return;
         }
@@ -27,28 +26,26 @@ void frmManage::cmdAddAssessment_Click()
         cboAssessment_->clear();
         RememberAssessment(state_, library_, toInt16(added));
         Form_Load();
-        inform(QStringLiteral("New Assessment Added"),
-               name + QStringLiteral(" successfully added."));
+        inform(tr("New Assessment Added"), tr("%1 successfully added.").arg(name));
         cmdNewTopic_->setFocus();
     });
 }
 
 void frmManage::cmdDeleteAssessment_Click()
 {
-    attempt(QStringLiteral("There was an error deleting this assessment."), [this] {
+    attempt(tr("There was an error deleting this assessment."), [this] {
         if (!services_.messageBoxes->yesNo(
-                QStringLiteral("Delete Assessment?"),
-                QStringLiteral("Are you sure that you want to delete this assessment library.  "
-                               "Selecting Yes will completely remove this assessment from the "
-                               "system."))) {
+                tr("Delete Assessment?"),
+                tr("Are you sure that you want to delete this assessment library.  "
+                   "Selecting Yes will completely remove this assessment from the "
+                   "system."))) {
             return;
         }
         library_.deleteAssessment(state_.CurrentAssessmentNum);
         cboAssessment_->clear();
         RememberAssessment(state_, library_, 0);
         Form_Load();
-        inform(QStringLiteral("Assessment Deleted"),
-               QStringLiteral("The assessment was successfully deleted."));
+        inform(tr("Assessment Deleted"), tr("The assessment was successfully deleted."));
         (state_.CurrentAssessmentNum < 1 ? static_cast<QWidget*>(cmdAddAssessment_)
                                          : cboAssessment_)
             ->setFocus();
@@ -57,27 +54,25 @@ void frmManage::cmdDeleteAssessment_Click()
 
 void frmManage::cmdNewTopic_Click()
 {
-    attempt(QStringLiteral("There was an error adding this topic."), [this] {
+    attempt(tr("There was an error adding this topic."), [this] {
         if (state_.CurrentAssessmentNum == 0) {
-            inform(QStringLiteral("Error"),
-                   QStringLiteral("Cannot add a Topic until an Assessment has been created."));
+            inform(tr("Error"), tr("Cannot add a Topic until an Assessment has been created."));
             return;
         }
         const QString name =
             services_.messageBoxes
-                ->inputText(QStringLiteral("New Topic Name"),
-                            QStringLiteral("Please enter the name of the new topic."))
+                ->inputText(tr("New Topic Name"), tr("Please enter the name of the new topic."))
                 .trimmed();
         if (name.isEmpty()) {
             return;
         }
         library_.addTopic(state_.CurrentAssessmentNum, name);
-        LoadCurrentAssessment();
+        reloadChanged();
         FillTopicList();
         lstSubtopics_->clear();
         sayIn(lblQuestions_, {});
         lstTopics_->reveal(lstTopics_->listCount() - 1);
-        inform(QStringLiteral("New Topic Added"), name + QStringLiteral(" successfully added."));
+        inform(tr("New Topic Added"), tr("%1 successfully added.").arg(name));
         lstTopics_->setFocus();
     });
 }
@@ -85,95 +80,88 @@ void frmManage::cmdNewTopic_Click()
 void frmManage::cmdDeleteTopic_Click()
 {
     if (lstSubtopics_->listCount() > 0) {
-        inform(QStringLiteral("Delete Error"),
-               QStringLiteral("Cannot delete a topic that has subtopics.  You must delete delete "
-                              "all subtopics first."));
+        inform(tr("Delete Error"),
+               tr("Cannot delete a topic that has subtopics.  You must delete delete "
+                  "all subtopics first."));
         return;
     }
-    if (!services_.messageBoxes->yesNo(
-            QStringLiteral("Delete Topic?"),
-            QStringLiteral("Are you sure that you want to delete this topic?"))) {
+    if (!services_.messageBoxes->yesNo(tr("Delete Topic?"),
+                                       tr("Are you sure that you want to delete this topic?"))) {
         return;
     }
-    attempt(QStringLiteral("There was an error deleting this topic."), [this] {
+    attempt(tr("There was an error deleting this topic."), [this] {
         const int row = lstTopics_->listIndex();
         library_.deleteTopic(toInt16(lstTopics_->itemData(row)));
-        tellFailures(LoadTopics(state_, library_.connection()));
+        reloadChanged();
         FillTopicList();
         lstTopics_->reveal(row);
-        inform(QStringLiteral("Topic Deleted"),
-               QStringLiteral("The topic was deleted successfully."));
+        inform(tr("Topic Deleted"), tr("The topic was deleted successfully."));
         lstTopics_->setFocus();
     });
 }
 
 void frmManage::cmdNewSubtopic_Click()
 {
-    attempt(QStringLiteral("There was an error adding this topic."), [this] {
+    attempt(tr("There was an error adding this topic."), [this] {
         if (state_.CurrentAssessmentNum == 0) {
-            inform(QStringLiteral("Error"),
-                   QStringLiteral("Cannot add a Subtopic until an Assessment has been created."));
+            inform(tr("Error"), tr("Cannot add a Subtopic until an Assessment has been created."));
             return;
         }
         const QString name =
             services_.messageBoxes
-                ->inputText(QStringLiteral("New Topic Name"),
-                            QStringLiteral("Please enter the name of the new subtopic."))
+                ->inputText(tr("New Topic Name"), tr("Please enter the name of the new subtopic."))
                 .trimmed();
         if (name.isEmpty()) {
             return;
         }
         const std::int32_t topic = lstTopics_->itemData(lstTopics_->listIndex());
         library_.addSubtopic(state_.CurrentAssessmentNum, toInt16(topic), name);
-        tellFailures(LoadSubTopics(state_, library_.connection()));
+        reloadChanged();
         lstTopics_Click();
         lstSubtopics_->reveal(lstSubtopics_->listCount() - 1);
-        inform(QStringLiteral("New Topic Added"), name + QStringLiteral(" successfully added."));
+        inform(tr("New Topic Added"), tr("%1 successfully added.").arg(name));
     });
 }
 
 void frmManage::cmdDeleteSubtopic_Click()
 {
-    if (state_.QuestionCount >= 1) {
-        inform(QStringLiteral("Delete Error"),
-               QStringLiteral("You cannot delete a subtopic that has questions associated with "
-                              "it.  The questions for this subtopic need to be changed to another "
-                              "subtopic or deleted."));
+    if (browser_.QuestionCount >= 1) {
+        inform(tr("Delete Error"),
+               tr("You cannot delete a subtopic that has questions associated with "
+                  "it.  The questions for this subtopic need to be changed to another "
+                  "subtopic or deleted."));
         return;
     }
-    if (!services_.messageBoxes->yesNo(
-            QStringLiteral("Delete Subtopic?"),
-            QStringLiteral("Are you sure that you want to delete this subtopic?"))) {
+    if (!services_.messageBoxes->yesNo(tr("Delete Subtopic?"),
+                                       tr("Are you sure that you want to delete this subtopic?"))) {
         return;
     }
-    attempt(QStringLiteral("There was an error deleting this subtopic."), [this] {
+    attempt(tr("There was an error deleting this subtopic."), [this] {
         const int row = lstSubtopics_->listIndex();
         library_.deleteSubtopic(toInt16(lstSubtopics_->itemData(row)));
-        tellFailures(LoadSubTopics(state_, library_.connection()));
+        reloadChanged();
         FillSubtopicList();
         lstSubtopics_->reveal(row);
-        inform(QStringLiteral("Subtopic Deleted"),
-               QStringLiteral("The Subtopic was deleted successfully."));
+        inform(tr("Subtopic Deleted"), tr("The Subtopic was deleted successfully."));
         lstSubtopics_->setFocus();
     });
 }
 
 void frmManage::cmdDeleteQuestion_Click()
 {
-    if (!services_.messageBoxes->yesNo(
-            QStringLiteral("Delete Question?"),
-            QStringLiteral("Are you sure that you want to delete this question?"))) {
+    if (!services_.messageBoxes->yesNo(tr("Delete Question?"),
+                                       tr("Are you sure that you want to delete this question?"))) {
         return;
     }
-    attempt(QStringLiteral("There was an error in deleting the question."), [this] {
-        const int row = lstSubtopics_->listIndex();
-        library_.deleteQuestion(state_.BrowseQuestions(state_.QuestionPosition).SOLIndex);
-        LoadQuestions(state_, library_.connection());
+    attempt(tr("There was an error in deleting the question."), [this] {
+        const Place place = currentPlace();
+        QWidget* had = focusWidget();
+        library_.deleteQuestion(browser_.current().SOLIndex);
+        reloadChanged();
         lstTopics_Click();
-        lstSubtopics_->reveal(row);
-        inform(QStringLiteral("Question Deleted"),
-               QStringLiteral("Question deleted successfully."));
-        lstSubtopics_->setFocus();
+        inform(tr("Question Deleted"), tr("Question deleted successfully."));
+        goTo(place);
+        focusAgain(had);
     });
 }
 

@@ -13,20 +13,6 @@
 
 namespace varnholt {
 
-namespace {
-
-void chooseRow(ListBox& list, std::int32_t key)
-{
-    for (int row = 0; row < list.listCount(); ++row) {
-        if (list.itemData(row) == key) {
-            list.setListIndex(row);
-            return;
-        }
-    }
-}
-
-} // namespace
-
 QWidget* frmManage::buildUndoBar()
 {
     const QKeySequence undoKeys(Qt::CTRL | Qt::Key_Z);
@@ -59,7 +45,6 @@ QWidget* frmManage::buildUndoBar()
     shortcut(QKeySequence(Qt::CTRL | Qt::Key_Y), &frmManage::cmdRedo_Click);
     connect(cmdUndo_, &QPushButton::clicked, this, &frmManage::cmdUndo_Click);
     connect(cmdRedo_, &QPushButton::clicked, this, &frmManage::cmdRedo_Click);
-    connect(&library_, &Library::changed, this, &frmManage::tellChange);
     toldStep_ = newestStep().value_or(StepInfo{}).step;
     return undoBar_;
 }
@@ -147,24 +132,31 @@ void frmManage::turn(bool undo)
 
 void frmManage::showItem(Item item)
 {
-    const Filing place = library_.placeOf(item);
-    if (item.kind == ItemKind::Assessment) {
-        RememberAssessment(state_, library_, place.AssessmentNum);
+    const Filing filed = library_.placeOf(item);
+    const bool elsewhere = filed.AssessmentNum != state_.CurrentAssessmentNum;
+    if (item.kind == ItemKind::Assessment && elsewhere) {
+        RememberAssessment(state_, library_, filed.AssessmentNum);
         Form_Load();
         return;
     }
-    if (place.AssessmentNum != 0 && place.AssessmentNum != state_.CurrentAssessmentNum) {
-        for (int entry = 0; entry < cboAssessment_->listCount(); ++entry) {
-            if (cboAssessment_->entryData(entry) == place.AssessmentNum) {
-                cboAssessment_->showEntry(entry);
-            }
-        }
+    Place place = currentPlace();
+    if (filed.TopicID != 0 && place.rows.topicId != filed.TopicID) {
+        place = {{filed.TopicID, std::nullopt}};
     }
+    if (filed.SubtopicNum != 0 && place.rows.subtopicNum != filed.SubtopicNum) {
+        place = {{filed.TopicID, filed.SubtopicNum}};
+    }
+    if (item.kind == ItemKind::Question) {
+        place.SOLIndex = item.key;
+    }
+    if (!elsewhere || filed.AssessmentNum == 0) {
+        refresh(place);
+        return;
+    }
+    reloadChanged();
+    FillAssessmentCombo(filed.AssessmentNum);
     openAssessment();
-    questionToShow_ = item.kind == ItemKind::Question ? item.key : 0;
-    chooseRow(*lstTopics_, place.TopicID);
-    chooseRow(*lstSubtopics_, place.SubtopicNum);
-    questionToShow_ = 0;
+    goTo(place);
 }
 
 } // namespace varnholt

@@ -22,25 +22,25 @@ frmNewInfo::frmNewInfo(Services& services, Library& library, std::int32_t assess
     , chosenTopic_(std::move(chosenTopic))
 {
     setObjectName(QStringLiteral("frmNewInfo"));
-    setWindowTitle(QStringLiteral("New Topic and Subtopic"));
+    setWindowTitle(tr("New Topic and Subtopic"));
     buildControls();
 }
 
 void frmNewInfo::buildControls()
 {
-    auto* lblNewTopic = makeLabel("lblNewTopic", QStringLiteral("New &Topic:"));
-    txtNewTopic_ = named(new LineEdit, "txtNewTopic", QStringLiteral("New topic"));
+    auto* lblNewTopic = makeLabel("lblNewTopic", tr("New &Topic:"));
+    txtNewTopic_ = named(new LineEdit, "txtNewTopic", tr("New topic"));
     lblNewTopic->setBuddy(txtNewTopic_);
     auto* lblTopicHint = new HintLabel("lblTopicHint", txtNewTopic_, HintLabel::Place::Kept);
 
-    auto* lblNewSubtopic = makeLabel("lblNewSubtopic", QStringLiteral("New S&ubtopic:"));
-    txtNewSubtopic_ = named(new LineEdit, "txtNewSubtopic", QStringLiteral("New subtopic"));
+    auto* lblNewSubtopic = makeLabel("lblNewSubtopic", tr("New S&ubtopic:"));
+    txtNewSubtopic_ = named(new LineEdit, "txtNewSubtopic", tr("New subtopic"));
     lblNewSubtopic->setBuddy(txtNewSubtopic_);
     auto* lblSubtopicHint =
         new HintLabel("lblSubtopicHint", txtNewSubtopic_, HintLabel::Place::Kept);
 
-    auto* cmdSave = makeButton("cmdSave", QStringLiteral("&Save"));
-    auto* cmdCancel = makeButton("cmdCancel", QStringLiteral("&Cancel"));
+    auto* cmdSave = makeButton("cmdSave", tr("&Save"));
+    auto* cmdCancel = makeButton("cmdCancel", tr("&Cancel"));
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(lblNewTopic, 0, 0);
@@ -81,9 +81,8 @@ void frmNewInfo::cmdSave_Click()
     const QString topic = txtNewTopic_->text().trimmed();
     const QString subtopic = txtNewSubtopic_->text().trimmed();
     if (topic.isEmpty() || subtopic.isEmpty()) {
-        services_.messageBoxes->inform(
-            QStringLiteral("Save Error"),
-            QStringLiteral("You need to enter a topic and subtopic before saving."));
+        services_.messageBoxes->inform(tr("Save Error"),
+                                       tr("You need to enter a topic and subtopic before saving."));
         (topic.isEmpty() && txtNewTopic_->isEnabled() ? txtNewTopic_ : txtNewSubtopic_)->setFocus();
         return;
     }
@@ -94,12 +93,10 @@ void frmNewInfo::cmdSave_Click()
                                          : library_.addTopic(assessmentNum_, topic);
         const std::int32_t subtopicNum = library_.addSubtopic(assessmentNum_, topicId, subtopic);
         saved_ = NewInfo{topicId, subtopicNum};
-        services_.messageBoxes->inform(QStringLiteral("New Info Added"),
-                                       QStringLiteral("Saved successfully."));
+        services_.messageBoxes->inform(tr("New Info Added"), tr("Saved successfully."));
         accept();
     } catch (const std::exception&) {
-        services_.messageBoxes->inform(QStringLiteral("Error"),
-                                       QStringLiteral("There was an error adding this topic."));
+        services_.messageBoxes->inform(tr("Error"), tr("There was an error adding this topic."));
     }
 }
 

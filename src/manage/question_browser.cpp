@@ -1,67 +1,72 @@
 #include "manage/question_browser.h"
 
-#include "selection/Selection.h"
-
 #include <QCoreApplication>
+#include <QSet>
+
+#include <algorithm>
 
 namespace varnholt {
 
-void CollectBrowseQuestions(ProgramState& state, std::optional<std::int32_t> topicId,
-                            std::optional<std::int32_t> subtopicNum)
+namespace {
+
+QString tr(const char* text)
 {
-    Selection browsed;
-    if (topicId) {
-        browsed.setTopics({{*topicId, true}});
-    }
-    for (const SubTopicRecord& record : state.SubTopicList) {
-        browsed.SetSubTopicSelected(record.TopicID, record.SubtopicNum,
-                                    record.TopicID == topicId && record.SubtopicNum == subtopicNum);
-    }
-    state.BrowseQuestions.clear();
-    for (const QuestionRecord& question : state.QuestionList) {
-        if (browsed.IsQuestionInSelection(question.TopicID, question.SubtopicNum)) {
-            state.BrowseQuestions.append(question);
+    return QCoreApplication::translate("varnholt::frmManage", text);
+}
+
+} // namespace
+
+void QuestionBrowser::show(const ProgramState& catalogue, std::optional<std::int32_t> topicId,
+                           std::optional<std::int32_t> subtopicNum, std::int32_t wanted,
+                           std::int32_t orAt)
+{
+    QSet<std::int32_t> others;
+    for (const SubTopicRecord& record : catalogue.SubTopicList) {
+        if (record.TopicID == topicId && record.SubtopicNum != subtopicNum) {
+            others.insert(record.SubtopicNum);
         }
     }
-    UpdateCount2(state);
-    if (state.QuestionCount == 0) {
-        state.QuestionPosition = 0;
-    }
-}
-
-void UpdateCount2(ProgramState& state)
-{
-    state.QuestionCount = state.BrowseQuestions.upperBound();
-}
-
-void StepLeft(ProgramState& state)
-{
-    if (state.QuestionPosition > 1) {
-        --state.QuestionPosition;
-    }
-}
-
-void StepRight(ProgramState& state)
-{
-    if (state.QuestionPosition < state.QuestionCount) {
-        ++state.QuestionPosition;
-    }
-}
-
-std::int32_t PositionOf(const List1<QuestionRecord>& questions, std::int32_t solIndex)
-{
-    for (std::int32_t position = 1; position <= questions.upperBound(); ++position) {
-        if (questions(position).SOLIndex == solIndex) {
-            return position;
+    const auto IsQuestionSelected = [&](const QuestionRecord& question) {
+        return question.TopicID == topicId && !others.contains(question.SubtopicNum);
+    };
+    BrowseQuestions.clear();
+    QuestionPosition = 0;
+    for (const QuestionRecord& question : catalogue.QuestionList) {
+        if (IsQuestionSelected(question)) {
+            BrowseQuestions.append(question);
+            if (question.SOLIndex == wanted) {
+                QuestionPosition = BrowseQuestions.upperBound();
+            }
         }
     }
-    return 0;
+    UpdateCount2();
+    if (QuestionPosition == 0) {
+        QuestionPosition = std::min(orAt, QuestionCount);
+    }
 }
 
-QString PositionText(const ProgramState& state)
+void QuestionBrowser::UpdateCount2()
 {
-    return QString::number(state.QuestionPosition) + QStringLiteral(" of ") +
-           QString::number(state.QuestionCount);
+    QuestionCount = BrowseQuestions.upperBound();
+}
+
+void QuestionBrowser::stepLeft()
+{
+    if (QuestionPosition > 1) {
+        --QuestionPosition;
+    }
+}
+
+void QuestionBrowser::stepRight()
+{
+    if (QuestionPosition < QuestionCount) {
+        ++QuestionPosition;
+    }
+}
+
+QString QuestionBrowser::positionText() const
+{
+    return tr("%1 of %2").arg(QuestionPosition).arg(QuestionCount);
 }
 
 PictureButtons EnabledPictureButtons(std::int32_t questionPosition, std::int32_t questionCount)
@@ -71,9 +76,6 @@ PictureButtons EnabledPictureButtons(std::int32_t questionPosition, std::int32_t
 
 QString PictureHint(PictureFault fault, bool borrowed)
 {
-    const auto tr = [](const char* text) {
-        return QCoreApplication::translate("varnholt::frmManage", text);
-    };
     switch (fault) {
     case PictureFault::None:
         return {};

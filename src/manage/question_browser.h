@@ -9,28 +9,40 @@
 
 namespace varnholt {
 
-// The browser shows the questions of one subtopic one at a time: `BrowseQuestions`,
-// `QuestionCount` and `QuestionPosition` of the state.
+/// What the library manager browses: the questions of one subtopic, one at a time.
+struct QuestionBrowser
+{
+    List1<QuestionRecord> BrowseQuestions;
+    /// See `UpdateCount2`.
+    std::int32_t QuestionCount = 0;
+    /// 1-based position in `BrowseQuestions`; 0 when no question is shown.
+    std::int32_t QuestionPosition = 0;
 
-/// Copies into `BrowseQuestions`, in catalogue order, the questions of the topic (none without
-/// one) that are filed under the subtopic, or under one that is not in the catalogue, and counts
-/// them. `QuestionPosition` becomes 0 when there are none and stays otherwise.
-void CollectBrowseQuestions(ProgramState& state, std::optional<std::int32_t> topicId,
-                            std::optional<std::int32_t> subtopicNum);
+    /// Takes from the catalogue, in its order, the questions of a topic (none without one) that
+    /// are filed under a subtopic, or under one that the catalogue does not know, and counts them.
+    /// Puts on show the question with the key `wanted` or, where it is not among them, the one at
+    /// `orAt` or the last before it; none when there are none.
+    void show(const ProgramState& catalogue, std::optional<std::int32_t> topicId,
+              std::optional<std::int32_t> subtopicNum, std::int32_t wanted = 0,
+              std::int32_t orAt = 1);
+    /// Shows no question; the count of the last subtopic stays.
+    void hide() { QuestionPosition = 0; }
 
-/// `QuestionCount` becomes the number of questions to browse.
-void UpdateCount2(ProgramState& state);
+    /// `QuestionCount` becomes the number of questions to browse.
+    void UpdateCount2();
 
-/// One question back or on; at an end the position stays.
-void StepLeft(ProgramState& state);
-void StepRight(ProgramState& state);
+    /// One question back or on; at an end the position stays.
+    void stepLeft();
+    void stepRight();
 
-/// The 1-based position of the question with this key, 0 when it is not there.
-[[nodiscard]] std::int32_t PositionOf(const List1<QuestionRecord>& questions,
-                                      std::int32_t solIndex);
-
-/// "3 of 12".
-[[nodiscard]] QString PositionText(const ProgramState& state);
+    /// Throws `std::out_of_range` when none is on show.
+    [[nodiscard]] const QuestionRecord& current() const
+    {
+        return BrowseQuestions(QuestionPosition);
+    }
+    /// "3 of 12".
+    [[nodiscard]] QString positionText() const;
+};
 
 /// What stands beside the picture of a question whose own cannot be shown: the reason where the
 /// message does not give it, and, where the picture is `borrowed`, that it belongs to the

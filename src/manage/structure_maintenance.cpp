@@ -23,15 +23,10 @@ void RememberAssessment(ProgramState& state, Library& library, std::int32_t asse
     library.rememberAssessment(assessmentNum);
 }
 
-QString LargeKeyHint(const QString& subject, std::int32_t key, const QString& consequence)
+QString LargeKeyHint(const QString& sentence, std::int32_t key)
 {
     constexpr int largest = std::numeric_limits<std::int16_t>::max();
-    return key <= largest ? QString()
-                          : QStringLiteral("%1 number %2 is above %3 and %4.")
-                                .arg(subject)
-                                .arg(key)
-                                .arg(largest)
-                                .arg(consequence);
+    return key <= largest ? QString() : sentence.arg(key).arg(largest);
 }
 
 } // namespace varnholt

@@ -17,9 +17,8 @@ class Library;
 /// `DatabaseError`.
 void RememberAssessment(ProgramState& state, Library& library, std::int32_t assessmentNum);
 
-/// "Topic number 40000 is above 32767 and cannot be deleted." for the subject "Topic" and the
-/// consequence "cannot be deleted"; empty for a key within 16 bits.
-[[nodiscard]] QString LargeKeyHint(const QString& subject, std::int32_t key,
-                                   const QString& consequence);
+/// What to say of a row whose key is beyond 16 bits: the sentence with its %1 replaced by the key
+/// and its %2 by the largest possible one. Empty for any other key.
+[[nodiscard]] QString LargeKeyHint(const QString& sentence, std::int32_t key);
 
 } // namespace varnholt

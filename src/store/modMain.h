@@ -61,12 +61,6 @@ struct ProgramState
     std::int32_t CurrentAssessmentNum = 0;
     /// `History.LastID` as last read.
     std::int32_t LastAssessmentNum = 0;
-
-    // The question browser of the library manager.
-    List1<QuestionRecord> BrowseQuestions;
-    std::int32_t QuestionCount = 0;
-    /// 1-based position in `BrowseQuestions`; 0 when no question is shown.
-    std::int32_t QuestionPosition = 0;
 };
 
 } // namespace varnholt

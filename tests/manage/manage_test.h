@@ -93,7 +93,7 @@ protected:
         window = std::make_unique<frmManage>(services, state, owner,
                                              [this](QWidget*, const FilingPreselection& rows) {
                                                  preselection = rows;
-                                                 return authoring();
+                                                 authoring();
                                              });
         window->show();
         window->activateWindow();
@@ -165,8 +165,8 @@ protected:
     Connection& connection = owner.connection();
     std::unique_ptr<frmManage> window;
     FilingPreselection preselection;
-    /// What the authoring window does when it is opened, and whether that changed anything.
-    std::function<bool()> authoring = [] { return false; };
+    /// What the authoring window does when it is opened.
+    std::function<void()> authoring = [] {};
 };
 
 } // namespace varnholt::test

@@ -71,16 +71,13 @@ TEST_F(Browser, AuthoringIsToldTheRowsAndReloadsWhatItChanged)
     EXPECT_EQ(preselection.topicId, 1);
     EXPECT_EQ(preselection.subtopicNum, 2);
     EXPECT_EQ(place(), u"2 of 3 <>"_s); // nothing saved: everything stays
-    authoring = [&] {
-        library.addTopic(1, u"New"_s);
-        return true;
-    };
+    authoring = [&] { owner.addTopic(1, u"New"_s); };
     press("cmdAddNewQuestion");
     EXPECT_EQ(topics().itemText(2), u"New"_s);
     EXPECT_EQ(enabledButtons(), u"AddAssessment DeleteAssessment AddNewQuestion NewTopic"_s);
     EXPECT_FALSE(shown("fraQuestions"));
     press("cmdAddNewQuestion");
-    EXPECT_FALSE(preselection.topicId || preselection.subtopicNum);
+    EXPECT_EQ(preselection, FilingPreselection()); // no row is chosen
 
     library.sql(u"UPDATE SubTopics SET Available=0"_s);
     open();
@@ -154,8 +151,8 @@ TEST_F(Editor, RefilesAndSavesByKeyboard)
     });
     EXPECT_EQ(row(), u"5|2|3|9.81 \"m\"|1|1"_s);
     EXPECT_EQ(topics().listIndex(), 0);
-    EXPECT_EQ(focus(), u"lstSubtopics"_s);
-    key(Qt::Key_Down);
+    EXPECT_EQ(place(), u"2 of 2 <-"_s);
+    EXPECT_EQ(focus(), u"cmdEditQuestion"_s);
     EXPECT_EQ(text("lblQuestions"), u"Questions: 2"_s);
     // Leaving by Escape changes nothing.
     edit([&] { typed(Qt::Key_Escape); });

@@ -62,22 +62,21 @@ protected:
     }
 
     /// Stands in for the authoring window: files a question under any subtopic.
-    bool author()
+    void author()
     {
         const QStringList places =
             rows(u"SELECT TopicID,SubtopicNum,AssessmentNum FROM SubTopics WHERE Available AND "
                  "AssessmentNum=%1"_s.arg(state.CurrentAssessmentNum));
         if (frozen) {
-            return false;
+            return;
         }
         const QString place = places[pick(static_cast<int>(places.size()))];
-        rows(
-            u"INSERT INTO Questions(Answer,TopicID,SubTopicNum,AssessmentNum) VALUES('A',%1)"_s.arg(
-                QString(place).replace(u'|', u',')));
-        testPicture({8, 8}).save(
-            library.picturePath(rows(u"SELECT last_insert_rowid()"_s)[0].toInt()), "JPG");
+        owner.addQuestion({place.section(u'|', 2, 2).toInt(), place.section(u'|', 0, 0).toInt(),
+                           place.section(u'|', 1, 1).toInt()},
+                          u"A"_s, [](const QString& path) {
+                              testPicture({8, 8}).save(path, "JPG");
+                          });
         told = u"Question Added"_s;
-        return true;
     }
 
     /// What is done in the editor when it opens.
@@ -116,7 +115,7 @@ protected:
                                                                       {"cmdDeleteTopic", 6},
                                                                       {"cmdNewSubtopic", 24},
                                                                       {"cmdDeleteSubtopic", 8},
-                                                                      {"cmdAddNewQuestion", 36},
+                                                                      {"cmdAddNewQuestion", 48},
                                                                       {"cmdLeft", 12},
                                                                       {"cmdRight", 24},
                                                                       {"cmdEditQuestion", 24},
