@@ -1,8 +1,8 @@
 // A tick in the real selection window over a large library, and the draw.
 
+#include "library/Library.h"
 #include "selection/frmMain.h"
 #include "selection/question_draw.h"
-#include "store/connection.h"
 #include "store/services.h"
 #include "support/big_library.h"
 #include "support/report.h"
@@ -27,10 +27,10 @@ double tickMilliseconds(int questions)
 {
     const QTemporaryDir folder;
     bench::makeBigLibrary(folder.filePath(QStringLiteral("Varnholt.mdb")), questions);
-    Connection connection;
-    connection.open(folder.filePath(QStringLiteral("Varnholt.mdb")));
     DesktopMessageBoxes messages;
     SystemClock clock;
+    Library library(folder.path(), clock);
+    library.open();
     SplitMix64 random;
     Services services;
     services.messageBoxes = &messages;
@@ -38,7 +38,7 @@ double tickMilliseconds(int questions)
     services.random = &random;
     services.programFolder = folder.path();
     ProgramState state;
-    frmMain window(services, state, connection);
+    frmMain window(services, state, library);
     window.resize(1000, 700);
     window.show();
     QApplication::processEvents();

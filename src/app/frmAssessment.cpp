@@ -260,7 +260,7 @@ void frmAssessment::openChild(const Maker& make)
 
 void frmAssessment::mnuCreate_Click()
 {
-    openChild([this] { return new frmMain(services_, state_, library_.connection()); });
+    openChild([this] { return new frmMain(services_, state_, library_); });
 }
 
 void frmAssessment::mnuManageAssessments_Click()
@@ -281,7 +281,7 @@ void frmAssessment::mnuManageAssessments_Click()
 
 void frmAssessment::mnuExport_Click()
 {
-    openChild([this] { return new frmExport(services_, state_, library_.connection()); });
+    openChild([this] { return new frmExport(services_, state_, library_); });
 }
 
 void frmAssessment::mnuImport_Click()

@@ -2,8 +2,8 @@
 
 #include "exchange/package_export.h"
 #include "files/sync.h"
+#include "library/Library.h"
 #include "store/catalogue.h"
-#include "store/connection.h"
 #include "store/modMain.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
@@ -15,11 +15,11 @@
 
 namespace varnholt {
 
-frmExport::frmExport(Services& services, ProgramState& state, Connection& connection)
-    : ExchangeWindow("frmExport", QStringLiteral("Export Assessment"))
+frmExport::frmExport(Services& services, ProgramState& state, Library& library)
+    : ExchangeWindow("frmExport", tr("Export Assessment"))
     , services_(services)
     , state_(state)
-    , connection_(connection)
+    , library_(library)
 {
     buildControls();
     Form_Load();
@@ -27,16 +27,15 @@ frmExport::frmExport(Services& services, ProgramState& state, Connection& connec
 
 void frmExport::buildControls()
 {
-    auto* lblAssessment = makeLabel("lblAssessment", QStringLiteral("&Assessment to Export:"));
-    cboAssessment_ = named(new ComboBox, "cboAssessment", QStringLiteral("Assessment to export"));
+    auto* lblAssessment = makeLabel("lblAssessment", tr("&Assessment to Export:"));
+    cboAssessment_ = named(new ComboBox, "cboAssessment", tr("Assessment to export"));
     lblAssessment->setBuddy(cboAssessment_);
     lblProblems_ = makeLabel("lblProblems");
     lblProblems_->setWordWrap(true);
-    auto* lblMessage =
-        makeLabel("lblMessage", QStringLiteral("Exporting may take a couple of minutes."));
-    cmdExport_ = makeButton("cmdExport", QStringLiteral("&Export"));
+    auto* lblMessage = makeLabel("lblMessage", tr("Exporting may take a couple of minutes."));
+    cmdExport_ = makeButton("cmdExport", tr("&Export"));
 
-    cmdAddZip_ = makeButton("cmdAddZip", QStringLiteral("Add \".&zip\""));
+    cmdAddZip_ = makeButton("cmdAddZip", tr("Add \".&zip\""));
     cmdAddZip_->hide();
     buildColumn({lblAssessment, cboAssessment_, lblProblems_, lblMessage}, cmdExport_, cmdAddZip_);
     setTabOrder(cboAssessment_, cmdExport_);
@@ -62,12 +61,11 @@ void frmExport::Form_Load()
 void frmExport::LoadAssessmentInfo()
 {
     try {
-        varnholt::LoadAssessmentInfo(state_, connection_);
+        varnholt::LoadAssessmentInfo(state_, library_.connection());
     } catch (const DatabaseError& error) {
         services_.messageBoxes->inform(QStringLiteral("Varnholt"), error.message());
-        services_.messageBoxes->inform(
-            QStringLiteral("Database Error"),
-            QStringLiteral("There was an error loading the assessments."));
+        services_.messageBoxes->inform(tr("Database Error"),
+                                       tr("There was an error loading the assessments."));
     }
 }
 
@@ -92,13 +90,13 @@ void frmExport::cboAssessment_Click()
     // What was read in part must not pass for the whole assessment.
     cmdExport_->setEnabled(false);
     try {
-        const LoadFailures failures = LoadStructure(state_, connection_);
+        const LoadFailures failures = LoadStructure(state_, library_.connection());
         services_.messageBoxes->informEach(tr("Database Error"), failures);
-        LoadQuestions(state_, connection_);
+        LoadQuestions(state_, library_.connection());
         cmdExport_->setEnabled(failures.isEmpty());
     } catch (const Error&) {
-        services_.messageBoxes->inform(QStringLiteral("Database Error"),
-                                       QStringLiteral("There was an error loading the questions."));
+        services_.messageBoxes->inform(tr("Database Error"),
+                                       tr("There was an error loading the questions."));
     }
     const QStringList problems = PackageProblems(state_);
     lblProblems_->setText(problems.join(QStringLiteral("\n\n")));
@@ -114,9 +112,8 @@ void frmExport::cmdExport_Click()
             closing = !exportAssessment();
         } catch (const std::exception& failure) {
             explain(failure);
-            services_.messageBoxes->inform(
-                QStringLiteral("Export Error"),
-                QStringLiteral("There was an error creating this export file."));
+            services_.messageBoxes->inform(tr("Export Error"),
+                                           tr("There was an error creating this export file."));
         }
     });
     if (closing) {
@@ -132,20 +129,18 @@ bool frmExport::exportAssessment()
     if (!collected) {
         explain(package.reason);
         services_.messageBoxes->inform(
-            QStringLiteral("File Missing"),
-            QStringLiteral("Export was aborted because one of the questions is missing a "
-                           "picture file.  Please go to Manage Assessments and delete that "
-                           "question."));
+            tr("File Missing"), tr("Export was aborted because one of the questions is missing a "
+                                   "picture file.  Please go to Manage Assessments and delete that "
+                                   "question."));
         return false;
     }
     hideBar();
     const std::optional<QString> path =
-        services_.fileDialogs->saveFile(QStringLiteral("Zip Files (*.zip)"), package.initialName());
+        services_.fileDialogs->saveFile(tr("Zip Files (*.zip)"), package.initialName());
     if (path) {
         if (pack(package, *path)) {
             showSaved(*path);
-            services_.messageBoxes->inform(QStringLiteral("Export Complete"),
-                                           QStringLiteral("Export was successful."));
+            services_.messageBoxes->inform(tr("Export Complete"), tr("Export was successful."));
         }
         package.cleanUp();
     }
@@ -165,13 +160,13 @@ bool frmExport::pack(PackageExport& package, const QString& path)
     if (failure->notOpened) {
         services_.messageBoxes->inform(
             QStringLiteral("Varnholt"),
-            QStringLiteral("Error %1 (%2) in procedure AddFilesToZip of Modulo di classe clsZip")
+            tr("Error %1 (%2) in procedure AddFilesToZip of Modulo di classe clsZip")
                 .arg(failure->error)
                 .arg(failure->description));
     } else {
         services_.messageBoxes->inform(
-            QStringLiteral("Export Error"),
-            QStringLiteral("There is a problem creating this export file.  Please try again."));
+            tr("Export Error"),
+            tr("There is a problem creating this export file.  Please try again."));
     }
     return false;
 }
@@ -181,9 +176,9 @@ void frmExport::showSaved(const QString& path)
     savedAs_ = path;
     const QString shown = QDir::toNativeSeparators(path);
     const bool listed = path.endsWith(QStringLiteral(".zip"), Qt::CaseInsensitive);
-    explain(listed ? QStringLiteral("The package was saved as %1").arg(shown)
-                   : QStringLiteral("The package was saved as %1\nThe name does not end in "
-                                    "\".zip\", so that the import window will not list it.")
+    explain(listed ? tr("The package was saved as %1").arg(shown)
+                   : tr("The package was saved as %1\nThe name does not end in "
+                        "\".zip\", so that the import window will not list it.")
                          .arg(shown));
     cmdAddZip_->setVisible(!listed);
 }
@@ -198,7 +193,7 @@ void frmExport::cmdAddZip_Click()
         showSaved(path);
         cmdExport_->setFocus();
     } else {
-        explain(QStringLiteral("The package could not be renamed to %1 (%2). It is still at %3")
+        explain(tr("The package could not be renamed to %1 (%2). It is still at %3")
                     .arg(QDir::toNativeSeparators(path), file.errorString(),
                          QDir::toNativeSeparators(savedAs_)));
     }

@@ -5,7 +5,7 @@
 namespace varnholt {
 
 class ComboBox;
-class Connection;
+class Library;
 struct ProgramState;
 struct Services;
 
@@ -16,7 +16,7 @@ class frmExport : public ExchangeWindow
     Q_OBJECT
 
 public:
-    frmExport(Services& services, ProgramState& state, Connection& connection);
+    frmExport(Services& services, ProgramState& state, Library& library);
 
 public Q_SLOTS:
     void cboAssessment_Click();
@@ -37,7 +37,7 @@ private:
 
     Services& services_;
     ProgramState& state_;
-    Connection& connection_;
+    Library& library_;
     ComboBox* cboAssessment_ = nullptr;
     QLabel* lblProblems_ = nullptr;
     QPushButton* cmdExport_ = nullptr;

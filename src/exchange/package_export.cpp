@@ -77,19 +77,20 @@ QStringList PackageProblems(const ProgramState& state)
 
     const auto quoted = [](const QString& text) { return text.contains(u'"'); };
     if (quoted(name) || findText(state, quoted)) {
-        problems.append(QStringLiteral(
+        problems.append(PackageExport::tr(
             "Some names or answers of this assessment hold a double quote (\"). A package cannot "
             "carry it: whoever imports it gets such a text cut short. Change those texts first."));
     }
     if (name.isEmpty()) {
-        problems.append(QStringLiteral("This assessment has no name. Nobody can import a package "
-                                       "whose assessment has none."));
+        problems.append(
+            PackageExport::tr("This assessment has no name. Nobody can import a package "
+                              "whose assessment has none."));
     }
     const auto refused = [](const QString& text) { return !statements::canHold(text); };
     if (const auto text = findText(state, refused)) {
-        problems.append(QStringLiteral("Some names or answers of this assessment hold an "
-                                       "apostrophe ('), and nobody can import such a package. "
-                                       "Change those texts first, such as: %1")
+        problems.append(PackageExport::tr("Some names or answers of this assessment hold an "
+                                          "apostrophe ('), and nobody can import such a package. "
+                                          "Change those texts first, such as: %1")
                             .arg(shortened(*text)));
     }
     const TextEncoding encoding = encodingFor(state, name);
@@ -99,16 +100,18 @@ QStringList PackageProblems(const ProgramState& state)
                encodeText(text, encoding).size() > longestField;
     };
     if (const auto text = tooLong(name) ? name : findText(state, tooLong)) {
-        problems.append(QStringLiteral("Some names or answers of this assessment are longer than "
-                                       "1 MiB, and nobody can import such a package. Shorten "
-                                       "those texts first, such as: %1")
-                            .arg(shortened(*text)));
+        problems.append(
+            PackageExport::tr("Some names or answers of this assessment are longer than "
+                              "1 MiB, and nobody can import such a package. Shorten "
+                              "those texts first, such as: %1")
+                .arg(shortened(*text)));
     }
     constexpr int most = std::numeric_limits<std::int16_t>::max();
     if (std::max({state.TopicList.upperBound(), state.SubTopicList.upperBound(),
                   state.QuestionList.upperBound()}) > most) {
-        problems.append(QStringLiteral("This assessment has more than 32,767 topics, subtopics or "
-                                       "questions. Nobody can import so many; delete some first."));
+        problems.append(
+            PackageExport::tr("This assessment has more than 32,767 topics, subtopics or "
+                              "questions. Nobody can import so many; delete some first."));
     }
     return problems;
 }
@@ -171,8 +174,8 @@ void PackageExport::CopyPictureFiles(const QString& folder)
         const QString copy = pathIn(folder, pictureMember(question.SOLIndex));
         const QString picture = FindPictureFile(programFolder_, question.SOLIndex);
         if (PlaceFile(native(picture), native(copy), Placing::MayShare)) {
-            reason = QStringLiteral("The picture of the question with the answer %1 in %2 is "
-                                    "missing or cannot be read: %3")
+            reason = PackageExport::tr("The picture of the question with the answer %1 in %2 is "
+                                       "missing or cannot be read: %3")
                          .arg(shortened(question.Answer), GetTopicText(state_, question),
                               QDir::toNativeSeparators(picture));
             ExportAborted = true;
@@ -225,9 +228,10 @@ void PackageExport::requireOutsideLibrary(const QString& archivePath) const
     const bool ofPackage =
         folder == canonicalFolder(pathIn(workFolder, {})) && !packageMember(name).isEmpty();
     if (ofLibrary || ofPictures || ofPackage) {
-        throw Error(QStringLiteral("%1 belongs to your question library, and a package saved there "
-                                   "would harm it. Choose another folder or name.")
-                        .arg(QDir::toNativeSeparators(archivePath)));
+        throw Error(
+            PackageExport::tr("%1 belongs to your question library, and a package saved there "
+                              "would harm it. Choose another folder or name.")
+                .arg(QDir::toNativeSeparators(archivePath)));
     }
 }
 

@@ -6,6 +6,7 @@
 #include "exchange/text_encoding.h"
 #include "store/list1.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 
@@ -31,6 +32,8 @@ inline const QString utf8Comment = QStringLiteral("Text files: UTF-8");
 /// nobody anything.
 class PackageExport
 {
+    Q_DECLARE_TR_FUNCTIONS(PackageExport)
+
 public:
     /// `assessmentName` is what the export window shows. Takes the work folder.
     PackageExport(const QString& programFolder, const ProgramState& state,

@@ -1,12 +1,10 @@
 #include "selection/frmMain.h"
 
+#include "library/Library.h"
 #include "selection/build_run.h"
 #include "selection/frmSelect.h"
-#include "store/catalogue.h"
-#include "store/connection.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
-#include "toolkit/HintLabel.h"
 #include "toolkit/ListBox.h"
 
 #include <QCloseEvent>
@@ -21,17 +19,18 @@
 
 namespace varnholt {
 
-frmMain::frmMain(Services& services, ProgramState& state, Connection& connection, QWidget* parent)
+frmMain::frmMain(Services& services, ProgramState& state, Library& library, QWidget* parent)
     : QWidget(parent)
     , services_(services)
     , state_(state)
-    , connection_(connection)
+    , library_(library)
 {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(tr("Create PowerPoints"));
     buildControls();
     connectControls();
     Form_Load();
+    connect(&library_, &Library::changed, this, &frmMain::libraryChanged);
 }
 
 frmMain::~frmMain()
@@ -39,84 +38,7 @@ frmMain::~frmMain()
     if (review_) {
         review_->abandon();
     }
-    unload();
-}
-
-void frmMain::Form_Load()
-{
-    services_.random->seedOnce(
-        static_cast<std::uint64_t>(services_.clock->millisecondsSinceEpoch()));
-    lblQuestionCount_->setText(QStringLiteral("0"));
-    services_.messageBoxes->informEach(tr("Database Error"), LoadAssessments(state_, connection_));
-    FillAssessmentCombo();
-    optKeyYes_->setChecked(true);
-    optTopicYes_->setChecked(true);
-    optSelectYes_->setChecked(true);
-}
-
-void frmMain::FillAssessmentCombo()
-{
-    cboAssessment_->clear();
-    int last = -1;
-    for (const AssessmentRecord& record : state_.AssessmentList) {
-        cboAssessment_->addEntry(record.AssessmentName, record.AssessmentNum);
-        if (record.AssessmentNum == state_.LastAssessmentNum) {
-            last = cboAssessment_->listCount() - 1;
-        }
-    }
-    if (state_.AssessmentList.isEmpty()) {
-        loadCatalogue();
-        return;
-    }
-    cboAssessment_->setListIndex(state_.LastAssessmentNum < 1 || last < 0 ? 0 : last);
-}
-
-void frmMain::cboAssessment_Click()
-{
-    if (cboAssessment_->listIndex() >= 0) {
-        state_.CurrentAssessmentNum = cboAssessment_->entryData(cboAssessment_->listIndex());
-    }
-    loadCatalogue();
-}
-
-void frmMain::loadCatalogue()
-{
-    lstTopics_->clear();
-    lstSubTopics_->clear();
-    selection_ = {};
-    bool loaded = true;
-    try {
-        if (state_.CurrentAssessmentNum > 0) {
-            const LoadFailures failures = LoadStructure(state_, connection_);
-            loaded = failures.isEmpty();
-            services_.messageBoxes->informEach(tr("Database Error"), failures);
-            LoadQuestions(state_, connection_);
-        } else {
-            state_.TopicList.clear();
-            state_.SubTopicList.clear();
-            state_.QuestionList.clear();
-        }
-    } catch (const Error&) {
-        loaded = false;
-        services_.messageBoxes->inform(tr("Database Error"),
-                                       tr("There was an error loading the questions."));
-    }
-    FillTopicList();
-    showObstacle(loaded);
-}
-
-void frmMain::showObstacle(bool loaded)
-{
-    if (state_.AssessmentList.isEmpty()) {
-        lblObstacle_->say(
-            tr("There is no assessment to choose. Add one with \"Manage Assessments\" "
-               "in the menu above, or take one over with \"Import Assessment\"."));
-    } else if (loaded && state_.QuestionList.isEmpty()) {
-        lblObstacle_->say(tr("This assessment has no questions yet. Add some with \"Manage "
-                             "Assessments\" in the menu above."));
-    } else {
-        lblObstacle_->say({});
-    }
+    SaveLastAssessment();
 }
 
 void frmMain::showAsked()
@@ -129,36 +51,6 @@ void frmMain::showAsked()
     cmdAskAgain_->setText(tr("Ask for %1 A&gain").arg(asked_));
     cmdAskAgain_->setVisible(possible);
     askedRow_->setVisible(replaced);
-}
-
-void frmMain::FillTopicList()
-{
-    std::vector<ListBox::Row> rows;
-    rows.reserve(static_cast<std::size_t>(state_.TopicList.upperBound()));
-    for (const TopicRecord& topic : state_.TopicList) {
-        rows.push_back({topic.Topic, topic.TopicID, false});
-    }
-    lstTopics_->setRows(std::move(rows));
-    cmdSelectAllTopics_Click();
-    if (state_.TopicList.isEmpty()) {
-        RefreshQuestionSelection();
-    }
-}
-
-void frmMain::FillSubTopicList()
-{
-    std::vector<ListBox::Row> rows;
-    const int focused = lstTopics_->listIndex();
-    if (focused >= 0) {
-        const std::int32_t topicId = lstTopics_->itemData(focused);
-        for (const SubTopicRecord& record : state_.SubTopicList) {
-            if (record.TopicID == topicId) {
-                rows.push_back({record.SubTopic, record.SubtopicNum,
-                                selection_.subTopicSelected(topicId, record.SubtopicNum)});
-            }
-        }
-    }
-    lstSubTopics_->setRows(std::move(rows));
 }
 
 void frmMain::lstTopics_Click()
@@ -213,7 +105,7 @@ void frmMain::cmdSelectAllSub_Click()
     }
 }
 
-void frmMain::RefreshQuestionSelection()
+void frmMain::recount()
 {
     std::vector<TopicChoice> choices;
     choices.reserve(lstTopics_->rows().size());
@@ -222,6 +114,11 @@ void frmMain::RefreshQuestionSelection()
     }
     selection_.setTopics(choices);
     UpdateSelectionCounts();
+}
+
+void frmMain::RefreshQuestionSelection()
+{
+    recount();
     txtQuestions_->setText(QString::number(SelectedQuestionCount_));
     showAsked();
 }
@@ -315,18 +212,18 @@ void frmMain::closeEvent(QCloseEvent* event)
 {
     event->setAccepted(!review_ || review_->close());
     if (event->isAccepted()) {
-        unload();
+        SaveLastAssessment();
     }
 }
 
-void frmMain::unload()
+void frmMain::SaveLastAssessment()
 {
-    if (unloaded_) {
+    if (saved_) {
         return;
     }
-    unloaded_ = true;
+    saved_ = true;
     try {
-        SaveLastAssessment(state_, connection_);
+        library_.rememberAssessment(state_.CurrentAssessmentNum);
     } catch (const DatabaseError&) {
         // A library that takes no changes still opens; it only forgets where we were.
     }

@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
+
 class QGroupBox;
 class QLabel;
 class QLineEdit;
@@ -16,24 +18,24 @@ class QRadioButton;
 namespace varnholt {
 
 class ComboBox;
-class Connection;
 class HintLabel;
+class Library;
 class ListBox;
 class frmSelect;
+struct LibraryChange;
 struct Services;
 struct SlideOptions;
 
 /// The selection window: an assessment, its topics and subtopics, the options of the
-/// presentation and the number of questions. Opening it loads the catalogue; closing it
-/// remembers the assessment. Names of controls and handlers are those a user of the program
-/// knows from its windows.
+/// presentation and the number of questions. Opening it loads the catalogue, a change of the
+/// library reads again what has changed, and closing it remembers the assessment. Names of controls
+/// and handlers are those a user of the program knows from its windows.
 class frmMain : public QWidget
 {
     Q_OBJECT
 
 public:
-    frmMain(Services& services, ProgramState& state, Connection& connection,
-            QWidget* parent = nullptr);
+    frmMain(Services& services, ProgramState& state, Library& library, QWidget* parent = nullptr);
     ~frmMain() override;
 
 protected:
@@ -67,26 +69,37 @@ private:
     void FillAssessmentCombo();
     void FillTopicList();
     void FillSubTopicList();
-    /// Takes over the ticked topics, recounts and asks for all that is selected.
+    /// Recounts and asks for all that is selected.
     void RefreshQuestionSelection();
+    /// Takes over the ticked topics and rewrites the captions.
+    void recount();
     void UpdateSelectionCounts();
     void loadCatalogue();
+    /// Reads lists of the catalogue anew; false, after messages, when one of them is not whole.
+    bool load(bool topics, bool subTopics, bool questions);
+    /// Reads again what has changed. Ticks stay where their rows do; new rows come ticked.
+    void libraryChanged(const LibraryChange& change);
+    /// False when another assessment has been opened, since the one that was open has gone.
+    bool refreshAssessments();
+    /// The entry of the assessment `wanted`, or -1. No entry becomes current.
+    int fillAssessmentEntries(std::int32_t wanted);
+    void setTopicRows(const std::function<bool(std::int32_t topicId)>& selected);
     /// Says beforehand why there is nothing to choose.
     void showObstacle(bool loaded);
     /// Says which number she asked for when a change of the selection has replaced it.
     void showAsked();
-    /// What closing does, once.
-    void unload();
+    /// Remembers the open assessment in the library; done once, on closing.
+    void SaveLastAssessment();
 
     Services& services_;
     ProgramState& state_;
-    Connection& connection_;
+    Library& library_;
     /// The ticks of the open assessment.
     Selection selection_;
     std::int32_t SelectedQuestionCount_ = 0;
     /// False while the subtopic list is being refilled.
     bool SubTopicEventsEnabled_ = true;
-    bool unloaded_ = false;
+    bool saved_ = false;
     /// The number she typed last; 0 when none.
     std::int64_t asked_ = 0;
     /// Closed along with this window.

@@ -126,9 +126,4 @@ QString GetTopicText(const ProgramState& state, const QuestionRecord& question)
     return text;
 }
 
-void SaveLastAssessment(const ProgramState& state, Connection& connection)
-{
-    connection.execute(statements::UpdateHistory(state.CurrentAssessmentNum));
-}
-
 } // namespace varnholt

@@ -30,7 +30,4 @@ void LoadQuestions(ProgramState& state, Connection& connection);
 /// out.
 [[nodiscard]] QString GetTopicText(const ProgramState& state, const QuestionRecord& question);
 
-/// Remembers `CurrentAssessmentNum` in the library. Throws `DatabaseError`.
-void SaveLastAssessment(const ProgramState& state, Connection& connection);
-
 } // namespace varnholt

@@ -29,7 +29,7 @@ protected:
         form->setFocus();
         ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
     }
-    void openExport() { open(std::make_unique<frmExport>(services, state, connection)); }
+    void openExport() { open(std::make_unique<frmExport>(services, state, opened)); }
     void openImport() { open(std::make_unique<frmImport>(services, opened)); }
 
     QLabel* label(const char* name) { return control<QLabel>(form.get(), name); }

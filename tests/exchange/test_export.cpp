@@ -41,7 +41,7 @@ protected:
     /// True when the window stays open.
     bool run()
     {
-        frmExport form(services, state, connection);
+        frmExport form(services, state, opened);
         form.show();
         form.cmdExport_Click();
         EXPECT_FALSE(control<QLabel>(&form, "lblBack")->isVisible());
@@ -202,7 +202,7 @@ TEST_F(Export, FailuresEndAsDescribed)
     connection.close();
     expect("Varnholt", "The question library is not open.");
     expect("Database Error", "There was an error loading the assessments.");
-    const frmExport form(services, state, connection);
+    const frmExport form(services, state, opened);
     EXPECT_TRUE(state.AssessmentList.isEmpty());
 }
 

@@ -117,7 +117,7 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
         "UPDATE Questions SET Answer = 'two' || char(13,10) || 'lines' WHERE SOLIndex = 5;"
         "UPDATE Questions SET TopicID = 999 WHERE SOLIndex = 6;"
         "UPDATE Questions SET Available = 0 WHERE SOLIndex = 7;"));
-    frmExport form(source.services, source.state, source.connection);
+    frmExport form(source.services, source.state, source.opened);
     for (const mode_t bad : badDisks) {
         // Neither the bytes of the package nor its name may be lost with the power.
         badDisk = bad;

@@ -1,3 +1,4 @@
+#include "library/Library.h"
 #include "selection/frmMain.h"
 #include "support/gui.h"
 #include "support/test_services.h"
@@ -24,11 +25,11 @@ using namespace Qt::Literals::StringLiterals;
 class FrmMain : public testing::Test, protected TestWorld
 {
 protected:
-    FrmMain() { connection.open(library.databasePath()); }
+    FrmMain() { owner.open(); }
 
     void open()
     {
-        window = std::make_unique<frmMain>(services, state, connection);
+        window = std::make_unique<frmMain>(services, state, owner);
         window->show();
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
@@ -56,6 +57,7 @@ protected:
     /// The calls of the last build that start so.
     QStringList calls(const QString& what) { return presentations.calls.filter(what); }
 
+    Library owner{library.folder(), clock};
     std::unique_ptr<frmMain> window;
 };
 
@@ -261,6 +263,61 @@ TEST_F(FrmMain, BuildsTheDrawnQuestionsWithTheChosenOptionsAndTellsFailures)
     press("cmdCreate");
     EXPECT_TRUE(window->isEnabled());
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(FrmMain, FollowsTheLibraryAndKeepsWhatIsTicked)
+{
+    library.addGenerated(u"A"_s, 3, 2, 2);
+    library.addGenerated(u"B"_s, 1, 1, 1);
+    open();
+    const auto shown = [this] {
+        QStringList rows{assessments().currentText()};
+        for (ListBox* list : {&topics(), &subTopics()}) {
+            for (int row = 0; row < list->listCount(); ++row) {
+                rows.append((row == list->listIndex() ? u">"_s : QString()) +
+                            (list->selected(row) ? u'+' : u'-') +
+                            list->itemText(row).remove(u"topic "_s, Qt::CaseInsensitive));
+            }
+        }
+        return rows.join(u' ').remove(u" topics)"_s).toStdString();
+    };
+    topics().setSelected(0, false);
+    topics().setListIndex(1);
+    subTopics().setListIndex(1);
+    subTopics().setSelected(1, false);
+    EXPECT_EQ(count(), 6);
+    const std::string before = "A -1 (2 of 2 >+2 (1 of 2 +3 (2 of 2 +Sub2.1 >-Sub2.2";
+    EXPECT_EQ(shown(), before);
+
+    // Only the list that has changed is read again; a number typed by hand stays.
+    state.TopicList(1).Topic = u"kept"_s;
+    QTest::keyClicks(&number(), u"5"_s);
+    owner.deleteQuestion(5);
+    EXPECT_EQ(state.TopicList(1).Topic, u"kept"_s);
+    EXPECT_EQ(number().text(), u"65"_s);
+    owner.undo();
+    number().setText(u"6"_s);
+
+    const std::int32_t added = owner.addTopic(1, u"New"_s);
+    owner.addSubtopic(1, 2, u"Sub2.3"_s);
+    owner.addSubtopic(1, added, u"S"_s);
+    EXPECT_EQ(shown(), "A -1 (2 of 2 >+2 (2 of 3 +3 (2 of 2 +New (1 of 1 "
+                       "+Sub2.1 >-Sub2.2 +Sub2.3");
+    for (int step = 0; step < 3; ++step) {
+        owner.undo();
+    }
+    EXPECT_EQ(shown(), before);
+    owner.deleteTopic(2);
+    EXPECT_EQ(shown(), "A -1 (2 of 2 >+3 (2 of 2 +Sub3.1 >+Sub3.2");
+    EXPECT_EQ(count(), 4);
+    owner.rename({ItemKind::Assessment, 1}, u"Mine"_s);
+    EXPECT_EQ(shown(), "Mine -1 (2 of 2 >+3 (2 of 2 +Sub3.1 >+Sub3.2");
+    owner.deleteAssessment(1);
+    EXPECT_EQ(shown(), "B >+1 (1 of 1 +Sub1.1");
+    owner.deleteAssessment(2);
+    EXPECT_EQ(shown(), "");
+    EXPECT_EQ(count(), 0);
+    EXPECT_TRUE(control<QLabel>(window.get(), "lblObstacle")->isVisible());
 }
 
 TEST_F(FrmMain, SurvivesALibraryThatFailsUnderIt)

@@ -1,3 +1,4 @@
+#include "library/Library.h"
 #include "selection/frmMain.h"
 #include "selection/frmSelect.h"
 #include "support/gui.h"
@@ -28,8 +29,8 @@ protected:
     ReviewWindow()
     {
         library.addGenerated(u"A"_s, 1, 1, 5, true);
-        connection.open(library.databasePath());
-        selection = std::make_unique<frmMain>(services, state, connection);
+        owner.open();
+        selection = std::make_unique<frmMain>(services, state, owner);
         selection->show();
     }
 
@@ -83,6 +84,7 @@ protected:
     }
     QStringList pictures() { return presentations.calls.filter(u"addPicture"_s); }
 
+    Library owner{library.folder(), clock};
     std::unique_ptr<frmMain> selection;
     QPointer<frmSelect> review;
 };
