@@ -39,7 +39,7 @@ QString rowsInWords(ItemKind kind)
     case ItemKind::Subtopic:
         return frmCheck::tr("Subtopics with a number above 32,767: %1. Changing what is in them "
                             "fails.");
-    case ItemKind::Question:
+    default:
         break;
     }
     return frmCheck::tr("Questions with a number above 32,767: %1. Editing them fails.");
