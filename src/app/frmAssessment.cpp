@@ -87,6 +87,7 @@ void frmAssessment::showNotice(const char* name, const QString& text)
     notice->setForegroundRole(QPalette::ToolTipText);
     notice->setAutoFillBackground(true);
     childArea_->insertWidget(0, notice);
+    notice->show();
 }
 
 void frmAssessment::checkLibrary(bool mayTidy)
@@ -115,6 +116,19 @@ void frmAssessment::tellDamage()
                           "undamaged copy from earlier in its place if you have one."));
         return;
     }
+    onlyRead();
+    if (services_.messageBoxes->yesNo(
+            title,
+            told + QStringLiteral("\n\n") + BackupWords::newest(*newest, backups_.now()) + u' ' +
+                tr("The library can only be read until a backup is restored, so that nothing gets "
+                   "worse. Do you want to choose the backup now?"),
+            MessageBoxes::Answer::Yes)) {
+        mnuBackups_Click();
+    }
+}
+
+void frmAssessment::onlyRead()
+{
     // Leaving a window writes to the library.
     const bool childLeft = child_ && closeChild();
     try {
@@ -133,13 +147,21 @@ void frmAssessment::tellDamage()
             delete findChild<QLabel*>(QStringLiteral("lblDamaged"));
         }
     });
-    if (services_.messageBoxes->yesNo(
-            title,
-            told + QStringLiteral("\n\n") + BackupWords::newest(*newest, backups_.now()) + u' ' +
-                tr("The library can only be read until a backup is restored, so that nothing gets "
-                   "worse. Do you want to choose the backup now?"),
-            MessageBoxes::Answer::Yes)) {
-        mnuBackups_Click();
+}
+
+void frmAssessment::restoreDamaged()
+{
+    if (!backups_.isDamaged() && !library_.connection().isReadOnly()) {
+        onlyRead();
+    }
+    mnuBackups_Click();
+}
+
+void frmAssessment::showInManager(Item item)
+{
+    mnuManageAssessments_Click();
+    if (auto* manager = qobject_cast<frmManage*>(child_)) {
+        manager->bringUp(item);
     }
 }
 
@@ -334,7 +356,16 @@ void frmAssessment::mnuBackups_Click()
 
 void frmAssessment::mnuCheck_Click()
 {
-    openChild([this] { return new frmCheck(services_, library_); });
+    openChild([this] {
+        auto* window =
+            new frmCheck(services_, library_, [this] { return backups_.makeBefore(this); });
+        // Both take the window away that asks.
+        connect(window, &frmCheck::showWanted, this, &frmAssessment::showInManager,
+                Qt::QueuedConnection);
+        connect(window, &frmCheck::backupsWanted, this, &frmAssessment::restoreDamaged,
+                Qt::QueuedConnection);
+        return window;
+    });
 }
 
 void frmAssessment::closeEvent(QCloseEvent* event)

@@ -64,6 +64,11 @@ private:
     /// Waits until no other message stands. From then on the library is only read.
     void tellDamage();
 
+    /// Has a damaged library only read from now on, and says so.
+    void onlyRead();
+    void restoreDamaged();
+    void showInManager(Item item);
+
     using Maker = std::function<QWidget*()>;
 
     void buildMenu();

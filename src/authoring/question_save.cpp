@@ -1,5 +1,6 @@
 #include "authoring/question_save.h"
 
+#include "authoring/PictureCanvas.h"
 #include "imaging/cImage.h"
 #include "imaging/cJpeg.h"
 #include "library/Library.h"
@@ -53,10 +54,11 @@ QString writeFailure(cJpeg::SaveResult result, const QString& path)
     }
 }
 
-void writePicture(const QString& path, const QImage& image, const SaveStepObserver& step)
+void writePicture(const QString& path, PictureCanvas& canvas, const SaveStepObserver& step)
 {
+    step(SaveStep::RenderPage);
+    const Picture page = bitmapPicture(canvas.renderPage());
     step(SaveStep::FillBuffer);
-    const Picture page = bitmapPicture(image);
     cImage buffer;
     check(buffer.CopyStdPicture(page), tr("There is not enough memory to save."));
     step(SaveStep::Sample);
@@ -73,11 +75,11 @@ void writePicture(const QString& path, const QImage& image, const SaveStepObserv
 
 } // namespace
 
-void SaveQuestion(Library& library, NewQuestion& question, const QImage& picture,
+void SaveQuestion(Library& library, NewQuestion& question, PictureCanvas& canvas,
                   const SaveStepObserver& observer)
 {
     const SaveStepObserver step = observer ? observer : [](SaveStep) {};
-    const auto write = [&](const QString& path) { writePicture(path, picture, step); };
+    const auto write = [&](const QString& path) { writePicture(path, canvas, step); };
     try {
         if (question.SOLIndex == 0) {
             question.SOLIndex = library.addQuestion(question.filing, question.Answer, write);

@@ -52,6 +52,7 @@ frmBackups::frmBackups(Services& services, LibraryBackups& backups, QWidget* par
     connectControls();
     fillStores();
     reload();
+    showRow();
 }
 
 frmBackups::~frmBackups()
@@ -151,11 +152,13 @@ void frmBackups::showState()
     cmdChoose_->setToolTip(make.reason);
     cmdNone_->setEnabled(make.on && !txtPlace_->text().isEmpty());
     cmdNone_->setToolTip(make.reason);
-    if (backup && !backup->reason.isEmpty()) {
-        lblNote_->say(backup->reason);
-    } else if (!restore.on) {
-        lblNote_->say(restore.reason);
-    }
+}
+
+void frmBackups::showRow()
+{
+    showState();
+    const BackupInfo* backup = current();
+    say(backup && !backup->reason.isEmpty() ? backup->reason : backups_.canRestore().reason);
 }
 
 void frmBackups::showPlace()
@@ -200,8 +203,8 @@ void frmBackups::attempt(const std::function<void()>& work)
 
 void frmBackups::cboStore_Click()
 {
-    say({});
     reload();
+    showRow();
 }
 
 void frmBackups::cmdBackUpNow_Click()

@@ -49,6 +49,8 @@ private:
     /// Reads the list anew and keeps the place in it.
     void reload();
     void showState();
+    /// The same with what there is to say of the current row.
+    void showRow();
     void showPlace();
     void say(const QString& sentence);
     /// Runs a handler's work and tells what goes wrong.

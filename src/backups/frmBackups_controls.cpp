@@ -97,7 +97,7 @@ QWidget* frmBackups::buildSecondPlace()
 void frmBackups::connectControls()
 {
     connect(cboStore_, &ComboBox::Click, this, &frmBackups::cboStore_Click);
-    connect(lstBackups_, &QTreeWidget::currentItemChanged, this, &frmBackups::showState);
+    connect(lstBackups_, &QTreeWidget::currentItemChanged, this, &frmBackups::showRow);
     connect(lstBackups_, &QTreeWidget::doubleClicked, this, &frmBackups::cmdRestore_Click);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
         connect(new QShortcut(key, lstBackups_, nullptr, nullptr, Qt::WidgetShortcut),

@@ -1,5 +1,6 @@
 #include "check/frmCheck.h"
 
+#include "check/check_words.h"
 #include "library/Library.h"
 #include "pictures/picture_files.h"
 #include "store/services.h"
@@ -16,6 +17,7 @@
 #include <QProgressBar>
 #include <QShortcut>
 #include <QSignalBlocker>
+#include <QStyledItemDelegate>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -25,81 +27,59 @@ namespace varnholt {
 namespace {
 
 constexpr qsizetype longestName = 120;
+constexpr int RemedyColumn = 2;
 /// A list longer than this is worked off in parts: the next look shows the rest.
 constexpr std::size_t mostRows = 5000;
 
-QString rowsInWords(ItemKind kind)
+/// Shows a text as a button that a click on the row's place presses.
+class ButtonDelegate : public QStyledItemDelegate
 {
-    switch (kind) {
-    case ItemKind::Assessment:
-        return frmCheck::tr("Assessments with a number above 32,767: %1. Deleting them fails.");
-    case ItemKind::Topic:
-        return frmCheck::tr("Topics with a number above 32,767: %1. Changing what is in them "
-                            "fails.");
-    case ItemKind::Subtopic:
-        return frmCheck::tr("Subtopics with a number above 32,767: %1. Changing what is in them "
-                            "fails.");
-    default:
-        break;
-    }
-    return frmCheck::tr("Questions with a number above 32,767: %1. Editing them fails.");
-}
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
 
-QString inWords(const Finding& finding)
-{
-    const QString name = ShortLine(finding.name, longestName);
-    switch (finding.kind) {
-    case FindingKind::Damaged:
-        return frmCheck::tr("The file %1 is damaged: questions may be missing or wrong. Keep a "
-                            "copy of it before you change anything.")
-            .arg(name);
-    case FindingKind::PictureMissing:
-        return frmCheck::tr("The question with the answer %1 has no picture.").arg(name);
-    case FindingKind::PictureUnreadable:
-        return frmCheck::tr("The picture of the question with the answer %1 cannot be shown.")
-            .arg(name);
-    case FindingKind::PictureWithoutRow:
-        return frmCheck::tr("The picture %1 belongs to no question.").arg(name);
-    case FindingKind::PlaceDeleted:
-        return frmCheck::tr("The question with the answer %1 cannot be seen: its topic or subtopic "
-                            "is deleted.")
-            .arg(name);
-    case FindingKind::PlaceMissing:
-        return frmCheck::tr("The question with the answer %1 cannot be seen: the library does not "
-                            "have the place where it is filed.")
-            .arg(name);
-    case FindingKind::LargeKeys:
-        return rowsInWords(finding.item.kind).arg(QLocale().toString(finding.count));
-    case FindingKind::Apostrophe:
-        break;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override
+    {
+        QStyleOptionViewItem row = option;
+        initStyleOption(&row, index);
+        QStyleOptionButton button;
+        button.rect = option.rect;
+        button.text = row.text;
+        button.palette = option.palette;
+        button.fontMetrics = option.fontMetrics;
+        button.state = QStyle::State_Raised | (option.state & QStyle::State_Enabled);
+        row.text.clear();
+        row.state &= ~QStyle::State_HasFocus;
+        const QStyle* style = option.widget->style();
+        style->drawControl(QStyle::CE_ItemViewItem, &row, painter, option.widget);
+        if (!button.text.isEmpty()) {
+            style->drawControl(QStyle::CE_PushButton, &button, painter, option.widget);
+        }
     }
-    return frmCheck::tr("%1 holds an apostrophe ('), with which it cannot be saved again.")
-        .arg(name);
-}
+    [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
+                                 const QModelIndex& index) const override
+    {
+        const QFontMetrics& metrics = option.fontMetrics;
+        const QString text = index.data().toString();
+        return {metrics.horizontalAdvance(text) + 3 * metrics.height(), metrics.height() * 3 / 2};
+    }
+};
 
-QString inWords(Remedy remedy)
+/// Whether the library manager can show what it is about.
+bool canBeShown(FindingKind kind)
 {
-    switch (remedy) {
-    case Remedy::ShowFolder:
-        return frmCheck::tr("&Show Folder");
-    case Remedy::DeleteQuestion:
-        return frmCheck::tr("To the Tra&sh");
-    case Remedy::RestorePlace:
-        return frmCheck::tr("Re&store Its Place");
-    case Remedy::ReplaceApostrophe:
-        return frmCheck::tr("Replace by ’");
-    case Remedy::None:
-        break;
-    }
-    return {};
+    return kind == FindingKind::PictureMissing || kind == FindingKind::PictureUnreadable ||
+           kind == FindingKind::Apostrophe;
 }
 
 } // namespace
 
-frmCheck::frmCheck(Services& services, Library& library, QWidget* parent)
+frmCheck::frmCheck(Services& services, Library& library, std::function<bool()> mayBegin,
+                   QWidget* parent)
     : QWidget(parent)
     , services_(services)
     , library_(library)
+    , mayBegin_(std::move(mayBegin))
 {
     setObjectName(QStringLiteral("frmCheck"));
     setWindowTitle(tr("Check Library"));
@@ -129,31 +109,43 @@ void frmCheck::buildControls()
     lstFindings_->setAlternatingRowColors(true);
     // A place is told by its end.
     lstFindings_->setTextElideMode(Qt::ElideMiddle);
+    lstFindings_->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    lstFindings_->setItemDelegateForColumn(RemedyColumn, new ButtonDelegate(lstFindings_));
     lstFindings_->header()->setStretchLastSection(false);
     lstFindings_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     lstFindings_->header()->setSectionResizeMode(1, QHeaderView::Interactive);
     lstFindings_->header()->resizeSection(1, fontMetrics().averageCharWidth() * 40);
-    lstFindings_->header()->setSectionResizeMode(2, QHeaderView::ResizeToContents);
+    lstFindings_->header()->setSectionResizeMode(RemedyColumn, QHeaderView::ResizeToContents);
     lblNote_ = new HintLabel("lblNote", lstFindings_, HintLabel::Place::Kept);
     cmdUndo_ = makeButton("cmdUndo", tr("Undo (Ctrl+Z)"));
     cmdUndo_->setAutoDefault(true);
+    cmdShow_ = makeButton("cmdShow", tr("Sho&w"));
+    cmdShow_->setAutoDefault(true);
     cmdRemedy_ = makeButton("cmdRemedy", {});
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(lblState_, 0, 0);
-    grid->addWidget(prgCheck_, 0, 1);
-    grid->addWidget(cmdCheckAgain_, 0, 2);
-    grid->addWidget(lstFindings_, 1, 0, 1, 3);
+    grid->addWidget(prgCheck_, 0, 1, 1, 2);
+    grid->addWidget(cmdCheckAgain_, 0, 3);
+    grid->addWidget(lstFindings_, 1, 0, 1, 4);
     grid->addWidget(lblNote_, 2, 0);
     grid->addWidget(cmdUndo_, 2, 1);
-    grid->addWidget(cmdRemedy_, 2, 2);
+    grid->addWidget(cmdShow_, 2, 2);
+    grid->addWidget(cmdRemedy_, 2, 3);
     grid->setRowStretch(1, 1);
     grid->setColumnStretch(0, 1);
 
     connect(cmdCheckAgain_, &QPushButton::clicked, this, &frmCheck::cmdCheckAgain_Click);
     connect(cmdRemedy_, &QPushButton::clicked, this, &frmCheck::cmdRemedy_Click);
     connect(cmdUndo_, &QPushButton::clicked, this, &frmCheck::cmdUndo_Click);
+    connect(cmdShow_, &QPushButton::clicked, this, &frmCheck::cmdShow_Click);
     connect(lstFindings_, &QTreeWidget::currentItemChanged, this, &frmCheck::showRemedy);
+    connect(lstFindings_, &QTreeWidget::itemSelectionChanged, this, &frmCheck::showRemedy);
+    connect(lstFindings_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem*, int column) {
+        if (column == RemedyColumn && lstFindings_->selectedItems().size() == 1) {
+            cmdRemedy_Click();
+        }
+    });
     connect(
         new QShortcut(Qt::CTRL | Qt::Key_Z, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
         &QShortcut::activated, this, &frmCheck::cmdUndo_Click);
@@ -221,11 +213,11 @@ void frmCheck::finish(std::vector<Finding> findings, const QString& failure)
     findings_.resize(std::min(count, mostRows));
     prgCheck_->hide();
     cmdCheckAgain_->setText(tr("Check &Again"));
-    const QString number = QLocale().toString(static_cast<qulonglong>(count));
+    const int number = static_cast<int>(count);
     lblState_->setText(!failure.isEmpty() ? tr("The check could not be finished: %1").arg(failure)
-                       : stop_            ? tr("Stopped. Found until then: %1.").arg(number)
-                       : count == 0       ? tr("Everything is in order.")
-                                          : tr("Found: %1.").arg(number));
+                       : stop_      ? tr("Stopped after %n thing(s) to look at.", nullptr, number)
+                       : count == 0 ? tr("Everything is in order.")
+                                    : tr("%n thing(s) to look at.", nullptr, number));
     showFindings(0);
     if (hasFocus() || cmdCheckAgain_->hasFocus()) {
         (findings_.empty() ? static_cast<QWidget*>(cmdCheckAgain_) : lstFindings_)->setFocus();
@@ -248,9 +240,9 @@ void frmCheck::showFindings(int current)
     lstFindings_->clear();
     QList<QTreeWidgetItem*> rows;
     for (const Finding& finding : findings_) {
-        const QString remedy = inWords(RemedyFor(finding.kind)).remove(u'&');
-        auto* row =
-            new QTreeWidgetItem({inWords(finding), ShortLine(finding.place, longestName), remedy});
+        const QString remedy = CheckWords::caption(RemedyFor(finding.kind)).remove(u'&');
+        auto* row = new QTreeWidgetItem(
+            {CheckWords::sentence(finding), ShortLine(finding.place, longestName), remedy});
         row->setToolTip(0, Wrappable(row->text(0), longestName * 3));
         row->setToolTip(1, Wrappable(finding.place, longestName * 3));
         rows.append(row);
@@ -267,56 +259,126 @@ int frmCheck::currentRow() const
     return lstFindings_->indexOfTopLevelItem(lstFindings_->currentItem());
 }
 
-void frmCheck::showRemedy()
+Remedy frmCheck::currentRemedy() const
 {
     const int row = currentRow();
-    const Remedy remedy =
-        row < 0 ? Remedy::None : RemedyFor(findings_[static_cast<std::size_t>(row)].kind);
+    return row < 0 ? Remedy::None : RemedyFor(findings_[static_cast<std::size_t>(row)].kind);
+}
+
+std::vector<int> frmCheck::chosenRows() const
+{
+    std::vector<int> rows;
+    const Remedy remedy = currentRemedy();
+    for (int row = 0; row < lstFindings_->topLevelItemCount(); ++row) {
+        const bool chosen = row == currentRow() || lstFindings_->topLevelItem(row)->isSelected();
+        if (chosen && RemedyFor(findings_[static_cast<std::size_t>(row)].kind) == remedy) {
+            rows.push_back(row);
+        }
+    }
+    return rows;
+}
+
+void frmCheck::showRemedy()
+{
+    const Remedy remedy = currentRemedy();
     const FeatureState features = library_.features();
-    cmdRemedy_->setText(inWords(remedy));
+    const auto chosen = static_cast<qlonglong>(chosenRows().size());
+    const QString caption = CheckWords::caption(remedy);
+    cmdRemedy_->setText(chosen > 1 && ChangesLibrary(remedy)
+                            ? tr("%1 (%2)").arg(caption, QLocale().toString(chosen))
+                            : caption);
     cmdRemedy_->setVisible(remedy != Remedy::None);
-    cmdRemedy_->setEnabled(features.on || remedy == Remedy::ShowFolder);
+    cmdRemedy_->setEnabled(features.on || !ChangesLibrary(remedy));
     cmdRemedy_->setToolTip(cmdRemedy_->isEnabled() ? QString() : features.reason);
+    const int row = currentRow();
+    cmdShow_->setVisible(row >= 0 && canBeShown(findings_[static_cast<std::size_t>(row)].kind));
     cmdUndo_->setVisible(done_.has_value());
+}
+
+void frmCheck::cmdShow_Click()
+{
+    if (const int row = currentRow(); row >= 0) {
+        Q_EMIT showWanted(findings_[static_cast<std::size_t>(row)].item);
+    }
+}
+
+void frmCheck::openFolder(FindingKind kind)
+{
+    const QString folder = kind == FindingKind::Damaged
+                               ? services_.programFolder
+                               : QFileInfo(NewPictureFile(services_.programFolder, 0)).path();
+    lblNote_->say(OpenWithDesktop(folder)
+                      ? QString()
+                      : tr("It lies in the folder %1.").arg(QDir::toNativeSeparators(folder)));
 }
 
 void frmCheck::cmdRemedy_Click()
 {
-    const int row = currentRow();
-    if (row < 0) {
+    const std::vector<int> rows = chosenRows();
+    const Remedy remedy = currentRemedy();
+    if (rows.empty() || !cmdRemedy_->isEnabled()) {
         return;
     }
-    const Finding finding = findings_[static_cast<std::size_t>(row)];
-    if (RemedyFor(finding.kind) == Remedy::ShowFolder) {
-        const QString folder = finding.kind == FindingKind::Damaged
-                                   ? services_.programFolder
-                                   : QFileInfo(NewPictureFile(services_.programFolder, 0)).path();
-        lblNote_->say(OpenWithDesktop(folder)
-                          ? QString()
-                          : tr("It lies in the folder %1.").arg(QDir::toNativeSeparators(folder)));
+    if (remedy == Remedy::RestoreBackup) {
+        Q_EMIT backupsWanted();
+        return;
+    }
+    if (!ChangesLibrary(remedy)) {
+        openFolder(findings_[static_cast<std::size_t>(rows.front())].kind);
         return;
     }
     try {
-        ApplyRemedy(library_, finding);
+        if (!apply(remedy, rows)) {
+            return;
+        }
     } catch (const Error& error) {
         services_.messageBoxes->inform(tr("Check Library"), error.message());
         return;
     }
-    done_.reset();
-    // A restored place has the question under it, with which the journal does not take it away.
-    const std::optional<StepInfo> step = library_.undoStep();
-    if (step && RemedyFor(finding.kind) != Remedy::RestorePlace) {
-        done_ = Done{step->step, row, finding};
-    }
-    findings_.erase(findings_.begin() + row);
-    if (RemedyFor(finding.kind) == Remedy::RestorePlace) {
-        forgetPlacesBack();
-    }
-    lblNote_->say(tr("Done: %1").arg(inWords(RemedyFor(finding.kind)).remove(u'&')) + u'.');
-    showFindings(row);
+    lblNote_->say(CheckWords::done(remedy, static_cast<int>(rows.size())));
+    showFindings(rows.front());
     if (!cmdRemedy_->isVisibleTo(this)) {
         lstFindings_->setFocus();
     }
+}
+
+bool frmCheck::apply(Remedy remedy, const std::vector<int>& rows)
+{
+    if (mayBegin_) {
+        if (!mayBegin_()) {
+            return false;
+        }
+        mayBegin_ = {};
+    }
+    std::vector<Finding> chosen;
+    for (const int row : rows) {
+        chosen.push_back(findings_[static_cast<std::size_t>(row)]);
+    }
+    std::map<std::int32_t, QString> newNames;
+    RemedyResult result = ApplyRemedy(library_, remedy, chosen);
+    while (result.nameTaken) {
+        QString& name = newNames[result.nameTaken->item.key];
+        name = services_.messageBoxes->inputText(
+            tr("Name Taken"),
+            tr("Another assessment is called %1 now. Name for the one that comes back:")
+                .arg(ShortLine(result.nameTaken->name, longestName)),
+            name.isEmpty() ? result.nameTaken->name : name);
+        if (name.isEmpty()) {
+            return false;
+        }
+        result = ApplyRemedy(library_, remedy, chosen, newNames);
+    }
+    done_.reset();
+    if (const std::optional<StepInfo> step = library_.undoStep()) {
+        done_ = Done{step->step, rows.front(), findings_, result.placesBack};
+    }
+    for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+        findings_.erase(findings_.begin() + *row);
+    }
+    if (remedy == Remedy::RestorePlace) {
+        forgetPlacesBack();
+    }
+    return true;
 }
 
 void frmCheck::forgetPlacesBack()
@@ -340,13 +402,17 @@ void frmCheck::cmdUndo_Click()
     done_.reset();
     try {
         const std::optional<StepInfo> newest = library_.undoStep();
-        if (newest && newest->step == done.step &&
-            library_.undo().result == UndoOutcome::Result::Done) {
-            findings_.insert(findings_.begin() + done.row, done.finding);
-            lblNote_->say(tr("Undone."));
-        } else {
-            lblNote_->say(tr("It cannot be undone: the library has changed since."));
+        bool undone = newest && newest->step == done.step;
+        if (undone && !done.placesBack.empty()) {
+            library_.deleteRows(done.placesBack);
+        } else if (undone) {
+            undone = library_.undo().result == UndoOutcome::Result::Done;
         }
+        if (undone) {
+            findings_ = done.findings;
+        }
+        lblNote_->say(undone ? tr("Undone.")
+                             : tr("It cannot be undone: the library has changed since."));
     } catch (const Error& error) {
         services_.messageBoxes->inform(tr("Undo"), error.message());
     }

@@ -3,9 +3,6 @@
 #include "store/connection.h"
 #include "store/plus_statements.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-
 namespace varnholt {
 
 namespace sql = plus_statements;
@@ -18,11 +15,6 @@ bool saysAvailable(const QByteArray& image)
     return image.startsWith("[1,");
 }
 
-QString nameIn(const QByteArray& image)
-{
-    return QJsonDocument::fromJson(image).array().at(1).toString();
-}
-
 StepKind kindOf(Item subject, const QByteArray& before, const QByteArray& after, bool alone)
 {
     if (before.isNull()) {
@@ -31,8 +23,7 @@ StepKind kindOf(Item subject, const QByteArray& before, const QByteArray& after,
     if (saysAvailable(before) != saysAvailable(after)) {
         return saysAvailable(after) ? StepKind::Restore : StepKind::Delete;
     }
-    const bool sameName = nameIn(before) == nameIn(after);
-    return subject.kind == ItemKind::Question || sameName ? StepKind::Edit : StepKind::Rename;
+    return subject.kind == ItemKind::Question ? StepKind::Edit : StepKind::Rename;
 }
 
 } // namespace

@@ -209,8 +209,7 @@ void Library::rename(Item item, const QString& name)
     if (item.kind == ItemKind::Question || stored.isEmpty()) {
         throw Error(tr("A name is needed."));
     }
-    // The statements of the classic program hold their values in their text.
-    if (item.kind < ItemKind::Question && !statements::canHold(stored)) {
+    if (!statements::canHold(stored)) {
         throw Error(tr("A name cannot hold an apostrophe (')."));
     }
     Change change(*this);

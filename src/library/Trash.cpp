@@ -15,8 +15,7 @@ namespace sql = plus_statements;
 
 namespace {
 
-constexpr int classicKinds = 4;
-constexpr int allKinds = 6;
+constexpr int kinds = 4;
 
 std::uint64_t packed(Item item)
 {
@@ -26,7 +25,7 @@ std::uint64_t packed(Item item)
 /// How many names of a row's place its kind has.
 int depth(ItemKind kind)
 {
-    return kind == ItemKind::Class ? 0 : kind == ItemKind::Test ? 1 : static_cast<int>(kind) - 1;
+    return static_cast<int>(kind) - 1;
 }
 
 TrashTexts readTexts(const Statement& row, int field, ItemKind kind)
@@ -47,9 +46,8 @@ QString TrashTexts::placeText() const
 
 Trash::Trash(Connection& connection, bool dated)
     : connection_(connection)
-    , kinds_(dated ? allKinds : classicKinds)
 {
-    for (int kind = 1; kind <= kinds_; ++kind) {
+    for (int kind = 1; kind <= kinds; ++kind) {
         Statement rows(connection_, sql::SelectGone(kind));
         while (rows.next()) {
             entries_.push_back(
@@ -123,7 +121,7 @@ std::vector<std::size_t> Trash::matching(const QString& filter) const
         return positions;
     }
     QHash<std::uint64_t, bool> matches;
-    for (int kind = 1; kind <= kinds_; ++kind) {
+    for (int kind = 1; kind <= kinds; ++kind) {
         Statement rows(connection_, sql::SelectAllTrashTexts(kind));
         while (rows.next()) {
             const Item item{static_cast<ItemKind>(kind),

@@ -7,7 +7,6 @@
 #include "store/plus_statements.h"
 #include "store/statement.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -159,6 +158,7 @@ Remedy RemedyFor(FindingKind kind)
 {
     switch (kind) {
     case FindingKind::Damaged:
+        return Remedy::RestoreBackup;
     case FindingKind::PictureWithoutRow:
         return Remedy::ShowFolder;
     case FindingKind::PictureMissing:
@@ -175,39 +175,40 @@ Remedy RemedyFor(FindingKind kind)
     return Remedy::None;
 }
 
-void ApplyRemedy(Library& library, const Finding& finding)
+bool ChangesLibrary(Remedy remedy)
 {
-    switch (RemedyFor(finding.kind)) {
-    case Remedy::DeleteQuestion:
-        library.deleteQuestion(finding.item.key);
-        return;
-    case Remedy::RestorePlace:
-        if (library.restore(finding.item) == RestoreOutcome::NameTaken) {
-            throw Error(QCoreApplication::translate(
-                "LibraryFindings", "The name of its assessment is taken by another one."));
+    return remedy == Remedy::DeleteQuestion || remedy == Remedy::RestorePlace ||
+           remedy == Remedy::ReplaceApostrophe;
+}
+
+RemedyResult ApplyRemedy(Library& library, Remedy remedy, const std::vector<Finding>& findings,
+                         const std::map<std::int32_t, QString>& newNames)
+{
+    std::vector<Item> items;
+    std::vector<NamedItem> texts;
+    for (const Finding& finding : findings) {
+        if (RemedyFor(finding.kind) == remedy) {
+            items.push_back(finding.item);
+            texts.push_back({finding.item, withoutApostrophes(finding.name)});
         }
-        return;
-    case Remedy::ReplaceApostrophe: {
-        const QString text = withoutApostrophes(finding.name);
-        if (finding.item.kind != ItemKind::Question) {
-            library.rename(finding.item, text);
-            return;
-        }
-        Statement place(library.connection(),
-                        sql::SelectPlace(static_cast<int>(ItemKind::Question)));
-        place.bind(1, std::int64_t{finding.item.key});
-        if (place.next()) {
-            const auto topic = static_cast<std::int32_t>(place.integer(1));
-            const auto subtopic = static_cast<std::int32_t>(place.integer(2));
-            place.reset();
-            library.editQuestion(finding.item.key, topic, subtopic, text);
-        }
-        return;
     }
-    case Remedy::None:
-    case Remedy::ShowFolder:
-        return;
+    RemedyResult result;
+    if (remedy == Remedy::DeleteQuestion) {
+        library.deleteRows(items);
+    } else if (remedy == Remedy::ReplaceApostrophe) {
+        library.replaceTexts(texts);
+    } else if (remedy == Remedy::RestorePlace) {
+        const RestoreResult restored = library.restore(items, newNames);
+        if (restored.outcome == RestoreOutcome::NameTaken) {
+            result.nameTaken = restored.obstacle;
+        }
+        for (const NamedItem& row : restored.back) {
+            if (row.item.kind != ItemKind::Question) {
+                result.placesBack.push_back(row.item);
+            }
+        }
     }
+    return result;
 }
 
 } // namespace varnholt

@@ -4,6 +4,8 @@
 
 #include <atomic>
 #include <functional>
+#include <map>
+#include <optional>
 #include <vector>
 
 namespace varnholt {
@@ -58,15 +60,30 @@ enum class Remedy
     None,
     /// For the user to look at.
     ShowFolder,
+    /// Another window's business.
+    RestoreBackup,
     DeleteQuestion,
     RestorePlace,
     ReplaceApostrophe
 };
 
 [[nodiscard]] Remedy RemedyFor(FindingKind kind);
+/// Whether a remedy changes the library.
+[[nodiscard]] bool ChangesLibrary(Remedy remedy);
 
-/// Applies the remedy as one step that can be undone; `None` and `ShowFolder` change nothing.
-/// Throws `Error`.
-void ApplyRemedy(Library& library, const Finding& finding);
+/// What applying a remedy came to.
+struct RemedyResult
+{
+    /// An assessment whose name is taken: nothing has been done, and it needs another name.
+    std::optional<NamedItem> nameTaken;
+    /// The places that have come back. The journal does not take them away again while something
+    /// stands in them; deleting them does.
+    std::vector<Item> placesBack;
+};
+
+/// Applies a remedy that changes the library to the findings that it is for, in one step.
+/// `newNames` as in `Library::restore`. Throws `Error`.
+RemedyResult ApplyRemedy(Library& library, Remedy remedy, const std::vector<Finding>& findings,
+                         const std::map<std::int32_t, QString>& newNames = {});
 
 } // namespace varnholt

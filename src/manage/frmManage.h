@@ -43,6 +43,9 @@ public:
               OpenAuthoring openAuthoring, QWidget* parent = nullptr);
     ~frmManage() override;
 
+    /// Makes a row current, whichever assessment it is in, or the nearest one above it.
+    void bringUp(Item item);
+
 protected:
     /// Hands the focus to the control where work starts. Not a focus proxy: Tab would stop at
     /// it each time round and never reach the controls before it.

@@ -130,6 +130,11 @@ void frmManage::turn(bool undo)
     }
 }
 
+void frmManage::bringUp(Item item)
+{
+    loadReporting([&] { showItem(item); });
+}
+
 void frmManage::showItem(Item item)
 {
     const Filing filed = library_.placeOf(item);

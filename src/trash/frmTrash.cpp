@@ -245,15 +245,17 @@ std::vector<Item> frmTrash::agreed(const std::vector<Item>& items)
         }
     }
     if (!withoutPlace.empty()) {
-        const QString why = tr("The library no longer has the place where it was, so that nobody "
-                               "would see it.");
+        const QString first = NameInWords(withoutPlace.front());
         services_.messageBoxes->inform(
             tr("Restore"),
             withoutPlace.size() == 1
-                ? tr("%1 cannot be brought back. %2").arg(NameInWords(withoutPlace.front()), why)
-                : tr("%1 of these cannot be brought back, %2 among them. %3")
-                      .arg(QLocale().toString(static_cast<qulonglong>(withoutPlace.size())),
-                           NameInWords(withoutPlace.front()), why));
+                ? tr("%1 cannot be brought back. The library no longer has the place where it was, "
+                     "so that nobody would see it.")
+                      .arg(first)
+                : tr("%n of these cannot be brought back, %1 among them. The library no longer has "
+                     "the places where they were, so that nobody would see them.",
+                     nullptr, static_cast<int>(withoutPlace.size()))
+                      .arg(first));
     }
     if (also.isEmpty()) {
         return possible;
@@ -261,7 +263,7 @@ std::vector<Item> frmTrash::agreed(const std::vector<Item>& items)
     if (also.size() > mostLines) {
         const auto more = also.size() - mostLines;
         also = also.mid(0, mostLines);
-        also.append(tr("and %1 more").arg(QLocale().toString(more)));
+        also.append(tr("and %n more", nullptr, static_cast<int>(more)));
     }
     const bool wanted = services_.messageBoxes->yesNo(
         tr("Restore?"),
@@ -285,11 +287,10 @@ void frmTrash::restore(const std::vector<Item>& items)
         if (result.outcome == RestoreOutcome::Done) {
             const NamedItem& first = result.back.front();
             reload();
-            say(result.back.size() == 1
-                    ? tr("%1 is back.").arg(NameInWords(first))
-                    : tr("%1 and %2 more are back.")
-                          .arg(NameInWords(first),
-                               QLocale().toString(static_cast<qulonglong>(result.back.size() - 1))),
+            say(result.back.size() == 1 ? tr("%1 is back.").arg(NameInWords(first))
+                                        : tr("%1 and %n more are back.", nullptr,
+                                             static_cast<int>(result.back.size()) - 1)
+                                              .arg(NameInWords(first)),
                 true);
             return;
         }

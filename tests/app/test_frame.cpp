@@ -1,6 +1,7 @@
 #include "app/SingleInstance.h"
 #include "app/frmAssessment.h"
 #include "app/library_wait.h"
+#include "backups/backup_words.h"
 #include "info/InfoWindow.h"
 #include "selection/frmMain.h"
 #include "support/gui.h"
@@ -140,6 +141,44 @@ TEST_F(Frame, TidiesUpAfterAKilledProgramAndTellsOfDamage)
                   .join(u' ')
                   .toStdString(),
               "1.jpg 2.JPG.bak2 2.jpg 2.jpg.backup 3.jpg.bak 90.JPG new-1.part");
+}
+
+TEST_F(Frame, OnlyReadsADamagedLibraryUntilABackupIsRestored)
+{
+    open();
+    choose("mnuBackups");
+    test::click(frame.get(), "cmdBackUpNow");
+    choose("mnuManageAssessments");
+    const QStringList rows = library.sql(u"SELECT * FROM Topics NOT INDEXED"_s);
+    library.sql(u"PRAGMA writable_schema = ON; UPDATE sqlite_schema SET rootpage = (SELECT rootpage"
+                " FROM sqlite_schema WHERE name = 'SubTopicsByAssessment')"
+                " WHERE name = 'TopicsByAssessment'"_s);
+    const QString path = QDir::toNativeSeparators(library.databasePath());
+    const std::int64_t now = clock.now / 1000;
+    messages.expectYesNo(
+        u"Database Error"_s,
+        u"The question library is damaged, so questions may be missing or wrong:\n%1\n\nThe newest "
+        "good backup (%2) holds 5 questions. The library can only be read until a backup is "
+        "restored, so that nothing gets worse. Do you want to choose the backup now?"_s.arg(
+            path, BackupWords::when(now, now)),
+        true, MessageBoxes::Answer::Yes);
+    frame->checkLibrary(true);
+    const auto isShown = [&] { return frame->childWindow()->objectName() == u"frmBackups"; };
+    ASSERT_TRUE(QTest::qWaitFor(isShown, patienceMs));
+    EXPECT_TRUE(control<QLabel>(frame.get(), "lblDamaged")->isVisible());
+    EXPECT_FALSE(control<QWidget>(frame.get(), "cmdBackUpNow")->isEnabled());
+    messages.expectYesNo(u"Restore?"_s,
+                         u"The damaged library is replaced by the backup: %1. Newer questions that "
+                         u"can still be read "
+                         "go to the trash. The damaged file is kept beside the library."_s.arg(
+                             BackupWords::when(now, now)),
+                         true, MessageBoxes::Answer::Yes);
+    test::click(frame.get(), "cmdRestore");
+    EXPECT_EQ(frame->findChild<QLabel*>(u"lblDamaged"_s), nullptr);
+    EXPECT_TRUE(control<QWidget>(frame.get(), "cmdBackUpNow")->isEnabled());
+    EXPECT_EQ(library.value(u"PRAGMA integrity_check"_s), u"ok");
+    EXPECT_EQ(library.sql(u"SELECT * FROM Topics NOT INDEXED"_s), rows);
+    EXPECT_TRUE(QFile::exists(library.databasePath() + u".damaged"_s));
 }
 
 TEST(LibraryWait, EndsWhenTheLibraryIsFreeOrTheUserHasEnough)

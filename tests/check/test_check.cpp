@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -28,7 +29,8 @@ protected:
     }
     void open()
     {
-        window = std::make_unique<frmCheck>(services, owner);
+        window = std::make_unique<frmCheck>(services, owner, [this] { return ++asked > 0; });
+        window->resize(1000, 600);
         window->show();
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), patienceMs));
@@ -54,6 +56,7 @@ protected:
     Library owner;
     std::unique_ptr<frmCheck> window;
     QTreeWidget* list = nullptr;
+    int asked = 0;
 };
 
 TEST_F(CheckWindow, FindsEachFaultAndEveryRemedyCanBeUndone)
@@ -81,7 +84,7 @@ TEST_F(CheckWindow, FindsEachFaultAndEveryRemedyCanBeUndone)
         "Replace by ’\n"
         "it's holds an apostrophe ('), with which it cannot be saved again. | Maths > O'Neill "
         "> Subtopic 2.1 | Replace by ’\n"
-        "Questions with a number above 32,767: 1. Editing them fails. |  | \n"
+        "1 question has a number above 32,767: editing it fails. |  | \n"
         "The picture 77.jpg belongs to no question. |  | Show Folder\n"
         "The question with the answer A1 has no picture. | Maths > Topic 1 > Subtopic 1.1 | "
         "To the Trash\n"
@@ -91,12 +94,21 @@ TEST_F(CheckWindow, FindsEachFaultAndEveryRemedyCanBeUndone)
         "To the Trash");
     const std::string before = found();
     const QStringList start = rows();
+    // Shown, and all of one remedy in one step.
+    QSignalSpy shown(window.get(), &frmCheck::showWanted);
+    list->setCurrentItem(list->topLevelItem(8));
+    click(window.get(), "cmdShow");
+    EXPECT_EQ(shown.value(0).value(0).value<Item>(), (Item{ItemKind::Question, 2}));
+    list->selectAll();
+    EXPECT_EQ(control<QPushButton>(window.get(), "cmdRemedy")->text(), u"To the Tra&sh (4)");
+    click(window.get(), "cmdRemedy");
+    EXPECT_EQ(list->topLevelItemCount(), 6);
+    QTest::keyClick(list, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(rows(), start);
+    EXPECT_EQ(found(), before);
     // Each alone and undone, then all of them.
     for (const bool undo : {true, false}) {
         for (const int row : {9, 8, 7, 4, 3, 2, 0}) {
-            if (undo && row == 0) {
-                continue; // a place stays while the question stands in it
-            }
             list->setCurrentItem(list->topLevelItem(row));
             control<QPushButton>(window.get(), "cmdRemedy")->setFocus();
             click(window.get(), "cmdRemedy");
@@ -111,10 +123,29 @@ TEST_F(CheckWindow, FindsEachFaultAndEveryRemedyCanBeUndone)
         }
     }
     EXPECT_EQ(list->topLevelItemCount(), 2) << found();
+    EXPECT_EQ(asked, 1) << "for a backup first";
     EXPECT_TRUE(QFile::exists(library.picturePath(77)));
     open();
     EXPECT_EQ(list->topLevelItemCount(), 2) << found();
     EXPECT_EQ(library.value(u"SELECT Answer FROM Questions WHERE SOLIndex = 6"_s), u"it’s"_s);
+}
+
+TEST_F(CheckWindow, AsksForAnotherNameForAPlaceWhoseNameIsTaken)
+{
+    library.sql(u"UPDATE Topics SET Available = 0 WHERE TopicID = 1"_s);
+    open();
+    owner.deleteAssessment(1);
+    owner.addAssessment(u"Maths"_s);
+    for (const QString& name : {QString(), u"Old Maths"_s}) {
+        messages.expectInput(
+            u"Name Taken"_s,
+            u"Another assessment is called Maths now. Name for the one that comes back:"_s, name,
+            u"Maths"_s);
+        click(window.get(), "cmdRemedy");
+    }
+    EXPECT_EQ(library.value(u"SELECT AssessmentName FROM Assessments WHERE AssessmentNum = 1"_s),
+              u"Old Maths"_s);
+    EXPECT_EQ(list->topLevelItemCount(), 0) << found();
 }
 
 TEST_F(CheckWindow, SaysThatAllIsWellAndEndsWhenItsWindowCloses)
@@ -129,6 +160,10 @@ TEST_F(CheckWindow, SaysThatAllIsWellAndEndsWhenItsWindowCloses)
                 " WHERE name = 'TopicsByAssessment'"_s);
     open();
     EXPECT_TRUE(found().starts_with("The file Varnholt.mdb is damaged")) << found();
+    QSignalSpy wanted(window.get(), &frmCheck::backupsWanted);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                      list->visualRect(list->model()->index(0, 2)).center());
+    EXPECT_EQ(wanted.size(), 1);
 }
 
 } // namespace
