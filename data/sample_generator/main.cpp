@@ -1,6 +1,7 @@
 // Makes the library that is supplied with the program: the database and the questions' pictures.
 //     varnholt_sample_generator CONTENT-FOLDER SCHEMA-FILE OUTPUT-FOLDER
 // OUTPUT-FOLDER receives Varnholt.mdb and Files/N.jpg; what it held of them is replaced.
+#include "answer_check.h"
 #include "library_writer.h"
 #include "page.h"
 
@@ -36,6 +37,7 @@ void savePicture(const QImage& image, const QString& path)
 void generate(const QString& contentFolder, const QString& schema, const QString& output)
 {
     const SampleContent content = readSampleContent(contentFolder);
+    checkAnswers(content);
     const Typesetter typesetter;
     const QDir pictures(output + u"/Files"_qs);
     if (!pictures.mkpath(u"."_qs))

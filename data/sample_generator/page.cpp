@@ -137,6 +137,23 @@ Block blockFor(const Typesetter& typesetter, const ContentLine& line, const QStr
     return blockOf(typesetter.paragraph(line.text, TextSize, width), false);
 }
 
+/// Nothing may reach into the border, and a page without ink asks nothing.
+void checkInk(const QImage& page)
+{
+    constexpr int clear = PageMargin * 3 / 4;
+    const QRect inside = page.rect().adjusted(clear, clear, -clear, -clear);
+    int dark = 0;
+    for (int y = 0; y < page.height(); ++y)
+        for (int x = 0; x < page.width(); ++x) {
+            const int grey = qGray(page.pixel(x, y));
+            dark += grey < 100;
+            if (grey < 235 && !inside.contains(x, y))
+                throw std::runtime_error("the drawing reaches into the border");
+        }
+    if (dark < page.width())
+        throw std::runtime_error("the page is all but empty");
+}
+
 } // namespace
 
 QImage drawQuestion(const Typesetter& typesetter, const SampleQuestion& question)
@@ -179,6 +196,8 @@ try {
     if (beside)
         beside->draw(painter,
                      {PageMargin + Inner - beside->width, (PageHeight - beside->height) / 2});
+    painter.end();
+    checkInk(image);
     return image;
 } catch (const std::runtime_error& error) {
     throw std::runtime_error(

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
 #include <utility>
 
 namespace varnholt::test {
@@ -95,34 +94,6 @@ TEST(Encode, AnyPartOfAnyContextIsSampled)
                 << bits << " bits at " << region.left << ", " << region.top;
         }
     }
-}
-
-/// Blocks with one coefficient each, so chosen that AC symbols occur as often as the numbers
-/// of Fibonacci say: the case in which Huffman codes grow longest, here to 20 bits.
-TEST(Encode, CodesLongerThan16BitsAreShortened)
-{
-    std::vector<int> kinds;
-    for (std::size_t count = 1, before = 1; kinds.size() < 17000;) {
-        kinds.insert(kinds.end(), count, kinds.empty() ? 2 : kinds.back() + 1);
-        before = std::exchange(count, count + before);
-    }
-    const Region region{140 * 8, static_cast<int>(kinds.size()) / 140 * 8};
-    cJpeg encoder = encoderFor({1, 1, 0, 0, 0, 0}, 50);
-    const QuantTable table = scaledQuantTable(baseQuantTable(0), 50);
-    const DeviceContext picture = paint(region.width, region.height, [&](int x, int y) {
-        const int kind = kinds[static_cast<std::size_t>(y / 8 * 140 + x / 8)];
-        const auto k = static_cast<std::size_t>(kind / 2);
-        const double level = 128 + (kind % 2 + 1) * table[k] * wave(kZigzag[k] % 8, x % 8) *
-                                       wave(kZigzag[k] / 8, y % 8);
-        const auto grey = static_cast<std::uint8_t>(level + 0.5);
-        return Bgr{grey, grey, grey};
-    });
-    const Bytes file = encode(encoder, picture, region);
-    check(file, picture, region);
-    const std::string lists = segments(file).at(5).content;
-    const int dcCodes = std::accumulate(lists.begin() + 1, lists.begin() + 17, 0);
-    ASSERT_EQ(lists[static_cast<std::size_t>(17 + dcCodes)], 0x10);
-    EXPECT_GE(lists[static_cast<std::size_t>(17 + dcCodes + 16)], 4) << "codes of 16 bits";
 }
 
 } // namespace

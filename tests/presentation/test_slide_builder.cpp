@@ -57,7 +57,7 @@ protected:
     RecordingPresentationProgram program_;
 };
 
-TEST_F(SlideBuilder, CallsInOrderWithTopicAndKey)
+TEST_F(SlideBuilder, CallsInOrder)
 {
     fillPool(3, {2});
     EXPECT_EQ(build(program_, true, true).end, End::Complete);
@@ -75,10 +75,6 @@ addTextBox 0 0 300 100; setShapeText 1 Answer Key
 addTextBox 0 20 100 100; setShapeText 2 1) A1
 addTextBox 0 40 100 100; setShapeText 3 2) A3
 showSlide 1; finish)"_s);
-}
-
-TEST_F(SlideBuilder, CallsInOrderWithoutTopicAndKey)
-{
     fillPool(1);
     EXPECT_EQ(build(program_, false, false).end, End::Complete);
     expectCalls(uR"(addPresentation; setVisible
@@ -168,15 +164,11 @@ TEST_F(SlideBuilder, AFailureReachesTheCallerOnlyBeforeTheFirstPicture)
     }
 }
 
-TEST_F(SlideBuilder, NothingIncludedAndNoKeyFailsAtTheEnd)
+TEST_F(SlideBuilder, NothingToShowFailsAtTheEndAndCancelStopsWithoutAWord)
 {
     fillPool(2, {1, 2});
     EXPECT_THROW(build(program_, true, false), Error);
     EXPECT_EQ(program_.callsOf(u"showSlide"_s), QStringList{u"showSlide 1"_s});
-}
-
-TEST_F(SlideBuilder, CancelStopsWithoutAWord)
-{
     fillPool(3);
     const auto cancelAtSecond = [](int slide, int) {
         if (slide == 2) {

@@ -22,7 +22,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <vector>
 
 namespace varnholt {
 namespace {
@@ -51,21 +51,59 @@ protected:
         QTest::mouseClick(list->viewport(), button, {}, position);
     }
 
-    /// What an action leaves: how often `Click` fired, the current row, a mark
-    /// per row.
-    void expectAfter(const char* what, const std::function<void()>& action, int clicks, int current,
-                     const QString& marks)
+    struct Step
     {
-        SCOPED_TRACE(what);
-        const QSignalSpy spy(list.get(), &ListBox::Click);
-        action();
-        EXPECT_EQ(spy.size(), clicks);
-        EXPECT_EQ(list->listIndex(), current);
-        QString found;
-        for (int row = 0; row < list->listCount(); ++row) {
-            found += list->selected(row) ? u'x' : u'-';
+        const char* what; ///< An action and the row it is for.
+        /// What it leaves: how often `Click` fired, the current row, a mark per row.
+        int clicks;
+        int current;
+        const char* marks;
+    };
+    void perform(const QString& what)
+    {
+        const QString action = what.section(u' ', 0, 0);
+        const int row = what.section(u' ', 1).toInt();
+        if (action == u"text" || action == u"box" || action == u"right") {
+            press(action == u"box" ? box(row) : text(row),
+                  action == u"right" ? Qt::RightButton : Qt::LeftButton);
+        } else if (action == u"below") {
+            press({150, 190});
+        } else if (action == u"twice") {
+            QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, box(row));
+        } else if (action == u"index") {
+            list->setListIndex(row);
+        } else if (action == u"select" || action == u"unselect") {
+            list->setSelected(row, action == u"select");
+        } else if (action == u"all" || action == u"none") {
+            list->setAllSelected(action == u"all", row);
+        } else if (action == u"toggle") {
+            QAccessibleInterface* rows = QAccessible::queryAccessibleInterface(list.get());
+            ASSERT_NE(rows->child(row), nullptr);
+            EXPECT_EQ(rows->child(row)->text(QAccessible::Name), list->itemText(row));
+            rows->child(row)->actionInterface()->doAction(
+                QAccessibleActionInterface::toggleAction());
+        } else if (action == u"rename") {
+            list->setItemTexts({u"a"_s, u"b"_s, u"c"_s});
+        } else if (action == u"clear") {
+            list->clear();
+        } else if (!action.isEmpty()) {
+            QTest::keyClick(list.get(), action == u"Down" ? Qt::Key_Down : Qt::Key_Space);
         }
-        EXPECT_EQ(found, marks);
+    }
+    void expectAfter(const std::vector<Step>& steps)
+    {
+        for (const Step& step : steps) {
+            SCOPED_TRACE(step.what);
+            const QSignalSpy spy(list.get(), &ListBox::Click);
+            perform(QLatin1String(step.what));
+            QByteArray found;
+            for (int row = 0; row < list->listCount(); ++row) {
+                found += list->selected(row) ? 'x' : '-';
+            }
+            EXPECT_EQ(spy.size(), step.clicks);
+            EXPECT_EQ(list->listIndex(), step.current);
+            EXPECT_EQ(found.toStdString(), step.marks);
+        }
     }
 
     std::unique_ptr<ListBox> list;
@@ -74,75 +112,40 @@ protected:
 TEST_F(ListBoxTest, SingleSelectionIsTheCurrentRow)
 {
     show(ListBox::Mode::Single);
-    expectAfter(
-        "filled", [] {}, 0, -1, u"---"_s);
-    expectAfter(
-        "made current", [&] { list->setListIndex(2); }, 1, 2, u"--x"_s);
-    expectAfter(
-        "made current again", [&] { list->setListIndex(2); }, 1, 2, u"--x"_s);
-    expectAfter(
-        "clicked", [&] { press(text(0)); }, 1, 0, u"x--"_s);
-    expectAfter(
-        "clicked again", [&] { press(text(0)); }, 1, 0, u"x--"_s);
-    expectAfter(
-        "key", [&] { QTest::keyClick(list.get(), Qt::Key_Down); }, 1, 1, u"-x-"_s);
-    expectAfter(
-        "clicked below",
-        [&] {
-            press({150, 190});
-        },
-        0, 1, u"-x-"_s);
-    expectAfter(
-        "right button", [&] { press(text(2), Qt::RightButton); }, 0, 1, u"-x-"_s);
-    expectAfter(
-        "selected", [&] { list->setSelected(0, true); }, 1, 0, u"x--"_s);
+    expectAfter({{"", 0, -1, "---"},
+                 {"index 2", 1, 2, "--x"},
+                 {"index 2", 1, 2, "--x"},
+                 {"text 0", 1, 0, "x--"},
+                 {"text 0", 1, 0, "x--"},
+                 {"Down", 1, 1, "-x-"},
+                 {"below", 0, 1, "-x-"},
+                 {"right 2", 0, 1, "-x-"},
+                 {"select 0", 1, 0, "x--"}});
     // The chosen row stays marked whatever modifier is held down.
     QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, text(0));
     QTest::keyClick(list.get(), Qt::Key_Space, Qt::ControlModifier);
     EXPECT_TRUE(list->selectionModel()->isSelected(list->currentIndex()));
-    expectAfter(
-        "unselected", [&] { list->setSelected(0, false); }, 1, -1, u"---"_s);
+    expectAfter({{"unselect 0", 1, -1, "---"}});
 }
 
 TEST_F(ListBoxTest, MultiSelectionIsTickedAndTextOnlyFocused)
 {
     show(ListBox::Mode::Multi);
-    expectAfter(
-        "text", [&] { press(text(1)); }, 1, 1, u"---"_s);
-    expectAfter(
-        "box", [&] { press(box(2)); }, 1, 2, u"--x"_s);
-    expectAfter(
-        "right button", [&] { press(box(0), Qt::RightButton); }, 0, 2, u"--x"_s);
-    const auto twice = [&] { QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, box(2)); };
-    expectAfter("double click", twice, 1, 2, u"---"_s);
-    expectAfter(
-        "Space", [&] { QTest::keyClick(list.get(), Qt::Key_Space); }, 1, 2, u"--x"_s);
-    expectAfter(
-        "ticked", [&] { list->setSelected(0, true); }, 1, 2, u"x-x"_s);
-    expectAfter(
-        "all, first current", [&] { list->setAllSelected(true, 0); }, 1, 0, u"xxx"_s);
-    expectAfter(
-        "none", [&] { list->setAllSelected(false); }, 1, 0, u"---"_s);
-    expectAfter(
-        "ticked by an assistive program",
-        [&] {
-            QAccessibleInterface* rows = QAccessible::queryAccessibleInterface(list.get());
-            QAccessibleInterface* row = rows->child(1);
-            ASSERT_NE(row, nullptr);
-            row->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-        },
-        1, 1, u"-x-"_s);
-    list->setListIndex(0);
-    list->setSelected(1, false);
-    const QStringList renamed{u"a"_s, u"b"_s, u"c"_s};
-    expectAfter(
-        "renamed", [&] { list->setItemTexts(renamed); }, 0, 0, u"---"_s);
+    expectAfter({{"text 1", 1, 1, "---"},
+                 {"box 2", 1, 2, "--x"},
+                 {"right 0", 0, 2, "--x"},
+                 {"twice 2", 1, 2, "---"},
+                 {"Space", 1, 2, "--x"},
+                 {"select 0", 1, 2, "x-x"},
+                 {"all 0", 1, 0, "xxx"},
+                 {"none -1", 1, 0, "---"},
+                 {"toggle 1", 1, 1, "-x-"},
+                 {"index 0", 1, 0, "-x-"},
+                 {"unselect 1", 1, 0, "---"},
+                 {"rename", 0, 0, "---"}});
     EXPECT_EQ(list->itemText(2), u"c"_s);
     EXPECT_EQ(list->itemData(2), 33);
-    expectAfter(
-        "cleared", [&] { list->clear(); }, 0, -1, QString());
-    expectAfter(
-        "all of none", [&] { list->setAllSelected(true, 0); }, 0, -1, QString());
+    expectAfter({{"clear", 0, -1, ""}, {"all 0", 0, -1, ""}});
     EXPECT_THROW((void)list->itemData(0), std::out_of_range);
 }
 
