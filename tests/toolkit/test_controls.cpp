@@ -280,6 +280,7 @@ TEST(LongWorkTest, IsBusyAtOnceTakesNoInputAndShowsABarAfterHalfASecond)
         LongWork work(&window, u"Working"_s, cancelled ? Offered : NotOffered);
         ASSERT_NE(QApplication::overrideCursor(), nullptr);
         EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        QTest::qWait(50);
         work.progress(1, 3);
         EXPECT_FALSE(bar()->isVisible());
         QTest::keyClicks(&window, u"typed"_s);
