@@ -78,7 +78,7 @@ class ProgressBarLabels
 public:
     ProgressBarLabels()
         : lblBack_(named(new BackLabel, "lblBack"))
-        , lblFace_(named(new FaceLabel(lblBack_), "lblFace", QStringLiteral("Progress")))
+        , lblFace_(named(new FaceLabel(lblBack_), "lblFace", ExchangeWindow::tr("Progress")))
     {
         lblBack_->face = lblFace_;
         lblBack_->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
@@ -222,18 +222,18 @@ ExchangeProgress ExchangeWindow::progress()
     return [this](ExchangeWork work, std::int64_t done, std::int64_t all) {
         switch (work) {
         case ExchangeWork::Collecting:
-            return showProgress(QStringLiteral("Collecting: "), done, all);
+            return showProgress(tr("Collecting: %1%"), done, all);
         case ExchangeWork::Packing:
-            return showProgress({}, done, all);
+            return showProgress(tr("%1%"), done, all);
         case ExchangeWork::Unpacking:
-            return showProgress(QStringLiteral("Unpacking: "), done, all);
+            return showProgress(tr("Unpacking: %1%"), done, all);
         case ExchangeWork::Importing:
-            return showProgress(QStringLiteral("Importing: "), done, all);
+            return showProgress(tr("Importing: %1%"), done, all);
         }
     };
 }
 
-void ExchangeWindow::showProgress(const QString& what, std::int64_t done, std::int64_t all)
+void ExchangeWindow::showProgress(const QString& caption, std::int64_t done, std::int64_t all)
 {
     if (done < all && !bar_->eventsAreDue()) {
         return;
@@ -243,7 +243,7 @@ void ExchangeWindow::showProgress(const QString& what, std::int64_t done, std::i
     }
     if (bar_->widget()->isVisible() && all > 0) {
         bar_->show(static_cast<float>(done) / static_cast<float>(all),
-                   what + QString::number(done * 100 / all) + u'%');
+                   caption.arg(done * 100 / all));
     }
     bar_->processEvents();
 }

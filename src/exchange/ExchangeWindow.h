@@ -73,7 +73,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    void showProgress(const QString& what, std::int64_t done, std::int64_t all);
+    void showProgress(const QString& caption, std::int64_t done, std::int64_t all);
 
     QPushButton* startButton_ = nullptr;
     QLabel* lblReason_ = nullptr;

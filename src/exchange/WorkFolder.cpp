@@ -3,6 +3,7 @@
 #include "exchange/package_fields.h"
 #include "store/errors.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -11,6 +12,12 @@
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Package)
+};
 
 /// Path of the folder, which is there afterwards and no link, if that can be had.
 QString madeFolder(const QString& path)
@@ -55,8 +62,8 @@ WorkFolder::WorkFolder(const QString& programFolder, const QString& name)
     , lock_(QFileInfo(path_).filesystemFilePath())
 {
     if (lock_.isHeldByAnother()) {
-        throw Error(QStringLiteral("Another program is exporting or importing in %1 just now. "
-                                   "Wait until it is done and try again.")
+        throw Error(Words::tr("Another program is exporting or importing in %1 just now. "
+                              "Wait until it is done and try again.")
                         .arg(QDir::toNativeSeparators(path_)));
     }
 }
@@ -70,7 +77,7 @@ void WorkFolder::requireEmpty() const
 {
     const QString stays = deleteOurs(path_);
     if (!stays.isEmpty()) {
-        throw Error(QStringLiteral("An old file is in the way and cannot be deleted: %1")
+        throw Error(Words::tr("An old file is in the way and cannot be deleted: %1")
                         .arg(QDir::toNativeSeparators(stays)));
     }
 }

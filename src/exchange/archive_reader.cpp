@@ -5,6 +5,7 @@
 #include "files/disk_space.h"
 #include "store/errors.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -29,6 +30,12 @@ namespace varnholt {
 
 namespace {
 
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Package)
+};
+
 /// Refuses an archive whose directory would take too much memory to read. libzip holds the
 /// whole of it, but never believes in more entries than the directory's size has room for.
 void checkDirectorySize(QFile& archive, std::int64_t members)
@@ -45,7 +52,7 @@ void checkDirectorySize(QFile& archive, std::int64_t members)
     const QByteArray tail = archive.read(size - start);
     const auto refuseAbove = [&](quint64 directoryBytes) {
         if (directoryBytes > static_cast<quint64>(members * generousEntry)) {
-            throw Error(QStringLiteral("The archive holds far too many files."));
+            throw Error(Words::tr("The archive holds far too many files."));
         }
     };
     for (qsizetype at = tail.indexOf("PK\5\6"); at >= 0; at = tail.indexOf("PK\5\6", at + 1)) {
@@ -132,9 +139,9 @@ QString packageFolder(zip_t* archive, zip_uint64_t members)
             continue;
         }
         if (!found.isEmpty() && found != folder) {
-            throw Error(QStringLiteral("The archive holds more than one package, each in a folder "
-                                       "of its own. Unpack it and put the files of each folder "
-                                       "into an archive of their own."));
+            throw Error(Words::tr("The archive holds more than one package, each in a folder "
+                                  "of its own. Unpack it and put the files of each folder "
+                                  "into an archive of their own."));
         }
         found = folder;
     }
@@ -218,11 +225,11 @@ private:
     [[noreturn]] void fail() const
     {
         if (errno == EEXIST) {
-            throw Error(QStringLiteral("The archive holds two files of one name, or there is one "
-                                       "already: %1")
+            throw Error(Words::tr("The archive holds two files of one name, or there is one "
+                                  "already: %1")
                             .arg(QDir::toNativeSeparators(path_)));
         }
-        throw Error(QStringLiteral("The file %1 cannot be written (%2).")
+        throw Error(Words::tr("The file %1 cannot be written (%2).")
                         .arg(QDir::toNativeSeparators(path_),
                              QString::fromStdString(std::generic_category().message(errno))));
     }
@@ -282,11 +289,11 @@ private:
             left_ -= got;
             diskLeft_ -= got;
             if (size > memberBytes_ || left_ < 0) {
-                throw Error(QStringLiteral("The archive unpacks to far more than a package."));
+                throw Error(Words::tr("The archive unpacks to far more than a package."));
             }
             if (diskLeft_ < 0) {
-                throw Error(QStringLiteral("The disk has too little free space to unpack the "
-                                           "archive. Make room on it and try again."));
+                throw Error(Words::tr("The disk has too little free space to unpack the "
+                                      "archive. Make room on it and try again."));
             }
             target.write(buffer_.data(), got);
             pulse();
@@ -305,23 +312,23 @@ private:
         case ZIP_ER_NOPASSWD:
         case ZIP_ER_WRONGPASSWD:
         case ZIP_ER_ENCRNOTSUPP:
-            return Error(QStringLiteral("The archive is protected by a password. Ask for one "
-                                        "without."));
+            return Error(Words::tr("The archive is protected by a password. Ask for one "
+                                   "without."));
         case ZIP_ER_COMPNOTSUPP:
-            return Error(QStringLiteral("The file %1 is packed in a way that cannot be read. Pack "
-                                        "the archive again as an ordinary zip file.")
+            return Error(Words::tr("The file %1 is packed in a way that cannot be read. Pack "
+                                   "the archive again as an ordinary zip file.")
                              .arg(name));
         case ZIP_ER_READ:
         case ZIP_ER_SEEK:
         case ZIP_ER_OPEN:
-            return Error(QStringLiteral("The archive cannot be read to its end (%1). Copy it to "
-                                        "this computer and try again.")
+            return Error(Words::tr("The archive cannot be read to its end (%1). Copy it to "
+                                   "this computer and try again.")
                              .arg(QString::fromUtf8(zip_error_strerror(error))));
         case ZIP_ER_MEMORY:
-            return Error(QStringLiteral("There is not enough memory to unpack the archive."));
+            return Error(Words::tr("There is not enough memory to unpack the archive."));
         default:
-            return Error(QStringLiteral("The file %1 in the archive is damaged. Ask for the "
-                                        "package once more.")
+            return Error(Words::tr("The file %1 in the archive is damaged. Ask for the "
+                                   "package once more.")
                              .arg(name));
         }
     }
@@ -346,10 +353,10 @@ Error notOpened(int code)
     case ZIP_ER_NOZIP:
     case ZIP_ER_INCONS:
     case ZIP_ER_EOF:
-        return Error(QStringLiteral("This is not a zip archive, or it is damaged or incomplete. "
-                                    "Ask for the package once more."));
+        return Error(Words::tr("This is not a zip archive, or it is damaged or incomplete. "
+                               "Ask for the package once more."));
     default:
-        return Error(QStringLiteral("The archive cannot be opened (%1).").arg(reason));
+        return Error(Words::tr("The archive cannot be opened (%1).").arg(reason));
     }
 }
 
@@ -360,7 +367,7 @@ Unpacked UnpackArchive(const QString& archivePath, const QString& folder,
 {
     QFile file(archivePath);
     if (!QFileInfo(archivePath).isFile() || !file.open(QIODevice::ReadOnly)) {
-        throw Error(QStringLiteral("The archive cannot be read: %1 (%2).")
+        throw Error(Words::tr("The archive cannot be read: %1 (%2).")
                         .arg(QDir::toNativeSeparators(archivePath), file.errorString()));
     }
     checkDirectorySize(file, limits.members);
@@ -373,7 +380,7 @@ Unpacked UnpackArchive(const QString& archivePath, const QString& folder,
         throw notOpened(code);
     }
     if (zip_get_num_entries(archive.get(), 0) > limits.members) {
-        throw Error(QStringLiteral("The archive holds far too many files."));
+        throw Error(Words::tr("The archive holds far too many files."));
     }
 
     Unpacking unpacking(archive.get(), archiveBytes, folder, limits);

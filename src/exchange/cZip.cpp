@@ -3,6 +3,7 @@
 #include "exchange/archive_file.h"
 #include "store/errors.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -17,6 +18,12 @@
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Package)
+};
 
 /// The end record of an archive with no members and no comment.
 constexpr std::array<char, 22> emptyArchive{'P', 'K', 5, 6};
@@ -89,7 +96,7 @@ struct FileCounter
 bool cZip::AddFilesToZip(const List1<QString>& files)
 {
     const auto because = [this](const QString& why) {
-        return QStringLiteral("The package could not be saved as %1 (%2).")
+        return Words::tr("The package could not be saved as %1 (%2).")
             .arg(QDir::toNativeSeparators(ZipFileName_), why);
     };
     InitProgress(1, files.upperBound());

@@ -20,20 +20,18 @@ QString DraggedPackage(const QMimeData& dragged)
 }
 
 frmImport::frmImport(Services& services, Library& library, std::function<bool()> mayBegin)
-    : ExchangeWindow("frmImport", QStringLiteral("Import Assessment"))
+    : ExchangeWindow("frmImport", tr("Import Assessment"))
     , services_(services)
     , library_(library)
     , mayBegin_(std::move(mayBegin))
 {
     auto* lblHint = makeLabel(
-        "lblHint",
-        QStringLiteral("Choose the zip file that another teacher exported, or drop it on this "
-                       "window. It becomes a new assessment of yours; you are asked for its name, "
-                       "which cannot hold an apostrophe (')."));
+        "lblHint", tr("Choose the zip file that another teacher exported, or drop it on this "
+                      "window. It becomes a new assessment of yours; you are asked for its name, "
+                      "which cannot hold an apostrophe (')."));
     lblHint->setWordWrap(true);
-    auto* lblMessage =
-        makeLabel("lblMessage", QStringLiteral("Importing may take a couple of minutes."));
-    auto* cmdImport = makeButton("cmdImport", QStringLiteral("Im&port"));
+    auto* lblMessage = makeLabel("lblMessage", tr("Importing may take a couple of minutes."));
+    auto* cmdImport = makeButton("cmdImport", tr("Im&port"));
     buildColumn({lblHint, lblMessage}, cmdImport);
     setFocusProxy(cmdImport);
     setAcceptDrops(true);
@@ -47,9 +45,8 @@ void frmImport::importFile(const QString& path)
             importPackage(path);
         } catch (const std::exception& failure) {
             explain(failure);
-            services_.messageBoxes->inform(
-                QStringLiteral("Import Error"),
-                QStringLiteral("There was an error importing the file."));
+            services_.messageBoxes->inform(tr("Import Error"),
+                                           tr("There was an error importing the file."));
         }
     });
 }
@@ -58,8 +55,7 @@ void frmImport::importPackage(QString archivePath)
 {
     PackageImport import(library_, progress());
     if (archivePath.isEmpty()) {
-        archivePath = services_.fileDialogs->openFile(QStringLiteral("Zip Files (*.zip)"))
-                          .value_or(QString());
+        archivePath = services_.fileDialogs->openFile(tr("Zip Files (*.zip)")).value_or(QString());
     }
     if (archivePath.isEmpty()) {
         return;
@@ -68,9 +64,9 @@ void frmImport::importPackage(QString archivePath)
     hideBar();
     if (!package.AssessmentName) {
         services_.messageBoxes->inform(
-            QStringLiteral("Import Error"),
-            QStringLiteral("This file does not appear to be a compatiable export file.  Import "
-                           "will be aborted."));
+            tr("Import Error"),
+            tr("This file does not appear to be a compatiable export file.  Import "
+               "will be aborted."));
     }
     QString name = package.AssessmentName.value_or(QString());
     if (!name.isEmpty()) {
@@ -79,14 +75,13 @@ void frmImport::importPackage(QString archivePath)
     if (!name.isEmpty() && (!mayBegin_ || mayBegin_())) {
         const ImportPlan plan = PlanImport(package, name);
         const ImportResult result = busily([&] { return import.apply(package, plan); });
-        services_.messageBoxes->inform(QStringLiteral("Import Complete"),
-                                       QStringLiteral("Import was successful.\r\n\r\n"
-                                                      "Topics Imported: %1\r\n"
-                                                      "Subtopics Imported: %2\r\n"
-                                                      "Questions Imported: %3")
-                                           .arg(result.topics)
-                                           .arg(result.subtopics)
-                                           .arg(result.questions));
+        services_.messageBoxes->inform(tr("Import Complete"), tr("Import was successful.\r\n\r\n"
+                                                                 "Topics Imported: %1\r\n"
+                                                                 "Subtopics Imported: %2\r\n"
+                                                                 "Questions Imported: %3")
+                                                                  .arg(result.topics)
+                                                                  .arg(result.subtopics)
+                                                                  .arg(result.questions));
     }
     import.cleanUp();
 }
@@ -94,13 +89,12 @@ void frmImport::importPackage(QString archivePath)
 QString frmImport::askForName(PackageImport& import, QString name)
 {
     const auto ask = [&](const QString& prompt) {
-        name = services_.messageBoxes->inputText(QStringLiteral("Assessment Name"), prompt, name)
-                   .trimmed();
+        name = services_.messageBoxes->inputText(tr("Assessment Name"), prompt, name).trimmed();
     };
-    ask(QStringLiteral("What do you want to call the import assessment?"));
+    ask(tr("What do you want to call the import assessment?"));
     while (!name.isEmpty() && !import.CheckAssessmentName(name)) {
-        ask(QStringLiteral("That assessment name already exists.  Please enter another "
-                           "assessment name."));
+        ask(tr("That assessment name already exists.  Please enter another "
+               "assessment name."));
     }
     return name;
 }

@@ -2,6 +2,7 @@
 
 #include "store/errors.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
@@ -11,6 +12,12 @@
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Package)
+};
 
 constexpr qsizetype blockSize = 64 * 1024;
 constexpr const char* byteOrderMark = "\xef\xbb\xbf";
@@ -140,7 +147,7 @@ int FieldReader::peek()
         const qint64 got = device_.read(block_.data(), blockSize);
         block_.resize(static_cast<qsizetype>(std::max<qint64>(got, 0)));
         if (got < 0) {
-            fail("cannot be read");
+            fail(Words::tr("A list of the package cannot be read (at byte %1)."));
         }
         if (got == 0) {
             return endOfFile;
@@ -169,7 +176,7 @@ bool FieldReader::atEnd()
 void FieldReader::startField()
 {
     if (atEnd()) {
-        fail("ends in the middle of a record");
+        fail(Words::tr("A list of the package ends in the middle of a record (at byte %1)."));
     }
 }
 
@@ -202,7 +209,7 @@ QByteArray FieldReader::restOfField()
 void FieldReader::append(QByteArray& bytes, int byte) const
 {
     if (bytes.size() >= longestField) {
-        fail("holds a field that is far too long");
+        fail(Words::tr("A list of the package holds a field that is far too long (at byte %1)."));
     }
     bytes += static_cast<char>(byte);
 }
@@ -215,7 +222,7 @@ QString FieldReader::text()
         step();
         while (peek() != '"') {
             if (peek() == endOfFile) {
-                fail("lacks a closing double quote");
+                fail(Words::tr("A list of the package lacks a closing double quote (at byte %1)."));
             }
             append(bytes, peek());
             step();
@@ -237,16 +244,15 @@ std::int32_t FieldReader::number()
     const char* end = digits.constData() + digits.size();
     const auto [stop, result] = std::from_chars(digits.constData(), end, value);
     if (!digits.isEmpty() && (result != std::errc() || stop != end)) {
-        fail("holds something else where a number should be");
+        fail(Words::tr(
+            "A list of the package holds something else where a number should be (at byte %1)."));
     }
     return value;
 }
 
-void FieldReader::fail(const char* reason) const
+void FieldReader::fail(const QString& sentence) const
 {
-    throw Error(QStringLiteral("A list of the package %1 (at byte %2).")
-                    .arg(QLatin1String(reason))
-                    .arg(position()));
+    throw Error(sentence.arg(position()));
 }
 
 } // namespace varnholt

@@ -97,7 +97,7 @@ private:
     /// What is left of the field, without trailing blanks.
     [[nodiscard]] QByteArray restOfField();
     void append(QByteArray& bytes, int byte) const;
-    [[noreturn]] void fail(const char* reason) const;
+    [[noreturn]] void fail(const QString& sentence) const;
 
     QFile file_;
     QIODevice& device_;

@@ -11,6 +11,7 @@
 #include "pictures/picture_files.h"
 #include "store/statements.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
@@ -21,6 +22,12 @@
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Package)
+};
 
 /// The disk takes no more, or has failed: what has been put there goes again.
 class DiskError : public Error
@@ -38,12 +45,12 @@ std::filesystem::path native(const QString& path)
 void check(std::error_code error, const QString& from, const QString& to)
 {
     if (error == std::errc::no_such_file_or_directory) {
-        throw Error(QStringLiteral("The package lacks the picture %1 of one of its questions.")
+        throw Error(Words::tr("The package lacks the picture %1 of one of its questions.")
                         .arg(QFileInfo(from).fileName()));
     }
     if (error) {
         throw DiskError(
-            QStringLiteral("The picture %1 could not be saved (%2).")
+            Words::tr("The picture %1 could not be saved (%2).")
                 .arg(QDir::toNativeSeparators(to), QString::fromStdString(error.message())));
     }
 }
@@ -226,14 +233,13 @@ void PackageImport::copyPicture(const QString& from, const QString& to)
     const std::int64_t size = QFileInfo(from).size();
     bytesLeft_ -= size;
     if (bytesLeft_ < 0) {
-        throw DiskError(
-            QStringLiteral("The questions of the package share pictures, and the copies "
-                           "would take far more room than a package does."));
+        throw DiskError(Words::tr("The questions of the package share pictures, and the copies "
+                                  "would take far more room than a package does."));
     }
     const auto free = FreeBytes(native(pictureFolder_));
     if (free && *free - size < UnpackLimits().diskReserve) {
-        throw DiskError(QStringLiteral("The disk has too little free space for the pictures of "
-                                       "this package. Make room on it and try again."));
+        throw DiskError(Words::tr("The disk has too little free space for the pictures of "
+                                  "this package. Make room on it and try again."));
     }
     check(PlaceFile(native(from), native(to), Placing::Copy), from, to);
 }
@@ -248,7 +254,7 @@ void PackageImport::syncPictures()
         InBackground([&] { return SyncFiles(placed_.size(), picture); },
                      [this] { progress_(ExchangeWork::Importing, 1, 1); });
     if (error) {
-        throw DiskError(QStringLiteral("The pictures could not be put on the disk (%1).")
+        throw DiskError(Words::tr("The pictures could not be put on the disk (%1).")
                             .arg(QString::fromStdString(error.message())));
     }
 }

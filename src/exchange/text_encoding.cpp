@@ -2,6 +2,7 @@
 
 #include "store/errors.h"
 
+#include <QCoreApplication>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -11,6 +12,12 @@
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Package)
+};
 
 constexpr char16_t firstOwn = 0x80;
 constexpr char16_t lastOwn = 0x9f;
@@ -60,7 +67,7 @@ QString decodeText(const QByteArray& bytes, TextEncoding encoding)
                                                          QStringDecoder::Flag::ConvertInitialBom);
         QString text = decoder(bytes);
         if (decoder.hasError()) {
-            throw Error(QStringLiteral("A text in the package is not valid UTF-8."));
+            throw Error(Words::tr("A text in the package is not valid UTF-8."));
         }
         return text;
     }

@@ -32,7 +32,7 @@ InfoWindow::InfoWindow(const QString& title, const QString& text, const QString&
     auto* txtLink = named(new QLineEdit(link), "txtLink", linkCaption.chopped(1).remove(u'&'));
     txtLink->setReadOnly(true);
     lblLink->setBuddy(txtLink);
-    auto* cmdOpen = makeButton("cmdOpen", QStringLiteral("&Open"));
+    auto* cmdOpen = makeButton("cmdOpen", tr("&Open"));
     cmdOpen->setEnabled(QFileInfo::exists(target));
     auto* lblOpenHint = new HintLabel("lblOpenHint", txtLink, HintLabel::Place::Given);
     connect(cmdOpen, &QPushButton::clicked, this, [target, txtLink, lblOpenHint] {
@@ -62,30 +62,27 @@ InfoWindow::InfoWindow(const QString& title, const QString& text, const QString&
 }
 
 frmAbout::frmAbout(const QString& programFolder, QWidget* parent)
-    : InfoWindow(
-          QStringLiteral("About"),
-          QStringLiteral("Varnholt %1\n\nKeeps libraries of test questions and turns a draw of "
-                         "them into a slide presentation with an answer key.\n\nFree software "
-                         "under the MIT licence. It is built on Qt, SQLite and libzip.")
-              .arg(QCoreApplication::applicationVersion()),
-          QStringLiteral("Your questions are &kept in:"), QDir::toNativeSeparators(programFolder),
-          programFolder, parent)
+    : InfoWindow(tr("About"),
+                 tr("Varnholt %1\n\nKeeps libraries of test questions and turns a draw of "
+                    "them into a slide presentation with an answer key.\n\nFree software "
+                    "under the MIT licence. It is built on Qt, SQLite and libzip.")
+                     .arg(QCoreApplication::applicationVersion()),
+                 tr("Your questions are &kept in:"), QDir::toNativeSeparators(programFolder),
+                 programFolder, parent)
 {
     setObjectName(QStringLiteral("frmAbout"));
 }
 
 frmTutorial::frmTutorial(const QString& guidePath, QWidget* parent)
     : InfoWindow(
-          QStringLiteral("Tutorial Videos"),
-          QStringLiteral(
-              "There are no videos yet; the user guide shows every step with pictures.\n\n"
-              "To make slides: open \"Create PowerPoints\", choose an assessment, tick the topics "
-              "and subtopics you want, type how many questions you need and press \"Create "
-              "PowerPoint\". The slides open in your presentation program, where you save them."),
-          QStringLiteral("The user &guide:"),
-          guidePath.isEmpty()
-              ? QStringLiteral("The folder \"guide\" is missing beside the program.")
-              : QDir::toNativeSeparators(guidePath),
+          tr("Tutorial Videos"),
+          tr("There are no videos yet; the user guide shows every step with pictures.\n\n"
+             "To make slides: open \"Create PowerPoints\", choose an assessment, tick the topics "
+             "and subtopics you want, type how many questions you need and press \"Create "
+             "PowerPoint\". The slides open in your presentation program, where you save them."),
+          tr("The user &guide:"),
+          guidePath.isEmpty() ? tr("The folder \"guide\" is missing beside the program.")
+                              : QDir::toNativeSeparators(guidePath),
           guidePath, parent)
 {
     setObjectName(QStringLiteral("frmTutorial"));

@@ -1,5 +1,6 @@
 #include "pictures/jpeg_structure.h"
 
+#include <QCoreApplication>
 #include <QtEndian>
 
 #include <algorithm>
@@ -11,8 +12,8 @@ namespace varnholt {
 
 namespace {
 
-constexpr auto cutOff = "is cut off";
-constexpr auto damaged = "is damaged";
+constexpr auto cutOff = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is cut off.");
+constexpr auto damaged = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is damaged.");
 
 void require(bool right)
 {
@@ -214,7 +215,8 @@ private:
     void takeScan(QByteArrayView content)
     {
         if (++structure_.scans > largestJpegScans) {
-            throw BadStructure("has too many scans");
+            throw BadStructure(
+                QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" has too many scans."));
         }
         require(!components_.empty());
         const int count = byteAt(content, 0);

@@ -7,8 +7,8 @@
 
 namespace varnholt {
 
-/// Why bytes are no whole picture that decoders take: the second half of a sentence whose
-/// first is the picture's name.
+/// Why bytes are no whole picture that decoders take: a sentence for the translator, in the
+/// context "Picture", with %1 for the picture's name.
 class BadStructure : public std::runtime_error
 {
 public:

@@ -4,6 +4,7 @@
 #include "pictures/stoppable_bytes.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -22,19 +23,26 @@ namespace varnholt {
 
 namespace {
 
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Picture)
+};
+
 constexpr double defaultDotsPerInch = 96;
 constexpr double pointsPerInch = 72;
 /// More than any of the four formats can express in a byte.
 constexpr qint64 mostPixelsPerByte = 10'000;
 
-constexpr auto cutOff = "is cut off";
-constexpr auto damaged = "is damaged";
-constexpr auto noPicture = "is not a JPEG, PNG, GIF or BMP picture";
+constexpr auto cutOff = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is cut off.");
+constexpr auto damaged = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is damaged.");
+constexpr auto noPicture =
+    QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is not a JPEG, PNG, GIF or BMP picture.");
 
-[[noreturn]] void fail(PictureFault fault, const QString& path, const QString& why)
+/// The sentence has %1 for the picture's name.
+[[noreturn]] void fail(PictureFault fault, const QString& path, const QString& sentence)
 {
-    throw PictureError(
-        fault, QStringLiteral("The picture \"%1\" %2.").arg(QDir::toNativeSeparators(path), why));
+    throw PictureError(fault, sentence.arg(QDir::toNativeSeparators(path)));
 }
 
 QByteArray readWhole(const QString& path)
@@ -42,21 +50,22 @@ QByteArray readWhole(const QString& path)
     // Opening a pipe or a device of that name could wait for ever.
     const QFileInfo info(path);
     if (!info.exists()) {
-        fail(PictureFault::Missing, path, QStringLiteral("does not exist"));
+        fail(PictureFault::Missing, path, Words::tr("The picture \"%1\" does not exist."));
     }
     QFile file(path);
     if (!info.isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
-        fail(PictureFault::Unreadable, path, QStringLiteral("cannot be read"));
+        fail(PictureFault::Unreadable, path, Words::tr("The picture \"%1\" cannot be read."));
     }
     if (file.size() > largestPictureFile) {
-        fail(PictureFault::TooLarge, path, QStringLiteral("is too large a file"));
+        fail(PictureFault::TooLarge, path, Words::tr("The picture \"%1\" is too large a file."));
     }
     if (file.size() == 0) {
-        fail(PictureFault::Damaged, path, QStringLiteral("is empty"));
+        fail(PictureFault::Damaged, path, Words::tr("The picture \"%1\" is empty."));
     }
     QByteArray bytes = file.readAll();
     if (bytes.size() != file.size()) {
-        fail(PictureFault::Unreadable, path, QStringLiteral("cannot be read to its end"));
+        fail(PictureFault::Unreadable, path,
+             Words::tr("The picture \"%1\" cannot be read to its end."));
     }
     return bytes;
 }
@@ -336,7 +345,7 @@ QImage read(const CheckedPicture& picture, int longestSide, const QString& path,
     }
     QImage image = reader.read();
     if (image.isNull()) {
-        fail(PictureFault::Damaged, path, QStringLiteral("cannot be decoded"));
+        fail(PictureFault::Damaged, path, Words::tr("The picture \"%1\" cannot be decoded."));
     }
     return image;
 }
@@ -364,12 +373,12 @@ CheckedPicture checkPicture(const QString& path)
             throw BadStructure(noPicture);
         }
     } catch (const BadStructure& fault) {
-        fail(PictureFault::Damaged, path, QLatin1String(fault.what()));
+        fail(PictureFault::Damaged, path, Words::tr(fault.what()));
     }
     const QSize pixels = header.pixels;
     const qint64 area = qint64(pixels.width()) * pixels.height();
     if (area / mostPixelsPerByte > picture.bytes.size()) {
-        fail(PictureFault::Damaged, path, QLatin1String(damaged));
+        fail(PictureFault::Damaged, path, Words::tr(damaged));
     }
     // A progressive JPEG is kept whole while its scans refine it.
     const bool wholeInMemory = header.format != "jpeg" || header.scans > 1;
@@ -378,9 +387,9 @@ CheckedPicture checkPicture(const QString& path)
         area > (wholeInMemory ? largestWholeArea : largestPictureArea) ||
         picture.work > largestDecodingWork) {
         fail(PictureFault::TooLarge, path,
-             QStringLiteral("is too large for a slide (%1 × %2 pixels)")
-                 .arg(pixels.width())
-                 .arg(pixels.height()));
+             Words::tr("The picture \"%1\" is too large for a slide (%2 × %3 pixels).")
+                 .arg(QStringLiteral("%1"), QString::number(pixels.width()),
+                      QString::number(pixels.height())));
     }
     const bool given = isDensity(header.densityX) && isDensity(header.densityY);
     const double x = given ? header.densityX : defaultDotsPerInch;
@@ -409,7 +418,8 @@ PictureInfo readPictureInfo(const QString& path)
         QImageWriter writer(&buffer, "jpeg");
         writer.setQuality(95);
         if (!writer.write(read(picture, largestPictureSide, path))) {
-            fail(PictureFault::Damaged, path, QStringLiteral("cannot be turned upright"));
+            fail(PictureFault::Damaged, path,
+                 Words::tr("The picture \"%1\" cannot be turned upright."));
         }
         if (picture.orientation >= 5) {
             info.pixels.transpose();

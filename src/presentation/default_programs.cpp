@@ -1,5 +1,6 @@
 #include "presentation/default_programs.h"
 
+#include "desktop/desktop_programs.h"
 #include "presentation/impress/impress_plugin.h"
 #include "presentation/pptx/pptx_program.h"
 #include "store/errors.h"
@@ -17,30 +18,23 @@ namespace varnholt {
 
 namespace {
 
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
+
 #ifndef Q_OS_WIN
 
-/// False only when the desktop says that no program is registered for .pptx files: what opens
-/// them starts anyway then and fails unseen.
-bool programIsRegistered()
-{
-    const QString query = QStandardPaths::findExecutable(u"xdg-mime"_s);
-    if (query.isEmpty()) {
-        return true;
-    }
-    QProcess process;
-    process.start(query, {u"query"_s, u"default"_s,
-                          u"application/vnd.openxmlformats-officedocument.presentationml."
-                          "presentation"_s});
-    constexpr int limitMs = 3000;
-    return !process.waitForFinished(limitMs) ||
-           !process.readAllStandardOutput().trimmed().isEmpty();
-}
+const QString presentationType =
+    u"application/vnd.openxmlformats-officedocument.presentationml.presentation"_s;
 
 /// Whether the desktop has a program for the file and the means to find it. Without the means
 /// Qt would hand the file to a web browser.
 bool openWithDesktopsChoice(const QString& path)
 {
-    return !QStandardPaths::findExecutable(u"xdg-open"_s).isEmpty() && programIsRegistered() &&
+    return !QStandardPaths::findExecutable(u"xdg-open"_s).isEmpty() &&
+           ProgramIsRegistered(presentationType) &&
            QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
@@ -131,7 +125,7 @@ std::unique_ptr<PresentationProgram>
 DefaultPresentationPrograms::startPowerPoint(const KeepGoing& keepGoing) const
 {
     if (!powerPoint_) {
-        throw Error(QStringLiteral("PowerPoint is not available on this computer."));
+        throw Error(Words::tr("PowerPoint is not available on this computer."));
     }
     return powerPoint_->start(keepGoing);
 }
@@ -142,7 +136,7 @@ std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start(SlidesIn
     const QString& asked = settings_.program;
     if (into == SlidesInto::File) {
         // What opens files may be the very program that hangs, so the user is told where it is.
-        return startPptx(keepGoing, QStringLiteral("The presentation program has not answered."));
+        return startPptx(keepGoing, Words::tr("The presentation program has not answered."));
     }
     if (asked == u"pptx") {
         return startPptx(keepGoing);
@@ -154,8 +148,8 @@ std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start(SlidesIn
         return startPowerPoint(keepGoing);
     }
     if (!asked.isEmpty()) {
-        throw Error(QStringLiteral("VARNHOLT_PRESENTATION is \"%1\", but must be \"powerpoint\", "
-                                   "\"impress\" or \"pptx\".")
+        throw Error(Words::tr("VARNHOLT_PRESENTATION is \"%1\", but must be \"powerpoint\", "
+                              "\"impress\" or \"pptx\".")
                         .arg(asked));
     }
     if (!canWriteFileInstead()) {
@@ -167,7 +161,7 @@ std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start(SlidesIn
         throw;
     } catch (const Error& error) {
         return startPptx(keepGoing,
-                         QStringLiteral("%1 did not start: %2")
+                         Words::tr("%1 did not start: %2")
                              .arg(powerPoint_ ? u"PowerPoint"_s : u"Impress"_s, error.message()));
     }
 }

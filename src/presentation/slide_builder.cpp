@@ -2,9 +2,17 @@
 
 #include "store/errors.h"
 
+#include <QCoreApplication>
+
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
 
 constexpr int answersPerSlide = 25;
 constexpr double answerLineHeight = 20;
@@ -105,16 +113,13 @@ private:
         program_.scaleWidth(t + 2, 1);
     }
 
-    static QString pictureDescription(int number)
-    {
-        return QStringLiteral("Question %1").arg(number);
-    }
+    static QString pictureDescription(int number) { return Words::tr("Question %1").arg(number); }
 
     void addAnswerKey()
     {
         appendSlide();
         program_.addTextBox(0, 0, 300, 100, LongLines::Wrap);
-        program_.setShapeText(1, QStringLiteral("Answer Key"));
+        program_.setShapeText(1, Words::tr("Answer Key"));
         int answer = 0;
         int line = 1;
         for (int i = 1; i <= input_.drawPool.upperBound(); ++i) {

@@ -3,10 +3,21 @@
 #include "pictures/picture_info.h"
 #include "store/errors.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
 namespace varnholt {
+
+namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
+
+} // namespace
 
 QString UprightPictures::file(const QString& path, const PictureInfo& info)
 {
@@ -17,9 +28,9 @@ QString UprightPictures::file(const QString& path, const PictureInfo& info)
     if (!folder_) {
         folder_ = std::make_unique<QTemporaryDir>();
     }
-    QFile file(folder_->filePath(QStringLiteral("%1.jpg").arg(++count_)));
+    QFile file(folder_->filePath(Words::tr("%1.jpg").arg(++count_)));
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
-        throw Error(QStringLiteral("A turned picture could not be written to \"%1\": %2.")
+        throw Error(Words::tr("A turned picture could not be written to \"%1\": %2.")
                         .arg(file.fileName(), file.errorString()));
     }
     return file.fileName();

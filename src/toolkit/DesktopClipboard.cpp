@@ -6,6 +6,7 @@
 
 #include <QBuffer>
 #include <QClipboard>
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
@@ -19,6 +20,12 @@ namespace varnholt {
 
 namespace {
 
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(DesktopClipboard)
+};
+
 /// How long all formats together are waited for once the first has brought nothing.
 constexpr int patienceMs = 2000;
 constexpr qint64 maxFileBytes = 512LL * 1024 * 1024;
@@ -26,11 +33,10 @@ constexpr qint64 maxFileBytes = 512LL * 1024 * 1024;
 void checkSize(QSize size)
 {
     if (qint64{size.width()} * size.height() > maxClipboardPixels) {
-        throw Error(
-            QStringLiteral("The copied picture is too large: %1 by %2 pixels. Please copy a "
-                           "smaller part of it.")
-                .arg(size.width())
-                .arg(size.height()));
+        throw Error(Words::tr("The copied picture is too large: %1 by %2 pixels. Please copy a "
+                              "smaller part of it.")
+                        .arg(size.width())
+                        .arg(size.height()));
     }
 }
 

@@ -43,7 +43,7 @@ QString ApostropheHint(const QString& text)
 {
     return statements::canHold(text)
                ? QString()
-               : QStringLiteral("An apostrophe (') cannot be saved. Use ’ instead.");
+               : HintLabel::tr("An apostrophe (') cannot be saved. Use ’ instead.");
 }
 
 } // namespace varnholt

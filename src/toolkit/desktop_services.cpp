@@ -1,5 +1,6 @@
 #include "toolkit/desktop_services.h"
 
+#include "desktop/desktop_programs.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/LineEdit.h"
 #include "toolkit/controls.h"
@@ -15,7 +16,6 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeDatabase>
-#include <QProcess>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QUrl>
@@ -66,22 +66,6 @@ void prepare(QMessageBox& box, const QString& title, const QString& text)
     if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
         grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
     }
-}
-
-/// False only when the desktop says that nothing is registered for what this is: what opens
-/// files starts anyway then and fails unseen.
-bool programIsRegistered(const QString& path)
-{
-    const QString query = QStandardPaths::findExecutable(QStringLiteral("xdg-mime"));
-    if (query.isEmpty() || qEnvironmentVariableIsSet("BROWSER")) {
-        return true;
-    }
-    QProcess process;
-    process.start(query, {QStringLiteral("query"), QStringLiteral("default"),
-                          QMimeDatabase().mimeTypeForFile(path).name()});
-    constexpr int limitMs = 3000;
-    return !process.waitForFinished(limitMs) ||
-           !process.readAllStandardOutput().trimmed().isEmpty();
 }
 
 /// The folder used last, or the nearest to it that is still there.
@@ -196,7 +180,10 @@ std::optional<QString> DesktopFileDialogs::openFolder(const QString& title,
 
 bool OpenWithDesktop(const QString& path)
 {
-    return programIsRegistered(path) && QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    // A browser that is set opens anything.
+    return (qEnvironmentVariableIsSet("BROWSER") ||
+            ProgramIsRegistered(QMimeDatabase().mimeTypeForFile(path).name())) &&
+           QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 std::int64_t SystemClock::millisecondsSinceEpoch() const

@@ -3,6 +3,7 @@
 #include "presentation/slide_text.h"
 #include "store/errors.h"
 
+#include <QCoreApplication>
 #include <QUrl>
 
 #include <com/sun/star/awt/XTopWindow.hpp>
@@ -30,6 +31,12 @@ using css::uno::UNO_QUERY_THROW;
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
 
 /// 960 x 540 points.
 constexpr sal_Int32 pageWidth = 33'867;
@@ -89,7 +96,7 @@ void ImpressDocument::show()
                                                UNO_QUERY_THROW);
     window->setVisible(true);
     if (!window->isVisible()) {
-        throw Error(QStringLiteral("Impress runs without a screen to show the presentation on."));
+        throw Error(Words::tr("Impress runs without a screen to show the presentation on."));
     }
 }
 
@@ -113,7 +120,7 @@ void ImpressDocument::appendBlankSlide()
 ImpressDocument::Shape& ImpressDocument::shapeAt(int shape)
 {
     if (shape < 1 || size_t(shape) > shapes_.size()) {
-        throw Error(QStringLiteral("The slide has no shape %1.").arg(shape));
+        throw Error(Words::tr("The slide has no shape %1.").arg(shape));
     }
     return shapes_[size_t(shape) - 1];
 }
@@ -122,7 +129,7 @@ void ImpressDocument::addShape(const char* service, const HundredthMm& box, cons
                                const Values& values)
 {
     if (!page_.is()) {
-        throw Error(QStringLiteral("The presentation has no slide yet."));
+        throw Error(Words::tr("The presentation has no slide yet."));
     }
     const Reference<css::drawing::XShape> shape(
         factory_->createInstance(rtl::OUString::createFromAscii(service)), UNO_QUERY_THROW);
@@ -183,7 +190,7 @@ void ImpressDocument::addPicture(const QString& path, const HundredthMm& box,
     const Reference<css::graphic::XGraphic> graphic = graphics_->queryGraphic(source);
     // What cannot be read comes back as nothing or as an empty picture.
     if (!graphic.is() || graphic->getType() == css::graphic::GraphicType::EMPTY) {
-        throw Error(QStringLiteral("Impress cannot read the picture \"%1\".").arg(path));
+        throw Error(Words::tr("Impress cannot read the picture \"%1\".").arg(path));
     }
     addShape("com.sun.star.drawing.GraphicObjectShape", box,
              unoSequence<rtl::OUString>({"Description", "Graphic"}),
@@ -214,7 +221,7 @@ void ImpressDocument::scaleWidth(int shape, double factor)
 void ImpressDocument::choose(int index)
 {
     if (index < 1 || index > slideCount_) {
-        throw Error(QStringLiteral("The presentation has no slide %1.").arg(index));
+        throw Error(Words::tr("The presentation has no slide %1.").arg(index));
     }
     page_.set(pages_->getByIndex(index - 1), UNO_QUERY_THROW);
     shapes_.clear();

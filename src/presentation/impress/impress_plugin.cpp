@@ -11,6 +11,12 @@ namespace varnholt {
 
 namespace {
 
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
+
 QString findPlugin()
 {
     const QString own = QCoreApplication::applicationDirPath();
@@ -38,7 +44,7 @@ ImpressPlugin::ImpressPlugin()
 {
     const QString path = findPlugin();
     if (path.isEmpty()) {
-        reason_ = QStringLiteral("This program was installed without its part for Impress.");
+        reason_ = Words::tr("This program was installed without its part for Impress.");
         return;
     }
     // Never unloaded: the office suite's libraries keep threads and exit handlers.
@@ -46,8 +52,8 @@ ImpressPlugin::ImpressPlugin()
     library.setLoadHints(QLibrary::PreventUnloadHint);
     entry_ = reinterpret_cast<ImpressEntry>(library.resolve(impressEntryName));
     if (entry_ == nullptr) {
-        reason_ = QStringLiteral("Impress is not installed, or not one that fits this program "
-                                 "(%1).")
+        reason_ = Words::tr("Impress is not installed, or not one that fits this program "
+                            "(%1).")
                       .arg(library.errorString());
     }
 }

@@ -3,6 +3,8 @@
 #include "pictures/picture_info.h"
 #include "store/errors.h"
 
+#include <QCoreApplication>
+
 #include <com/sun/star/lang/DisposedException.hpp>
 
 #include <cmath>
@@ -10,6 +12,12 @@
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
 
 constexpr int farewellMs = 3000;
 
@@ -28,9 +36,9 @@ void ImpressProgram::call(Task task)
             task(*document);
         } catch (const css::lang::DisposedException&) {
             *gone = true;
-            throw ProgramGone(QStringLiteral("Impress, or the presentation in it, was closed."));
+            throw ProgramGone(Words::tr("Impress, or the presentation in it, was closed."));
         } catch (const css::uno::Exception& exception) {
-            throw Error(QStringLiteral("Impress reported: %1").arg(fromUno(exception.Message)));
+            throw Error(Words::tr("Impress reported: %1").arg(fromUno(exception.Message)));
         }
     });
 }

@@ -2,6 +2,7 @@
 
 #include "store/errors.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -30,6 +31,12 @@
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
 
 constexpr int pollEveryMs = 50;
 /// How long an office that is told to end may take.
@@ -106,7 +113,7 @@ public:
     void start()
     {
         if (!process_.startDetached(&pid_)) {
-            throw Error(QStringLiteral("\"%1\" could not be started: %2.")
+            throw Error(Words::tr("\"%1\" could not be started: %2.")
                             .arg(process_.program(), process_.errorString()));
         }
         group_ = getpgid(pid_t(pid_));
@@ -194,7 +201,7 @@ bool OfficeConnection::tryOpen()
             }
         } catch (const css::uno::Exception& exception) {
             close();
-            throw Error(QStringLiteral("The office suite refused the connection: %1")
+            throw Error(Words::tr("The office suite refused the connection: %1")
                             .arg(fromUno(exception.Message)));
         }
     }
@@ -221,11 +228,11 @@ void OfficeConnection::waitFor(const ImpressSettings& settings)
                 return;
             }
             if (waiting.hasExpired(settings.startLimitMs)) {
-                throw Error(QStringLiteral("The office suite does not answer."));
+                throw Error(Words::tr("The office suite does not answer."));
             }
         }
     }
-    throw Error(QStringLiteral("The office suite ends as soon as it is started."));
+    throw Error(Words::tr("The office suite ends as soon as it is started."));
 }
 
 void OfficeConnection::open(const ImpressSettings& settings)

@@ -17,6 +17,12 @@ namespace varnholt {
 
 namespace {
 
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
+
 constexpr auto partPrefix = ".varnholt-";
 constexpr qint64 partLifetimeSeconds = 3600;
 
@@ -47,15 +53,14 @@ QString noticeOf(const QString& insteadBecause, bool opened, const QString& path
     QStringList paragraphs;
     if (!insteadBecause.isEmpty()) {
         paragraphs.append(insteadBecause);
-        paragraphs.append(
-            QStringLiteral("The slides were written to a presentation file instead."));
+        paragraphs.append(Words::tr("The slides were written to a presentation file instead."));
     }
     if (!opened) {
         paragraphs.append(
-            QStringLiteral("There is no program on this computer to show the presentation."));
+            Words::tr("There is no program on this computer to show the presentation."));
     }
     if (!paragraphs.isEmpty()) {
-        paragraphs.append(QStringLiteral("You find it here:\n%1").arg(path));
+        paragraphs.append(Words::tr("You find it here:\n%1").arg(path));
     }
     return paragraphs.join(u"\n\n");
 }
@@ -83,15 +88,15 @@ void PptxProgram::addPresentation()
 {
     QDir folder(folder_);
     if (!folder.mkpath(QStringLiteral("."))) {
-        throw Error(QStringLiteral("The folder \"%1\" for presentations cannot be made.")
-                        .arg(native(folder_)));
+        throw Error(
+            Words::tr("The folder \"%1\" for presentations cannot be made.").arg(native(folder_)));
     }
     removeOldParts(folder, QDateTime::currentDateTime());
     partPath_ = folder_ + u'/' + QLatin1String(partPrefix) +
                 QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".part");
     QFile probe(partPath_);
     if (!probe.open(QIODevice::WriteOnly)) {
-        throw Error(QStringLiteral("Nothing can be written to the folder \"%1\": %2.")
+        throw Error(Words::tr("Nothing can be written to the folder \"%1\": %2.")
                         .arg(native(folder_), probe.errorString()));
     }
     probe.remove();
@@ -107,7 +112,7 @@ void PptxProgram::appendBlankSlide()
 PptxSlide& PptxProgram::currentSlide()
 {
     if (document_.slides.empty()) {
-        throw Error(QStringLiteral("The presentation has no slide yet."));
+        throw Error(Words::tr("The presentation has no slide yet."));
     }
     return document_.slides.back();
 }
@@ -116,7 +121,7 @@ PptxShape& PptxProgram::shapeAt(int shape)
 {
     PptxSlide& slide = currentSlide();
     if (shape < 1 || size_t(shape) > slide.shapes.size()) {
-        throw Error(QStringLiteral("The slide has no shape %1.").arg(shape));
+        throw Error(Words::tr("The slide has no shape %1.").arg(shape));
     }
     return slide.shapes[size_t(shape) - 1];
 }
@@ -189,7 +194,7 @@ void PptxProgram::scaleWidth(int shape, double factor)
 void PptxProgram::showSlide(int index)
 {
     if (index < 1 || size_t(index) > document_.slides.size()) {
-        throw Error(QStringLiteral("The presentation has no slide %1.").arg(index));
+        throw Error(Words::tr("The presentation has no slide %1.").arg(index));
     }
 }
 
@@ -207,7 +212,7 @@ QString PptxProgram::giveFinalName()
             return path;
         }
     }
-    throw Error(QStringLiteral("The presentation could not be given a name in the folder \"%1\".")
+    throw Error(Words::tr("The presentation could not be given a name in the folder \"%1\".")
                     .arg(native(folder_)));
 }
 

@@ -3,6 +3,7 @@
 #include "files/sync.h"
 #include "store/errors.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QtEndian>
 
@@ -18,6 +19,17 @@
 namespace varnholt {
 
 namespace {
+
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
+
+QString native(const QString& path)
+{
+    return QDir::toNativeSeparators(path);
+}
 
 quint32 checkSum(quint32 before, const char* bytes, qint64 size)
 {
@@ -64,13 +76,15 @@ ZipWriter::~ZipWriter()
 
 void ZipWriter::fail(const QString& why) const
 {
-    throw Error(QStringLiteral("The presentation could not be written to \"%1\": %2.")
-                    .arg(QDir::toNativeSeparators(file_.fileName()), why));
+    throw Error(Words::tr("The presentation could not be written to \"%1\": %2.")
+                    .arg(native(file_.fileName()), why));
 }
 
 void ZipWriter::failTooLarge() const
 {
-    fail(QStringLiteral("it has too many pictures for one file"));
+    throw Error(Words::tr("The presentation could not be written to \"%1\": it has too many "
+                          "pictures for one file.")
+                    .arg(native(file_.fileName())));
 }
 
 void ZipWriter::writeAt(qint64 offset, const QByteArray& bytes)
@@ -183,8 +197,9 @@ void ZipWriter::addFile(const QByteArray& name, const QString& path)
         flushWhenFull();
     }
     if (!readable || size >= largestNumber) {
-        fail(QStringLiteral("the picture \"%1\" cannot be read")
-                 .arg(QDir::toNativeSeparators(path)));
+        throw Error(Words::tr("The presentation could not be written to \"%1\": the picture "
+                              "\"%2\" cannot be read.")
+                        .arg(native(file_.fileName()), native(path)));
     }
     Entry& entry = entries_.back();
     entry.size = quint32(size);
