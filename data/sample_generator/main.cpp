@@ -6,6 +6,8 @@
 #include "page.h"
 
 #include <QDir>
+#include <QFontInfo>
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QImageWriter>
 #include <QSaveFile>
@@ -34,6 +36,19 @@ void savePicture(const QImage& image, const QString& path)
         throw std::runtime_error(u"%1 cannot be written"_qs.arg(path).toStdString());
 }
 
+/// An answer has one line of the key on the slides: 100 points less the margins of its box.
+void checkAnswerFits(const SampleQuestion& question)
+{
+    QFont font(u"Liberation Sans"_qs);
+    font.setPixelSize(18); // A point is a pixel at 72 dots an inch.
+    font.setHintingPreference(QFont::PreferNoHinting);
+    if (QFontInfo(font).family() != font.family())
+        throw std::runtime_error("the font Liberation Sans is not installed");
+    if (QFontMetricsF(font).horizontalAdvance(u"99) "_qs + question.answer) > 85.6)
+        throw std::runtime_error(
+            u"%1: the answer is too wide for the key"_qs.arg(question.where).toStdString());
+}
+
 void generate(const QString& contentFolder, const QString& schema, const QString& output)
 {
     const SampleContent content = readSampleContent(contentFolder);
@@ -47,6 +62,7 @@ void generate(const QString& contentFolder, const QString& schema, const QString
     for (const SampleQuestion& question : content.questions) {
         expected += u"%1.jpg"_qs.arg(question.key);
         try {
+            checkAnswerFits(question);
             savePicture(drawQuestion(typesetter, question), pictures.filePath(expected.back()));
         } catch (const std::exception& error) {
             faults += QString::fromUtf8(error.what());
