@@ -86,8 +86,9 @@ SingleInstance::Start SingleInstance::leaveNote()
         return Start::HandedOver;
     }
     const QStringList lines = QString::fromUtf8(text).split(u'\n');
-    holder_ =
-        lines.size() > 2 ? tr("%1 on %2").arg(lines.at(0), lines.at(1)) : tr("another program");
+    if (lines.size() > 2) {
+        holder_ = {lines.at(0), lines.at(1)};
+    }
     return Start::ReadOnly;
 }
 

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 namespace varnholt {
 
@@ -32,8 +33,13 @@ public:
     /// Call it once.
     [[nodiscard]] Start start();
 
-    /// Who has the library after `ReadOnly`, for example "anna on pc-3".
-    [[nodiscard]] const QString& holder() const { return holder_; }
+    struct Holder
+    {
+        QString user;
+        QString machine;
+    };
+    /// Who has the library after `ReadOnly`; none where that program has not said so.
+    [[nodiscard]] const std::optional<Holder>& holder() const { return holder_; }
 
     /// Begins to listen for other starts; for the first, once its window stands.
     void listen();
@@ -49,7 +55,7 @@ private:
     QString libraryPath_;
     QString lockPath_;
     LockFile lock_;
-    QString holder_;
+    std::optional<Holder> holder_;
     std::unique_ptr<QFileSystemWatcher> watcher_;
 };
 

@@ -49,15 +49,14 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     childArea_->setContentsMargins(0, 0, 0, 0);
     childArea_->setSpacing(0);
     if (access == Connection::Access::Change && library_.connection().isReadOnly()) {
-        showNotice(
-            "lblReadOnly",
-            QStringLiteral("The question library can only be read: changes cannot be saved."));
+        showNotice("lblReadOnly",
+                   tr("The question library can only be read: changes cannot be saved."));
     }
     if (!unfinished.isEmpty()) {
         showNotice("lblUnfinished", unfinished);
     }
     buildChildBar();
-    lblEmpty_ = makeLabel("lblEmpty", QStringLiteral("Choose what to do in the menu above."));
+    lblEmpty_ = makeLabel("lblEmpty", tr("Choose what to do in the menu above."));
     lblEmpty_->setAlignment(Qt::AlignCenter);
     lblEmpty_->setForegroundRole(QPalette::PlaceholderText);
     // At the start the selection window is about to come.
@@ -103,7 +102,7 @@ void frmAssessment::tellDamage()
         QTimer::singleShot(retryMs, this, &frmAssessment::tellDamage);
         return;
     }
-    const QString title = QStringLiteral("Database Error");
+    const QString title = tr("Database Error");
     const QString told =
         tr("The question library is damaged, so questions may be missing or wrong:\n%1")
             .arg(QDir::toNativeSeparators(library_.connection().path()));
@@ -182,13 +181,13 @@ void frmAssessment::buildMenu()
             action->setEnabled(false);
         }
     };
-    addEntry("mnuCreate", QStringLiteral("&Create PowerPoints"), &frmAssessment::mnuCreate_Click);
-    addEntry("mnuManageAssessments", QStringLiteral("&Manage Assessments"),
+    addEntry("mnuCreate", tr("&Create PowerPoints"), &frmAssessment::mnuCreate_Click);
+    addEntry("mnuManageAssessments", tr("&Manage Assessments"),
              &frmAssessment::mnuManageAssessments_Click);
-    addEntry("mnuExport", QStringLiteral("E&xport Assessment"), &frmAssessment::mnuExport_Click);
-    addEntry("mnuImport", QStringLiteral("&Import Assessment"), &frmAssessment::mnuImport_Click);
-    addEntry("mnuTutorial", QStringLiteral("Tutorial &Videos"), &frmAssessment::mnuTutorial_Click);
-    addEntry("mnAbout", QStringLiteral("A&bout"), &frmAssessment::mnAbout_Click);
+    addEntry("mnuExport", tr("E&xport Assessment"), &frmAssessment::mnuExport_Click);
+    addEntry("mnuImport", tr("&Import Assessment"), &frmAssessment::mnuImport_Click);
+    addEntry("mnuTutorial", tr("Tutorial &Videos"), &frmAssessment::mnuTutorial_Click);
+    addEntry("mnAbout", tr("A&bout"), &frmAssessment::mnAbout_Click);
 
     // No letter of the word is free in every window, and theirs were there first: F10 leads here.
     QMenu* more = menuBar()->addMenu(tr("More"));
@@ -203,7 +202,7 @@ void frmAssessment::buildMenu()
     addMore("mnuBackups", tr("&Backups…"), &frmAssessment::mnuBackups_Click);
     addMore("mnuCheck", tr("&Check Library…"), &frmAssessment::mnuCheck_Click);
 
-    auto* closeChildWindow = new QAction(QStringLiteral("Close window"), this);
+    auto* closeChildWindow = new QAction(tr("Close window"), this);
     closeChildWindow->setShortcuts(
         {QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::CTRL | Qt::Key_F4)});
     connect(closeChildWindow, &QAction::triggered, this, &frmAssessment::closeChild);

@@ -20,7 +20,7 @@ bool RescueLibrary(const Services& services, const QString& reason)
     }
     const BackupInfo& newest = all.front();
     if (!services.messageBoxes->yesNo(
-            QStringLiteral("Database Error"),
+            QCoreApplication::translate("LibraryRescue", "Database Error"),
             reason + QStringLiteral("\n\n") + BackupWords::newest(newest, now) + u' ' +
                 QCoreApplication::translate(
                     "LibraryRescue",

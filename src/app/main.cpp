@@ -21,7 +21,7 @@ public:
         } catch (const varnholt::Error& error) {
             tell(error.message());
         } catch (const std::exception& error) {
-            tell(QStringLiteral("Something went wrong (%1).")
+            tell(QCoreApplication::translate("RunProgram", "Something went wrong (%1).")
                      .arg(QString::fromLocal8Bit(error.what())));
         }
         return true;
@@ -30,7 +30,8 @@ public:
 private:
     static void tell(const QString& text)
     {
-        varnholt::DesktopMessageBoxes().inform(QStringLiteral("Error"), text);
+        varnholt::DesktopMessageBoxes().inform(QCoreApplication::translate("RunProgram", "Error"),
+                                               text);
     }
 };
 

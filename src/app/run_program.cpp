@@ -75,6 +75,20 @@ private:
     frmAssessment& frame_;
 };
 
+QString inUse(const std::optional<SingleInstance::Holder>& holder)
+{
+    return holder
+               ? QApplication::translate("RunProgram",
+                                         "The question library is in use by %1 on %2 and can only "
+                                         "be read here. To change it, start Varnholt again once it "
+                                         "is closed there.")
+                     .arg(holder->user, holder->machine)
+               : QApplication::translate("RunProgram",
+                                         "The question library is in use by another program and "
+                                         "can only be read here. To change it, start Varnholt "
+                                         "again once it is closed there.");
+}
+
 int run(QApplication& application, MessageBoxes& messages)
 {
     const QString own = QApplication::applicationDirPath();
@@ -124,12 +138,7 @@ int run(QApplication& application, MessageBoxes& messages)
     }
     frmAssessment& frame = *opened;
     if (!first) {
-        frame.showNotice("lblInUse",
-                         QApplication::translate(
-                             "RunProgram", "The question library is in use by %1 and can only be "
-                                           "read here. To change it, start Varnholt again once it "
-                                           "is closed there.")
-                             .arg(instance.holder()));
+        frame.showNotice("lblInUse", inUse(instance.holder()));
     }
     if (programFolder != own && QFileInfo::exists(LibraryPath(own))) {
         frame.showNotice("lblOwnCopy",
@@ -172,10 +181,10 @@ int RunProgram(QApplication& application)
     try {
         return run(application, messages);
     } catch (const DatabaseError& error) {
-        messages.inform(QStringLiteral("Database Error"), error.message());
+        messages.inform(QApplication::translate("RunProgram", "Database Error"), error.message());
         return 1;
     } catch (const Error& error) {
-        messages.inform(QStringLiteral("Error"), error.message());
+        messages.inform(QApplication::translate("RunProgram", "Error"), error.message());
         return 1;
     }
 }

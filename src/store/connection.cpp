@@ -62,7 +62,7 @@ int Recordset::field(const char* name) const
         }
     }
     throw DatabaseError(
-        QStringLiteral("The result has no field \"%1\".").arg(QString::fromUtf8(name)));
+        Connection::tr("The result has no field \"%1\".").arg(QString::fromUtf8(name)));
 }
 
 std::int32_t Recordset::integer(int field) const
@@ -70,7 +70,7 @@ std::int32_t Recordset::integer(int field) const
     const sqlite3_int64 value = sqlite3_column_int64(statement_, field);
     if (value < std::numeric_limits<std::int32_t>::min() ||
         value > std::numeric_limits<std::int32_t>::max()) {
-        throw DatabaseError(QStringLiteral("The number %1 is too large for a key.").arg(value));
+        throw DatabaseError(Connection::tr("The number %1 is too large for a key.").arg(value));
     }
     return static_cast<std::int32_t>(value);
 }
@@ -162,7 +162,7 @@ void Connection::requireInPlace() const
     int moved = 0;
     sqlite3_file_control(database_, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
     if (moved) {
-        throw DatabaseError(QStringLiteral("The question library has been moved or deleted:\n%1")
+        throw DatabaseError(tr("The question library has been moved or deleted:\n%1")
                                 .arg(QDir::toNativeSeparators(path_)));
     }
 }
@@ -191,7 +191,7 @@ Recordset Connection::read(const QString& statement)
 void Connection::requireOpen() const
 {
     if (!database_) {
-        throw DatabaseError(QStringLiteral("The question library is not open."));
+        throw DatabaseError(tr("The question library is not open."));
     }
 }
 

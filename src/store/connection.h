@@ -3,6 +3,7 @@
 #include "store/errors.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QString>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -61,6 +62,8 @@ private:
 /// programs of one machine can share.
 class Connection
 {
+    Q_DECLARE_TR_FUNCTIONS(Connection)
+
 public:
     enum class Access
     {

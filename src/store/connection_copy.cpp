@@ -15,15 +15,13 @@ QString whyNotCopied(int result, sqlite3* database)
 {
     switch (result & 0xff) {
     case SQLITE_FULL:
-        return QCoreApplication::translate("Connection", "The disk is full.");
+        return Connection::tr("The disk is full.");
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return QCoreApplication::translate("Connection",
-                                           "Another program is using the question library. Please "
-                                           "try again in a moment.");
+        return Connection::tr("Another program is using the question library. Please "
+                              "try again in a moment.");
     default:
-        return QCoreApplication::translate("Connection",
-                                           "The question library could not be copied (%1).")
+        return Connection::tr("The question library could not be copied (%1).")
             .arg(QString::fromUtf8(database ? sqlite3_errmsg(database) : sqlite3_errstr(result)));
     }
 }

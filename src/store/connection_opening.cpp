@@ -120,18 +120,15 @@ void Connection::open(const QString& path, Access access)
     close();
     const QFileInfo file(path);
     if (!file.exists()) {
-        throw DatabaseError(
-            QStringLiteral("The question library was not found:\n%1").arg(shown(path)));
+        throw DatabaseError(tr("The question library was not found:\n%1").arg(shown(path)));
     }
     if (!file.isFile()) {
-        throw DatabaseError(
-            QStringLiteral("The question library should be a file, but this is a folder:\n%1")
-                .arg(shown(path)));
+        throw DatabaseError(tr("The question library should be a file, but this is a folder:\n%1")
+                                .arg(shown(path)));
     }
     if (!QFile(path).open(QIODevice::ReadOnly)) {
         throw DatabaseError(
-            QStringLiteral("You do not have the right to read the question library:\n%1")
-                .arg(shown(path)));
+            tr("You do not have the right to read the question library:\n%1").arg(shown(path)));
     }
 
     auto closeOnFailure = qScopeGuard([this] { close(); });
@@ -140,14 +137,12 @@ void Connection::open(const QString& path, Access access)
     if (result != SQLITE_OK) {
         if (result == SQLITE_BUSY) {
             throw LibraryBusy(
-                QStringLiteral("Another program is using the question library just now:\n%1")
-                    .arg(shown(path)));
+                tr("Another program is using the question library just now:\n%1").arg(shown(path)));
         }
-        throw DatabaseError(
-            result == SQLITE_NOTADB
-                ? QStringLiteral("This file is not a question library:\n%1").arg(shown(path))
-                : QStringLiteral("The question library could not be opened:\n%1\n\n%2")
-                      .arg(shown(path), WhatHappened(database_)));
+        throw DatabaseError(result == SQLITE_NOTADB
+                                ? tr("This file is not a question library:\n%1").arg(shown(path))
+                                : tr("The question library could not be opened:\n%1\n\n%2")
+                                      .arg(shown(path), WhatHappened(database_)));
     }
     sqlite3_busy_timeout(database_, busyTimeoutMs);
     closeOnFailure.dismiss();
@@ -211,9 +206,9 @@ QString Connection::mergeIntoCopy()
         }
     }
     throw DatabaseError(
-        QStringLiteral("The question library was not closed properly, and its last changes, which "
-                       "stand in files beside it, could not be read:\n%1\n\nOpen it once with an "
-                       "account that may change its folder.")
+        tr("The question library was not closed properly, and its last changes, which "
+           "stand in files beside it, could not be read:\n%1\n\nOpen it once with an "
+           "account that may change its folder.")
             .arg(shown(path_)));
 }
 
@@ -232,14 +227,14 @@ void Connection::checkSchema()
                 return other.compare(QLatin1String(field), Qt::CaseInsensitive) == 0;
             };
             if (std::none_of(found.begin(), found.end(), matches)) {
+                const QLatin1String tableName(table.name);
                 throw DatabaseError(
-                    QStringLiteral("This file is a database, but not a question library (%1 "
-                                   "missing):\n%2")
-                        .arg(found.empty()
-                                 ? QStringLiteral("table %1 is").arg(QLatin1String(table.name))
-                                 : QStringLiteral("field %1 of table %2 is")
-                                       .arg(QLatin1String(field), QLatin1String(table.name)),
-                             shown(path_)));
+                    found.empty() ? tr("This file is a database, but not a question library (table "
+                                       "%1 is missing):\n%2")
+                                        .arg(tableName, shown(path_))
+                                  : tr("This file is a database, but not a question library (field "
+                                       "%1 of table %2 is missing):\n%3")
+                                        .arg(QLatin1String(field), tableName, shown(path_)));
             }
         }
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <cstdint>
@@ -61,7 +62,9 @@ public:
 {
     if (value < std::numeric_limits<std::int16_t>::min() ||
         value > std::numeric_limits<std::int16_t>::max()) {
-        throw OverflowError(QStringLiteral("The number %1 does not fit into 16 bits.").arg(value));
+        throw OverflowError(
+            QCoreApplication::translate("Errors", "The number %1 does not fit into 16 bits.")
+                .arg(value));
     }
     return static_cast<std::int16_t>(value);
 }

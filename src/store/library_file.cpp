@@ -13,6 +13,11 @@ namespace varnholt {
 
 namespace {
 
+struct Words
+{
+    Q_DECLARE_TR_FUNCTIONS(LibraryFile)
+};
+
 bool canWrite(const QString& folder)
 {
     // Permission bits do not tell about read-only file systems; a try does.
@@ -26,7 +31,7 @@ void copyFile(const QString& from, const QString& to)
                                             QFileInfo(to).filesystemFilePath(), Placing::Copy);
     if (error || !QFile::setPermissions(to, QFile::permissions(to) | QFile::WriteOwner)) {
         throw Error(
-            QStringLiteral("The supplied question library could not be copied to\n%1\n\n(%2)")
+            Words::tr("The supplied question library could not be copied to\n%1\n\n(%2)")
                 .arg(QDir::toNativeSeparators(to), QString::fromStdString(error.message())));
     }
 }
@@ -35,7 +40,7 @@ void copyLibrary(const QString& from, const QString& to)
 {
     const QDir pictures(from + QStringLiteral("/Files"));
     if (!QDir().mkpath(to + QStringLiteral("/Files"))) {
-        throw Error(QStringLiteral("The folder for your question library could not be made:\n%1")
+        throw Error(Words::tr("The folder for your question library could not be made:\n%1")
                         .arg(QDir::toNativeSeparators(to)));
     }
     for (const QString& name : pictures.entryList(QDir::Files)) {

@@ -2,6 +2,8 @@
 
 #include "store/errors.h"
 
+#include <QCoreApplication>
+
 namespace varnholt::statements {
 
 namespace {
@@ -15,7 +17,8 @@ QString quoted(const QString& text)
 {
     if (!canHold(text)) {
         throw DatabaseError(
-            QStringLiteral("The text %1 holds an apostrophe ('), which cannot be saved.")
+            QCoreApplication::translate(
+                "Statements", "The text %1 holds an apostrophe ('), which cannot be saved.")
                 .arg(text));
     }
     return u'\'' + text + u'\'';

@@ -227,7 +227,8 @@ TEST(SingleInstanceTest, TheSecondStartBringsTheFirstToTheFront)
     EXPECT_EQ(other.start(), Start::ReadOnly);
     qputenv("USER", user);
     qunsetenv("TMPDIR");
-    EXPECT_TRUE(other.holder().endsWith(u" on "_s + QSysInfo::machineHostName()));
+    ASSERT_TRUE(other.holder());
+    EXPECT_EQ(other.holder()->machine, QSysInfo::machineHostName());
 }
 
 } // namespace
