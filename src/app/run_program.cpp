@@ -4,6 +4,7 @@
 #include "app/frmAssessment.h"
 #include "app/library_rescue.h"
 #include "app/library_wait.h"
+#include "log/ProgramLog.h"
 #include "presentation/default_programs.h"
 #include "store/library_file.h"
 #include "store/services.h"
@@ -66,6 +67,8 @@ public:
             QTimer::singleShot(0, &frame_, [this] {
                 frame_.mnuCreate_Click();
                 setIcon();
+                qCInfo(logProgram, "Varnholt %s started with Qt %s.",
+                       qUtf8Printable(QApplication::applicationVersion()), qVersion());
             });
         }
         return false;
@@ -171,11 +174,11 @@ void NameApplication()
     QApplication::setApplicationName(QStringLiteral("Varnholt"));
     QApplication::setApplicationVersion(QStringLiteral(VARNHOLT_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("org.varnholt.Varnholt"));
-    QApplication::setStyle(new LateIconStyle);
 }
 
 int RunProgram(QApplication& application)
 {
+    QApplication::setStyle(new LateIconStyle);
     const HeldKeys heldKeys;
     DesktopMessageBoxes messages;
     try {

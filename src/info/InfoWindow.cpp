@@ -1,14 +1,18 @@
 #include "info/InfoWindow.h"
 
+#include "info/diagnostics.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/controls.h"
 #include "toolkit/desktop_services.h"
 
+#include <QClipboard>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QLineEdit>
+#include <QVBoxLayout>
 
 namespace varnholt {
 
@@ -56,9 +60,16 @@ InfoWindow::InfoWindow(const QString& title, const QString& text, const QString&
     grid->addWidget(txtLink, 2, 1);
     grid->addWidget(cmdOpen, 2, 2);
     grid->addWidget(lblOpenHint, 3, 0, 1, 3);
-    grid->setRowStretch(4, 1);
+    below_ = new QVBoxLayout;
+    grid->addLayout(below_, 4, 0, 1, 3);
+    grid->setRowStretch(5, 1);
     grid->setColumnStretch(1, 1);
     setFocusProxy(txtLink);
+}
+
+void InfoWindow::add(QWidget* control)
+{
+    below_->addWidget(control);
 }
 
 frmAbout::frmAbout(const QString& programFolder, QWidget* parent)
@@ -71,6 +82,17 @@ frmAbout::frmAbout(const QString& programFolder, QWidget* parent)
                  programFolder, parent)
 {
     setObjectName(QStringLiteral("frmAbout"));
+    auto* cmdCopyDiagnostics = makeButton("cmdCopyDiagnostics", tr("Copy &Diagnostics"));
+    auto* lblCopied = new HintLabel("lblCopied", cmdCopyDiagnostics, HintLabel::Place::Given);
+    connect(cmdCopyDiagnostics, &QPushButton::clicked, this, [programFolder, lblCopied] {
+        QGuiApplication::clipboard()->setText(Diagnostics(programFolder));
+        lblCopied->say(tr("Copied. Paste it into a message to the person who helps you. It tells "
+                          "of this computer and of what the program did, and nothing of your "
+                          "questions."));
+    });
+    cmdCopyDiagnostics->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    add(cmdCopyDiagnostics);
+    add(lblCopied);
 }
 
 frmTutorial::frmTutorial(const QString& guidePath, QWidget* parent)

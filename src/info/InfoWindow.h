@@ -3,8 +3,7 @@
 #include <QString>
 #include <QWidget>
 
-class QLabel;
-class QLineEdit;
+class QVBoxLayout;
 
 namespace varnholt {
 
@@ -18,9 +17,16 @@ protected:
     /// `link` is shown as it is; `target` is what opening it opens.
     InfoWindow(const QString& title, const QString& text, const QString& linkCaption,
                const QString& link, const QString& target, QWidget* parent);
+
+    /// Puts a control below the link and what was added before.
+    void add(QWidget* control);
+
+private:
+    QVBoxLayout* below_;
 };
 
-/// What the program is, its version, and where the library lies.
+/// What the program is, its version, and where the library lies; a button copies what a person who
+/// helps from afar needs to know.
 class frmAbout : public InfoWindow
 {
     Q_OBJECT

@@ -1,5 +1,6 @@
 #include "selection/build_run.h"
 
+#include "log/ProgramLog.h"
 #include "pictures/picture_files.h"
 #include "selection/question_draw.h"
 #include "store/catalogue.h"
@@ -119,6 +120,10 @@ BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& s
             MessageBoxes::Answer::Yes)) {
         outcome = build(SlidesInto::File, window, services, state, draw, options, silent);
     }
+    qCInfo(logSlides,
+           "A build of %d questions ended as %d (0 complete, 1 aborted, 2 cancelled, 3 "
+           "failed).",
+           draw.RequestedQuestionCount, static_cast<int>(outcome.end));
     tell(*services.messageBoxes, outcome, state, draw);
     return outcome;
 }

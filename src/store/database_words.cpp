@@ -2,12 +2,20 @@
 
 #include "store/connection.h"
 
+#include <QLoggingCategory>
+
 #include <sqlite3.h>
 
 namespace varnholt {
 
+namespace {
+Q_LOGGING_CATEGORY(logStore, "varnholt.store")
+} // namespace
+
 QString WhatHappened(sqlite3* database)
 {
+    qCWarning(logStore, "SQLite failed with %d (%d).", sqlite3_errcode(database),
+              sqlite3_extended_errcode(database));
     switch (sqlite3_errcode(database)) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:

@@ -1,6 +1,7 @@
 #include "toolkit/desktop_services.h"
 
 #include "desktop/desktop_programs.h"
+#include "log/ProgramLog.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/LineEdit.h"
 #include "toolkit/controls.h"
@@ -100,6 +101,8 @@ void DesktopMessageBoxes::inform(const QString& title, const QString& text)
 void DesktopMessageBoxes::explain(const QString& title, const QString& text,
                                   const QString& explanation)
 {
+    // Not the text, which may name what the library holds.
+    qCInfo(logProgram, "Told the user: %s.", qUtf8Printable(title));
     const PlainPointer pointer;
     QMessageBox box(QApplication::activeWindow());
     // First, because it lays the box out anew.
