@@ -1,6 +1,7 @@
 // What the journal costs a change, and how soon a full trash is there.
 
 #include "library/Library.h"
+#include "store/plus_statements.h"
 #include "store/services.h"
 #include "store/statements.h"
 #include "support/big_library.h"
@@ -82,12 +83,48 @@ double trashMilliseconds()
     return bench::median(times);
 }
 
+/// Recording a test before it is made, and the same rows written by hand in one transaction.
+double recordRatio()
+{
+    constexpr int questions = 100;
+    World own;
+    World peer;
+    NewTest test{QStringLiteral("Number – 100 questions"), 1, QStringLiteral("10B"), 1, {}, {}};
+    for (int i = 1; i <= questions; ++i) {
+        test.items.push_back({i, i, QStringLiteral("A"), QStringLiteral("Topic - Subtopic"),
+                              QByteArray(32, static_cast<char>(i))});
+    }
+    const std::int32_t first = own.library.beginTest(test);
+    own.library.completeTest(first, TestKind::Slides);
+    peer.library.beginTest(test);
+    return bench::ratio(
+        41, [&] { own.library.beginTest(test); },
+        [&] {
+            Connection& connection = peer.library.connection();
+            Transaction transaction(connection);
+            Statement insertTest(connection, plus_statements::InsertTest);
+            insertTest.bind(1, test.name).bind(2, std::int64_t{1}).bind(3, std::int64_t{1});
+            insertTest.bind(4, std::int64_t{1}).bind(5, std::int64_t{0}).bind(6, std::int64_t{1});
+            insertTest.bind(7, test.options.toJson()).next();
+            const std::int64_t key = insertTest.integer(0);
+            insertTest.reset();
+            Statement insertItem(connection, plus_statements::InsertTestItem);
+            for (const TestItem& item : test.items) {
+                insertItem.bind(1, key).bind(2, std::int64_t{item.position});
+                insertItem.bind(3, std::int64_t{item.SOLIndex}).bind(4, item.answer);
+                insertItem.bind(5, item.topicText).bindBlob(6, item.pictureSha).run();
+            }
+            transaction.commit();
+        });
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     return bench::report(
         {{"undo.step", deleteRatio(), 1.5, 1.2, "ratio", "the same delete without a journal"},
+         {"test.record", recordRatio(), 2, 1.2, "ratio", "one transaction with the same rows"},
          {"trash.50k", trashMilliseconds(), 50, 16, "ms", "one frame, of CPU time"}},
         argc, argv);
 }

@@ -10,7 +10,7 @@ CREATE TABLE PlusInfo (
 INSERT INTO PlusInfo (Version, LibraryID) VALUES (1, lower(hex(randomblob(16))));
 
 -- The journal: one row for each row that a step changed. Step is the ChangeID of the step's first
--- row, negative while the step is undone, and 0 when it was undone for good. Kind: 1 assessment, 2 topic, 3 subtopic, 4 question.
+-- row, negative while the step is undone, and 0 when it was undone for good. Kind: 1 assessment, 2 topic, 3 subtopic, 4 question, 5 class, 6 test.
 -- Before and After are the row's fields as a JSON array, Available first; Before is NULL for a
 -- row that the step added. Rows are never deleted here, so keys need no memory of their own.
 CREATE TABLE PlusChanges (
@@ -29,7 +29,7 @@ CREATE TABLE PlusClasses (
     Available INTEGER NOT NULL DEFAULT 1
 );
 
--- Kind: 1 slides, 2 shown, 3 paper, 4 kept for later.
+-- Kind: 0 not complete, 1 slides, 2 shown, 3 paper, 4 kept for later. Options is a JSON object.
 CREATE TABLE PlusTests (
     TestID        INTEGER PRIMARY KEY AUTOINCREMENT,
     TestName      TEXT    NOT NULL,
@@ -42,7 +42,7 @@ CREATE TABLE PlusTests (
     Available     INTEGER NOT NULL DEFAULT 1
 );
 
--- A test's questions as they were when it was made.
+-- A test's questions as they were when it was made. Position is that in its draw pool.
 CREATE TABLE PlusTestItems (
     TestID     INTEGER NOT NULL,
     Position   INTEGER NOT NULL,

@@ -22,7 +22,7 @@ QString CheckWords::largeKeys(ItemKind kind, int count)
     case ItemKind::Subtopic:
         return tr("%n subtopic(s) have a number above 32,767: changing what is in them fails.",
                   nullptr, count);
-    case ItemKind::Question:
+    default:
         break;
     }
     return tr("%n question(s) have a number above 32,767: editing them fails.", nullptr, count);

@@ -3,6 +3,9 @@
 #include "store/connection.h"
 #include "store/plus_statements.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+
 namespace varnholt {
 
 namespace sql = plus_statements;
@@ -15,6 +18,11 @@ bool saysAvailable(const QByteArray& image)
     return image.startsWith("[1,");
 }
 
+QString nameIn(const QByteArray& image)
+{
+    return QJsonDocument::fromJson(image).array().at(1).toString();
+}
+
 StepKind kindOf(Item subject, const QByteArray& before, const QByteArray& after, bool alone)
 {
     if (before.isNull()) {
@@ -23,7 +31,8 @@ StepKind kindOf(Item subject, const QByteArray& before, const QByteArray& after,
     if (saysAvailable(before) != saysAvailable(after)) {
         return saysAvailable(after) ? StepKind::Restore : StepKind::Delete;
     }
-    return subject.kind == ItemKind::Question ? StepKind::Edit : StepKind::Rename;
+    const bool sameName = nameIn(before) == nameIn(after);
+    return subject.kind == ItemKind::Question || sameName ? StepKind::Edit : StepKind::Rename;
 }
 
 } // namespace

@@ -209,7 +209,8 @@ void Library::rename(Item item, const QString& name)
     if (item.kind == ItemKind::Question || stored.isEmpty()) {
         throw Error(tr("A name is needed."));
     }
-    if (!statements::canHold(stored)) {
+    // The statements of the classic program hold their values in their text.
+    if (item.kind < ItemKind::Question && !statements::canHold(stored)) {
         throw Error(tr("A name cannot hold an apostrophe (')."));
     }
     Change change(*this);

@@ -2,8 +2,10 @@
 
 #include "library/ImportPlan.h"
 #include "library/Journal.h"
+#include "library/PastTests.h"
 #include "library/PlusTables.h"
 #include "library/Trash.h"
+#include "library/UseBook.h"
 #include "library/items.h"
 #include "library/restore.h"
 #include "store/connection.h"
@@ -160,6 +162,35 @@ public:
     /// Also of a library that can only be read.
     [[nodiscard]] Trash trash() { return Trash(connection_, tables_.exist()); }
 
+    // Classes, past tests and uses. Recording a test or a use is no step of the journal; what a
+    // teacher does to them afterwards is one.
+
+    /// Also of a library that can only be read.
+    [[nodiscard]] PastTests pastTests() { return PastTests(connection_, tables_.exist()); }
+    [[nodiscard]] UseBook useBook(std::int32_t assessmentNum);
+
+    /// The key of the class of that name, in any case; added when there is none.
+    std::int32_t addClass(const QString& name);
+    void deleteClass(std::int32_t classId);
+
+    /// Records a test before it is made. It appears in no list, and its questions do not count as
+    /// used, until `completeTest`. The key is returned.
+    std::int32_t beginTest(const NewTest& test);
+    /// Records a draw that nothing is made of yet.
+    std::int32_t keepTest(const NewTest& test);
+    /// What was made of a test is complete: its questions count as used from now on. `pictures`
+    /// are the SHA-256 of the pictures of its items in their order, or empty when they are known.
+    void completeTest(std::int32_t testId, TestKind kind,
+                      const std::vector<QByteArray>& pictures = {});
+    /// A question is being used; 0 for no class and no test. The key of the use is returned.
+    std::int64_t recordUse(std::int32_t solIndex, std::int32_t classId, std::int32_t testId);
+    void recordOutcome(std::int64_t useId, Outcome outcome);
+    /// How many knew a question when it was used in a test last.
+    void recordOutcome(std::int32_t testId, std::int32_t solIndex, Outcome outcome);
+    /// Whether the questions of a test count as used.
+    void setTestUsed(std::int32_t testId, bool used);
+    void deleteTest(std::int32_t testId);
+
     /// The steps that `undo` and `redo` are about to take; none where they can take none.
     [[nodiscard]] std::optional<StepInfo> undoStep();
     [[nodiscard]] std::optional<StepInfo> redoStep();
@@ -185,6 +216,10 @@ private:
                                    const std::map<std::int32_t, QString>& newNames);
     void bringBack(Change& change, const NamedItem& row, const QString& newName);
     void deleteRow(Item item, const QString& statement);
+    /// Runs a statement on a row of the program's own tables, as a step of the journal.
+    void changeRow(Item item, Statement& statement);
+    std::int32_t classKey(Change& change, const QString& name);
+    std::int32_t insertTest(const NewTest& test, TestKind kind);
     void addImportedRows(const ImportPlan& plan, const ImportSteps& steps,
                          std::int32_t assessmentNum);
     UndoOutcome turn(UndoOutcome (Journal::*direction)(std::int64_t));

@@ -15,7 +15,8 @@ namespace sql = plus_statements;
 
 namespace {
 
-constexpr int kinds = 4;
+constexpr int classicKinds = 4;
+constexpr int allKinds = 6;
 
 std::uint64_t packed(Item item)
 {
@@ -25,7 +26,7 @@ std::uint64_t packed(Item item)
 /// How many names of a row's place its kind has.
 int depth(ItemKind kind)
 {
-    return static_cast<int>(kind) - 1;
+    return kind == ItemKind::Class ? 0 : kind == ItemKind::Test ? 1 : static_cast<int>(kind) - 1;
 }
 
 TrashTexts readTexts(const Statement& row, int field, ItemKind kind)
@@ -46,8 +47,9 @@ QString TrashTexts::placeText() const
 
 Trash::Trash(Connection& connection, bool dated)
     : connection_(connection)
+    , kinds_(dated ? allKinds : classicKinds)
 {
-    for (int kind = 1; kind <= kinds; ++kind) {
+    for (int kind = 1; kind <= kinds_; ++kind) {
         Statement rows(connection_, sql::SelectGone(kind));
         while (rows.next()) {
             entries_.push_back(
@@ -121,7 +123,7 @@ std::vector<std::size_t> Trash::matching(const QString& filter) const
         return positions;
     }
     QHash<std::uint64_t, bool> matches;
-    for (int kind = 1; kind <= kinds; ++kind) {
+    for (int kind = 1; kind <= kinds_; ++kind) {
         Statement rows(connection_, sql::SelectAllTrashTexts(kind));
         while (rows.next()) {
             const Item item{static_cast<ItemKind>(kind),

@@ -41,7 +41,7 @@ struct TrashTexts
 class Trash
 {
 public:
-    /// `dated`: the library has a journal to read the dates from.
+    /// `dated`: the library has the program's own tables, with a journal to read the dates from.
     Trash(Connection& connection, bool dated);
 
     [[nodiscard]] const std::vector<TrashEntry>& entries() const { return entries_; }
@@ -55,6 +55,7 @@ private:
     void sort();
 
     Connection& connection_;
+    int kinds_;
     std::vector<TrashEntry> entries_;
 };
 

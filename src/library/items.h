@@ -13,7 +13,10 @@ enum class ItemKind : std::int8_t
     Assessment = 1,
     Topic = 2,
     Subtopic = 3,
-    Question = 4
+    Question = 4,
+    // These stand under nothing, and only in libraries with the program's own tables.
+    Class = 5,
+    Test = 6
 };
 
 /// One row of the library: its kind and its key.

@@ -17,7 +17,7 @@ QString deleteStatement(Item item)
         return statements::DeleteTopic(item.key);
     case ItemKind::Subtopic:
         return statements::DeleteSubtopic(item.key);
-    case ItemKind::Question:
+    default:
         break;
     }
     return statements::DeleteQuestion(item.key);

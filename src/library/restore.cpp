@@ -30,6 +30,9 @@ Found find(Connection& connection, Item item)
 /// The rows that an item stands under, the assessment first.
 std::vector<Item> above(Connection& connection, Item item)
 {
+    if (item.kind > ItemKind::Question) {
+        return {};
+    }
     Statement place(connection, sql::SelectPlace(static_cast<int>(item.kind)));
     place.bind(1, std::int64_t{item.key});
     std::vector<Item> items;
@@ -62,6 +65,8 @@ Filing AvailablePlace(Connection& connection, Item item)
             place.SubtopicNum = key;
             break;
         case ItemKind::Question:
+        case ItemKind::Class:
+        case ItemKind::Test:
             break;
         }
     }

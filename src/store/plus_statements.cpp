@@ -1,5 +1,6 @@
 #include "store/plus_statements.h"
 
+#include <initializer_list>
 #include <stdexcept>
 
 namespace varnholt::plus_statements {
@@ -13,10 +14,16 @@ namespace {
 #define QUESTION_FIELDS                                                                            \
     "json_array(Available, CAST(Answer AS TEXT), TopicID, SubTopicNum, AssessmentNum)"
 
+#define CLASS_FIELDS "json_array(Available, ClassName)"
+#define TEST_FIELDS "json_array(Available, TestName, Options)"
+
 #define FROM_ASSESSMENTS " FROM Assessments WHERE AssessmentNum "
 #define FROM_TOPICS " FROM Topics WHERE TopicID "
 #define FROM_SUBTOPICS " FROM SubTopics WHERE SubtopicNum "
 #define FROM_QUESTIONS " FROM Questions WHERE SOLIndex "
+
+#define FROM_CLASSES " FROM PlusClasses WHERE ClassID "
+#define FROM_TESTS " FROM PlusTests WHERE TestID "
 
 #define INSERT_CHANGE(kind, key, fields)                                                           \
     "INSERT INTO PlusChanges (At, Step, Kind, ItemKey, Before, After) SELECT ?1, ?2, " kind        \
@@ -37,14 +44,19 @@ namespace {
     "a.AssessmentNum = i.AssessmentNum LEFT JOIN Topics t ON t.TopicID = i.TopicID LEFT JOIN "     \
     "SubTopics s ON s.SubtopicNum = i.SubTopicNum"
 
-/// The statement of a kind out of four.
-const char* ofKind(int kind, const char* const (&statements)[4])
+/// The statement of a kind out of those for the kinds from 1 on.
+const char* ofKind(int kind, std::initializer_list<const char*> statements)
 {
-    if (kind < 1 || kind > 4) {
+    if (kind < 1 || kind > static_cast<int>(statements.size())) {
         throw std::logic_error("no such kind of row");
     }
-    return statements[kind - 1];
+    return statements.begin()[kind - 1];
 }
+
+#define CLASS_TEXTS "i.ClassName, NULL, NULL, NULL FROM PlusClasses i"
+#define TEST_TEXTS                                                                                 \
+    "i.TestName, a.AssessmentName, NULL, NULL FROM PlusTests i LEFT JOIN Assessments a USING "     \
+    "(AssessmentNum)"
 
 } // namespace
 
@@ -53,7 +65,9 @@ const char* SelectImage(int kind)
     return ofKind(kind, {"SELECT " ASSESSMENT_FIELDS FROM_ASSESSMENTS "= ?1",
                          "SELECT " TOPIC_FIELDS FROM_TOPICS "= ?1",
                          "SELECT " SUBTOPIC_FIELDS FROM_SUBTOPICS "= ?1",
-                         "SELECT " QUESTION_FIELDS FROM_QUESTIONS "= ?1"});
+                         "SELECT " QUESTION_FIELDS FROM_QUESTIONS "= ?1",
+                         "SELECT " CLASS_FIELDS FROM_CLASSES "= ?1",
+                         "SELECT " TEST_FIELDS FROM_TESTS "= ?1"});
 }
 
 const char* SelectName(int kind)
@@ -61,7 +75,9 @@ const char* SelectName(int kind)
     return ofKind(kind, {"SELECT AssessmentName, Available IS 1" FROM_ASSESSMENTS "= ?1",
                          "SELECT Topic, Available IS 1" FROM_TOPICS "= ?1",
                          "SELECT SubTopic, Available IS 1" FROM_SUBTOPICS "= ?1",
-                         "SELECT Answer, Available IS 1" FROM_QUESTIONS "= ?1"});
+                         "SELECT Answer, Available IS 1" FROM_QUESTIONS "= ?1",
+                         "SELECT ClassName, Available IS 1" FROM_CLASSES "= ?1",
+                         "SELECT TestName, Available IS 1" FROM_TESTS "= ?1"});
 }
 
 const char* UpdateFromImage(int kind)
@@ -75,7 +91,10 @@ const char* UpdateFromImage(int kind)
          "UPDATE SubTopics SET Available = ?2 ->> 0, SubTopic = ?2 ->> 1, TopicID = ?2 ->> 2, "
          "AssessmentNum = ?2 ->> 3 WHERE SubtopicNum = ?1",
          "UPDATE Questions SET Available = ?2 ->> 0, Answer = ?2 ->> 1, TopicID = ?2 ->> 2, "
-         "SubTopicNum = ?2 ->> 3, AssessmentNum = ?2 ->> 4 WHERE SOLIndex = ?1"});
+         "SubTopicNum = ?2 ->> 3, AssessmentNum = ?2 ->> 4 WHERE SOLIndex = ?1",
+         "UPDATE PlusClasses SET Available = ?2 ->> 0, ClassName = ?2 ->> 1 WHERE ClassID = ?1",
+         "UPDATE PlusTests SET Available = ?2 ->> 0, TestName = ?2 ->> 1, Options = ?2 ->> 2 "
+         "WHERE TestID = ?1"});
 }
 
 const char* UpdateAvailable(int kind)
@@ -83,7 +102,9 @@ const char* UpdateAvailable(int kind)
     return ofKind(kind, {"Update Assessments set Available = true where AssessmentNum = ?1",
                          "Update Topics set Available = true where TopicID = ?1",
                          "Update Subtopics set Available = true where SubtopicNum = ?1",
-                         "Update Questions set Available = true where SOLIndex = ?1"});
+                         "Update Questions set Available = true where SOLIndex = ?1",
+                         "UPDATE PlusClasses SET Available = 1 WHERE ClassID = ?1",
+                         "UPDATE PlusTests SET Available = 1 WHERE TestID = ?1"});
 }
 
 const char* UpdateName(int kind)
@@ -91,7 +112,9 @@ const char* UpdateName(int kind)
     return ofKind(kind, {"Update Assessments set AssessmentName = ?2 where AssessmentNum = ?1",
                          "Update Topics set Topic = ?2 where TopicID = ?1",
                          "Update Subtopics set SubTopic = ?2 where SubtopicNum = ?1",
-                         "Update Questions set Answer = ?2 where SOLIndex = ?1"});
+                         "Update Questions set Answer = ?2 where SOLIndex = ?1",
+                         "UPDATE PlusClasses SET ClassName = ?2 WHERE ClassID = ?1",
+                         "UPDATE PlusTests SET TestName = ?2 WHERE TestID = ?1"});
 }
 
 const char* SelectLargestKey(int kind)
@@ -127,7 +150,11 @@ const char* InsertChange(int kind)
                          INSERT_CHANGE("3", "SubtopicNum", SUBTOPIC_FIELDS) FROM_SUBTOPICS
                          "= ?3 AND " SUBTOPIC_FIELDS " IS NOT ?4",
                          INSERT_CHANGE("4", "SOLIndex", QUESTION_FIELDS) FROM_QUESTIONS
-                         "= ?3 AND " QUESTION_FIELDS " IS NOT ?4"});
+                         "= ?3 AND " QUESTION_FIELDS " IS NOT ?4",
+                         INSERT_CHANGE("5", "ClassID", CLASS_FIELDS) FROM_CLASSES
+                         "= ?3 AND " CLASS_FIELDS " IS NOT ?4",
+                         INSERT_CHANGE("6", "TestID", TEST_FIELDS) FROM_TESTS
+                         "= ?3 AND " TEST_FIELDS " IS NOT ?4"});
 }
 
 const char* InsertAdded(int kind)
@@ -144,7 +171,9 @@ const char* SelectGone(int kind)
     return ofKind(kind, {"SELECT AssessmentNum FROM Assessments WHERE Available IS NOT 1",
                          "SELECT TopicID FROM Topics WHERE Available IS NOT 1",
                          "SELECT SubtopicNum FROM SubTopics WHERE Available IS NOT 1",
-                         "SELECT SOLIndex FROM Questions WHERE Available IS NOT 1"});
+                         "SELECT SOLIndex FROM Questions WHERE Available IS NOT 1",
+                         "SELECT ClassID FROM PlusClasses WHERE Available IS NOT 1",
+                         "SELECT TestID FROM PlusTests WHERE Available IS NOT 1"});
 }
 
 const char* SelectTrashTexts(int kind)
@@ -152,7 +181,9 @@ const char* SelectTrashTexts(int kind)
     return ofKind(kind, {"SELECT " ASSESSMENT_TEXTS " WHERE i.AssessmentNum = ?1",
                          "SELECT " TOPIC_TEXTS " WHERE i.TopicID = ?1",
                          "SELECT " SUBTOPIC_TEXTS " WHERE i.SubtopicNum = ?1",
-                         "SELECT " QUESTION_TEXTS " WHERE i.SOLIndex = ?1"});
+                         "SELECT " QUESTION_TEXTS " WHERE i.SOLIndex = ?1",
+                         "SELECT " CLASS_TEXTS " WHERE i.ClassID = ?1",
+                         "SELECT " TEST_TEXTS " WHERE i.TestID = ?1"});
 }
 
 const char* SelectAllTrashTexts(int kind)
@@ -161,7 +192,9 @@ const char* SelectAllTrashTexts(int kind)
                          "SELECT i.TopicID, " TOPIC_TEXTS " WHERE i.Available IS NOT 1",
                          "SELECT i.SubtopicNum, " SUBTOPIC_TEXTS " WHERE i.Available IS NOT 1",
                          "SELECT i.SOLIndex, " QUESTION_TEXTS
-                         " WHERE i.Available IS NOT 1 OR a.Available IS NOT 1"});
+                         " WHERE i.Available IS NOT 1 OR a.Available IS NOT 1",
+                         "SELECT i.ClassID, " CLASS_TEXTS " WHERE i.Available IS NOT 1",
+                         "SELECT i.TestID, " TEST_TEXTS " WHERE i.Available IS NOT 1"});
 }
 
 const char* CountKeysAbove(int kind)

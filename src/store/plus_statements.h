@@ -4,8 +4,8 @@
 
 /// The statements that the classic program did not have, with places for bound values (?1, ?2, ...)
 /// instead of values in the text. `kind` is that of the journal: 1 assessment, 2 topic, 3 subtopic,
-/// 4 question. A row's image is the JSON array of its fields, Available first and then the name or
-/// the answer.
+/// 4 question, 5 class, 6 test (the last two only where the program's own tables are). A row's
+/// image is the JSON array of its fields, Available first and then the name or the answer.
 namespace varnholt::plus_statements {
 
 // The tables of the program's own.
@@ -108,6 +108,70 @@ inline constexpr char SelectChangeTimes[] =
 [[nodiscard]] const char* SelectTrashTexts(int kind);
 /// Key and the texts of `SelectTrashTexts`, of the rows of a kind that are in the trash.
 [[nodiscard]] const char* SelectAllTrashTexts(int kind);
+
+// Classes, past tests and uses.
+
+/// ClassID and ClassName of the available ones, by their names.
+inline constexpr char SelectClasses[] =
+    "SELECT ClassID, ClassName FROM PlusClasses WHERE Available = 1 ORDER BY ClassName COLLATE "
+    "NOCASE, ClassID";
+/// ?1 name: the available class of that name in any case.
+inline constexpr char SelectClassNamed[] =
+    "SELECT ClassID FROM PlusClasses WHERE ClassName = ?1 COLLATE NOCASE AND Available = 1";
+/// ?1 name: gives its key.
+inline constexpr char InsertClass[] =
+    "INSERT INTO PlusClasses (ClassName) VALUES (?1) RETURNING ClassID";
+inline constexpr char DeleteClass[] = "UPDATE PlusClasses SET Available = 0 WHERE ClassID = ?1";
+/// ?1 name, ?2 assessment, ?3 class or 0, ?4 time, ?5 kind, ?6 seed, ?7 options: gives its key.
+inline constexpr char InsertTest[] =
+    "INSERT INTO PlusTests (TestName, AssessmentNum, ClassID, MadeAt, Kind, Seed, Options) VALUES "
+    "(?1, ?2, ?3, ?4, ?5, ?6, ?7) RETURNING TestID";
+/// ?1 test, ?2 position, ?3 question, ?4 answer, ?5 topic text, ?6 SHA-256 of the picture.
+inline constexpr char InsertTestItem[] =
+    "INSERT INTO PlusTestItems (TestID, Position, SOLIndex, Answer, TopicText, PictureSha) VALUES "
+    "(?1, ?2, ?3, ?4, ?5, ?6)";
+/// ?1 test, ?2 kind, ?3 time.
+inline constexpr char CompleteTest[] =
+    "UPDATE PlusTests SET Kind = ?2, MadeAt = ?3 WHERE TestID = ?1";
+/// ?1 test, ?2 position, ?3 SHA-256.
+inline constexpr char UpdateItemPicture[] =
+    "UPDATE PlusTestItems SET PictureSha = ?3 WHERE TestID = ?1 AND Position = ?2";
+/// ?1 test, ?2 time: a use of each of its questions.
+inline constexpr char InsertTestUses[] =
+    "INSERT INTO PlusUses (SOLIndex, ClassID, TestID, UsedAt) SELECT SOLIndex, ClassID, TestID, ?2 "
+    "FROM PlusTests JOIN PlusTestItems USING (TestID) WHERE TestID = ?1 ORDER BY Position";
+/// ?1 question, ?2 class or 0, ?3 test or 0, ?4 time: gives its key.
+inline constexpr char InsertUse[] =
+    "INSERT INTO PlusUses (SOLIndex, ClassID, TestID, UsedAt) VALUES (?1, ?2, ?3, ?4) RETURNING "
+    "UseID";
+/// ?1 use, ?2 outcome.
+inline constexpr char UpdateOutcome[] =
+    "UPDATE PlusUses SET Outcome = nullif(?2, 0) WHERE UseID = ?1";
+/// ?1 test, ?2 question, ?3 outcome: of the newest use of the question in the test.
+inline constexpr char UpdateTestOutcome[] =
+    "UPDATE PlusUses SET Outcome = nullif(?3, 0) WHERE UseID = (SELECT max(UseID) FROM PlusUses "
+    "WHERE TestID = ?1 AND SOLIndex = ?2)";
+/// ?1 test, ?2 1 for one whose questions do not count as used.
+inline constexpr char UpdateTestUnused[] =
+    "UPDATE PlusTests SET Options = json_set(Options, '$.unused', ?2) WHERE TestID = ?1";
+inline constexpr char DeleteTest[] = "UPDATE PlusTests SET Available = 0 WHERE TestID = ?1";
+/// ?1 the most wanted, -1 for all; the newest first: TestID, TestName, AssessmentNum, ClassID,
+/// ClassName, MadeAt, Kind, Seed, Options and the number of questions.
+inline constexpr char SelectTests[] =
+    "SELECT t.TestID, TestName, AssessmentNum, t.ClassID, ClassName, MadeAt, Kind, Seed, Options, "
+    "(SELECT count(*) FROM PlusTestItems i WHERE i.TestID = t.TestID) FROM PlusTests t LEFT JOIN "
+    "PlusClasses c ON c.ClassID = t.ClassID WHERE t.Available = 1 AND Kind <> 0 ORDER BY MadeAt "
+    "DESC, TestID DESC LIMIT ?1";
+/// ?1 test: Position, SOLIndex, Answer, TopicText, PictureSha in their order.
+inline constexpr char SelectTestItems[] =
+    "SELECT Position, SOLIndex, Answer, TopicText, PictureSha FROM PlusTestItems WHERE TestID = ?1 "
+    "ORDER BY Position";
+/// ?1 assessment: SOLIndex, ClassID, UsedAt, Outcome of the uses of its questions that count, in
+/// the order in which they were recorded.
+inline constexpr char SelectUses[] =
+    "SELECT SOLIndex, ClassID, UsedAt, Outcome FROM PlusUses WHERE SOLIndex IN (SELECT SOLIndex "
+    "FROM Questions WHERE AssessmentNum = ?1) AND TestID NOT IN (SELECT TestID FROM PlusTests "
+    "WHERE Options ->> 'unused' = 1) ORDER BY UseID";
 
 // The check of a library.
 

@@ -45,6 +45,14 @@ Statement& Statement::bind(int place, const QByteArray& text)
     return *this;
 }
 
+Statement& Statement::bindBlob(int place, const QByteArray& bytes)
+{
+    check(bytes.isNull() ? sqlite3_bind_null(statement_, place)
+                         : sqlite3_bind_blob(statement_, place, bytes.constData(),
+                                             static_cast<int>(bytes.size()), SQLITE_TRANSIENT));
+    return *this;
+}
+
 bool Statement::next()
 {
     const int result = sqlite3_step(statement_);

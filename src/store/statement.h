@@ -29,6 +29,8 @@ public:
     Statement& bind(int place, const QString& text);
     /// UTF-8; a null array binds NULL.
     Statement& bind(int place, const QByteArray& text);
+    /// Bytes that are no text; a null array binds NULL.
+    Statement& bindBlob(int place, const QByteArray& bytes);
 
     /// Steps to the next row; false after the last, when the statement is ready to run again with
     /// the values bound before.

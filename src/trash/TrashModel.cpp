@@ -48,6 +48,10 @@ QString NameInWords(const NamedItem& item)
         return TrashModel::tr("Topic %1").arg(name);
     case ItemKind::Subtopic:
         return TrashModel::tr("Subtopic %1").arg(name);
+    case ItemKind::Class:
+        return TrashModel::tr("Class %1").arg(name);
+    case ItemKind::Test:
+        return TrashModel::tr("Test %1").arg(name);
     case ItemKind::Question:
         break;
     }

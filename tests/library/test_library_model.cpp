@@ -89,7 +89,7 @@ protected:
             case ItemKind::Subtopic:
                 l.addSubtopic(place.AssessmentNum, place.TopicID, name);
                 break;
-            case ItemKind::Question:
+            default:
                 l.addQuestion(place, name, [](const QString& path) {
                     QFile(path).open(QIODevice::WriteOnly | QIODevice::NewOnly);
                 });
@@ -113,7 +113,7 @@ protected:
                 return l.deleteTopic(key);
             case ItemKind::Subtopic:
                 return l.deleteSubtopic(key);
-            case ItemKind::Question:
+            default:
                 return l.deleteQuestion(key);
             }
         };

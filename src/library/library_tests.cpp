@@ -1,0 +1,182 @@
+#include "library/library_change.h"
+
+#include "store/plus_statements.h"
+
+namespace varnholt {
+
+namespace sql = plus_statements;
+
+UseBook Library::useBook(std::int32_t assessmentNum)
+{
+    return tables_.exist() ? UseBook::read(connection_, assessmentNum) : UseBook();
+}
+
+void Library::changeRow(Item item, Statement& statement)
+{
+    Change change(*this);
+    change.touch(item);
+    statement.bind(1, std::int64_t{item.key}).run();
+    change.commit();
+}
+
+std::int32_t Library::classKey(Change& change, const QString& name)
+{
+    const QString stored = storedName(ItemKind::Class, name);
+    if (stored.isEmpty()) {
+        return UseBook::anybody;
+    }
+    // The tables are there by now, which `pastTests` learns when they have become last.
+    if (const std::int32_t known = PastTests(connection_, true).classNamed(stored)) {
+        return known;
+    }
+    Statement insert(connection_, sql::InsertClass);
+    insert.bind(1, stored).next();
+    const auto key = static_cast<std::int32_t>(insert.integer(0));
+    change.add({ItemKind::Class, key});
+    return key;
+}
+
+std::int32_t Library::addClass(const QString& name)
+{
+    requireFeatures();
+    Change change(*this);
+    const std::int32_t key = classKey(change, name);
+    if (key == UseBook::anybody) {
+        throw Error(tr("A name is needed."));
+    }
+    change.commit();
+    return key;
+}
+
+void Library::deleteClass(std::int32_t classId)
+{
+    requireFeatures();
+    Statement statement(connection_, sql::DeleteClass);
+    changeRow({ItemKind::Class, classId}, statement);
+}
+
+std::int32_t Library::insertTest(const NewTest& test, TestKind kind)
+{
+    requireFeatures();
+    Change change(*this);
+    const std::int32_t classId = classKey(change, test.className);
+    Statement insert(connection_, sql::InsertTest);
+    insert.bind(1, test.name)
+        .bind(2, std::int64_t{test.AssessmentNum})
+        .bind(3, std::int64_t{classId})
+        .bind(4, now())
+        .bind(5, std::int64_t{static_cast<int>(kind)})
+        .bind(6, static_cast<std::int64_t>(test.seed))
+        .bind(7, test.options.toJson())
+        .next();
+    const auto key = static_cast<std::int32_t>(insert.integer(0));
+    insert.reset();
+    Statement insertItem(connection_, sql::InsertTestItem);
+    insertItem.bind(1, std::int64_t{key});
+    for (const TestItem& item : test.items) {
+        insertItem.bind(2, std::int64_t{item.position})
+            .bind(3, std::int64_t{item.SOLIndex})
+            .bind(4, item.answer)
+            .bind(5, item.topicText)
+            .bindBlob(6, item.pictureSha)
+            .run();
+    }
+    change.add({ItemKind::Test, key});
+    change.commitUnrecorded();
+    return key;
+}
+
+std::int32_t Library::beginTest(const NewTest& test)
+{
+    return insertTest(test, TestKind::Unfinished);
+}
+
+std::int32_t Library::keepTest(const NewTest& test)
+{
+    return insertTest(test, TestKind::Kept);
+}
+
+void Library::completeTest(std::int32_t testId, TestKind kind,
+                           const std::vector<QByteArray>& pictures)
+{
+    requireFeatures();
+    Change change(*this);
+    const std::int64_t time = now();
+    Statement(connection_, sql::CompleteTest)
+        .bind(1, std::int64_t{testId})
+        .bind(2, std::int64_t{static_cast<int>(kind)})
+        .bind(3, time)
+        .run();
+    if (!pictures.empty()) {
+        const std::vector<TestItem> items = PastTests(connection_, true).items(testId);
+        Statement update(connection_, sql::UpdateItemPicture);
+        update.bind(1, std::int64_t{testId});
+        for (std::size_t i = 0; i < items.size() && i < pictures.size(); ++i) {
+            update.bind(2, std::int64_t{items[i].position}).bindBlob(3, pictures[i]).run();
+        }
+    }
+    if (kind != TestKind::Kept) {
+        Statement(connection_, sql::InsertTestUses)
+            .bind(1, std::int64_t{testId})
+            .bind(2, time)
+            .run();
+    }
+    change.add({ItemKind::Test, testId});
+    change.commitUnrecorded();
+}
+
+std::int64_t Library::recordUse(std::int32_t solIndex, std::int32_t classId, std::int32_t testId)
+{
+    requireFeatures();
+    Change change(*this);
+    Statement insert(connection_, sql::InsertUse);
+    insert.bind(1, std::int64_t{solIndex})
+        .bind(2, std::int64_t{classId})
+        .bind(3, std::int64_t{testId})
+        .bind(4, now())
+        .next();
+    const std::int64_t key = insert.integer(0);
+    insert.reset();
+    change.commitUnrecorded();
+    return key;
+}
+
+void Library::recordOutcome(std::int64_t useId, Outcome outcome)
+{
+    requireFeatures();
+    Change change(*this);
+    Statement(connection_, sql::UpdateOutcome)
+        .bind(1, useId)
+        .bind(2, std::int64_t{static_cast<int>(outcome)})
+        .run();
+    change.commitUnrecorded();
+}
+
+void Library::recordOutcome(std::int32_t testId, std::int32_t solIndex, Outcome outcome)
+{
+    requireFeatures();
+    Change change(*this);
+    Statement(connection_, sql::UpdateTestOutcome)
+        .bind(1, std::int64_t{testId})
+        .bind(2, std::int64_t{solIndex})
+        .bind(3, std::int64_t{static_cast<int>(outcome)})
+        .run();
+    change.commitUnrecorded();
+}
+
+void Library::setTestUsed(std::int32_t testId, bool used)
+{
+    requireFeatures();
+    Statement statement(connection_, sql::UpdateTestUnused);
+    statement.bind(2, std::int64_t{used ? 0 : 1});
+    changeRow({ItemKind::Test, testId}, statement);
+}
+
+void Library::deleteTest(std::int32_t testId)
+{
+    requireFeatures();
+    Statement statement(connection_, sql::DeleteTest);
+    changeRow({ItemKind::Test, testId}, statement);
+}
+
+} // namespace varnholt
