@@ -5,19 +5,17 @@
 #include "library/backup/backup_restore.h"
 #include "store/services.h"
 #include "support/big_library.h"
+#include "support/program_cost.h"
 #include "support/report.h"
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QThread>
 
-#include <cstdio>
 #include <cstdlib>
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -33,26 +31,7 @@ public:
 constexpr int pictures = 10'000;
 constexpr std::int64_t made = 1'700'000'000;
 
-double childSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_CHILDREN, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-/// CPU time of another program.
-double cpuOfProgram(const QString& program, const QStringList& arguments)
-{
-    const double start = childSeconds();
-    if (QProcess::execute(program, arguments) != 0) {
-        std::fprintf(stderr, "%s failed\n", qPrintable(program));
-        std::exit(1);
-    }
-    return childSeconds() - start;
-}
+using bench::cpuOfProgram;
 
 struct World
 {

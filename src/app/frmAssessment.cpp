@@ -27,6 +27,10 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#ifdef VARNHOLT_PAPER
+#include "paper/frmPaper.h"
+#endif
+
 namespace varnholt {
 
 frmAssessment::frmAssessment(Services& services, ProgramState& state, const QString& guidePath,
@@ -197,10 +201,15 @@ void frmAssessment::buildMenu()
         QAction* action = more->addAction(caption);
         action->setObjectName(QLatin1String(name));
         connect(action, &QAction::triggered, this, handler);
+        return action;
     };
     addMore("mnuTrash", tr("&Trash…"), &frmAssessment::mnuTrash_Click);
     addMore("mnuBackups", tr("&Backups…"), &frmAssessment::mnuBackups_Click);
     addMore("mnuCheck", tr("&Check Library…"), &frmAssessment::mnuCheck_Click);
+#ifdef VARNHOLT_PAPER
+    addMore("mnuPaper", tr("&Print or Save as PDF…"), &frmAssessment::mnuPaper_Click)
+        ->setShortcut(QKeySequence(QKeySequence::Print));
+#endif
 
     auto* closeChildWindow = new QAction(tr("Close window"), this);
     closeChildWindow->setShortcuts(
@@ -281,7 +290,12 @@ void frmAssessment::openChild(const Maker& make)
 
 void frmAssessment::mnuCreate_Click()
 {
-    openChild([this] { return new frmMain(services_, state_, library_); });
+    openChild([this] {
+        auto* selection = new frmMain(services_, state_, library_);
+        connect(selection, &frmMain::testMade, this,
+                [this](const PaperTest& test) { lastTest_ = test; });
+        return selection;
+    });
 }
 
 void frmAssessment::mnuManageAssessments_Click()
@@ -341,6 +355,25 @@ void frmAssessment::mnuTutorial_Click()
 void frmAssessment::mnAbout_Click()
 {
     openChild([this] { return new frmAbout(services_.programFolder); });
+}
+
+void frmAssessment::mnuPaper_Click()
+{
+#ifdef VARNHOLT_PAPER
+    if (lastTest_) {
+        frmPaper(services_, *lastTest_, this).exec();
+        return;
+    }
+    if (auto* selection = qobject_cast<frmMain*>(child_)) {
+        selection->cmdPaper_Click();
+        return;
+    }
+    mnuCreate_Click();
+    services_.messageBoxes->inform(
+        tr("Print or Save as PDF"),
+        tr("No test has been made yet. Choose topics and the number of questions here, then press "
+           "\"Print or Save as PDF…\" below \"Create PowerPoint\"."));
+#endif
 }
 
 void frmAssessment::mnuTrash_Click()

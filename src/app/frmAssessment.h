@@ -4,12 +4,14 @@
 #include "backups/LibraryBackups.h"
 #include "library/Library.h"
 #include "manage/filing_preselection.h"
+#include "paper/paper_test.h"
 #include "store/modMain.h"
 
 #include <QMainWindow>
 #include <QPointer>
 
 #include <functional>
+#include <optional>
 
 class QLabel;
 class QScrollArea;
@@ -50,6 +52,8 @@ public Q_SLOTS:
     void mnuImport_Click();
     void mnuTutorial_Click();
     void mnAbout_Click();
+    /// Puts the test made last on paper; without one, draws one as the selection window says.
+    void mnuPaper_Click();
     void mnuTrash_Click();
     void mnuBackups_Click();
     void mnuCheck_Click();
@@ -92,6 +96,8 @@ private:
     QScrollArea* childScroll_ = nullptr;
     QLabel* lblEmpty_ = nullptr;
     QPointer<QWidget> child_;
+    /// Made last since the program started.
+    std::optional<PaperTest> lastTest_;
     /// Makes the child on show anew.
     Maker childMaker_;
     /// Where the last question since the program started was filed; nothing before the first.

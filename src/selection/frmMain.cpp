@@ -3,6 +3,7 @@
 #include "library/Library.h"
 #include "selection/build_run.h"
 #include "selection/frmSelect.h"
+#include "selection/paper_draw.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
@@ -16,6 +17,10 @@
 #include <QScopedValueRollback>
 
 #include <utility>
+
+#ifdef VARNHOLT_PAPER
+#include "paper/frmPaper.h"
+#endif
 
 namespace varnholt {
 
@@ -133,6 +138,29 @@ void frmMain::UpdateSelectionCounts()
 
 void frmMain::cmdCreate_Click()
 {
+    const SlideOptions options{optTopicYes_->isChecked(), optKeyYes_->isChecked()};
+    drawFor([this, options](QWidget* over, const Draw& draw) {
+        return buildSlides(over, draw, options);
+    });
+}
+
+void frmMain::cmdPaper_Click()
+{
+#ifdef VARNHOLT_PAPER
+    if (!isEnabled()) {
+        return; // a review is open
+    }
+    drawFor([this](QWidget* over, const Draw& draw) {
+        const PaperTest test = PaperTestOf(draw, state_, services_.programFolder);
+        Q_EMIT testMade(test);
+        frmPaper(services_, test, over).exec();
+        return BuildOutcome();
+    });
+#endif
+}
+
+void frmMain::drawFor(const DrawUse& use)
+{
     std::variant<Draw, DrawObstacle> drawn =
         DrawQuestions(state_.QuestionList, selection_, txtQuestions_->text(), *services_.random);
     if (const auto* obstacle = std::get_if<DrawObstacle>(&drawn)) {
@@ -140,13 +168,12 @@ void frmMain::cmdCreate_Click()
         return;
     }
     Draw draw = std::get<Draw>(std::move(drawn));
-    const SlideOptions options{optTopicYes_->isChecked(), optKeyYes_->isChecked()};
     if (optSelectYes_->isChecked()) {
-        openReview(std::move(draw), options);
+        openReview(std::move(draw), use);
         return;
     }
     MarkFirst(draw.DrawPool, draw.RequestedQuestionCount);
-    buildSlides(window(), draw, options);
+    use(window(), draw);
 }
 
 void frmMain::tell(DrawObstacle obstacle)
@@ -167,15 +194,10 @@ void frmMain::tell(DrawObstacle obstacle)
     txtQuestions_->selectAll();
 }
 
-void frmMain::openReview(Draw draw, const SlideOptions& options)
+void frmMain::openReview(Draw draw, const DrawUse& use)
 {
     setEnabled(false);
-    review_ = new frmSelect(
-        services_, state_, std::move(draw),
-        [this, options](QWidget* over, const Draw& judged) {
-            return buildSlides(over, judged, options);
-        },
-        window());
+    review_ = new frmSelect(services_, state_, std::move(draw), use, window());
     connect(review_, &frmSelect::unloaded, this, [this] {
         setEnabled(true);
         txtQuestions_->setFocus();
@@ -185,7 +207,11 @@ void frmMain::openReview(Draw draw, const SlideOptions& options)
 
 BuildOutcome frmMain::buildSlides(QWidget* window, const Draw& draw, const SlideOptions& options)
 {
-    return RunBuild(window, services_, state_, draw, options);
+    BuildOutcome outcome = RunBuild(window, services_, state_, draw, options);
+    if (outcome.end == BuildOutcome::End::Complete) {
+        Q_EMIT testMade(PaperTestOf(draw, state_, services_.programFolder));
+    }
+    return outcome;
 }
 
 void frmMain::focusInEvent(QFocusEvent* event)

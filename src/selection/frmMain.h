@@ -1,5 +1,6 @@
 #pragma once
 
+#include "paper/paper_test.h"
 #include "presentation/slide_builder.h"
 #include "selection/Selection.h"
 #include "selection/question_draw.h"
@@ -38,6 +39,13 @@ public:
     frmMain(Services& services, ProgramState& state, Library& library, QWidget* parent = nullptr);
     ~frmMain() override;
 
+    /// Draws as for slides, with the review when that is on, and puts the questions on paper.
+    void cmdPaper_Click();
+
+Q_SIGNALS:
+    /// The marked questions of a draw have become slides or gone to the paper window.
+    void testMade(const PaperTest& test);
+
 protected:
     /// Hands the focus to the control where work starts. Not a focus proxy: Tab would stop at
     /// it each time round and never reach the controls before it.
@@ -60,8 +68,12 @@ private:
     void selectShownSubTopics(bool selected);
     void cmdCreate_Click();
     void tell(DrawObstacle obstacle);
+    /// What a draw is for; `over` is the window that it happens over.
+    using DrawUse = std::function<BuildOutcome(QWidget* over, const Draw& draw)>;
+    /// Checks and draws, has the questions reviewed when that is on, and hands them on.
+    void drawFor(const DrawUse& use);
     /// Opens the review window; this window is switched off until it closes.
-    void openReview(Draw draw, const SlideOptions& options);
+    void openReview(Draw draw, const DrawUse& use);
     /// Builds the marked questions of a draw with its progress over `window`. The one place that
     /// learns of every build, with and without a review, and of what came of it.
     BuildOutcome buildSlides(QWidget* window, const Draw& draw, const SlideOptions& options);
@@ -122,6 +134,7 @@ private:
     QPushButton* cmdAskAgain_ = nullptr;
     HintLabel* lblObstacle_ = nullptr;
     QPushButton* cmdCreate_ = nullptr;
+    QPushButton* cmdPaper_ = nullptr;
     QLabel* lblQuestionCount_ = nullptr;
 };
 

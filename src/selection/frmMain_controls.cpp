@@ -96,6 +96,13 @@ void frmMain::buildControls()
     orderGrid->addWidget(lblQuestionNum, 1, 0);
     orderGrid->addWidget(txtQuestions_, 1, 1);
     orderGrid->addWidget(cmdCreate_, 2, 0, 1, 2);
+    cmdPaper_ = makeButton("cmdPaper", tr("Print or Save as PD&F…"));
+#ifdef VARNHOLT_PAPER
+    orderGrid->addWidget(cmdPaper_, 3, 0, 1, 2);
+#else
+    cmdPaper_->setParent(this);
+    cmdPaper_->hide();
+#endif
     orderGrid->setColumnStretch(1, 1);
     // Below the rest, so that nothing else moves when it comes and goes.
     askedRow_ = new QWidget;
@@ -106,7 +113,7 @@ void frmMain::buildControls()
     askedColumn->setContentsMargins(0, 0, 0, 0);
     askedColumn->addWidget(lblAsked_);
     askedColumn->addWidget(cmdAskAgain_);
-    orderGrid->addWidget(askedRow_, 3, 0, 1, 2);
+    orderGrid->addWidget(askedRow_, 4, 0, 1, 2);
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(fraAssessment, 0, 0, 1, 3);
@@ -130,7 +137,7 @@ void frmMain::buildControls()
              lstTopics_, cmdSelectAllTopics_, cmdClearAllTopics_, cmdSelectAllSub_, lstSubTopics_,
              cmdSelectAllSubTopics_, cmdClearAllSubTopics_, optSelectYes_, option("optSelectNo"),
              optTopicYes_, option("optTopicNo"), optKeyYes_, option("optKeyNo"), txtQuestions_,
-             cmdCreate_, cmdAskAgain_}) {
+             cmdCreate_, cmdPaper_, cmdAskAgain_}) {
         setTabOrder(previous, next);
         previous = next;
     }
@@ -149,6 +156,7 @@ void frmMain::connectControls()
     connect(cmdClearAllSubTopics_, &QPushButton::clicked, this,
             [this] { selectShownSubTopics(false); });
     connect(cmdCreate_, &QPushButton::clicked, this, &frmMain::cmdCreate_Click);
+    connect(cmdPaper_, &QPushButton::clicked, this, &frmMain::cmdPaper_Click);
     connect(txtQuestions_, &QLineEdit::textEdited, this, [this](const QString& text) {
         constexpr double largest = 1e9;
         asked_ = std::llround(std::clamp(ParseNumber(text).value_or(0), 0.0, largest));
