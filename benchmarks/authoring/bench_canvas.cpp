@@ -1,11 +1,12 @@
 // Dragging a selection of 600 x 400 pixels over a pasted screen of 1920 x 1080 in the real
 // authoring window: all work per mouse move, painting included.
 
+#include "authoring/CanvasPanel.h"
+#include "authoring/CanvasView.h"
 #include "authoring/frmAddNewQuestion.h"
 #include "library/Library.h"
 #include "store/services.h"
 #include "support/report.h"
-#include "toolkit/PictureBox.h"
 #include "toolkit/desktop_services.h"
 
 #include <QApplication>
@@ -90,8 +91,9 @@ int main(int argc, char** argv)
     while (!window.windowHandle()->isExposed()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
+    window.findChild<CanvasPanel*>()->setZoom(1);
     window.findChild<QPushButton*>(QStringLiteral("cmdPaste"))->click();
-    auto* canvas = window.findChild<PictureBox*>(QStringLiteral("picQuestion"));
+    auto* canvas = window.findChild<CanvasView*>(QStringLiteral("picQuestion"));
     post(canvas, QEvent::MouseButtonPress, {20, 20});
     send(canvas, QEvent::MouseMove, {620, 420});
     post(canvas, QEvent::MouseButtonRelease, {620, 420});
@@ -101,7 +103,7 @@ int main(int argc, char** argv)
         const QPoint to(301 + i % 150, 200 + i % 70);
         moves.push_back(1000 * bench::cpuOf([&] { send(canvas, QEvent::MouseMove, to); }));
     }
-    if (!window.canvas().Moving || window.canvas().SelX2 - window.canvas().SelX1 != 600) {
+    if (!window.canvas().Moving || window.canvas().state().selection().width() != 600) {
         std::abort();
     }
     const double drop = 1000 * bench::cpuOf([&] {

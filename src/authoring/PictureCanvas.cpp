@@ -1,5 +1,6 @@
 #include "authoring/PictureCanvas.h"
 
+#include "authoring/canvas_image.h"
 #include "store/errors.h"
 
 #include <QCoreApplication>
@@ -72,53 +73,67 @@ std::int32_t draggedTo(std::int32_t wanted, std::int32_t size, std::int32_t oute
 
 /// The scroll position nearest to `value` that shows all from `first` to `last`, or `first`
 /// where that is more than the page holds.
-std::int32_t scrolledTo(std::int32_t value, std::int32_t first, std::int32_t last,
+std::int16_t scrolledTo(std::int32_t value, std::int32_t first, std::int32_t last,
                         std::int32_t page)
 {
-    return std::max(std::min(std::max(value, difference(last, page)), first), 0);
+    return toInt16(std::max(std::min(std::max(value, difference(last, page)), first), 0));
+}
+
+void orderCorners(CanvasState& state)
+{
+    if (state.SelX1 > state.SelX2) {
+        std::swap(state.SelX1, state.SelX2);
+    }
+    if (state.SelY1 > state.SelY2) {
+        std::swap(state.SelY1, state.SelY2);
+    }
+}
+
+void place(CanvasState& state, QPoint corner, std::int32_t w, std::int32_t h)
+{
+    state.SelX1 = corner.x();
+    state.SelY1 = corner.y();
+    state.SelX2 = sum(corner.x(), w);
+    state.SelY2 = sum(corner.y(), h);
 }
 
 } // namespace
 
 PictureCanvas::PictureCanvas(QSize page, int canvasBorder, int pageBorder)
-    : picQuestion(page, canvasBorder)
-    , picCropped(page, pageBorder)
-    , picSaved(page)
-    , picTemp({1, 1})
-    , picUndo(page)
+    : page_(page)
+    , canvasBorder_(canvasBorder)
+    , pageBorder_(pageBorder)
+    , image_(BlankImage(page))
 {}
 
-void PictureCanvas::draw(const Frame& frame)
+void PictureCanvas::commit(const CanvasState& before, QImage image, CanvasState after, bool joins)
 {
-    picQuestion.drawFrame(frame.x1, frame.y1, frame.x2, frame.y2);
+    after.hasPicture = true;
+    history_.add(image_, before, image, after, joins);
+    image_ = std::move(image);
+    state_ = std::move(after);
 }
 
-void PictureCanvas::drawSelectionFrame()
+void PictureCanvas::Undo()
 {
-    shownFrame_ = {SelX1, SelY1, SelX2, SelY2};
-    draw(shownFrame_);
+    endDrag();
+    if (canUndo()) {
+        history_.undo(image_, state_);
+    }
 }
 
-void PictureCanvas::drawMovingFrame()
+void PictureCanvas::Redo()
 {
-    draw({MoveX1, MoveY1, MoveX2, MoveY2});
-}
-
-void PictureCanvas::eraseShownFrame()
-{
-    if (SelectionShown) {
-        SelectionShown = false;
-        draw(shownFrame_);
+    endDrag();
+    if (canRedo()) {
+        history_.redo(image_, state_);
     }
 }
 
 void PictureCanvas::endDrag()
 {
-    if (Moving && !FirstMove) {
-        drawMovingFrame();
-    }
-    if (Drawing) {
-        draw(shownFrame_);
+    if (sized_) {
+        state_ = *std::exchange(sized_, std::nullopt);
     }
     Moving = false;
     Drawing = false;
@@ -126,8 +141,8 @@ void PictureCanvas::endDrag()
 
 void PictureCanvas::CancelDrag()
 {
-    if (Drawing) {
-        controlsShown_ = false;
+    if (Drawing && !sized_) {
+        state_.controlsShown = false;
     }
     endDrag();
 }
@@ -135,84 +150,120 @@ void PictureCanvas::CancelDrag()
 void PictureCanvas::DropSelection()
 {
     endDrag();
-    eraseShownFrame();
-    controlsShown_ = false;
+    state_.SelectionShown = false;
+    state_.controlsShown = false;
 }
 
 bool PictureCanvas::Paste(const QImage& bitmap)
 {
+    endDrag();
+    const CanvasState before = state_;
     DropSelection();
     if (bitmap.isNull()) {
         return false;
     }
     // Before anything is lost: what cannot be scrolled over is not taken.
-    static_cast<void>(toInt16(bitmap.width() - picCropped.innerWidth()));
-    static_cast<void>(toInt16(bitmap.height() - picCropped.innerHeight()));
+    static_cast<void>(toInt16(bitmap.width() - page_.width()));
+    static_cast<void>(toInt16(bitmap.height() - page_.height()));
 
-    picQuestion.setPicture(bitmap);
-    picQuestion.growOuter(picCropped.outerWidth(), picCropped.outerHeight());
-    picSaved.setPicture(picQuestion.image());
-    setHScroll(0);
-    setVScroll(0);
-    UpdateScrollBars();
+    const int rim = 2 * canvasBorder_;
+    const QSize size =
+        bitmap.size().expandedTo({pageWidth() - rim, pageHeight() - rim}).expandedTo({1, 1});
+    QImage image = OpaqueImage(bitmap);
+    if (size != image.size()) {
+        const QImage picture = std::exchange(image, BlankImage(size));
+        DrawRegion(image, picture, 0, 0, picture.width(), picture.height(), 0, 0);
+    }
+    CanvasState after = state_;
+    after.covered = {};
+    UpdateScrollBars(after, size);
+    commit(before, std::move(image), std::move(after));
     return true;
 }
 
-void PictureCanvas::UpdateScrollBars()
+void PictureCanvas::Begin(const QImage& picture)
 {
-    left_ = 0;
-    top_ = 0;
-    const auto update = [](ScrollBar& bar, int canvas, int page) {
-        bar.visible = canvas > page;
+    Paste(picture);
+    history_ = {};
+}
+
+void PictureCanvas::UpdateScrollBars(CanvasState& state, QSize canvas) const
+{
+    const auto update = [this](CanvasScroll& bar, int size, int page) {
+        bar.value = 0;
+        bar.visible = size + 2 * canvasBorder_ > page;
         if (bar.visible) {
-            bar.value = 0;
-            bar.maximum = toInt16(canvas - page);
+            bar.maximum = toInt16(size + 2 * canvasBorder_ - page);
         }
     };
-    update(hScroll_, picQuestion.outerWidth(), picCropped.outerWidth());
-    update(vScroll_, picQuestion.outerHeight(), picCropped.outerHeight());
+    update(state.HScroll, canvas.width(), pageWidth());
+    update(state.VScroll, canvas.height(), pageHeight());
 }
 
 void PictureCanvas::setHScroll(int value)
 {
-    hScroll_.value = toInt16(value);
-    left_ = -value;
+    state_.HScroll.value = toInt16(value);
 }
 
 void PictureCanvas::setVScroll(int value)
 {
-    vScroll_.value = toInt16(value);
-    top_ = -value;
+    state_.VScroll.value = toInt16(value);
+}
+
+void PictureCanvas::ScrollBy(int dx, int dy)
+{
+    const auto scrolled = [](const CanvasScroll& bar, int by) {
+        return std::clamp(bar.value + by, 0, bar.visible ? int{bar.maximum} : 0);
+    };
+    setHScroll(scrolled(state_.HScroll, dx));
+    setVScroll(scrolled(state_.VScroll, dy));
 }
 
 bool PictureCanvas::grabs(double X, double Y) const
 {
-    return SelectionShown && SelX1 <= X && X <= SelX2 && SelY1 <= Y && Y <= SelY2;
+    return state_.SelectionShown && state_.SelX1 <= X && X <= state_.SelX2 && state_.SelY1 <= Y &&
+           Y <= state_.SelY2;
 }
 
 void PictureCanvas::MouseDown(double X, double Y)
 {
     endDrag();
     if (grabs(X, Y)) {
-        GrabDX = rounded(std::abs(SelX1 - X));
-        GrabDY = rounded(std::abs(SelY1 - Y));
+        GrabDX = rounded(std::abs(state_.SelX1 - X));
+        GrabDY = rounded(std::abs(state_.SelY1 - Y));
         MoveX1 = rounded(X - GrabDX);
         MoveY1 = rounded(Y - GrabDY);
-        MoveX2 = sum(difference(SelX2, SelX1), MoveX1);
-        MoveY2 = sum(difference(SelY2, SelY1), MoveY1);
+        MoveX2 = sum(difference(state_.SelX2, state_.SelX1), MoveX1);
+        MoveY2 = sum(difference(state_.SelY2, state_.SelY1), MoveY1);
         Moving = true;
         FirstMove = true;
         return;
     }
-    const std::int32_t x = rounded(X);
-    const std::int32_t y = rounded(Y);
-    eraseShownFrame();
-    controlsShown_ = true;
+    place(state_, {rounded(X), rounded(Y)}, 0, 0);
+    state_.SelectionShown = false;
+    state_.controlsShown = true;
+    state_.covered = {};
+    Drawing = across_ = down_ = true;
+}
+
+void PictureCanvas::HandleDown(int across, int down)
+{
+    endDrag();
+    if (!state_.SelectionShown) {
+        return;
+    }
+    sized_ = state_;
+    if (across < 0) {
+        std::swap(state_.SelX1, state_.SelX2);
+    }
+    if (down < 0) {
+        std::swap(state_.SelY1, state_.SelY2);
+    }
+    across_ = across != 0;
+    down_ = down != 0;
+    state_.SelectionShown = false;
+    state_.controlsShown = true;
     Drawing = true;
-    SelX1 = SelX2 = x;
-    SelY1 = SelY2 = y;
-    drawSelectionFrame();
-    picSaved.setPicture(picQuestion.image());
 }
 
 void PictureCanvas::MouseMove(double X, double Y)
@@ -220,32 +271,25 @@ void PictureCanvas::MouseMove(double X, double Y)
     if (Moving) {
         const std::int32_t x1 = rounded(X - GrabDX);
         const std::int32_t y1 = rounded(Y - GrabDY);
-        const std::int32_t x2 = sum(x1, difference(SelX2, SelX1));
-        const std::int32_t y2 = sum(y1, difference(SelY2, SelY1));
-        // The selection's own frame stays as a marker of where the block comes from.
-        if (!FirstMove) {
-            drawMovingFrame();
-        }
+        const std::int32_t x2 = sum(x1, difference(state_.SelX2, state_.SelX1));
+        const std::int32_t y2 = sum(y1, difference(state_.SelY2, state_.SelY1));
         FirstMove = false;
         MoveX1 = x1;
         MoveY1 = y1;
         MoveX2 = x2;
         MoveY2 = y2;
-        drawMovingFrame();
     } else if (Drawing) {
-        const std::int32_t x = rounded(X);
-        const std::int32_t y = rounded(Y);
-        draw(shownFrame_);
-        SelX2 = x;
-        SelY2 = y;
-        drawSelectionFrame();
+        const std::int32_t x = across_ ? rounded(X) : state_.SelX2;
+        const std::int32_t y = down_ ? rounded(Y) : state_.SelY2;
+        state_.SelX2 = x;
+        state_.SelY2 = y;
     }
 }
 
 void PictureCanvas::MouseUp()
 {
     if (Moving) {
-        const bool moved = SelX1 != MoveX1 || SelY1 != MoveY1;
+        const bool moved = state_.SelX1 != MoveX1 || state_.SelY1 != MoveY1;
         endDrag();
         if (moved) {
             MoveSelection(SelectionMove::Dragged);
@@ -258,195 +302,258 @@ void PictureCanvas::MouseUp()
         return;
     }
     Drawing = false;
-    FreshSelection = true;
-    if (SelX1 == SelX2 && SelY1 == SelY2) {
-        controlsShown_ = false;
+    sized_.reset();
+    state_.FreshSelection = true;
+    state_.covered = {};
+    if (state_.SelX1 == state_.SelX2 && state_.SelY1 == state_.SelY2) {
+        state_.controlsShown = false;
         return;
     }
-    SelectionShown = true;
-    orderCorners();
-    SelX1 = std::max(SelX1, 0);
-    SelX2 = std::min(SelX2, picQuestion.innerWidth());
-    SelY1 = std::max(SelY1, 0);
-    SelY2 = std::min(SelY2, picQuestion.innerHeight());
+    state_.SelectionShown = true;
+    orderCorners(state_);
+    state_.SelX1 = std::max(state_.SelX1, 0);
+    state_.SelX2 = std::min(state_.SelX2, image_.width());
+    state_.SelY1 = std::max(state_.SelY1, 0);
+    state_.SelY2 = std::min(state_.SelY2, image_.height());
+}
+
+void PictureCanvas::select(const QRect& frame)
+{
+    endDrag();
+    const QRect inside = frame.intersected(image_.rect());
+    place(state_, inside.topLeft(), inside.width(), inside.height());
+    state_.covered = {};
+    state_.SelectionShown = state_.FreshSelection = state_.controlsShown = true;
 }
 
 void PictureCanvas::SelectAll()
 {
-    DropSelection();
-    MouseDown(0, 0);
-    MouseMove(picQuestion.innerWidth() - 1, picQuestion.innerHeight() - 1);
-    MouseUp();
-    SelX2 = picQuestion.innerWidth();
-    SelY2 = picQuestion.innerHeight();
+    select(image_.rect());
 }
 
-void PictureCanvas::orderCorners()
+QRect PictureCanvas::frameToChange() const
 {
-    if (SelX1 > SelX2) {
-        std::swap(SelX1, SelX2);
+    const QRect frame = state_.selection().intersected(image_.rect());
+    if (state_.SelectionShown && !frame.isEmpty()) {
+        return frame;
     }
-    if (SelY1 > SelY2) {
-        std::swap(SelY1, SelY2);
+    const QSize half = (page_ / 2).expandedTo({1, 1});
+    return QRect(
+        QPoint(state_.HScroll.value + half.width() / 2, state_.VScroll.value + half.height() / 2),
+        half);
+}
+
+void PictureCanvas::MoveFrame(std::int32_t dx, std::int32_t dy)
+{
+    const bool there = state_.SelectionShown;
+    QRect frame = frameToChange();
+    if (there) {
+        frame.moveTo(std::clamp(frame.x() + dx, 0, image_.width() - frame.width()),
+                     std::clamp(frame.y() + dy, 0, image_.height() - frame.height()));
     }
+    select(frame);
+    showSelection(state_);
+}
+
+void PictureCanvas::SizeFrame(std::int32_t dx, std::int32_t dy)
+{
+    const bool there = state_.SelectionShown;
+    QRect frame = frameToChange();
+    if (there) {
+        frame.setSize(QSize(frame.width() + dx, frame.height() + dy).expandedTo({1, 1}));
+    }
+    select(frame);
+    showSelection(state_);
+}
+
+void PictureCanvas::centre(const CanvasState& before, const QImage& block, const QRect& part,
+                           bool selected)
+{
+    CanvasState after = state_;
+    const QPoint corner(centred(page_.width(), part.width()),
+                        centred(page_.height(), part.height()));
+    place(after, corner, part.width(), part.height());
+    QImage image = BlankImage(page_);
+    DrawRegion(image, block, part.x(), part.y(), part.width(), part.height(), corner.x(),
+               corner.y());
+    UpdateScrollBars(after, page_);
+    after.covered = {};
+    after.FreshSelection = true;
+    after.SelectionShown = after.controlsShown = selected;
+    commit(before, std::move(image), std::move(after));
 }
 
 void PictureCanvas::Crop()
 {
+    endDrag();
+    const CanvasState before = state_;
     DropSelection();
-    orderCorners();
-    const std::int32_t w = difference(SelX2, SelX1);
-    const std::int32_t h = difference(SelY2, SelY1);
+    orderCorners(state_);
+    const std::int32_t w = difference(state_.SelX2, state_.SelX1);
+    const std::int32_t h = difference(state_.SelY2, state_.SelY1);
     if (w == 0 || h == 0) {
         return;
     }
-    picUndo.setPicture(picQuestion.image());
-    const std::int32_t left = centred(picCropped.innerWidth(), w);
-    const std::int32_t top = centred(picCropped.innerHeight(), h);
-    const std::int32_t right = sum(left, w);
-    const std::int32_t bottom = sum(top, h);
-    picCropped.drawRegion(picQuestion.picture(), SelX1, SelY1, w, h, left, top);
-    picCropped.fixImage();
-    picQuestion.setPicture(picCropped.picture());
-    picCropped.clearPicture();
-    setHScroll(0);
-    setVScroll(0);
-    UpdateScrollBars();
+    // Not as a QRect, whose arithmetic is not checked.
+    static_cast<void>(sum(centred(page_.width(), w), w));
+    static_cast<void>(sum(centred(page_.height(), h), h));
+    centre(before, image_, state_.selection(), true);
+}
 
-    SelX1 = left;
-    SelY1 = top;
-    SelX2 = right;
-    SelY2 = bottom;
-    drawSelectionFrame();
-    SelectionShown = true;
-    controlsShown_ = true;
-    picSaved.setPicture(picQuestion.picture());
-    FreshSelection = true;
+void PictureCanvas::FitToPage()
+{
+    endDrag();
+    const bool framed = state_.SelectionShown;
+    const CanvasState before = state_;
+    const QRect part = (framed ? state_.selection() : image_.rect()).intersected(image_.rect());
+    DropSelection();
+    if (part.isEmpty() || (!framed && !imageExceedsPage())) {
+        return;
+    }
+    const QSize size = part.size().scaled(page_, Qt::KeepAspectRatio).expandedTo({1, 1});
+    centre(before, ScaledByArea(image_, part, size), QRect({}, size), framed);
+}
+
+bool PictureCanvas::selectionExceedsPage() const
+{
+    const QSize size = state_.selection().size();
+    return state_.SelectionShown &&
+           (size.width() > page_.width() || size.height() > page_.height());
+}
+
+bool PictureCanvas::imageExceedsPage() const
+{
+    return state_.HScroll.visible || state_.VScroll.visible;
+}
+
+QPoint PictureCanvas::movedTo(SelectionMove mode) const
+{
+    const std::int32_t w = difference(state_.SelX2, state_.SelX1);
+    const std::int32_t h = difference(state_.SelY2, state_.SelY1);
+    QPoint to(state_.SelX1, state_.SelY1);
+    switch (mode) {
+    case SelectionMove::Up:
+        to.setY(stepBack(to.y()));
+        break;
+    case SelectionMove::Right:
+        to.setX(sum(to.x(), stepWithin(difference(image_.width(), sum(to.x(), w)))));
+        break;
+    case SelectionMove::Down:
+        to.setY(sum(to.y(), stepWithin(difference(image_.height(), sum(to.y(), h)))));
+        break;
+    case SelectionMove::Left:
+        to.setX(stepBack(to.x()));
+        break;
+    case SelectionMove::Dragged:
+        to = {draggedTo(MoveX1, w, canvasWidth()), draggedTo(MoveY1, h, canvasHeight())};
+        break;
+    case SelectionMove::Erase:
+        break;
+    }
+    return to;
 }
 
 void PictureCanvas::MoveSelection(SelectionMove mode)
 {
+    move(mode, false);
+}
+
+void PictureCanvas::move(SelectionMove mode, bool joins)
+{
     endDrag();
-    eraseShownFrame();
-    const std::int32_t w = difference(SelX2, SelX1);
-    const std::int32_t h = difference(SelY2, SelY1);
+    const CanvasState before = state_;
+    state_.SelectionShown = false;
+    const std::int32_t w = difference(state_.SelX2, state_.SelX1);
+    const std::int32_t h = difference(state_.SelY2, state_.SelY1);
     // Below 0 when the mouse was interrupted in the middle of a frame.
     if (w <= 0 || h <= 0) {
         return;
     }
-    std::int32_t newX = SelX1;
-    std::int32_t newY = SelY1;
-    switch (mode) {
-    case SelectionMove::Up:
-        newY = stepBack(SelY1);
-        break;
-    case SelectionMove::Right:
-        newX = sum(SelX1, stepWithin(difference(picQuestion.innerWidth(), sum(SelX1, w))));
-        break;
-    case SelectionMove::Down:
-        newY = sum(SelY1, stepWithin(difference(picQuestion.innerHeight(), sum(SelY1, h))));
-        break;
-    case SelectionMove::Left:
-        newX = stepBack(SelX1);
-        break;
-    case SelectionMove::Dragged:
-        newX = draggedTo(MoveX1, w, picQuestion.outerWidth());
-        newY = draggedTo(MoveY1, h, picQuestion.outerHeight());
-        break;
-    case SelectionMove::Erase:
-        break;
-    }
-    const std::int32_t newRight = sum(newX, w);
-    const std::int32_t newBottom = sum(newY, h);
+    const QPoint from(state_.SelX1, state_.SelY1);
+    const QPoint to = movedTo(mode);
+    CanvasState after = state_;
+    place(after, to, w, h);
 
-    picTemp.reset({w, h});
-    picTemp.drawRegion(picQuestion.picture(), SelX1, SelY1, w, h, 0, 0);
-    picTemp.fixImage();
-    if (FreshSelection || mode == SelectionMove::Erase) {
-        FreshSelection = false;
-        picQuestion.blankRegion(SelX1, SelY1, w, h);
-        picSaved.blankRegion(SelX1, SelY1, w, h);
-        picSaved.fixImage();
+    QImage image = image_;
+    QImage block = BlankImage({w, h});
+    DrawRegion(block, image_, from.x(), from.y(), w, h, 0, 0);
+    // The place a block was cut from stays white; what a moved block passes over comes back.
+    if (after.FreshSelection || mode == SelectionMove::Erase) {
+        after.FreshSelection = false;
+        BlankRegion(image, from.x(), from.y(), w, h);
     } else {
-        picQuestion.drawRegion(picSaved.picture(), SelX1, SelY1, w, h, SelX1, SelY1);
+        DrawRegion(image, after.covered, 0, 0, w, h, from.x(), from.y());
     }
+    after.covered = {};
     if (mode != SelectionMove::Erase) {
-        picQuestion.drawRegion(picTemp.picture(), 0, 0, w, h, newX, newY);
+        after.covered = BlankImage({w, h});
+        DrawRegion(after.covered, image, to.x(), to.y(), w, h, 0, 0);
+        DrawRegion(image, block, 0, 0, w, h, to.x(), to.y());
     }
-    picQuestion.fixImage();
-    picTemp.clearPicture();
-    left_ = -hScroll_.value;
-    top_ = -vScroll_.value;
-
-    SelX1 = newX;
-    SelY1 = newY;
-    SelX2 = newRight;
-    SelY2 = newBottom;
-    keepInView(mode);
-    SelectionShown = true;
-    drawSelectionFrame();
+    keepInView(mode, after);
+    after.SelectionShown = true;
+    if (joins) {
+        showSelection(after);
+    }
+    commit(before, std::move(image), std::move(after), joins);
 }
 
-void PictureCanvas::keepInView(SelectionMove mode)
+void PictureCanvas::keepInView(SelectionMove mode, CanvasState& state) const
 {
     switch (mode) {
     case SelectionMove::Up:
-        if (vScroll_.value > SelY1) {
-            setVScroll(SelY1);
-        }
+        state.VScroll.value = toInt16(std::min<std::int32_t>(state.VScroll.value, state.SelY1));
         break;
     case SelectionMove::Right:
-        if (SelX2 > hScroll_.value + picCropped.outerWidth()) {
-            setHScroll(difference(SelX2, picCropped.outerWidth()));
-        }
+        state.HScroll.value = toInt16(
+            std::max<std::int32_t>(state.HScroll.value, difference(state.SelX2, pageWidth())));
         break;
     case SelectionMove::Down:
-        if (SelY2 > vScroll_.value + picCropped.outerHeight()) {
-            setVScroll(difference(SelY2, picCropped.outerHeight()));
-        }
+        state.VScroll.value = toInt16(
+            std::max<std::int32_t>(state.VScroll.value, difference(state.SelY2, pageHeight())));
         break;
     case SelectionMove::Left:
-        if (hScroll_.value > SelX1) {
-            setHScroll(SelX1);
-        }
+        state.HScroll.value = toInt16(std::min<std::int32_t>(state.HScroll.value, state.SelX1));
         break;
     case SelectionMove::Dragged:
     case SelectionMove::Erase:
         break;
     }
+}
+
+void PictureCanvas::showSelection(CanvasState& state) const
+{
+    state.HScroll.value = scrolledTo(state.HScroll.value, state.SelX1, state.SelX2, pageWidth());
+    state.VScroll.value = scrolledTo(state.VScroll.value, state.SelY1, state.SelY2, pageHeight());
 }
 
 void PictureCanvas::Nudge(std::int32_t dx, std::int32_t dy)
 {
-    if (!SelectionShown || Moving) {
+    if (!state_.SelectionShown || Moving) {
         return;
     }
-    MoveX1 = sum(SelX1, dx);
-    MoveY1 = sum(SelY1, dy);
-    MoveSelection(SelectionMove::Dragged);
-    setHScroll(scrolledTo(hScroll_.value, SelX1, SelX2, picCropped.outerWidth()));
-    setVScroll(scrolledTo(vScroll_.value, SelY1, SelY2, picCropped.outerHeight()));
+    MoveX1 = sum(state_.SelX1, dx);
+    MoveY1 = sum(state_.SelY1, dy);
+    move(SelectionMove::Dragged, true);
 }
 
 void PictureCanvas::StampText(const QString& text)
 {
     endDrag();
-    eraseShownFrame();
-    picQuestion.printText(SelX1, SelY1, text, stampFont(font));
-    picQuestion.fixImage();
-    controlsShown_ = false;
-    picSaved.setPicture(picQuestion.picture());
+    const CanvasState before = state_;
+    state_.SelectionShown = false;
+    CanvasState after = state_;
+    after.controlsShown = false;
+    after.covered = {};
+    QImage image = image_;
+    PrintLine(image, after.SelX1, after.SelY1, text, stampFont(font));
+    commit(before, std::move(image), std::move(after));
 }
 
-QImage PictureCanvas::renderPage()
+QImage PictureCanvas::renderPage() const
 {
-    const int width = picCropped.innerWidth();
-    const int height = picCropped.innerHeight();
-    picCropped.drawRegion(picQuestion.picture(), 0, 0, width, height, 0, 0);
-    picCropped.fixImage();
-    const QImage page = picCropped.picture();
-    // White again: a save that fails must not leave the page as the source of blanks.
-    picCropped.clearPicture();
+    QImage page = BlankImage(page_);
+    DrawRegion(page, image_, 0, 0, page.width(), page.height(), 0, 0);
     return page;
 }
 

@@ -1,18 +1,17 @@
 #pragma once
 
+#include "authoring/CanvasHistory.h"
 #include "authoring/canvas_font.h"
-#include "pictures/PictureSurface.h"
 
 #include <QString>
 
-#include <cstdint>
+#include <optional>
 
 namespace varnholt {
 
-/// The page that every question picture fills, in pixels. At 96 dots per inch it is
-/// 600 x 375 points: under the number and the topic line it fits a slide of 960 x 540, and
-/// with the controls beside it a screen of 1280 x 720 units.
-inline constexpr QSize questionPage{800, 500};
+/// The page that every question picture fills, in pixels. At 96 dots per inch it is 954 x 468
+/// points: under the number and the topic line, the whole width of a slide of 960 x 540.
+inline constexpr QSize questionPage{1272, 624};
 
 /// Modes of `PictureCanvas::MoveSelection`.
 enum class SelectionMove : std::int16_t
@@ -25,122 +24,128 @@ enum class SelectionMove : std::int16_t
     Erase = 6,
 };
 
-/// The picture-editing canvas of the authoring window: surfaces, a selection rectangle and
-/// two scroll positions. It knows no widgets; the window passes events on, shows
-/// `picQuestion` at (`left`, `top`) behind an opening of the page's size, and shows the
-/// scroll bars and the frame with the picture controls as told here.
+/// The picture of a question while it is worked on: a value of an image, a selection, a font and
+/// steps that can be undone. It knows no widgets and no zoom; whoever shows it passes events on
+/// and paints the frames and the block on the move over the image, which never holds them. So the
+/// image is always what a save stores.
 ///
-/// Coordinates are pixels of `picQuestion`. A frame is inverted pixels on `picQuestion`'s
-/// image, never in its picture, and is removed by drawing it a second time with the very
-/// coordinates of the first: a frame that reached over an edge is remembered as drawn,
-/// apart from the selection that was cut back to the canvas. So whenever no frame shows,
-/// what the user sees is what a save stores. Frames include both corners; the block they
-/// select is the half-open rectangle from (SelX1, SelY1) to (SelX2, SelY2).
+/// Coordinates are pixels of the image. The page is an opening through which the image is seen,
+/// scrolled by `HScroll` and `VScroll`. Borders make outer sizes differ from inner ones.
 ///
-/// An operation that comes while the mouse holds a frame or a block ends that first: the
-/// unfinished frame goes, the rectangle stays as it was last.
+/// An operation that comes while the mouse holds a frame or a block ends that first: an unfinished
+/// new frame goes, a finished one that was being sized is as before. An operation that throws
+/// leaves the image as it was.
 ///
 /// Arithmetic on coordinates is checked: beyond 32 bits, or 16 bits for scroll positions, an
-/// operation throws `OverflowError`, and the frame on show is still the one remembered.
+/// operation throws `OverflowError`.
 class PictureCanvas
 {
 public:
-    struct ScrollBar
-    {
-        bool visible = false;
-        std::int16_t value = 0;
-        std::int16_t maximum = 0;
-    };
-
-    /// `page` is the page's inner size. Borders make outer sizes differ from inner ones.
     explicit PictureCanvas(QSize page = questionPage, int canvasBorder = 0, int pageBorder = 0);
 
-    // The work surfaces.
-    PictureSurface picQuestion; ///< what the user sees
-    PictureSurface picCropped;  ///< the page; white except while something passes through it
-    PictureSurface picSaved;    ///< the background that a moved block uncovers
-    PictureSurface picTemp;     ///< the block on the move
-    PictureSurface picUndo;     ///< the canvas before the last crop
+    /// Begins with a picture, or with another one, in a way that cannot be undone.
+    void Begin(const QImage& picture);
+
+    // Operations that can be undone.
 
     /// Ends the selection and replaces the canvas by the picture, on white where that is
     /// smaller than the page. False, with no more done than the selection ended, for a null
     /// picture. Throws `OverflowError` for one too large to scroll over.
     bool Paste(const QImage& bitmap);
-
-    void MouseDown(double X, double Y);
-    void MouseMove(double X, double Y);
-    void MouseUp();
-
     /// Centres the selected region on a white page.
     void Crop();
+    /// The same with the region as large as the page can hold it; without a frame the whole image
+    /// where it is larger than the page.
+    void FitToPage();
     void MoveSelection(SelectionMove mode);
-    /// Selects the whole canvas. The frame's far sides are drawn on the last pixels, where
-    /// they show; the selection reaches to the edges.
-    void SelectAll();
-    /// Moves the selection by a few pixels as dragging it does, and keeps it in view.
+    /// Moves the selection by a few pixels as dragging it does, and keeps it in view. One after
+    /// the other they are one step.
     void Nudge(std::int32_t dx, std::int32_t dy);
     /// Prints a line at the selection's, or the last selection's, first corner.
     void StampText(const QString& text);
 
-    /// Erases the frame, if one is shown, and forgets the selection.
+    [[nodiscard]] bool canUndo() const { return history_.canUndo(); }
+    [[nodiscard]] bool canRedo() const { return history_.canRedo(); }
+    void Undo();
+    void Redo();
+    [[nodiscard]] const CanvasHistory& history() const { return history_; }
+
+    // Framing.
+
+    void MouseDown(double X, double Y);
+    /// Takes hold of a side (-1, 0 or 1 across and down) of the finished frame.
+    void HandleDown(int across, int down);
+    void MouseMove(double X, double Y);
+    void MouseUp();
+    void SelectAll();
+    /// Moves a finished frame, or its far sides, over the image. Without one a frame appears in
+    /// the middle of what the page shows.
+    void MoveFrame(std::int32_t dx, std::int32_t dy);
+    void SizeFrame(std::int32_t dx, std::int32_t dy);
+    /// Forgets the selection.
     void DropSelection();
     /// Takes back a frame or a drag that the mouse has not finished.
     void CancelDrag();
 
     void setHScroll(int value);
     void setVScroll(int value);
+    /// Scrolls by so much, as far as that goes.
+    void ScrollBy(int dx, int dy);
 
-    /// What a save stores: the canvas's picture from its top left corner, on white, in the
-    /// size of the page.
-    [[nodiscard]] QImage renderPage();
+    /// What a save stores: the image from its top left corner, on white, in the size of the page.
+    [[nodiscard]] QImage renderPage() const;
 
     /// True where a press would take hold of the selection.
     [[nodiscard]] bool grabs(double X, double Y) const;
-
-    [[nodiscard]] const ScrollBar& HScroll() const { return hScroll_; }
-    [[nodiscard]] const ScrollBar& VScroll() const { return vScroll_; }
-    [[nodiscard]] int left() const { return left_; }
-    [[nodiscard]] int top() const { return top_; }
-    /// Whether the frame with the picture controls is shown.
-    [[nodiscard]] bool controlsShown() const { return controlsShown_; }
+    [[nodiscard]] const QImage& image() const { return image_; }
+    [[nodiscard]] QSize page() const { return page_; }
+    [[nodiscard]] const CanvasState& state() const { return state_; }
     [[nodiscard]] bool isDragging() const { return Drawing || Moving; }
+    /// A selection that is larger than the page, so that `Crop` cuts it.
+    [[nodiscard]] bool selectionExceedsPage() const;
+    /// An image of which a save stores a part only.
+    [[nodiscard]] bool imageExceedsPage() const;
 
     CanvasFont font;
 
-    // The selection. After a finished drag the first corner is the upper left one.
-    std::int32_t SelX1 = 0, SelY1 = 0, SelX2 = 0, SelY2 = 0;
     /// The frame that follows the mouse while a selection is dragged.
     std::int32_t MoveX1 = 0, MoveY1 = 0, MoveX2 = 0, MoveY2 = 0;
     /// From the selection's first corner to where it was grabbed.
     std::int32_t GrabDX = 0, GrabDY = 0;
-    bool Drawing = false;        ///< a frame is being drawn
-    bool SelectionShown = false; ///< a finished frame is on the canvas
-    bool FreshSelection = false; ///< not moved or blanked since it was made
-    bool Moving = false;         ///< the selection is being dragged
-    bool FirstMove = false;      ///< the drag has not drawn its own frame yet
+    bool Drawing = false;   ///< a frame is being drawn
+    bool Moving = false;    ///< the selection is being dragged
+    bool FirstMove = false; ///< the drag has not drawn its own frame yet
 
 private:
-    struct Frame
-    {
-        std::int32_t x1 = 0, y1 = 0, x2 = 0, y2 = 0;
-    };
-
-    void UpdateScrollBars();
-    void draw(const Frame& frame);
-    void drawSelectionFrame();
-    void drawMovingFrame();
-    void eraseShownFrame();
+    [[nodiscard]] int canvasWidth() const { return image_.width() + 2 * canvasBorder_; }
+    [[nodiscard]] int canvasHeight() const { return image_.height() + 2 * canvasBorder_; }
+    [[nodiscard]] int pageWidth() const { return page_.width() + 2 * pageBorder_; }
+    [[nodiscard]] int pageHeight() const { return page_.height() + 2 * pageBorder_; }
     void endDrag();
-    void orderCorners();
-    void keepInView(SelectionMove mode);
+    /// What has been drawn counts as a picture from now on.
+    void commit(const CanvasState& before, QImage image, CanvasState after, bool joins = false);
+    /// Puts a page with a part of an image in its middle in the canvas's place.
+    void centre(const CanvasState& before, const QImage& block, const QRect& part, bool selected);
+    void move(SelectionMove mode, bool joins);
+    [[nodiscard]] QPoint movedTo(SelectionMove mode) const;
+    void UpdateScrollBars(CanvasState& state, QSize canvas) const;
+    void keepInView(SelectionMove mode, CanvasState& state) const;
+    void showSelection(CanvasState& state) const;
+    /// A finished frame as large as that, as far as it lies on the image.
+    void select(const QRect& frame);
+    [[nodiscard]] QRect frameToChange() const;
 
-    /// The selection's frame as it was drawn.
-    Frame shownFrame_;
-    ScrollBar hScroll_;
-    ScrollBar vScroll_;
-    int left_ = 0;
-    int top_ = 0;
-    bool controlsShown_ = false;
+    QSize page_;
+    int canvasBorder_;
+    int pageBorder_;
+    QImage image_;
+    CanvasState state_;
+    CanvasHistory history_;
+    /// Whether the corner that is drawn follows the mouse across and down.
+    bool across_ = true;
+    bool down_ = true;
+    /// The finished frame that is being sized.
+    std::optional<CanvasState> sized_;
 };
 
 } // namespace varnholt

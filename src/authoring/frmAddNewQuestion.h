@@ -1,6 +1,5 @@
 #pragma once
 
-#include "authoring/PictureCanvas.h"
 #include "authoring/filing.h"
 #include "authoring/question_save.h"
 #include "manage/filing_preselection.h"
@@ -12,26 +11,22 @@
 #include <optional>
 #include <vector>
 
-class QFrame;
-class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
-class QScrollBar;
 
 namespace varnholt {
 
+class CanvasPanel;
 class ComboBox;
 class HintLabel;
 class Library;
-class PictureBox;
+class PictureCanvas;
 struct Services;
 
-/// The window that makes one new question: a picture pasted and arranged on the canvas, an
-/// answer, a topic and a subtopic. Modal; closes itself after a successful save.
-///
-/// The opening for the canvas always has the size of the page, so that what is seen is what
-/// is saved; in a larger window it stays as it is, in a smaller one the window scrolls.
+/// The window that makes new questions: a picture pasted and arranged on the canvas, an answer, a
+/// topic and a subtopic. Modal; closes itself after "Save" has succeeded, and goes on with the next
+/// question after "Save and Add Another". On a screen that is too small for it, it scrolls.
 class frmAddNewQuestion : public QDialog
 {
     Q_OBJECT
@@ -47,14 +42,14 @@ public:
                       OpenNewInfo openNewInfo = {});
     ~frmAddNewQuestion() override;
 
-    /// The window was left by a save that succeeded.
+    /// A question was saved from here.
     [[nodiscard]] bool questionSaved() const { return questionSaved_; }
-    /// Where the question saved was filed.
-    [[nodiscard]] const Filing& lastFiling() const { return question_.filing; }
+    /// Where the last question saved was filed.
+    [[nodiscard]] const Filing& lastFiling() const { return lastFiling_; }
     /// Topics or subtopics were added from here.
     [[nodiscard]] bool structureChanged() const { return structureChanged_; }
 
-    [[nodiscard]] const PictureCanvas& canvas() const { return canvas_; }
+    [[nodiscard]] const PictureCanvas& canvas() const;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -62,74 +57,57 @@ protected:
 
 private:
     void buildControls();
-    QWidget* buildCanvas();
-    QWidget* buildPictureControls();
     QLayout* buildFiling();
+    QLayout* buildSaving();
     void connectControls();
     void Form_Load();
 
     void cboTopics_Click();
     void cmdNewTopic_Click();
     void cmdNewSubtopic_Click();
-    void cmdPaste_Click();
-    void cmdText_Click();
     void cmdSave_Click();
-    void HScroll_Change(int value);
-    void VScroll_Change(int value);
+    void cmdSaveAnother_Click();
+    /// Says in a box what is missing; ends the selection when nothing is.
+    [[nodiscard]] bool readyToSave();
+    /// Says beside the buttons why it failed.
+    [[nodiscard]] bool save();
 
     void FillTopicCombo();
     void FillSubtopicCombo();
     void SelectTopicById(std::int32_t topicId);
     void SelectSubtopicById(std::int32_t subtopicNum);
 
-    /// Runs work on the canvas, shows the outcome and reports a failure in a box.
-    void onCanvas(const QString& title, const std::function<void()>& work);
-    void showCanvas();
-    void showPointer(double X, double Y);
     void showObstacle();
     [[nodiscard]] QString saveObstacle() const;
-    /// Tells the user when it does not.
-    [[nodiscard]] bool clipboardAnswers();
     [[nodiscard]] bool answerKeyPress(QKeyEvent* event);
-    [[nodiscard]] bool canvasKeyPress(QKeyEvent* event);
 
     Services& services_;
     ProgramState& state_;
     Library& library_;
     FilingPreselection preselection_;
     OpenNewInfo openNewInfo_;
-    PictureCanvas canvas_;
     /// As last tried to save; has a key while its row waits for its picture.
     NewQuestion question_;
+    Filing lastFiling_;
+    int savedCount_ = 0;
     bool questionSaved_ = false;
     bool structureChanged_ = false;
     std::int32_t CurrentTopicID_ = 0;
     std::vector<FilingChoice> topicChoices_;
     std::vector<FilingChoice> subtopicChoices_;
 
+    CanvasPanel* panel_ = nullptr;
     ComboBox* cboTopics_ = nullptr;
     ComboBox* cboSubtopics_ = nullptr;
     QPushButton* cmdNewTopic_ = nullptr;
     QPushButton* cmdNewSubtopic_ = nullptr;
     QLineEdit* txtAnswer_ = nullptr;
     HintLabel* lblAnswerHint_ = nullptr;
-    QPushButton* cmdPaste_ = nullptr;
-    QFrame* fraCanvas_ = nullptr;
-    QWidget* picCropped_ = nullptr;
-    PictureBox* picQuestion_ = nullptr;
-    QScrollBar* HScroll_ = nullptr;
-    QScrollBar* VScroll_ = nullptr;
-    QGroupBox* fraPictureControls_ = nullptr;
-    QPushButton* cmdCrop_ = nullptr;
-    QPushButton* cmdUp_ = nullptr;
-    QPushButton* cmdDown_ = nullptr;
-    QPushButton* cmdMoveLeft_ = nullptr;
-    QPushButton* cmdRight_ = nullptr;
-    QPushButton* cmdCenter_ = nullptr;
-    QPushButton* cmdErase_ = nullptr;
-    QPushButton* cmdText_ = nullptr;
     HintLabel* lblSaveHint_ = nullptr;
+    QPushButton* cmdFitHint_ = nullptr;
+    QLabel* lblSaved_ = nullptr;
     QPushButton* cmdSave_ = nullptr;
+    QPushButton* cmdSaveAnother_ = nullptr;
     QPushButton* cmdCancel_ = nullptr;
 };
 

@@ -57,46 +57,47 @@ QString SaveObstacle(const SaveReadiness& readiness, const QString& programFolde
 
 QString FrameHint(const PictureCanvas& canvas)
 {
-    const PictureSurface& page = canvas.picCropped;
-    if (!canvas.SelectionShown || (canvas.SelX2 - canvas.SelX1 <= page.innerWidth() &&
-                                   canvas.SelY2 - canvas.SelY1 <= page.innerHeight())) {
+    if (!canvas.selectionExceedsPage()) {
         return {};
     }
     // Only cropping makes a selection that reaches beyond the canvas.
-    const bool cut = canvas.SelX1 < 0 || canvas.SelY1 < 0 ||
-                     canvas.SelX2 > canvas.picQuestion.innerWidth() ||
-                     canvas.SelY2 > canvas.picQuestion.innerHeight();
-    return (cut ? tr("The frame was larger than the page of %1 by %2 pixels: only its "
-                     "middle was kept. Paste again to choose another part.")
-                : tr("The frame is larger than the page of %1 by %2 pixels: Crop "
-                     "keeps its middle and cuts the rest off."))
-        .arg(page.innerWidth())
-        .arg(page.innerHeight());
+    const CanvasState& state = canvas.state();
+    const bool cut = state.SelX1 < 0 || state.SelY1 < 0 || state.SelX2 > canvas.image().width() ||
+                     state.SelY2 > canvas.image().height();
+    return (cut ? tr("The frame was larger than the page of %1 by %2 pixels: only its middle was "
+                     "kept. Undo to choose another part, or to use Fit to Page.")
+                : tr("The frame is larger than the page of %1 by %2 pixels: Crop keeps its middle "
+                     "and cuts the rest off, Fit to Page keeps all of it and makes it smaller."))
+        .arg(canvas.page().width())
+        .arg(canvas.page().height());
 }
 
 QString PageHint(const PictureCanvas& canvas)
 {
-    if (!canvas.HScroll().visible && !canvas.VScroll().visible) {
+    if (!canvas.imageExceedsPage()) {
         return {};
     }
-    return tr("Only the upper left %1 by %2 pixels of the picture will be saved. "
-              "Frame what you need and crop it.")
-        .arg(canvas.picCropped.innerWidth())
-        .arg(canvas.picCropped.innerHeight());
+    return tr("Only the upper left %1 by %2 pixels of the picture will be saved. Frame what you "
+              "need and crop it, or use Fit to Page to keep all of it.")
+        .arg(canvas.page().width())
+        .arg(canvas.page().height());
 }
 
 QString CanvasDescription(const PictureCanvas& canvas)
 {
-    const QString keys = tr("Ctrl+A selects the whole picture, the arrow keys move the selection, "
-                            "Delete erases it, Escape drops it.");
-    return canvas.SelectionShown
-               ? tr("Selected: %1 by %2 pixels, %3 from the left and %4 from the top.")
-                         .arg(canvas.SelX2 - canvas.SelX1)
-                         .arg(canvas.SelY2 - canvas.SelY1)
-                         .arg(canvas.SelX1)
-                         .arg(canvas.SelY1) +
-                     u' ' + keys
-               : tr("Nothing is selected.") + u' ' + keys;
+    const QRect selection = canvas.state().selection();
+    const QString selected =
+        canvas.state().SelectionShown
+            ? tr("Selected: %1 by %2 pixels, %3 from the left and %4 from the top.")
+                  .arg(selection.width())
+                  .arg(selection.height())
+                  .arg(selection.x())
+                  .arg(selection.y())
+            : tr("Nothing is selected.");
+    return selected + u' ' +
+           tr("Ctrl+A selects the whole picture, Ctrl and the arrow keys move the frame, with "
+              "Shift they size it. The arrow keys move what is selected, Delete erases it, Escape "
+              "drops the frame.");
 }
 
 } // namespace varnholt

@@ -1,6 +1,5 @@
 #include "authoring/question_save.h"
 
-#include "authoring/PictureCanvas.h"
 #include "imaging/cImage.h"
 #include "imaging/cJpeg.h"
 #include "library/Library.h"
@@ -54,11 +53,10 @@ QString writeFailure(cJpeg::SaveResult result, const QString& path)
     }
 }
 
-void writePicture(const QString& path, PictureCanvas& canvas, const SaveStepObserver& step)
+void writePicture(const QString& path, const QImage& image, const SaveStepObserver& step)
 {
-    step(SaveStep::RenderPage);
-    const Picture page = bitmapPicture(canvas.renderPage());
     step(SaveStep::FillBuffer);
+    const Picture page = bitmapPicture(image);
     cImage buffer;
     check(buffer.CopyStdPicture(page), tr("There is not enough memory to save."));
     step(SaveStep::Sample);
@@ -75,11 +73,11 @@ void writePicture(const QString& path, PictureCanvas& canvas, const SaveStepObse
 
 } // namespace
 
-void SaveQuestion(Library& library, NewQuestion& question, PictureCanvas& canvas,
+void SaveQuestion(Library& library, NewQuestion& question, const QImage& picture,
                   const SaveStepObserver& observer)
 {
     const SaveStepObserver step = observer ? observer : [](SaveStep) {};
-    const auto write = [&](const QString& path) { writePicture(path, canvas, step); };
+    const auto write = [&](const QString& path) { writePicture(path, picture, step); };
     try {
         if (question.SOLIndex == 0) {
             question.SOLIndex = library.addQuestion(question.filing, question.Answer, write);

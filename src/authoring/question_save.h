@@ -2,6 +2,7 @@
 
 #include "library/items.h"
 
+#include <QImage>
 #include <QString>
 
 #include <cstdint>
@@ -10,7 +11,6 @@
 namespace varnholt {
 
 class Library;
-class PictureCanvas;
 
 /// What a new question is filed with.
 struct NewQuestion
@@ -24,7 +24,6 @@ struct NewQuestion
 /// The steps of making the picture, in their order.
 enum class SaveStep
 {
-    RenderPage,
     FillBuffer,
     Sample,
     WritePicture
@@ -33,11 +32,11 @@ enum class SaveStep
 /// Called before each step; may throw. Tests make steps fail with it.
 using SaveStepObserver = std::function<void(SaveStep)>;
 
-/// Adds the question with the canvas's page, encoded at quality 75, as its picture; its key goes
-/// into `question`. A question that has a key already is completed: see `Library::addQuestion`
-/// and `Library::completeQuestion`, also for what is left when this throws. `question` has a key
-/// then if its row is in the library.
-void SaveQuestion(Library& library, NewQuestion& question, PictureCanvas& canvas,
+/// Adds the question with a picture, encoded at quality 75; its key goes into `question`. A
+/// question that has a key already is completed: see `Library::addQuestion` and
+/// `Library::completeQuestion`, also for what is left when this throws. `question` has a key then
+/// if its row is in the library.
+void SaveQuestion(Library& library, NewQuestion& question, const QImage& picture,
                   const SaveStepObserver& observer = {});
 
 } // namespace varnholt

@@ -10,31 +10,40 @@ namespace varnholt {
 
 namespace {
 
-/// Points from the left edge of a line's letters to the right edge of the slide.
-constexpr double keyLineWidth = 960 - 7.2;
+/// Points from the left edge of a line's letters to the right edge of the slide, and to the edge
+/// of the line's own box, within which some presentation programs wrap it.
+constexpr double keySlideWidth = 960 - 7.2;
+constexpr double keyBoxWidth = 100 - 2 * 7.2;
 constexpr int keyTextSize = 18;
 
-bool leavesTheSlide(const QString& answer)
+double keyLineWidth(const QString& number, const QString& answer)
 {
     // Presentation programs differ in their face; this one is as wide as any of them.
     QFont font(QStringLiteral("Arial"));
     // A pixel stands for a point.
     font.setPixelSize(keyTextSize);
-    const QString line = QStringLiteral("100) ") + answer.trimmed();
-    return QFontMetricsF(font).horizontalAdvance(line) > keyLineWidth;
+    return QFontMetricsF(font).horizontalAdvance(number + QStringLiteral(") ") + answer.trimmed());
 }
 
 } // namespace
 
 QString AnswerHint(const QString& answer)
 {
+    const auto tr = [](const char* sentence) {
+        return QCoreApplication::translate("AnswerHint", sentence);
+    };
     const QString refusal = ApostropheHint(answer);
-    if (!refusal.isEmpty() || !leavesTheSlide(answer)) {
+    if (!refusal.isEmpty()) {
         return refusal;
     }
-    return QCoreApplication::translate(
-        "AnswerHint",
-        "This is too long for one line of the answer key: its end will run off the slide.");
+    if (keyLineWidth(QStringLiteral("100"), answer) > keySlideWidth) {
+        return tr("This is too long for one line of the answer key: its end will run off the "
+                  "slide.");
+    }
+    return keyLineWidth(QStringLiteral("1"), answer) > keyBoxWidth
+               ? tr("Only about nine letters fit on a line of the answer key: PowerPoint wraps "
+                    "this one over the next answer.")
+               : QString();
 }
 
 void WatchAnswer(HintLabel* hint, QLineEdit* field)

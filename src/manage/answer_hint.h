@@ -8,8 +8,8 @@ namespace varnholt {
 
 class HintLabel;
 
-/// What to say about an answer while it is typed: that it cannot be saved, or that its line on
-/// the answer key would leave the slide. Empty when there is nothing to say. Needs the
+/// What to say about an answer while it is typed: that it cannot be saved, or that it is
+/// longer than its line on the answer key. Empty when there is nothing to say. Needs the
 /// application's fonts.
 [[nodiscard]] QString AnswerHint(const QString& answer);
 

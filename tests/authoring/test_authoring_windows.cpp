@@ -1,3 +1,4 @@
+#include "authoring/PictureCanvas.h"
 #include "authoring/frmAddNewQuestion.h"
 #include "authoring/frmPictureText.h"
 #include "library/Library.h"
@@ -6,7 +7,6 @@
 #include "support/test_services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
-#include "toolkit/PictureBox.h"
 #include "toolkit/clipboard_probe.h"
 
 #include <QApplication>
@@ -26,7 +26,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 const QString saveError = u"Save Error"_s;
-const QSize captureSize(1000, 700);
+const QSize captureSize = questionPage + QSize(200, 200);
 
 class Authoring : public testing::Test, protected TestWorld
 {
@@ -56,6 +56,8 @@ protected:
         window->show();
         window->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        // A canvas pixel for each of the widget's.
+        key(Qt::Key_1, Qt::ControlModifier);
     }
     void openWithPicture()
     {
@@ -85,12 +87,9 @@ protected:
     {
         QTest::keyClick(canvas(), key, modifiers);
     }
-    QRect selection()
-    {
-        const PictureCanvas& c = window->canvas();
-        return {c.SelX1, c.SelY1, c.SelX2 - c.SelX1, c.SelY2 - c.SelY1};
-    }
-    QImage picture() { return window->canvas().picQuestion.picture(); }
+    QRect selection() { return window->canvas().state().selection(); }
+    QImage picture() { return window->canvas().image(); }
+    bool hasPicture() { return window->canvas().state().hasPicture; }
     void expectQuestion(bool yes)
     {
         messages.expectYesNo(u"Save?"_s, u"Are you sure you want to save this  question?"_s, yes,
@@ -154,7 +153,7 @@ TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
     open();
     EXPECT_EQ(hint(), u"Still needed before saving: a picture and an answer."_s);
     messages.beforeAnswer = [&] {
-        EXPECT_FALSE(window->canvas().SelectionShown || window->canvas().isDragging());
+        EXPECT_FALSE(window->canvas().state().SelectionShown || window->canvas().isDragging());
         EXPECT_FALSE(part("fraPictureControls")->isVisible());
     };
     // In the middle of a drag.
@@ -168,12 +167,11 @@ TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
                                      "missing.  Please paste a picture before saving."_s);
     click(window.get(), "cmdSave");
     click(window.get(), "cmdPaste");
-    EXPECT_TRUE(hint().startsWith(u"Only the upper left 800 by 500 pixels"_s));
+    EXPECT_TRUE(hint().startsWith(u"Only the upper left 1272 by 624 pixels"_s));
     drag({20, 20}, {90, 80});
     expectQuestion(false);
     click(window.get(), "cmdSave");
     EXPECT_EQ(questions(), 0);
-    EXPECT_EQ(picture(), window->canvas().picQuestion.image());
 
     expectQuestion(true);
     messages.expectInform(u"Question Saved"_s, u"The question was saved successfully."_s);
@@ -187,6 +185,101 @@ TEST_F(Authoring, SavesInItsOrderAndSaysBeforehandWhatIsMissing)
     EXPECT_EQ(window->lastFiling().SubtopicNum, 1);
 }
 
+TEST_F(Authoring, GoesOnWithTheNextQuestionInTheSamePlace)
+{
+    open({algebra, quadratic});
+    clipboard.picture.fill(Qt::blue);
+    for (const QString& each : {u"7"_s, u"8"_s}) {
+        key(Qt::Key_V, Qt::ControlModifier);
+        click(window.get(), "cmdFitHint");
+        EXPECT_EQ(picture().size(), questionPage);
+        EXPECT_FALSE(part("cmdFitHint")->isVisible());
+        answer(each);
+        QTest::keyClick(part("txtAnswer"), Qt::Key_Return, Qt::ControlModifier);
+        EXPECT_FALSE(hasPicture() || window->canvas().canUndo());
+        EXPECT_EQ(filing(), u"Algebra/Quadratic"_s);
+        EXPECT_EQ(window->focusWidget(), part("cmdPaste"));
+    }
+    EXPECT_EQ(control<QLabel>(window.get(), "lblSaved")->text(), u"2 saved"_s);
+    EXPECT_EQ(library.sql(u"SELECT SOLIndex, Answer, SubTopicNum FROM Questions"_s),
+              QStringList({u"1|7|2"_s, u"2|8|2"_s}));
+    // Nothing of it is missing: it reaches from the top to the bottom, between two white edges.
+    const QImage whole = QImage(library.picturePath(2)).convertToFormat(QImage::Format_RGB32);
+    const int width = captureSize.scaled(questionPage, Qt::KeepAspectRatio).width();
+    const int edge = (questionPage.width() - width) / 2;
+    for (const int y : {20, questionPage.height() - 20}) {
+        EXPECT_GT(qRed(whole.pixel(edge - 20, y)), 250);
+        EXPECT_LT(qRed(whole.pixel(edge + 20, y)), 5);
+        EXPECT_LT(qRed(whole.pixel(edge + width - 20, y)), 5);
+    }
+    // Another one that is not whole stays, and says why.
+    messages.expectInform(saveError, u"Cannot save because Answer is a required field."_s);
+    click(window.get(), "cmdSaveAnother");
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(window->questionSaved() && !window->isVisible());
+}
+
+TEST_F(Authoring, ShowsFramesOverThePictureAtEveryZoomAndTakesStepsBack)
+{
+    openWithPicture();
+    const QImage first = picture();
+    const auto shown = [&] {
+        return canvas()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    };
+    EXPECT_EQ(shown(), first);
+    drag({100, 60}, {400, 260});
+    QImage framed = first;
+    framed.invertPixels();
+    for (const QPoint at : {QPoint(100, 60), {250, 60}, {400, 260}, {400, 100}, {120, 260}}) {
+        EXPECT_EQ(shown().pixel(at), framed.pixel(at));
+    }
+    EXPECT_EQ(shown().pixel(101, 61), first.pixel(101, 61));
+    // By a handle beside the corner; sides go past each other.
+    drag({404, 264}, {50, 30});
+    EXPECT_EQ(selection(), QRect(50, 30, 50, 30));
+    EXPECT_EQ(picture(), first);
+    for (const Qt::Key zoom : {Qt::Key_0, Qt::Key_Minus, Qt::Key_Plus, Qt::Key_Plus}) {
+        key(Qt::Key_Escape);
+        key(zoom, Qt::ControlModifier);
+        const QImage plain = shown();
+        key(Qt::Key_Right, Qt::ControlModifier);
+        EXPECT_TRUE(window->canvas().state().SelectionShown);
+        EXPECT_NE(shown(), plain);
+        key(Qt::Key_Escape);
+        EXPECT_EQ(shown(), plain) << zoom;
+    }
+    key(Qt::Key_Right, Qt::ControlModifier);
+    const QRect frame = selection();
+    key(Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
+    key(Qt::Key_Left, Qt::ControlModifier);
+    EXPECT_EQ(selection(), frame.adjusted(-1, 0, -1, 1));
+    EXPECT_EQ(control<QLabel>(window.get(), "lblSize")->text(),
+              u"Frame: %1 × %2 pixels"_s.arg(frame.width()).arg(frame.height() + 1));
+    // Three nudges are one step, undone as one.
+    for (int i = 0; i < 3; ++i) {
+        key(Qt::Key_Up);
+    }
+    const QImage nudged = picture();
+    click(window.get(), "cmdErase");
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(picture(), nudged);
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(picture(), first);
+    key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(picture(), nudged);
+    click(window.get(), "cmdUndo");
+    click(window.get(), "cmdUndo");
+    EXPECT_FALSE(hasPicture() || part("cmdUndo")->isEnabled());
+    // A drag past the page scrolls it.
+    click(window.get(), "cmdRedo");
+    key(Qt::Key_1, Qt::ControlModifier);
+    QTest::mousePress(canvas(), Qt::LeftButton, {}, {20, 20});
+    QTest::mouseMove(canvas(), {100, questionPage.height() + 30});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window->canvas().state().VScroll.value == 200; }));
+    QTest::mouseRelease(canvas(), Qt::LeftButton);
+    EXPECT_EQ(selection(), QRect(20, 20, 80, captureSize.height() - 20));
+}
+
 TEST_F(Authoring, AFailedSaveShowsNoBoxAndKeepsEverything)
 {
     openWithPicture();
@@ -194,7 +287,7 @@ TEST_F(Authoring, AFailedSaveShowsNoBoxAndKeepsEverything)
         expectQuestion(true);
         click(window.get(), "cmdSave");
         messages.verify();
-        EXPECT_TRUE(window->isVisible() && window->canvas().picQuestion.hasPicture());
+        EXPECT_TRUE(window->isVisible() && hasPicture());
         EXPECT_FALSE(window->questionSaved());
         EXPECT_EQ(questions(), 0);
     };
@@ -227,7 +320,7 @@ TEST_F(Authoring, KeysDoWhatTheButtonsDo)
     messages.expectInform(u"Paste Error"_s, ClipboardSilentSentence());
     key(Qt::Key_V, Qt::ControlModifier);
     messages.verify();
-    EXPECT_FALSE(window->canvas().picQuestion.hasPicture());
+    EXPECT_FALSE(hasPicture());
     clipboard.hangs = false;
     // With the answer in focus too, as long as there is no text to paste there.
     QTest::keyClick(part("txtAnswer"), Qt::Key_V, Qt::ControlModifier);
@@ -245,7 +338,7 @@ TEST_F(Authoring, KeysDoWhatTheButtonsDo)
     const QImage erased = picture();
     EXPECT_EQ(erased.pixel(60, 50), QRgb(0xFFFFFFFF));
     key(Qt::Key_Escape);
-    EXPECT_FALSE(window->canvas().SelectionShown);
+    EXPECT_FALSE(window->canvas().state().SelectionShown);
     key(Qt::Key_Delete);
     key(Qt::Key_Left);
     EXPECT_EQ(picture(), erased);
@@ -278,13 +371,11 @@ TEST_F(Authoring, TheMouseMayLeaveTheWindowOrBeCutShort)
     control<QScrollBar>(window.get(), "VScroll")->setValue(150);
     EXPECT_EQ(canvas()->y(), -150);
     drag({700, 600}, {5000, -5000});
-    EXPECT_EQ(selection(), QRect(700, 0, 300, 600));
-    const QImage shown = canvas()->grab().toImage().convertToFormat(QImage::Format_RGB32);
-    EXPECT_EQ(shown, window->canvas().picQuestion.image());
+    EXPECT_EQ(selection(), QRect(700, 0, captureSize.width() - 700, 600));
     // A second button changes nothing; a lost release ends at the next move.
     QTest::mousePress(canvas(), Qt::LeftButton, {}, {10, 200});
     QTest::mousePress(canvas(), Qt::RightButton, {}, {20, 210});
-    EXPECT_EQ(window->canvas().SelX1, 10);
+    EXPECT_EQ(window->canvas().state().SelX1, 10);
     QMouseEvent move(QEvent::MouseMove, QPointF(60, 230), QPointF(60, 230), Qt::NoButton,
                      Qt::NoButton, Qt::NoModifier);
     QCoreApplication::sendEvent(canvas(), &move);
@@ -322,7 +413,7 @@ TEST_F(Authoring, TextGoesFromTheDialogToTheSelectionsCorner)
         click(dialog, "cmdAddText");
         click(dialog, "cmdCancel");
     });
-    EXPECT_TRUE(window->canvas().SelectionShown);
+    EXPECT_TRUE(window->canvas().state().SelectionShown);
     EXPECT_EQ(font.name + QString::number(font.size), u"Verdana24"_s);
     EXPECT_TRUE(font.bold && font.underline && !font.italic);
     const QImage before = picture();
@@ -340,8 +431,8 @@ TEST_F(Authoring, TextGoesFromTheDialogToTheSelectionsCorner)
     });
     const QImage stamped = picture();
     EXPECT_NE(stamped, before);
-    EXPECT_EQ(stamped.copy(0, 0, 1000, 500), before.copy(0, 0, 1000, 500));
-    EXPECT_FALSE(window->canvas().SelectionShown);
+    EXPECT_EQ(stamped.copy(0, 0, 1400, 500), before.copy(0, 0, 1400, 500));
+    EXPECT_FALSE(window->canvas().state().SelectionShown);
     drag({100, 500}, {150, 560});
     withDialog([&] { click(dialog, "cmdCancel"); });
     EXPECT_EQ(picture(), stamped);

@@ -37,27 +37,27 @@ protected:
 
 TEST_F(Canvas, OverflowIsAnErrorThatLeavesTheFrameRemovable)
 {
-    const QImage before = canvas.picQuestion.image();
+    const QImage before = canvas.image();
     constexpr double far = 3e9;
     EXPECT_THROW(canvas.MouseDown(far, 0), OverflowError);
     EXPECT_THROW(canvas.MouseDown(0, std::numeric_limits<double>::quiet_NaN()), OverflowError);
-    EXPECT_FALSE(canvas.Drawing || canvas.controlsShown());
+    EXPECT_FALSE(canvas.Drawing || canvas.state().controlsShown);
     canvas.MouseDown(10, 10);
     EXPECT_THROW(canvas.MouseMove(0, -far), OverflowError);
     canvas.MouseMove(2e9, 2e9);
     canvas.MouseUp();
-    EXPECT_EQ(canvas.SelX2, 300);
+    EXPECT_EQ(canvas.state().SelX2, 300);
     canvas.MouseDown(20, 20);
     canvas.MouseMove(40, 40);
     EXPECT_THROW(canvas.MouseMove(2147483600.0, 0), OverflowError);
     canvas.DropSelection();
-    EXPECT_EQ(canvas.picQuestion.image(), before);
+    EXPECT_EQ(canvas.image(), before);
 
     EXPECT_THROW(canvas.Paste(plain({200 + 32768, 1})), OverflowError);
     EXPECT_THROW(canvas.Paste(plain({1, 150 + 32768})), OverflowError);
-    EXPECT_EQ(canvas.picQuestion.image(), before);
+    EXPECT_EQ(canvas.image(), before);
     EXPECT_TRUE(canvas.Paste(plain({200 + 32767, 1})));
-    EXPECT_EQ(canvas.HScroll().maximum, 32767);
+    EXPECT_EQ(canvas.state().HScroll.maximum, 32767);
 }
 
 TEST_F(Canvas, TextIsBlackOnWhatIsThereFromTheCornerOn)
@@ -66,14 +66,14 @@ TEST_F(Canvas, TextIsBlackOnWhatIsThereFromTheCornerOn)
     canvas.MouseMove(130, 90);
     canvas.MouseUp();
     canvas.font = {u"Times New Roman"_s, 20, true, false, true};
-    const QImage before = canvas.picQuestion.picture();
+    const QImage before = canvas.image();
     canvas.StampText(u"MM"_s);
     QRect touched;
     int longestLine = 0;
     for (int y = 0; y < before.height(); ++y) {
         int black = 0;
         for (int x = 0; x < before.width(); ++x) {
-            const QRgb now = canvas.picQuestion.picture().pixel(x, y);
+            const QRgb now = canvas.image().pixel(x, y);
             black += now == 0xFF000000 ? 1 : 0;
             if (now != before.pixel(x, y)) {
                 touched |= QRect(x, y, 1, 1);

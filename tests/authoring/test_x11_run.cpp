@@ -38,7 +38,7 @@ protected:
                 GTEST_SKIP() << "not installed: " << tool;
             }
         }
-        display.start(u"Xvfb"_s, words("-displayfd 1 -noreset -screen 0 1280x900x24"));
+        display.start(u"Xvfb"_s, words("-displayfd 1 -noreset -screen 0 1800x1000x24"));
         ASSERT_TRUE(display.waitForReadyRead(60'000)) << "no virtual display";
         const QString folder = library.folder();
         environment.insert(u"DISPLAY"_s, u':' + QString::fromLatin1(display.readAll().trimmed()));
@@ -167,7 +167,7 @@ protected:
 /// A page as found somewhere on the web, with a question on it.
 QImage capture()
 {
-    QImage image(1400, 900, QImage::Format_RGB32);
+    QImage image(1500, 900, QImage::Format_RGB32);
     image.fill(0xFFE8F0E8);
     QPainter painter(&image);
     painter.fillRect(0, 0, 24, 24, QColor(markerColour));
@@ -212,7 +212,7 @@ TEST_F(X11Run, FromACaptureToAPicture)
     toWindow(u"Varnholt"_s);
     keys("alt+m alt+q");
     toWindow(u"Add New Question"_s);
-    keys("ctrl+v");
+    keys("ctrl+1 ctrl+v");
     shown([&](const QImage& screen) {
         origin = find(screen, [&](QPoint at) { return screen.pixel(at) == markerColour; });
         return screen.rect().contains(origin);

@@ -3,7 +3,6 @@
 // test_library_model): VARNHOLT_KILLS times, 20 unless set. VARNHOLT_KILL_SEED
 // repeats a run.
 
-#include "authoring/PictureCanvas.h"
 #include "authoring/question_save.h"
 #include "exchange/exchange_world.h"
 #include "exchange/package_export.h"
@@ -100,13 +99,12 @@ QString answerFor(std::int32_t topic, std::int32_t subTopic)
 
 bool runAuthoring(Killable& program)
 {
-    PictureCanvas canvas;
-    canvas.Paste(testPicture({640, 400}, 3));
+    const QImage picture = testPicture({1272, 624}, 3);
     const SubTopicRecord& place = program.state.SubTopicList(1);
     for (int i = 0; i < 4; ++i) {
         NewQuestion question{{workedOn, place.TopicID, place.SubtopicNum},
                              answerFor(place.TopicID, place.SubtopicNum)};
-        SaveQuestion(program.library, question, canvas);
+        SaveQuestion(program.library, question, picture);
     }
     return true;
 }
