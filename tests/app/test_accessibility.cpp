@@ -37,6 +37,13 @@ protected:
         if (is.focusable && name.isEmpty()) {
             ADD_FAILURE() << "no name: " << place.toStdString();
         }
+        // "Yes" alone says nothing to who cannot see the frame it stands in.
+        if (name == u"Yes" || name == u"No") {
+            ADD_FAILURE() << "an option without its question: " << place.toStdString();
+        }
+        if (item->role() == QAccessible::Graphic && name.isEmpty()) {
+            ADD_FAILURE() << "a picture of what? " << place.toStdString();
+        }
         if (name.contains(u'&')) {
             ADD_FAILURE() << "a mnemonic's mark: " << name.toStdString();
         }

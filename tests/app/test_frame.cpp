@@ -47,7 +47,7 @@ protected:
     std::int32_t second = 0;
 };
 
-TEST_F(Frame, MenuStandsInItsOrder)
+TEST_F(Frame, OneChildAtATimeAndFreshEachTime)
 {
     open();
     EXPECT_EQ(frame->windowTitle(), u"Varnholt");
@@ -59,11 +59,6 @@ TEST_F(Frame, MenuStandsInItsOrder)
               "mnuCreate Create PowerPoints|mnuManageAssessments Manage Assessments|"
               "mnuExport Export Assessment|mnuImport Import Assessment|"
               "mnuTutorial Tutorial Videos|mnAbout About|mnuMore More");
-}
-
-TEST_F(Frame, OneChildAtATimeAndFreshEachTime)
-{
-    open();
     EXPECT_EQ(frame->childWindow(), nullptr);
     choose("mnuCreate");
     auto* list = control<ListBox>(frame.get(), "lstTopics");
@@ -104,10 +99,14 @@ TEST_F(Frame, ClosingRemembersTheAssessmentBeforeTheLibraryCloses)
     open();
     choose("mnuCreate");
     state.CurrentAssessmentNum = second;
+    frame->setGeometry(30, 40, 620, 470);
     frame->close();
     EXPECT_EQ(lastId(), QString::number(second));
     // The last connection to close takes the side files with it.
     EXPECT_FALSE(QFile::exists(library.databasePath() + u"-wal"_s));
+    frame.reset();
+    frame = std::make_unique<frmAssessment>(services, state, QString());
+    EXPECT_EQ(frame->geometry(), QRect(30, 40, 620, 470));
 }
 
 TEST_F(Frame, TidiesUpAfterAKilledProgramAndTellsOfDamage)

@@ -7,9 +7,29 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#ifndef Q_OS_WIN
+#include <sys/syscall.h>
+#include <unistd.h>
+
+/// Every request of the database to put something on the disk passes here.
+static int syncs = 0;
+
+extern "C" int fsync(int descriptor)
+{
+    ++syncs;
+    return static_cast<int>(syscall(SYS_fsync, descriptor));
+}
+extern "C" int fdatasync(int descriptor)
+{
+    ++syncs;
+    return static_cast<int>(syscall(SYS_fdatasync, descriptor));
+}
+#endif
 
 namespace varnholt::test {
 namespace {
@@ -177,6 +197,23 @@ TEST_F(LibraryConnection, ACopyOfTheFileAloneIsWholeOnceSettled)
     EXPECT_TRUE(QTest::qWaitFor(copied, 60'000));
 }
 
+TEST_F(LibraryConnection, WaitsForOthersAndHasWhatItCommitsOnTheDisk)
+{
+    connection.open(library.databasePath());
+#ifndef Q_OS_WIN
+    const int before = syncs;
+    connection.execute(UpdateHistory(1));
+    EXPECT_GT(syncs, before);
+#endif
+    QProcess other;
+    other.start(u"sqlite3"_s, {library.databasePath(), u"BEGIN IMMEDIATE; SELECT 'changing'"_s,
+                               u".shell sleep 0.3"_s, u"UPDATE History SET LastID = 2; COMMIT"_s});
+    ASSERT_TRUE(other.waitForReadyRead());
+    EXPECT_NO_THROW(connection.execute(UpdateHistory(3)));
+    EXPECT_TRUE(other.waitForFinished());
+    EXPECT_EQ(library.value(u"SELECT LastID FROM History"_s), u"3"_s);
+}
+
 TEST_F(LibraryConnection, TransactionsAreSeenWholeOrNotAtAll)
 {
     connection.open(library.databasePath());
@@ -224,6 +261,12 @@ TEST(ProgramFolder, IsTheExecutablesOrACopyOfTheSuppliedLibrary)
     supplied.addQuestion(1, 1, 1, u"A"_s);
     EXPECT_EQ(ChooseProgramFolder({supplied.folder(), user, {}}), supplied.folder());
 
+    // A copy that is cut short leaves no library that would pass for whole.
+    const QString inTheWay = user + u"/Files/1.jpg"_s;
+    QDir().mkpath(inTheWay);
+    EXPECT_THROW((void)ChooseProgramFolder({empty, user, supplied.folder()}), Error);
+    EXPECT_FALSE(QFile::exists(LibraryPath(user)));
+    QDir().rmdir(inTheWay);
     EXPECT_EQ(ChooseProgramFolder({empty, user, supplied.folder()}), user);
     Connection connection;
     OpenLibraryDatabase(connection, user);

@@ -8,6 +8,8 @@
 #include <QStringList>
 #include <QTextStream>
 
+#include <functional>
+
 namespace varnholt::test {
 
 /// A presentation program that only writes down what it is asked, one line a call, for example
@@ -16,6 +18,8 @@ class RecordingPresentationProgram : public PresentationProgram
 {
 public:
     QStringList calls;
+    /// Told of each call, while it is being made.
+    std::function<void(const QString& call)> onCall;
 
     /// The call whose line starts with `what` fails the `nth` time, after being recorded.
     void failAt(const QString& what, int nth = 1)
@@ -70,6 +74,9 @@ private:
         text << call;
         ((text << ' ' << arguments), ...);
         calls.append(line);
+        if (onCall) {
+            onCall(line);
+        }
         if (untilFailure_ > 0 && line.startsWith(failing_) && --untilFailure_ == 0) {
             throw Error(QStringLiteral("told to fail"));
         }
@@ -88,6 +95,8 @@ public:
     RecordingPresentationProgram next;
     /// Throws this instead of starting, unless it is empty.
     QString startFailure;
+    /// Does not start because the user has enough of waiting.
+    bool cancelled = false;
     /// What the last program was asked; empty when none was started.
     QStringList calls;
     int started = 0;
@@ -96,6 +105,9 @@ public:
     {
         if (!startFailure.isEmpty()) {
             throw Error(startFailure);
+        }
+        if (cancelled) {
+            throw Cancelled();
         }
         ++started;
         calls.clear();
