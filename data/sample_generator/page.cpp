@@ -16,13 +16,13 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+// In units; 27 are 36 points on a slide.
 constexpr double TextSize = 27;
 constexpr double FormulaSize = 32;
 constexpr double LabelSize = 22;
 constexpr double FigureGap = 26;
 constexpr double BlockGap = 20;
-// A line pitch of 96 dots an inch: 600 pixels are 6.25 inches on a slide.
-constexpr int DotsPerMetre = 3780;
+constexpr int DotsPerMetre = 5669; // 144 an inch
 
 /// A block of the page: its size, and how to draw it with its upper left corner at a point.
 struct Block
@@ -140,7 +140,7 @@ Block blockFor(const Typesetter& typesetter, const ContentLine& line, const QStr
 /// Nothing may reach into the border, and a page without ink asks nothing.
 void checkInk(const QImage& page)
 {
-    constexpr int clear = PageMargin * 3 / 4;
+    constexpr int clear = static_cast<int>(PageMargin * UnitPixels * 3 / 4);
     const QRect inside = page.rect().adjusted(clear, clear, -clear, -clear);
     int dark = 0;
     for (int y = 0; y < page.height(); ++y)
@@ -158,7 +158,7 @@ void checkInk(const QImage& page)
 
 QImage drawQuestion(const Typesetter& typesetter, const SampleQuestion& question)
 try {
-    constexpr double Inner = PageWidth - 2.0 * PageMargin;
+    constexpr double Inner = PageWidth - 2 * PageMargin;
     std::optional<Block> beside;
     for (const ContentLine& line : question.lines)
         if (line.keyword == u"figure" && line.text == u"right")
@@ -176,17 +176,18 @@ try {
                 u"\"%1\" is wider than its column"_qs.arg(line.text).toStdString());
     }
     const double gaps = static_cast<double>(blocks.size() - 1);
-    constexpr double Room = PageHeight - 2.0 * PageMargin;
+    constexpr double Room = PageHeight - 2 * PageMargin;
     const double gap = gaps > 0 ? std::min(BlockGap, (Room - height) / gaps) : 0;
     if (gap < (gaps > 0 ? 9 : 0) || height > Room || (beside && beside->height > Room))
         throw std::runtime_error("the question is too high");
 
-    QImage image(PageWidth, PageHeight, QImage::Format_RGB32);
+    QImage image(PictureWidth, PictureHeight, QImage::Format_RGB32);
     image.fill(Qt::white);
     image.setDotsPerMeterX(DotsPerMetre);
     image.setDotsPerMeterY(DotsPerMetre);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(UnitPixels, UnitPixels);
     // A little above the middle looks like the middle.
     double y = PageMargin + (Room - height - gap * gaps) * 0.45;
     for (const Block& block : blocks) {

@@ -66,7 +66,7 @@ TEST(SampleLibrary, HoldsTheContentInTheFiveTables)
         EXPECT_FALSE(question.answer.contains(u'\''));
         EXPECT_EQ(QString::fromLatin1(question.answer.toLatin1()), question.answer);
         const QImage picture(QStringLiteral(LIBRARY_FOLDER "/Files/%1.jpg").arg(question.key));
-        EXPECT_EQ(picture.size(), QSize(600, 350)) << question.key;
+        EXPECT_EQ(picture.size(), QSize(1908, 936)) << question.key;
     }
     EXPECT_EQ(query("select SOLIndex, Topic, SubTopic, Answer, AssessmentName from Questions "
                     "join SubTopics on Questions.SubTopicNum = SubTopics.SubtopicNum "
