@@ -101,9 +101,9 @@ inline constexpr char SelectGoneWithAssessment[] =
     "SELECT SOLIndex, AssessmentNum FROM Questions WHERE Available = 1 AND AssessmentNum IN "
     "(SELECT "
     "AssessmentNum FROM Assessments WHERE Available IS NOT 1)";
-/// Kind and key as one number (the kind above 32 bits) and the time of every change, oldest first.
+/// Kind, key and time of every change, oldest first.
 inline constexpr char SelectChangeTimes[] =
-    "SELECT Kind << 32 | ItemKey, At FROM PlusChanges ORDER BY ChangeID";
+    "SELECT Kind, ItemKey, At FROM PlusChanges ORDER BY ChangeID";
 /// ?1 key: name, and the names of the assessment, topic and subtopic that the row stands under.
 [[nodiscard]] const char* SelectTrashTexts(int kind);
 /// Key and the texts of `SelectTrashTexts`, of the rows of a kind that are in the trash.

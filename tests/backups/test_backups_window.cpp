@@ -67,9 +67,8 @@ protected:
     {
         messages.expectYesNo(
             u"Restore?"_s,
-            u"This is what restoring the backup does: %1.\n\n%2\n\nToday's library is backed up "
-            "first, so that you can come back to it."_s.arg(BackupWords::when(made, backups.now()),
-                                                            does),
+            u"When you restore the backup \"%1\":\n\n%2\n\nToday's library is backed up first, so "
+            "that you can come back to it."_s.arg(BackupWords::when(made, backups.now()), does),
             answer, MessageBoxes::Answer::Yes);
     }
     void closeProgram() { backups.makeAtClose(nullptr); }
