@@ -81,7 +81,7 @@ void Trash::readDates()
 {
     // Keys are dense, so that a place for each costs less than finding it; others are rare.
     constexpr std::uint64_t denseKeys = 1 << 22;
-    std::array<std::vector<TrashEntry*>, kinds + 1> dense;
+    std::array<std::vector<TrashEntry*>, allKinds + 1> dense;
     std::unordered_map<std::uint64_t, TrashEntry*> others;
     for (TrashEntry& entry : entries_) {
         const auto key = static_cast<std::uint64_t>(entry.item.key);
@@ -100,7 +100,7 @@ void Trash::readDates()
         const std::int64_t kind = changes.integer(0);
         const auto key = static_cast<std::uint64_t>(changes.integer(1));
         TrashEntry* entry = nullptr;
-        if (kind >= 1 && kind <= kinds && key < dense[static_cast<std::size_t>(kind)].size()) {
+        if (kind >= 1 && kind <= allKinds && key < dense[static_cast<std::size_t>(kind)].size()) {
             entry = dense[static_cast<std::size_t>(kind)][key];
         } else if (key >= denseKeys) {
             const auto found =
