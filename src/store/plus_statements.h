@@ -54,6 +54,9 @@ inline constexpr char DropRedoSteps[] =
 [[nodiscard]] const char* InsertChange(int kind);
 /// ?1 time, ?2 step, ?3 largest key before: records every row added since.
 [[nodiscard]] const char* InsertAdded(int kind);
+/// ?1 time, ?2 step, ?3 key, ?4 and ?5 mark before and after: records that a question's picture
+/// was replaced; the mark follows the fields in both images.
+extern const char InsertPictureChange[];
 /// The step that can be undone next.
 inline constexpr char SelectUndoStep[] =
     "SELECT Step FROM PlusChanges WHERE Step > 0 ORDER BY ChangeID DESC LIMIT 1";

@@ -102,6 +102,59 @@ TEST_F(QuestionSave, StoresWhatTheWindowShowed)
     EXPECT_EQ(files(), pictureOnly);
 }
 
+TEST_F(QuestionSave, AReplacedPictureIsKeptAndComesBackByUndo)
+{
+    const std::int32_t key = save();
+    Library owner(library.folder(), clock);
+    owner.open();
+    const auto bytes = [&] {
+        QFile file(library.picturePath(key));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    };
+    const auto replace = [&](QRgb colour) {
+        QImage picture(60, 40, QImage::Format_RGB32);
+        picture.fill(colour);
+        owner.replacePicture(key,
+                             [&](const QString& path) { WriteQuestionPicture(path, picture, 90); });
+    };
+    const auto turn = [&](bool undo, const QByteArray& expected) {
+        const UndoOutcome outcome = undo ? owner.undo() : owner.redo();
+        EXPECT_EQ(outcome.result, UndoOutcome::Result::Done);
+        EXPECT_EQ(outcome.step->kind, StepKind::Edit);
+        EXPECT_EQ(outcome.changed, std::vector<Item>({{ItemKind::Question, key}}));
+        EXPECT_EQ(bytes(), expected);
+    };
+    QList<QByteArray> versions{bytes()};
+    for (const QRgb colour : {qRgb(255, 0, 0), qRgb(0, 0, 255)}) {
+        replace(colour);
+        versions.append(bytes());
+    }
+    EXPECT_NE(versions[1], versions[2]);
+    turn(true, versions[1]);
+    turn(true, versions[0]);
+    turn(false, versions[1]);
+    turn(false, versions[2]);
+    EXPECT_EQ(files(), pictureOnly) << "something beside the pictures";
+    const QDir old(filesFolder() + u"/Old"_s);
+    EXPECT_EQ(old.entryList(QDir::Files).size(), 3);
+
+    // What fails leaves everything as it was.
+    EXPECT_THROW(owner.replacePicture(key, [](const QString&) { throw Error(u"broken"_s); }),
+                 Error);
+    library.sql(u"CREATE TRIGGER t BEFORE INSERT ON PlusChanges BEGIN "
+                "SELECT RAISE(ABORT, 'broken'); END"_s);
+    EXPECT_THROW(replace(qRgb(0, 255, 0)), Error);
+    EXPECT_EQ(bytes(), versions[2]);
+    library.sql(u"DROP TRIGGER t"_s);
+    for (const QString& name : old.entryList(QDir::Files)) {
+        QFile::remove(old.filePath(name));
+    }
+    EXPECT_THROW(owner.undo(), Error);
+    EXPECT_EQ(bytes(), versions[2]);
+    EXPECT_EQ(owner.undoStep()->kind, StepKind::Edit);
+}
+
 TEST_P(FailingSave, LeavesARowThatAnotherTryCompletes)
 {
     const auto fail = [this](SaveStep step) {
