@@ -1,7 +1,6 @@
 #include "app/frmAssessment.h"
 
 #include "authoring/frmAddNewQuestion.h"
-#include "authoring/frmEditPicture.h"
 #include "backups/backup_words.h"
 #include "backups/frmBackups.h"
 #include "check/frmCheck.h"
@@ -311,11 +310,7 @@ void frmAssessment::mnuManageAssessments_Click()
         }
     };
     openChild([this, openAuthoring] {
-        auto* manager = new frmManage(services_, state_, library_, openAuthoring);
-        manager->setPictureEditor([this](QWidget* parent, std::int32_t solIndex) {
-            EditQuestionPicture(services_, library_, solIndex, parent);
-        });
-        return manager;
+        return new frmManage(services_, state_, library_, openAuthoring);
     });
 }
 

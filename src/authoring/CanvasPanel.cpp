@@ -71,19 +71,16 @@ void CanvasPanel::connectControls()
     connect(&dragScroll_, &QTimer::timeout, this, &CanvasPanel::scrollWhileDragging);
 }
 
-void CanvasPanel::begin(const QImage& picture, QSize page)
+void CanvasPanel::begin(const QImage& picture)
 {
     onCanvas({}, [&](PictureCanvas& canvas) {
-        PictureCanvas fresh(page);
+        PictureCanvas fresh;
         fresh.font = canvas.font;
         if (!picture.isNull()) {
             fresh.Begin(picture);
         }
         canvas = std::move(fresh);
     });
-    HScroll_->setPageStep(page.width());
-    VScroll_->setPageStep(page.height());
-    showZoom();
 }
 
 bool CanvasPanel::clipboardAnswers()

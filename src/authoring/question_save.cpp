@@ -53,12 +53,8 @@ QString writeFailure(cJpeg::SaveResult result, const QString& path)
     }
 }
 
-} // namespace
-
-void WriteQuestionPicture(const QString& path, const QImage& image, int quality,
-                          const SaveStepObserver& observer)
+void writePicture(const QString& path, const QImage& image, const SaveStepObserver& step)
 {
-    const SaveStepObserver step = observer ? observer : [](SaveStep) {};
     step(SaveStep::FillBuffer);
     const Picture page = bitmapPicture(image);
     cImage buffer;
@@ -66,7 +62,7 @@ void WriteQuestionPicture(const QString& path, const QImage& image, int quality,
     step(SaveStep::Sample);
     cJpeg jpeg;
     jpeg.SetSamplingFrequencies(2, 2, 1, 1, 1, 1);
-    jpeg.Quality(quality);
+    jpeg.Quality(pictureQuality);
     check(jpeg.SampleHDC(buffer.hDC(), buffer.Width(), buffer.Height(), 0, 0) == cJpeg::Sampled,
           tr("There is not enough memory to save."));
     step(SaveStep::WritePicture);
@@ -75,12 +71,13 @@ void WriteQuestionPicture(const QString& path, const QImage& image, int quality,
     check(result == cJpeg::Written, writeFailure(result, path));
 }
 
+} // namespace
+
 void SaveQuestion(Library& library, NewQuestion& question, const QImage& picture,
                   const SaveStepObserver& observer)
 {
-    const auto write = [&](const QString& path) {
-        WriteQuestionPicture(path, picture, pictureQuality, observer);
-    };
+    const SaveStepObserver step = observer ? observer : [](SaveStep) {};
+    const auto write = [&](const QString& path) { writePicture(path, picture, step); };
     try {
         if (question.SOLIndex == 0) {
             question.SOLIndex = library.addQuestion(question.filing, question.Answer, write);

@@ -51,6 +51,9 @@ public:
     /// A line break begins a new paragraph, whichever character stands for it; what becomes of
     /// other characters that no slide can show is said at `slideParagraphs`.
     virtual void setShapeText(int shape, const QString& text) = 0;
+    /// `setShapeText` for shape 1 where that is a fixed place and not a counted one: object models
+    /// are given the one as a 16-bit number, the other as one of 32 bits.
+    virtual void setFirstShapeText(const QString& text) { setShapeText(1, text); }
     /// Embeds a picture file (not linked) on the current slide. `width` and `height` may be
     /// `ownSize`. `description` is the alternative text.
     virtual void addPicture(const QString& path, double left, double top, double width,

@@ -99,7 +99,7 @@ private:
         int t = 0;
         if (input_.topicLine) {
             program_.addTextBox(0, 0, 1000, 100, LongLines::Wrap);
-            program_.setShapeText(1, input_.topicText(record));
+            program_.setFirstShapeText(input_.topicText(record));
             t = 1;
         }
         program_.addTextBox(0, 40 * t, 100, 100, LongLines::Wrap);
@@ -119,7 +119,7 @@ private:
     {
         appendSlide();
         program_.addTextBox(0, 0, 300, 100, LongLines::Wrap);
-        program_.setShapeText(1, Words::tr("Answer Key"));
+        program_.setFirstShapeText(Words::tr("Answer Key"));
         int answer = 0;
         int line = 1;
         for (int i = 1; i <= input_.drawPool.upperBound(); ++i) {

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScopedValueRollback>
 
 #include <utility>
 
@@ -59,6 +60,7 @@ void frmMain::showAsked()
 
 void frmMain::lstTopics_Click()
 {
+    const QScopedValueRollback quiet(SubTopicEventsEnabled_, false);
     FillSubTopicList();
     RefreshQuestionSelection();
 }
@@ -72,7 +74,9 @@ void frmMain::lstSubTopics_Click()
                                        lstSubTopics_->itemData(subTopic),
                                        lstSubTopics_->selected(subTopic));
     }
-    RefreshQuestionSelection();
+    if (SubTopicEventsEnabled_) {
+        RefreshQuestionSelection();
+    }
 }
 
 void frmMain::cmdSelectAllTopics_Click()

@@ -97,6 +97,13 @@ bool Failure::isBusy() const
     return isRefusal(code_);
 }
 
+Value::Value(std::int16_t number)
+    : Value()
+{
+    variant_.vt = VT_I2;
+    variant_.iVal = number;
+}
+
 Value::Value(std::int32_t number)
     : Value()
 {
@@ -221,9 +228,9 @@ Object Object::get(Member& member) const
     return objectIn(invoke(DISPATCH_PROPERTYGET, member, {}));
 }
 
-Object Object::get(Member& member, std::int32_t index) const
+Object Object::get(Member& member, const Value& index) const
 {
-    VARIANT argument = Value(index).variant();
+    VARIANT argument = index.variant();
     // Object models differ in whether an element is a property or what a method gives.
     return objectIn(
         invoke(DISPATCH_PROPERTYGET | DISPATCH_METHOD, member, {&argument, nullptr, 1, 0}));

@@ -60,6 +60,7 @@ class Value
 {
 public:
     Value() { VariantInit(&variant_); }
+    explicit Value(std::int16_t number);
     explicit Value(std::int32_t number);
     /// A length: object models declare those as single precision.
     explicit Value(float number);
@@ -100,7 +101,7 @@ public:
 
     Object get(Member& member) const;
     /// An element of a collection.
-    Object get(Member& member, std::int32_t index) const;
+    Object get(Member& member, const Value& index) const;
     std::int32_t getNumber(Member& member) const;
     void put(Member& member, const Value& value) const;
     /// A method; its object is empty when it gives none.

@@ -51,7 +51,7 @@ Object PowerPointDocument::shapes()
         .get(members_.shapes);
 }
 
-Object PowerPointDocument::shape(int index)
+Object PowerPointDocument::shape(const Value& index)
 {
     return shapes().get(members_.shape, index);
 }
@@ -62,9 +62,19 @@ void PowerPointDocument::addTextBox(float left, float top, float width, float he
                                         Value(top), Value(width), Value(height)});
 }
 
-void PowerPointDocument::setText(int index, const std::wstring& text)
+void PowerPointDocument::setText(const Object& shape, const std::wstring& text)
 {
-    shape(index).get(members_.textFrame).get(members_.textRange).put(members_.text, Value(text));
+    shape.get(members_.textFrame).get(members_.textRange).put(members_.text, Value(text));
+}
+
+void PowerPointDocument::setText(std::int32_t index, const std::wstring& text)
+{
+    setText(shape(Value(index)), text);
+}
+
+void PowerPointDocument::setText(std::int16_t index, const std::wstring& text)
+{
+    setText(shape(Value(index)), text);
 }
 
 void PowerPointDocument::addPicture(const std::wstring& path, float left, float top, float width,
@@ -76,21 +86,21 @@ void PowerPointDocument::addPicture(const std::wstring& path, float left, float 
         .put(members_.alternativeText, Value(description));
 }
 
-void PowerPointDocument::scaleHeight(int index, float factor)
+void PowerPointDocument::scaleHeight(std::int32_t index, float factor)
 {
-    shape(index).call(members_.scaleHeight,
-                      {Value(factor), Value(msoTrue), Value(msoScaleFromTopLeft)});
+    shape(Value(index))
+        .call(members_.scaleHeight, {Value(factor), Value(msoTrue), Value(msoScaleFromTopLeft)});
 }
 
-void PowerPointDocument::scaleWidth(int index, float factor)
+void PowerPointDocument::scaleWidth(std::int32_t index, float factor)
 {
-    shape(index).call(members_.scaleWidth,
-                      {Value(factor), Value(msoTrue), Value(msoScaleFromTopLeft)});
+    shape(Value(index))
+        .call(members_.scaleWidth, {Value(factor), Value(msoTrue), Value(msoScaleFromTopLeft)});
 }
 
-void PowerPointDocument::selectSlide(int index)
+void PowerPointDocument::selectSlide(std::int32_t index)
 {
-    slides().get(members_.slide, index).call(members_.select);
+    slides().get(members_.slide, Value(index)).call(members_.select);
 }
 
 } // namespace varnholt

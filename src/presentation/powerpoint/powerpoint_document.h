@@ -22,19 +22,22 @@ public:
     void show();
     void appendBlankSlide();
     void addTextBox(float left, float top, float width, float height);
-    /// Paragraphs are separated by carriage returns.
-    void setText(int shape, const std::wstring& text);
+    /// Paragraphs are separated by carriage returns. A counted `shape` is given as 32 bits, a
+    /// fixed one as 16.
+    void setText(std::int32_t shape, const std::wstring& text);
+    void setText(std::int16_t shape, const std::wstring& text);
     /// `path` is absolute, with backslashes.
     void addPicture(const std::wstring& path, float left, float top, float width, float height,
                     const std::wstring& description);
-    void scaleHeight(int shape, float factor);
-    void scaleWidth(int shape, float factor);
-    void selectSlide(int index);
+    void scaleHeight(std::int32_t shape, float factor);
+    void scaleWidth(std::int32_t shape, float factor);
+    void selectSlide(std::int32_t index);
 
 private:
     automation::Object slides();
     automation::Object shapes();
-    automation::Object shape(int index);
+    automation::Object shape(const automation::Value& index);
+    void setText(const automation::Object& shape, const std::wstring& text);
 
     automation::Object application_;
 

@@ -79,6 +79,17 @@ void PowerPointProgram::addTextBox(double left, double top, double width, double
 
 void PowerPointProgram::setShapeText(int shape, const QString& text)
 {
+    setText(std::int32_t(shape), text);
+}
+
+void PowerPointProgram::setFirstShapeText(const QString& text)
+{
+    setText(std::int16_t(1), text);
+}
+
+template <typename Index>
+void PowerPointProgram::setText(Index shape, const QString& text)
+{
     const std::wstring paragraphs = slideParagraphs(text).join(u'\r').toStdWString();
     connection_->run([=](PowerPointDocument& document) { document.setText(shape, paragraphs); });
 }

@@ -28,6 +28,7 @@ public:
     void addTextBox(double left, double top, double width, double height,
                     LongLines longLines) override;
     void setShapeText(int shape, const QString& text) override;
+    void setFirstShapeText(const QString& text) override;
     void addPicture(const QString& path, double left, double top, double width, double height,
                     const QString& description) override;
     void scaleHeight(int shape, double factor) override;
@@ -36,6 +37,9 @@ public:
     void finish() override {}
 
 private:
+    template <typename Index>
+    void setText(Index shape, const QString& text);
+
     std::shared_ptr<PowerPointConnection> connection_;
     UprightPictures pictures_;
 };

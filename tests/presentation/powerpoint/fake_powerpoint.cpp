@@ -1,48 +1,28 @@
-// An automation server with the members of PowerPoint's object model that a build uses. It keeps
-// what it is told in memory and a log of every call with the types of its arguments. Three members
-// of the application are for tests alone and are not logged: "FakeScript" (put) clears the log and
-// takes "fail N", "die N", "hang N" (at the N-th call from there) or "busy N M" (the N-th and the
-// M-1 requests after it are turned away); "FakeLog" writes the calls to a file and "FakeObjects"
-// tells how many objects are held.
-
-#include "presentation/powerpoint/fake_powerpoint.h"
+// An automation server with the members of PowerPoint's object model that a build uses. It counts
+// the shapes of each slide, and logs every call with the types of its arguments in a file beside
+// itself, ".log", which closes with "end" when all its objects have been let go. A file ".script"
+// there empties the log and says what is to happen: "fail N", "die N", "hang N" (at the N-th call
+// from there) or "busy N M" (the N-th and the M-1 requests after it are turned away).
 
 #include <windows.h>
 
 #include <oleauto.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
 namespace {
 
-enum class Kind
-{
-    Application,
-    Presentations,
-    Presentation,
-    Slides,
-    Slide,
-    DocumentWindow,
-    Selection,
-    SlideRange,
-    Shapes,
-    Shape,
-    TextFrame,
-    TextRange,
-};
-const wchar_t* const kindNames[] = {
-    L"Application", L"Presentations", L"Presentation", L"Slides", L"Slide",     L"DocumentWindow",
-    L"Selection",   L"SlideRange",    L"Shapes",       L"Shape",  L"TextFrame", L"TextRange"};
+/// How many shapes each slide of the active presentation has.
+std::vector<LONG> slides;
+size_t currentSlide = 0;
 
-/// The shapes of each slide of each presentation; true is a picture.
-std::vector<std::vector<std::vector<bool>>> presentations;
-int visible = 0;
-int currentSlide = -1;
-
-std::wstring callLog;
+std::wstring ownPath;
+std::FILE* callLog = nullptr;
 std::wstring fault;
 long calls = 0;
 long requests = 0;
@@ -52,57 +32,114 @@ LONG objects = 0;
 DWORD classCookie = 0;
 DWORD mainThread = 0;
 
-using Refusal = const wchar_t*;
+void say(const std::wstring& line)
+{
+    std::fwrite((line + L'\n').data(), sizeof(wchar_t), line.size() + 1, callLog);
+    std::fflush(callLog);
+}
 
-class Object;
+void lookForScript()
+{
+    const std::wstring path = ownPath + L".script";
+    if (std::FILE* script = _wfopen(path.c_str(), L"r")) {
+        wchar_t what[16] = L"";
+        faultAt = faultCount = calls = requests = 0;
+        fwscanf(script, L"%15ls %ld %ld", what, &faultAt, &faultCount);
+        fault = what;
+        std::fclose(script);
+        DeleteFileW(path.c_str());
+        callLog = _wfreopen((ownPath + L".log").c_str(), L"wb", callLog);
+    }
+}
+
+[[nodiscard]] bool isFault(const wchar_t* name)
+{
+    return calls == faultAt && fault == name;
+}
+
+/// A call of an object, which belongs to a slide that is counted from 1.
 struct Call
 {
-    Object& self;
-    std::vector<VARIANT> arguments;
-    VARIANT* result;
+    size_t slide;
+    std::vector<VARIANT> arguments = {};
+    LONG number = 0; ///< what a member that gives a number leaves here
 
-    [[nodiscard]] int number(size_t index) const
+    /// The first argument.
+    [[nodiscard]] size_t position(size_t upTo) const
     {
-        VARIANT converted{};
-        if (FAILED(
-                VariantChangeType(&converted, const_cast<VARIANT*>(&arguments[index]), 0, VT_I4))) {
-            throw Refusal(L"Type mismatch.");
+        VARIANT index{};
+        VariantChangeType(&index, const_cast<VARIANT*>(arguments.data()), 0, VT_I4);
+        if (index.lVal < 1 || size_t(index.lVal) > upTo) {
+            throw L"Integer out of range.";
         }
-        return converted.lVal;
+        return size_t(index.lVal);
     }
-    [[nodiscard]] int position(size_t index, size_t upTo) const
-    {
-        const int position = number(index);
-        if (position < 1 || size_t(position) > upTo) {
-            throw Refusal(L"Integer out of range.");
-        }
-        return position - 1;
-    }
-    void give(Kind kind, int slide = -1, int shape = -1) const;
-    void give(LONG value) const
-    {
-        result->vt = VT_I4;
-        result->lVal = value;
-    }
+    [[nodiscard]] LONG& shapes() const { return slides.at(slide - 1); }
 };
+
+constexpr WORD get = DISPATCH_PROPERTYGET;
+constexpr WORD put = DISPATCH_PROPERTYPUT;
+constexpr WORD method = DISPATCH_METHOD;
 
 struct Member
 {
-    Kind kind;
-    const wchar_t* name;
+    const wchar_t* name; ///< with its class
     WORD how;
-    size_t arguments;
-    std::function<void(const Call&)> act;
+    UINT arguments;
+    std::wstring gives = {}; ///< a class, "number" or nothing
+    std::function<void(Call&)> act = [](Call&) {};
 };
-extern const std::vector<Member> members;
+const Member members[] = {
+    {L"Application.Presentations", get, 0, L"Presentations"},
+    {L"Presentations.Add", method, 1, L"Presentation", [](Call&) { slides.clear(); }},
+    {L"Application.Visible", put, 1},
+    {L"Application.ActivePresentation", get, 0, L"Presentation"},
+    {L"Presentation.Slides", get, 0, L"Slides"},
+    {L"Slides.Count", get, 0, L"number", [](Call& call) { call.number = LONG(slides.size()); }},
+    {L"Slides.Add", method, 2, L"Slide",
+     [](Call& call) {
+         call.slide = call.position(slides.size() + 1);
+         slides.insert(slides.begin() + std::ptrdiff_t(call.slide) - 1, 0);
+     }},
+    {L"Slides.Item", method, 1, L"Slide",
+     [](Call& call) { call.slide = call.position(slides.size()); }},
+    {L"Slide.Select", method, 0, {}, [](Call& call) { currentSlide = call.slide; }},
+    {L"Application.ActiveWindow", get, 0, L"DocumentWindow"},
+    {L"DocumentWindow.Selection", get, 0, L"Selection"},
+    {L"Selection.SlideRange", get, 0, L"SlideRange", [](Call& call) { call.slide = currentSlide; }},
+    {L"SlideRange.Shapes", get, 0, L"Shapes"},
+    {L"Shapes.AddTextbox", method, 5, L"Shape", [](Call& call) { ++call.shapes(); }},
+    {L"Shapes.AddPicture", method, 7, L"Shape", [](Call& call) { ++call.shapes(); }},
+    {L"Shapes.Item", method, 1, L"Shape",
+     [](Call& call) { static_cast<void>(call.position(size_t(call.shapes()))); }},
+    {L"Shape.AlternativeText", put, 1},
+    {L"Shape.TextFrame", get, 0, L"TextFrame"},
+    {L"TextFrame.TextRange", get, 0, L"TextRange"},
+    {L"TextRange.Text", put, 1},
+    {L"Shape.ScaleHeight", method, 3},
+    {L"Shape.ScaleWidth", method, 3},
+};
+
+std::wstring shown(const VARIANT& value)
+{
+    const wchar_t* type = value.vt == VT_I2     ? L" I2:"
+                          : value.vt == VT_I4   ? L" I4:"
+                          : value.vt == VT_R4   ? L" R4:"
+                          : value.vt == VT_BSTR ? L" BSTR:"
+                                                : L" other:";
+    VARIANT text{};
+    VariantChangeTypeEx(&text, const_cast<VARIANT*>(&value), LOCALE_INVARIANT, 0, VT_BSTR);
+    const std::wstring line = std::wstring(type) + (text.bstrVal ? text.bstrVal : L"");
+    VariantClear(&text);
+    return line;
+}
 
 class Object final : public IDispatch
 {
 public:
-    Object(Kind kind, int slide, int shape)
-        : kind_(kind)
+    Object(std::wstring kind, size_t slide)
+        : kind_(std::move(kind))
         , slide_(slide)
-        , shape_(shape)
     {
         ++objects;
     }
@@ -132,236 +169,65 @@ public:
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override
     {
-        for (size_t i = 0; i < members.size(); ++i) {
-            if (members[i].kind == kind_ && _wcsicmp(members[i].name, names[0]) == 0) {
-                ids[0] = DISPID(i + 1);
-                return S_OK;
-            }
-        }
-        return DISP_E_UNKNOWNNAME;
+        const auto* member = std::find_if(
+            std::begin(members), std::end(members),
+            [name = kind_ + L'.' + names[0]](const Member& m) { return m.name == name; });
+        ids[0] = DISPID(member - members);
+        return member != std::end(members) ? S_OK : DISP_E_UNKNOWNNAME;
     }
-    STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD how, DISPPARAMS* parameters, VARIANT* result,
-                        EXCEPINFO* info, UINT*) override;
-
-    [[nodiscard]] auto& slides() const { return presentations.back(); }
-    [[nodiscard]] auto& shapes() const { return slides()[size_t(slide_)]; }
-    [[nodiscard]] bool isPicture() const { return shapes()[size_t(shape_)]; }
-    [[nodiscard]] int slide() const { return slide_; }
-    [[nodiscard]] int shape() const { return shape_; }
+    STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD how, DISPPARAMS* given, VARIANT* result,
+                        EXCEPINFO* info, UINT*) override
+    {
+        const Member& member = members[id];
+        if ((member.how & how) == 0 || given->cArgs != member.arguments ||
+            (how == put) != (given->cNamedArgs == 1)) {
+            return DISP_E_BADPARAMCOUNT;
+        }
+        Call call{slide_};
+        std::wstring line = how == get      ? L"get "
+                            : how == put    ? L"put "
+                            : how == method ? L"call "
+                                            : L"item ";
+        line += member.name;
+        for (UINT i = given->cArgs; i-- > 0;) {
+            call.arguments.push_back(given->rgvarg[i]);
+            line += shown(given->rgvarg[i]);
+        }
+        say(line);
+        ++calls;
+        if (isFault(L"hang")) {
+            Sleep(4000);
+        } else if (isFault(L"die")) {
+            // Wine would go on believing in a class whose process has just gone.
+            CoRevokeClassObject(classCookie);
+            TerminateProcess(GetCurrentProcess(), 1);
+        }
+        try {
+            if (isFault(L"fail")) {
+                throw L"The clipboard is on fire.";
+            }
+            member.act(call);
+        } catch (const wchar_t* refusal) {
+            *info = {};
+            info->scode = E_FAIL;
+            info->bstrDescription = SysAllocString(refusal);
+            return DISP_E_EXCEPTION;
+        }
+        if (result && member.gives == L"number") {
+            result->vt = VT_I4;
+            result->lVal = call.number;
+        } else if (result && !member.gives.empty()) {
+            result->vt = VT_DISPATCH;
+            result->pdispVal = new Object(member.gives, call.slide);
+        }
+        return S_OK;
+    }
 
 private:
-    ULONG references_ = 0;
-    Kind kind_;
-    int slide_;
-    int shape_;
+    ULONG references_ = 1;
+    std::wstring kind_;
+    size_t slide_;
 };
-
-void Call::give(Kind kind, int slide, int shape) const
-{
-    auto* object = new Object(kind, slide, shape);
-    object->AddRef();
-    if (result) {
-        result->vt = VT_DISPATCH;
-        result->pdispVal = object;
-    } else {
-        object->Release();
-    }
-}
-
-void needPresentation(const Call&)
-{
-    if (presentations.empty()) {
-        throw Refusal(L"There is no active presentation.");
-    }
-}
-
-auto giving(Kind kind)
-{
-    return [kind](const Call& call) {
-        needPresentation(call);
-        call.give(kind, call.self.slide(), call.self.shape());
-    };
-}
-
-/// Whatever becomes of the test, the server must not go on for ever.
-void keepRunning()
-{
-    static UINT_PTR timer = 0;
-    timer =
-        SetTimer(nullptr, timer, 300'000, [](HWND, UINT, UINT_PTR, DWORD) { PostQuitMessage(1); });
-}
-
-void setScript(const Call& call)
-{
-    keepRunning();
-    wchar_t what[16] = L"";
-    faultAt = faultCount = calls = requests = 0;
-    swscanf(call.arguments[0].bstrVal, L"%15ls %ld %ld", what, &faultAt, &faultCount);
-    fault = what;
-    callLog.clear();
-}
-
-constexpr WORD get = DISPATCH_PROPERTYGET;
-constexpr WORD put = DISPATCH_PROPERTYPUT;
-constexpr WORD method = DISPATCH_METHOD;
-
-void addShape(const Call& call, bool picture)
-{
-    call.self.shapes().push_back(picture);
-    call.give(Kind::Shape, call.self.slide(), int(call.self.shapes().size()) - 1);
-}
-
-const std::vector<Member> members{
-    {Kind::Application, L"FakeScript", put, 1, setScript},
-    {Kind::Application, L"FakeLog", method, 1,
-     [](const Call& call) {
-         std::FILE* file = _wfopen(call.arguments[0].bstrVal, L"wb");
-         for (const wchar_t unit : callLog) {
-             std::fwrite(&unit, sizeof unit, 1, file);
-         }
-         std::fclose(file);
-     }},
-    {Kind::Application, L"FakeObjects", get, 0, [](const Call& call) { call.give(objects); }},
-    {Kind::Application, L"Presentations", get, 0,
-     [](const Call& call) { call.give(Kind::Presentations); }},
-    {Kind::Presentations, L"Add", method, 1,
-     [](const Call& call) {
-         presentations.emplace_back();
-         currentSlide = -1;
-         call.give(Kind::Presentation);
-     }},
-    {Kind::Application, L"Visible", put, 1, [](const Call& call) { visible = call.number(0); }},
-    {Kind::Application, L"ActivePresentation", get, 0, giving(Kind::Presentation)},
-    {Kind::Presentation, L"Slides", get, 0, giving(Kind::Slides)},
-    {Kind::Slides, L"Count", get, 0,
-     [](const Call& call) { call.give(LONG(call.self.slides().size())); }},
-    {Kind::Slides, L"Add", method, 2,
-     [](const Call& call) {
-         auto& slides = call.self.slides();
-         const int at = call.position(0, slides.size() + 1);
-         slides.insert(slides.begin() + at, {{}});
-         call.give(Kind::Slide, at);
-     }},
-    {Kind::Slides, L"Item", method, 1,
-     [](const Call& call) { call.give(Kind::Slide, call.position(0, call.self.slides().size())); }},
-    {Kind::Slide, L"Select", method, 0,
-     [](const Call& call) {
-         if (!visible) {
-             throw Refusal(L"There is no window to select in.");
-         }
-         currentSlide = call.self.slide();
-     }},
-    {Kind::Application, L"ActiveWindow", get, 0, giving(Kind::DocumentWindow)},
-    {Kind::DocumentWindow, L"Selection", get, 0, giving(Kind::Selection)},
-    {Kind::Selection, L"SlideRange", get, 0,
-     [](const Call& call) {
-         if (currentSlide < 0) {
-             throw Refusal(L"Nothing is selected.");
-         }
-         call.give(Kind::SlideRange, currentSlide);
-     }},
-    {Kind::SlideRange, L"Shapes", get, 0, giving(Kind::Shapes)},
-    {Kind::Shapes, L"AddTextbox", method, 5, [](const Call& call) { addShape(call, false); }},
-    {Kind::Shapes, L"AddPicture", method, 7,
-     [](const Call& call) {
-         if (GetFileAttributesW(call.arguments[0].bstrVal) == INVALID_FILE_ATTRIBUTES) {
-             throw Refusal(L"The file was not found.");
-         }
-         addShape(call, true);
-     }},
-    {Kind::Shapes, L"Item", method, 1,
-     [](const Call& call) {
-         call.give(Kind::Shape, call.self.slide(), call.position(0, call.self.shapes().size()));
-     }},
-    {Kind::Shape, L"AlternativeText", put, 1, [](const Call&) {}},
-    {Kind::Shape, L"TextFrame", get, 0,
-     [](const Call& call) {
-         if (call.self.isPicture()) {
-             throw Refusal(L"A picture holds no text.");
-         }
-         giving(Kind::TextFrame)(call);
-     }},
-    {Kind::TextFrame, L"TextRange", get, 0, giving(Kind::TextRange)},
-    {Kind::TextRange, L"Text", put, 1, [](const Call&) {}},
-    {Kind::Shape, L"ScaleHeight", method, 3, [](const Call&) {}},
-    {Kind::Shape, L"ScaleWidth", method, 3, [](const Call&) {}},
-};
-
-std::wstring shown(const VARIANT& value)
-{
-    wchar_t text[64];
-    switch (value.vt) {
-    case VT_I2:
-        swprintf(text, 64, L"I2:%d", value.iVal);
-        return text;
-    case VT_I4:
-        swprintf(text, 64, L"I4:%ld", value.lVal);
-        return text;
-    case VT_R4:
-        swprintf(text, 64, L"R4:%g", double(value.fltVal));
-        return text;
-    case VT_BSTR: {
-        std::wstring line = std::wstring(L"BSTR:") + (value.bstrVal ? value.bstrVal : L"");
-        for (size_t at = 0; (at = line.find(L'\r', at)) != std::wstring::npos;) {
-            line.replace(at, 1, L"<CR>");
-        }
-        return line;
-    }
-    default:
-        swprintf(text, 64, L"type %d", value.vt);
-        return text;
-    }
-}
-
-HRESULT raise(EXCEPINFO* info, const wchar_t* description)
-{
-    *info = {};
-    info->scode = E_FAIL;
-    info->bstrDescription = SysAllocString(description);
-    return DISP_E_EXCEPTION;
-}
-
-STDMETHODIMP Object::Invoke(DISPID id, REFIID, LCID, WORD how, DISPPARAMS* parameters,
-                            VARIANT* result, EXCEPINFO* info, UINT*)
-{
-    const Member& member = members[size_t(id) - 1];
-    if ((member.how & how) == 0 || parameters->cArgs != member.arguments ||
-        (how == put) != (parameters->cNamedArgs == 1)) {
-        return DISP_E_BADPARAMCOUNT;
-    }
-    Call call{*this, {}, result};
-    std::wstring line = how == get      ? L"get "
-                        : how == put    ? L"put "
-                        : how == method ? L"call "
-                                        : L"item ";
-    line += std::wstring(kindNames[int(kind_)]) + L'.' + member.name + L'(';
-    for (UINT i = parameters->cArgs; i-- > 0;) {
-        call.arguments.push_back(parameters->rgvarg[i]);
-        line += shown(parameters->rgvarg[i]) + (i > 0 ? L", " : L"");
-    }
-    if (wcsncmp(member.name, L"Fake", 4) != 0) {
-        callLog += line + L")\n";
-        if (++calls == faultAt) {
-            if (fault == L"fail") {
-                return raise(info, L"The clipboard is on fire.");
-            }
-            if (fault == L"hang") {
-                Sleep(4000);
-            }
-            if (fault == L"die") {
-                // Wine would go on believing in a class whose process has just gone.
-                CoRevokeClassObject(classCookie);
-                TerminateProcess(GetCurrentProcess(), 1);
-            }
-        }
-    }
-    try {
-        member.act(call);
-        return S_OK;
-    } catch (Refusal refusal) {
-        return raise(info, refusal);
-    }
-}
 
 class Factory final : public IClassFactory, public IMessageFilter
 {
@@ -376,17 +242,21 @@ public:
     }
     STDMETHODIMP_(ULONG) AddRef() override { return 1; }
     STDMETHODIMP_(ULONG) Release() override { return 1; }
-    STDMETHODIMP CreateInstance(IUnknown*, REFIID id, void** result) override
+    STDMETHODIMP CreateInstance(IUnknown*, REFIID, void** result) override
     {
-        return (new Object(Kind::Application, -1, -1))->QueryInterface(id, result);
+        *result = static_cast<IDispatch*>(new Object(L"Application", 0));
+        return S_OK;
     }
     STDMETHODIMP LockServer(BOOL) override { return S_OK; }
 
-    STDMETHODIMP_(DWORD) HandleInComingCall(DWORD, HTASK, DWORD, LPINTERFACEINFO) override
+    STDMETHODIMP_(DWORD) HandleInComingCall(DWORD, HTASK, DWORD, LPINTERFACEINFO call) override
     {
-        ++requests;
+        if (call->iid != IID_IDispatch && call->iid != IID_IClassFactory) {
+            return SERVERCALL_ISHANDLED; // An object is let go, which is no request.
+        }
+        lookForScript();
         const bool busy =
-            fault == L"busy" && requests >= faultAt && requests < faultAt + faultCount;
+            fault == L"busy" && ++requests >= faultAt && requests < faultAt + faultCount;
         return busy ? SERVERCALL_REJECTED : SERVERCALL_ISHANDLED;
     }
     STDMETHODIMP_(DWORD) RetryRejectedCall(HTASK, DWORD, DWORD) override { return DWORD(-1); }
@@ -401,20 +271,27 @@ public:
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int)
 {
     static Factory factory;
+    wchar_t path[MAX_PATH] = L"";
     CLSID id;
+    IMessageFilter* none = nullptr;
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    ownPath = path;
+    callLog = _wfopen((ownPath + L".log").c_str(), L"wb");
     mainThread = GetCurrentThreadId();
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    IMessageFilter* none = nullptr;
     CoRegisterMessageFilter(&factory, &none);
-    CLSIDFromString(fakeClassId, &id);
+    CLSIDFromString(FAKE_CLASS, &id);
     CoRegisterClassObject(id, static_cast<IClassFactory*>(&factory), CLSCTX_LOCAL_SERVER,
                           REGCLS_MULTIPLEUSE, &classCookie);
-    keepRunning();
+    // Whatever becomes of the test, the server must not go on for ever.
+    SetTimer(nullptr, 0, 900'000, [](HWND, UINT, UINT_PTR, DWORD) { ExitProcess(1); });
     MSG message;
-    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    // Somebody may have come while the last object went.
+    while (GetMessageW(&message, nullptr, 0, 0) > 0 || objects > 0) {
         DispatchMessageW(&message);
     }
     CoRevokeClassObject(classCookie);
     CoUninitialize();
+    say(L"end");
     return 0;
 }
