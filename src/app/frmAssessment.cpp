@@ -1,6 +1,7 @@
 #include "app/frmAssessment.h"
 
 #include "authoring/frmAddNewQuestion.h"
+#include "authoring/frmEditPicture.h"
 #include "backups/backup_words.h"
 #include "backups/frmBackups.h"
 #include "check/frmCheck.h"
@@ -310,7 +311,11 @@ void frmAssessment::mnuManageAssessments_Click()
         }
     };
     openChild([this, openAuthoring] {
-        return new frmManage(services_, state_, library_, openAuthoring);
+        auto* manager = new frmManage(services_, state_, library_, openAuthoring);
+        manager->setPictureEditor([this](QWidget* parent, std::int32_t solIndex) {
+            EditQuestionPicture(services_, library_, solIndex, parent);
+        });
+        return manager;
     });
 }
 

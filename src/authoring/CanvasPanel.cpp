@@ -71,16 +71,19 @@ void CanvasPanel::connectControls()
     connect(&dragScroll_, &QTimer::timeout, this, &CanvasPanel::scrollWhileDragging);
 }
 
-void CanvasPanel::begin(const QImage& picture)
+void CanvasPanel::begin(const QImage& picture, QSize page)
 {
     onCanvas({}, [&](PictureCanvas& canvas) {
-        PictureCanvas fresh;
+        PictureCanvas fresh(page);
         fresh.font = canvas.font;
         if (!picture.isNull()) {
             fresh.Begin(picture);
         }
         canvas = std::move(fresh);
     });
+    HScroll_->setPageStep(page.width());
+    VScroll_->setPageStep(page.height());
+    showZoom();
 }
 
 bool CanvasPanel::clipboardAnswers()

@@ -35,7 +35,7 @@ public:
     /// Runs work on the canvas, shows the outcome and reports a failure in a box.
     void onCanvas(const QString& title, const std::function<void(PictureCanvas&)>& work);
     /// A fresh canvas, with a picture to begin with or without; the font stays.
-    void begin(const QImage& picture = {});
+    void begin(const QImage& picture = {}, QSize page = questionPage);
 
     void cmdPaste_Click();
     /// Tells the user when it does not.

@@ -53,8 +53,12 @@ QString writeFailure(cJpeg::SaveResult result, const QString& path)
     }
 }
 
-void writePicture(const QString& path, const QImage& image, const SaveStepObserver& step)
+} // namespace
+
+void WriteQuestionPicture(const QString& path, const QImage& image, int quality,
+                          const SaveStepObserver& observer)
 {
+    const SaveStepObserver step = observer ? observer : [](SaveStep) {};
     step(SaveStep::FillBuffer);
     const Picture page = bitmapPicture(image);
     cImage buffer;
@@ -62,7 +66,7 @@ void writePicture(const QString& path, const QImage& image, const SaveStepObserv
     step(SaveStep::Sample);
     cJpeg jpeg;
     jpeg.SetSamplingFrequencies(2, 2, 1, 1, 1, 1);
-    jpeg.Quality(pictureQuality);
+    jpeg.Quality(quality);
     check(jpeg.SampleHDC(buffer.hDC(), buffer.Width(), buffer.Height(), 0, 0) == cJpeg::Sampled,
           tr("There is not enough memory to save."));
     step(SaveStep::WritePicture);
@@ -71,13 +75,12 @@ void writePicture(const QString& path, const QImage& image, const SaveStepObserv
     check(result == cJpeg::Written, writeFailure(result, path));
 }
 
-} // namespace
-
 void SaveQuestion(Library& library, NewQuestion& question, const QImage& picture,
                   const SaveStepObserver& observer)
 {
-    const SaveStepObserver step = observer ? observer : [](SaveStep) {};
-    const auto write = [&](const QString& path) { writePicture(path, picture, step); };
+    const auto write = [&](const QString& path) {
+        WriteQuestionPicture(path, picture, pictureQuality, observer);
+    };
     try {
         if (question.SOLIndex == 0) {
             question.SOLIndex = library.addQuestion(question.filing, question.Answer, write);

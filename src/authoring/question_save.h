@@ -32,6 +32,11 @@ enum class SaveStep
 /// Called before each step; may throw. Tests make steps fail with it.
 using SaveStepObserver = std::function<void(SaveStep)>;
 
+/// Writes a question's picture as a JPEG. The file appears when it is whole; there is none of that
+/// name yet. Throws `Error`.
+void WriteQuestionPicture(const QString& path, const QImage& picture, int quality,
+                          const SaveStepObserver& observer = {});
+
 /// Adds the question with a picture, encoded at quality 75; its key goes into `question`. A
 /// question that has a key already is completed: see `Library::addQuestion` and
 /// `Library::completeQuestion`, also for what is left when this throws. `question` has a key then

@@ -265,12 +265,12 @@ bool frmBackups::agreed(const BackupInfo& backup)
             MessageBoxes::Answer::Yes);
     }
     const BackupPlan plan = backups_.plan(window(), shownStore(), backup.id);
-    return services_.messageBoxes->yesNo(
-        tr("Restore?"),
-        tr("This is what restoring the backup does: %1.\n\n%2\n\nToday's library is backed up "
-           "first, so that you can come back to it.")
-            .arg(made, BackupWords::sentences(plan).join(u'\n')),
-        MessageBoxes::Answer::Yes);
+    return services_.messageBoxes->yesNo(tr("Restore?"),
+                                         tr("When you restore the backup \"%1\":\n\n%2\n\nToday's "
+                                            "library is backed up first, so that "
+                                            "you can come back to it.")
+                                             .arg(made, BackupWords::sentences(plan).join(u'\n')),
+                                         MessageBoxes::Answer::Yes);
 }
 
 void frmBackups::cmdRestore_Click()

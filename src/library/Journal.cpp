@@ -23,6 +23,22 @@ QString nameIn(const QByteArray& image)
     return QJsonDocument::fromJson(image).array().at(1).toString();
 }
 
+/// The place of a picture's mark in the image of a question.
+constexpr int markPlace = 5;
+
+/// The picture's mark in a question's image; empty where it has none.
+QString markIn(const QByteArray& image)
+{
+    return QJsonDocument::fromJson(image).array().at(markPlace).toString();
+}
+
+/// A question's image as it would be with a picture of that mark.
+QByteArray withMark(const QByteArray& image, const QString& mark)
+{
+    return mark.isEmpty() || image.isEmpty() ? image
+                                             : image.chopped(1) + ",\"" + mark.toLatin1() + "\"]";
+}
+
 StepKind kindOf(Item subject, const QByteArray& before, const QByteArray& after, bool alone)
 {
     if (before.isNull()) {
@@ -110,6 +126,17 @@ void Journal::recordAdded(std::int64_t step, std::int64_t now, ItemKind kind,
     ready(&sql::InsertAdded, kind).bind(1, now).bind(2, step).bind(3, largestKeyBefore).run();
 }
 
+void Journal::recordPicture(std::int64_t step, std::int64_t now, const TurnedPicture& picture)
+{
+    ready(sql::InsertPictureChange)
+        .bind(1, now)
+        .bind(2, step)
+        .bind(3, std::int64_t{picture.SOLIndex})
+        .bind(4, picture.from)
+        .bind(5, picture.to)
+        .run();
+}
+
 NamedItem Journal::named(Item item)
 {
     Statement& select = ready(&sql::SelectName, item.kind);
@@ -192,7 +219,10 @@ UndoOutcome Journal::turn(std::optional<StepInfo> step, std::int64_t recordedSte
     outcome.result = UndoOutcome::Result::ChangedSince;
     for (const ChangedRow& row : rowsOf(recordedStep)) {
         const QByteArray& before = row.before.isNull() ? row.withdrawn : row.before;
-        if (image(row.item) != (done ? row.after : before)) {
+        const bool mayHaveMark = row.item.kind == ItemKind::Question;
+        const QString from = mayHaveMark ? markIn(done ? row.after : before) : QString();
+        const QString to = mayHaveMark ? markIn(done ? before : row.after) : QString();
+        if (withMark(image(row.item), from) != (done ? row.after : before)) {
             outcome.inTheWay.push_back(named(row.item));
             continue;
         }
@@ -201,6 +231,9 @@ UndoOutcome Journal::turn(std::optional<StepInfo> step, std::int64_t recordedSte
             .bind(2, done ? before : row.after)
             .run();
         outcome.changed.push_back(row.item);
+        if (from != to) {
+            outcome.pictures.push_back({row.item.key, from, to});
+        }
     }
     if (outcome.inTheWay.empty()) {
         addRows(outcome.inTheWay, sql::SelectOrphans, recordedStep);
@@ -211,6 +244,7 @@ UndoOutcome Journal::turn(std::optional<StepInfo> step, std::int64_t recordedSte
         outcome.result = UndoOutcome::Result::Done;
     } else {
         outcome.changed.clear();
+        outcome.pictures.clear();
     }
     return outcome;
 }

@@ -35,6 +35,15 @@ struct StepInfo
     NamedItem subject;
 };
 
+/// A question whose picture was replaced, or is to be: from one mark to another (see
+/// `PictureMark`).
+struct TurnedPicture
+{
+    std::int32_t SOLIndex = 0;
+    QString from;
+    QString to;
+};
+
 /// What undoing (or doing again) came to.
 struct UndoOutcome
 {
@@ -55,12 +64,15 @@ struct UndoOutcome
     std::vector<NamedItem> inTheWay;
     /// With `Done` the rows that are not as before.
     std::vector<Item> changed;
+    /// With `Done` the pictures that are still to be put in their places.
+    std::vector<TurnedPicture> pictures;
 };
 
 /// The journal of a library: what each step changed, so that it can be undone and done again. A
 /// step's rows are recorded by the transaction that changes them. Nothing is ever removed from it.
 ///
-/// A row is compared and restored by its image, all its fields in one text. A row that an undone
+/// A row is compared and restored by its image, all its fields in one text. Where its picture was
+/// replaced the mark of the picture follows the fields. A row that an undone
 /// step had added is not removed but marked as not available: its key is a picture's name.
 ///
 /// The tables must exist. Everything throws `DatabaseError`.
@@ -86,6 +98,9 @@ public:
     /// Records every row of a kind with a key above `largestKeyBefore`.
     void recordAdded(std::int64_t step, std::int64_t now, ItemKind kind,
                      std::int64_t largestKeyBefore);
+
+    /// Records that a question's picture was replaced.
+    void recordPicture(std::int64_t step, std::int64_t now, const TurnedPicture& picture);
 
     /// Ends a step. If it has recorded anything, what was undone before cannot be done again.
     void endStep(std::int64_t step);

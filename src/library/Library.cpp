@@ -142,12 +142,18 @@ std::int32_t Library::addQuestion(const Filing& filing, const QString& answer,
                                   const PictureWriter& writePicture)
 {
     Change change(*this);
+    const std::int32_t key = addRow(change, filing, answer);
+    placePicture(change, key, writePicture);
+    return key;
+}
+
+std::int32_t Library::addRow(Change& change, const Filing& filing, const QString& answer)
+{
     connection_.execute(statements::InsertQuestion(filing.TopicID, answer, filing.AssessmentNum,
                                                    filing.SubtopicNum));
     const std::int32_t key =
         newestKey(statements::SelectQuestionsNewestFirst(filing.AssessmentNum), "SOLIndex");
     change.add({ItemKind::Question, key});
-    placePicture(change, key, writePicture);
     return key;
 }
 
@@ -334,7 +340,7 @@ UndoOutcome Library::turn(UndoOutcome (Journal::*direction)(std::int64_t))
     connection_.requireInPlace();
     outcome = (journal_.*direction)(now());
     if (outcome.result == UndoOutcome::Result::Done) {
-        transaction.commit();
+        putPictures(outcome.pictures, transaction);
         Q_EMIT changed({outcome.changed});
     }
     return outcome;

@@ -121,6 +121,10 @@ public:
     /// to this): it is renamed to "<name>.bak". Where that fails the row goes, too.
     std::int32_t addQuestion(const Filing& filing, const QString& answer,
                              const PictureWriter& writePicture);
+    /// The same whole or not at all: when the picture fails the row goes, too, and no key is spent.
+    /// Throws what `writePicture` throws.
+    std::int32_t addWholeQuestion(const Filing& filing, const QString& answer,
+                                  const PictureWriter& writePicture);
     /// Another try for a question whose picture failed: with what is said now.
     void completeQuestion(std::int32_t solIndex, const Filing& filing, const QString& answer,
                           const PictureWriter& writePicture);
@@ -139,6 +143,9 @@ public:
     void rename(Item item, const QString& name);
     /// A name as it would be stored; empty when it is none.
     [[nodiscard]] static QString storedName(ItemKind kind, const QString& name);
+
+    /// Gives a question another picture. The old one is kept: see `PutOldPicture`.
+    void replacePicture(std::int32_t solIndex, const PictureWriter& writePicture);
 
     /// Deletes rows of any kind in one step.
     void deleteRows(const std::vector<Item>& items);
@@ -208,6 +215,8 @@ private:
     /// The field of the first row of a read: the newest.
     [[nodiscard]] std::int32_t newestKey(const QString& statement, const char* field);
     void requireFeatures() const;
+    /// A new question's row; its key.
+    std::int32_t addRow(Change& change, const Filing& filing, const QString& answer);
     /// The rest of a change that has given a question its row: the picture and the commit.
     void placePicture(Change& change, std::int32_t key, const PictureWriter& writePicture);
     /// The new name among `newNames` for an assessment whose name is taken; empty when there is
@@ -223,6 +232,8 @@ private:
     void addImportedRows(const ImportPlan& plan, const ImportSteps& steps,
                          std::int32_t assessmentNum);
     UndoOutcome turn(UndoOutcome (Journal::*direction)(std::int64_t));
+    /// Puts old pictures in their places and commits; all of it or nothing.
+    void putPictures(const std::vector<TurnedPicture>& pictures, Transaction& transaction);
 
     QString programFolder_;
     const Clock& clock_;

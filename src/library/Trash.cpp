@@ -7,6 +7,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <array>
 #include <unordered_map>
 
 namespace varnholt {
@@ -78,17 +79,37 @@ Trash::Trash(Connection& connection, bool dated)
 
 void Trash::readDates()
 {
-    std::unordered_map<std::uint64_t, TrashEntry*> gone;
-    gone.reserve(entries_.size());
+    // Keys are dense, so that a place for each costs less than finding it; others are rare.
+    constexpr std::uint64_t denseKeys = 1 << 22;
+    std::array<std::vector<TrashEntry*>, allKinds + 1> dense;
+    std::unordered_map<std::uint64_t, TrashEntry*> others;
     for (TrashEntry& entry : entries_) {
-        gone.emplace(packed(entry.item), &entry);
+        const auto key = static_cast<std::uint64_t>(entry.item.key);
+        if (key >= denseKeys) {
+            others.emplace(packed(entry.item), &entry);
+            continue;
+        }
+        auto& ofKind = dense.at(static_cast<std::size_t>(entry.item.kind));
+        if (ofKind.size() <= key) {
+            ofKind.resize(key + 1);
+        }
+        ofKind[key] = &entry;
     }
     Statement changes(connection_, sql::SelectChangeTimes);
     while (changes.next()) {
+        const std::int64_t kind = changes.integer(0);
+        const auto key = static_cast<std::uint64_t>(changes.integer(1));
+        TrashEntry* entry = nullptr;
+        if (kind >= 1 && kind <= allKinds && key < dense[static_cast<std::size_t>(kind)].size()) {
+            entry = dense[static_cast<std::size_t>(kind)][key];
+        } else if (key >= denseKeys) {
+            const auto found =
+                others.find(packed({static_cast<ItemKind>(kind), static_cast<std::int32_t>(key)}));
+            entry = found == others.end() ? nullptr : found->second;
+        }
         // The last of a row's changes is the one that it went with.
-        const auto found = gone.find(static_cast<std::uint64_t>(changes.integer(0)));
-        if (found != gone.end()) {
-            found->second->deletedAt = changes.integer(1);
+        if (entry) {
+            entry->deletedAt = changes.integer(2);
         }
     }
 }
@@ -98,10 +119,12 @@ void Trash::sort()
     // The newest rows first among those of one moment; what comes out of the library is in the
     // order of kinds and keys already.
     std::reverse(entries_.begin(), entries_.end());
-    std::stable_sort(entries_.begin(), entries_.end(),
-                     [](const TrashEntry& a, const TrashEntry& b) {
-                         return a.deletedAt.value_or(0) > b.deletedAt.value_or(0);
-                     });
+    const auto isNewer = [](const TrashEntry& a, const TrashEntry& b) {
+        return a.deletedAt.value_or(0) > b.deletedAt.value_or(0);
+    };
+    if (!std::is_sorted(entries_.begin(), entries_.end(), isNewer)) {
+        std::stable_sort(entries_.begin(), entries_.end(), isNewer);
+    }
 }
 
 TrashTexts Trash::texts(Item item) const

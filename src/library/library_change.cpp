@@ -45,6 +45,11 @@ void Library::Change::add(Item item)
     rows_.push_back({item, QByteArray()});
 }
 
+void Library::Change::picture(std::int32_t key, const QString& before, const QString& after)
+{
+    pictures_.push_back({key, before, after});
+}
+
 void Library::Change::expect(ItemKind kind)
 {
     expected_.push_back({kind, largestKey(library_.connection_, kind)});
@@ -55,6 +60,9 @@ void Library::Change::record()
     const std::int64_t now = library_.now();
     for (const Row& row : rows_) {
         library_.journal_.record(step_, now, row.item, row.before);
+    }
+    for (const TurnedPicture& picture : pictures_) {
+        library_.journal_.recordPicture(step_, now, picture);
     }
     for (const Expected& expected : expected_) {
         library_.journal_.recordAdded(step_, now, expected.kind, expected.largestKey);

@@ -15,6 +15,8 @@ public:
     void touch(Item item);
     /// The row has been added.
     void add(Item item);
+    /// The question's picture has been replaced; marks as `PictureMark`'s.
+    void picture(std::int32_t key, const QString& before, const QString& after);
     /// Rows of a kind are going to be added, nobody says which.
     void expect(ItemKind kind);
 
@@ -45,6 +47,7 @@ private:
     std::int64_t step_ = 0;
     std::vector<Row> rows_;
     std::vector<Expected> expected_;
+    std::vector<TurnedPicture> pictures_;
 };
 
 } // namespace varnholt

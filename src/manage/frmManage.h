@@ -46,6 +46,14 @@ public:
     /// Makes a row current, whichever assessment it is in, or the nearest one above it.
     void bringUp(Item item);
 
+    /// Shows a window, modal to `parent`, in which the question's picture can be changed.
+    using OpenPicture = std::function<void(QWidget* parent, std::int32_t solIndex)>;
+    /// Without it no picture can be edited.
+    void setPictureEditor(OpenPicture openPicture);
+
+    /// The rows that are chosen.
+    [[nodiscard]] FilingPreselection currentRows() const;
+
 protected:
     /// Hands the focus to the control where work starts. Not a focus proxy: Tab would stop at
     /// it each time round and never reach the controls before it.
@@ -86,6 +94,9 @@ private:
     void cmdLeft_Click();
     void cmdRight_Click();
     void cmdEditQuestion_Click();
+    void cmdEditPicture_Click();
+    /// Runs a dialog about the question on show, and shows it again as it is then.
+    void changeShown(const std::function<void(const Place&)>& runDialog);
     void cmdDeleteQuestion_Click();
 
     /// Chooses the wanted assessment or, where it is not there, the first.
@@ -119,7 +130,6 @@ private:
     void inform(const QString& title, const QString& text);
     /// Shows a hint about a list's current row, which stays in view although the list gets shorter.
     static void sayBelow(ListBox& list, HintLabel& hint, const QString& sentence);
-    [[nodiscard]] FilingPreselection currentRows() const;
     [[nodiscard]] Place currentPlace() const;
     /// Chooses as much of a place as is there.
     void goTo(const Place& place);
@@ -156,6 +166,7 @@ private:
     ProgramState& state_;
     Library& library_;
     OpenAuthoring openAuthoring_;
+    OpenPicture openPicture_;
     QuestionBrowser browser_;
     /// What has been changed since it was read.
     std::set<ItemKind> changed_;
@@ -189,6 +200,7 @@ private:
     QPushButton* cmdLeft_ = nullptr;
     QPushButton* cmdRight_ = nullptr;
     QPushButton* cmdEditQuestion_ = nullptr;
+    QPushButton* cmdEditPicture_ = nullptr;
     QPushButton* cmdDeleteQuestion_ = nullptr;
     QWidget* undoBar_ = nullptr;
     QLabel* lblUndo_ = nullptr;

@@ -162,13 +162,32 @@ void frmManage::cmdAddNewQuestion_Click()
 
 void frmManage::cmdEditQuestion_Click()
 {
+    changeShown([this](const Place& place) {
+        frmEditQuestion(services_, state_, library_, browser_.current(), place.rows, window())
+            .exec();
+    });
+}
+
+void frmManage::setPictureEditor(OpenPicture openPicture)
+{
+    openPicture_ = std::move(openPicture);
+    cmdEditPicture_->setVisible(openPicture_ != nullptr);
+}
+
+void frmManage::cmdEditPicture_Click()
+{
+    changeShown([this](const Place&) { openPicture_(window(), browser_.current().SOLIndex); });
+}
+
+void frmManage::changeShown(const std::function<void(const Place&)>& runDialog)
+{
     if (browser_.QuestionPosition == 0) {
         return;
     }
     const Place place = currentPlace();
     QWidget* had = focusWidget();
     const QScopedValueRollback open(inDialog_, true);
-    frmEditQuestion(services_, state_, library_, browser_.current(), place.rows, window()).exec();
+    runDialog(place);
     if (changed_.empty()) {
         return;
     }

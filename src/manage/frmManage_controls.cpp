@@ -126,6 +126,11 @@ QWidget* frmManage::buildBrowser()
     cmdLeft_ = makeEnterButton("cmdLeft", tr("P&revious Questions"));
     cmdRight_ = makeEnterButton("cmdRight", tr("&Next Question"));
     cmdEditQuestion_ = makeEnterButton("cmdEditQuestion", tr("&Edit Question"));
+    cmdEditPicture_ = makeEnterButton("cmdEditPicture", tr("Edit Picture"));
+    const QKeySequence pictureKeys(Qt::CTRL | Qt::Key_E);
+    cmdEditPicture_->setShortcut(pictureKeys);
+    cmdEditPicture_->setToolTip(pictureKeys.toString(QKeySequence::NativeText));
+    cmdEditPicture_->hide();
     cmdDeleteQuestion_ = makeButton("cmdDeleteQuestion", tr("Delete Question"));
     const QKeySequence deleteKeys(Qt::CTRL | Qt::Key_Delete);
     cmdDeleteQuestion_->setShortcut(deleteKeys);
@@ -140,6 +145,7 @@ QWidget* frmManage::buildBrowser()
     grid->addWidget(lblQuestionCount_, 2, 1);
     grid->addWidget(cmdRight_, 2, 2);
     grid->addWidget(cmdEditQuestion_, 3, 0);
+    grid->addWidget(cmdEditPicture_, 3, 1, Qt::AlignCenter);
     grid->addWidget(cmdDeleteQuestion_, 3, 2);
     grid->setRowStretch(0, 1);
     grid->setColumnStretch(1, 1);
@@ -171,6 +177,7 @@ void frmManage::connectControls()
     pressed(cmdLeft_, &frmManage::cmdLeft_Click);
     pressed(cmdRight_, &frmManage::cmdRight_Click);
     pressed(cmdEditQuestion_, &frmManage::cmdEditQuestion_Click);
+    pressed(cmdEditPicture_, &frmManage::cmdEditPicture_Click);
     pressed(cmdDeleteQuestion_, &frmManage::cmdDeleteQuestion_Click);
 }
 

@@ -290,7 +290,7 @@ private:
             startPage();
             addText(margin, top_ + size() * 1.5, tr("Answer Key"), true, 1.5);
             addText(margin, top_ + size() * 1.5 + lineHeight() * 1.3, fitted(test_.title, width));
-            const double tableTop = top_ + size() * 1.5 + lineHeight() * 2;
+            const double tableTop = top_ + size() * 1.5 + lineHeight() * 2.8;
             const auto rows = std::max<std::size_t>(
                 1, static_cast<std::size_t>((bottom() - tableTop) / lineHeight()) - 1);
             const auto most = std::max<std::size_t>(

@@ -14,7 +14,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScopedValueRollback>
 
 #include <utility>
 
@@ -60,7 +59,6 @@ void frmMain::showAsked()
 
 void frmMain::lstTopics_Click()
 {
-    const QScopedValueRollback quiet(SubTopicEventsEnabled_, false);
     FillSubTopicList();
     RefreshQuestionSelection();
 }
@@ -74,9 +72,7 @@ void frmMain::lstSubTopics_Click()
                                        lstSubTopics_->itemData(subTopic),
                                        lstSubTopics_->selected(subTopic));
     }
-    if (SubTopicEventsEnabled_) {
-        RefreshQuestionSelection();
-    }
+    RefreshQuestionSelection();
 }
 
 void frmMain::cmdSelectAllTopics_Click()

@@ -109,8 +109,6 @@ private:
     /// The ticks of the open assessment.
     Selection selection_;
     std::int32_t SelectedQuestionCount_ = 0;
-    /// False while the subtopic list is being refilled.
-    bool SubTopicEventsEnabled_ = true;
     bool saved_ = false;
     /// The number she typed last; 0 when none.
     std::int64_t asked_ = 0;

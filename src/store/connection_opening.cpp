@@ -48,6 +48,8 @@ sqlite3* openFile(const QString& path, int flags, bool immutable)
                QUrl::toPercentEncoding(path, "/:") + "?immutable=1";
         flags |= SQLITE_OPEN_URI;
     }
+    // A connection belongs to one thread.
+    flags |= SQLITE_OPEN_NOMUTEX;
     sqlite3* database = nullptr;
     sqlite3_open_v2(name.constData(), &database, flags, nullptr);
     return database;

@@ -157,6 +157,11 @@ const char* InsertChange(int kind)
                          "= ?3 AND " TEST_FIELDS " IS NOT ?4"});
 }
 
+const char InsertPictureChange[] =
+    "INSERT INTO PlusChanges (At, Step, Kind, ItemKey, Before, After) SELECT ?1, ?2, 4, SOLIndex, "
+    "json_insert(" QUESTION_FIELDS ", '$[#]', ?4), json_insert(" QUESTION_FIELDS
+    ", '$[#]', ?5)" FROM_QUESTIONS "= ?3";
+
 const char* InsertAdded(int kind)
 {
     return ofKind(kind,

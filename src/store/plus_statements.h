@@ -54,6 +54,9 @@ inline constexpr char DropRedoSteps[] =
 [[nodiscard]] const char* InsertChange(int kind);
 /// ?1 time, ?2 step, ?3 largest key before: records every row added since.
 [[nodiscard]] const char* InsertAdded(int kind);
+/// ?1 time, ?2 step, ?3 key, ?4 and ?5 mark before and after: records that a question's picture
+/// was replaced; the mark follows the fields in both images.
+extern const char InsertPictureChange[];
 /// The step that can be undone next.
 inline constexpr char SelectUndoStep[] =
     "SELECT Step FROM PlusChanges WHERE Step > 0 ORDER BY ChangeID DESC LIMIT 1";
@@ -101,9 +104,9 @@ inline constexpr char SelectGoneWithAssessment[] =
     "SELECT SOLIndex, AssessmentNum FROM Questions WHERE Available = 1 AND AssessmentNum IN "
     "(SELECT "
     "AssessmentNum FROM Assessments WHERE Available IS NOT 1)";
-/// Kind and key as one number (the kind above 32 bits) and the time of every change, oldest first.
+/// Kind, key and time of every change, oldest first.
 inline constexpr char SelectChangeTimes[] =
-    "SELECT Kind << 32 | ItemKey, At FROM PlusChanges ORDER BY ChangeID";
+    "SELECT Kind, ItemKey, At FROM PlusChanges ORDER BY ChangeID";
 /// ?1 key: name, and the names of the assessment, topic and subtopic that the row stands under.
 [[nodiscard]] const char* SelectTrashTexts(int kind);
 /// Key and the texts of `SelectTrashTexts`, of the rows of a kind that are in the trash.
