@@ -26,17 +26,10 @@ constexpr int longWaitMs = 10'000;
 /// The progress bar lives in here and nobody speaks meanwhile. `silent` becomes whether in the
 /// end the presentation program had not answered for long.
 BuildOutcome build(SlidesInto into, QWidget* window, const Services& services,
-                   const ProgramState& state, const Draw& draw, const SlideOptions& options,
-                   bool& silent)
+                   const BuildInput& input, bool& silent)
 {
     PresentationPrograms& programs = *services.presentationPrograms;
     const bool mayStaySilent = into == SlidesInto::Program && programs.canWriteFileInstead();
-    const BuildInput input{
-        draw.DrawPool, options.topicLine, options.answerKey,
-        [&](const QuestionRecord& question) { return GetTopicText(state, question); },
-        [&](const QuestionRecord& question) {
-            return FindPictureFile(services.programFolder, question.PictureIndex);
-        }};
     const QString creating = Words::tr("Creating the slides…");
     LongWork work(window, creating, LongWork::Cancel::Offered);
     QElapsedTimer sinceStep;
@@ -69,14 +62,14 @@ BuildOutcome build(SlidesInto into, QWidget* window, const Services& services,
 }
 
 /// Why a build was aborted, at which question, and what to make of it.
-QString explanation(const BuildOutcome& outcome, const ProgramState& state, const Draw& draw)
+QString explanation(const BuildOutcome& outcome, const BuildInput& input)
 {
     QString text = outcome.reason;
     if (outcome.number > 0) {
         text += QStringLiteral("\n\n") +
                 Words::tr("It happened at question %1 of the presentation (%2).")
                     .arg(outcome.number)
-                    .arg(GetTopicText(state, draw.DrawPool(outcome.poolIndex)));
+                    .arg(input.topicText(input.drawPool(outcome.poolIndex)));
     }
     if (!outcome.pictureIsBad) {
         text += QStringLiteral("\n\n") +
@@ -86,8 +79,7 @@ QString explanation(const BuildOutcome& outcome, const ProgramState& state, cons
     return text;
 }
 
-void tell(MessageBoxes& messages, const BuildOutcome& outcome, const ProgramState& state,
-          const Draw& draw)
+void tell(MessageBoxes& messages, const BuildOutcome& outcome, const BuildInput& input)
 {
     if (outcome.end == BuildOutcome::End::Failed) {
         messages.inform(Words::tr("Error"), outcome.reason);
@@ -97,11 +89,20 @@ void tell(MessageBoxes& messages, const BuildOutcome& outcome, const ProgramStat
             Words::tr("The creation of the powerpoint has been aborted because one of the "
                       "questions selected is missing a picture file. Please go to Manage "
                       "Assessments and delete that questions."),
-            explanation(outcome, state, draw));
+            explanation(outcome, input));
     }
     if (!outcome.notice.isEmpty()) {
         messages.inform(Words::tr("Presentation"), outcome.notice);
     }
+}
+
+int marked(const BuildInput& input)
+{
+    int questions = 0;
+    for (const DrawnQuestion& question : input.drawPool) {
+        questions += question.Selected ? 1 : 0;
+    }
+    return questions;
 }
 
 } // namespace
@@ -109,22 +110,31 @@ void tell(MessageBoxes& messages, const BuildOutcome& outcome, const ProgramStat
 BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& state,
                       const Draw& draw, const SlideOptions& options)
 {
+    return RunBuild(window, services,
+                    {draw.DrawPool, options.topicLine, options.answerKey,
+                     [&](const QuestionRecord& question) { return GetTopicText(state, question); },
+                     [&](const QuestionRecord& question) {
+                         return FindPictureFile(services.programFolder, question.PictureIndex);
+                     }});
+}
+
+BuildOutcome RunBuild(QWidget* window, Services& services, const BuildInput& input)
+{
     bool silent = false;
-    BuildOutcome outcome =
-        build(SlidesInto::Program, window, services, state, draw, options, silent);
+    BuildOutcome outcome = build(SlidesInto::Program, window, services, input, silent);
     if (outcome.end == BuildOutcome::End::Cancelled && silent &&
         services.messageBoxes->yesNo(
             Words::tr("Presentation"),
             Words::tr("The presentation program has not answered. Do you want the slides in a "
                       "presentation file instead?"),
             MessageBoxes::Answer::Yes)) {
-        outcome = build(SlidesInto::File, window, services, state, draw, options, silent);
+        outcome = build(SlidesInto::File, window, services, input, silent);
     }
     qCInfo(logSlides,
            "A build of %d questions ended as %d (0 complete, 1 aborted, 2 cancelled, 3 "
            "failed).",
-           draw.RequestedQuestionCount, static_cast<int>(outcome.end));
-    tell(*services.messageBoxes, outcome, state, draw);
+           marked(input), static_cast<int>(outcome.end));
+    tell(*services.messageBoxes, outcome, input);
     return outcome;
 }
 

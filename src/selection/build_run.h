@@ -23,5 +23,7 @@ struct SlideOptions
 /// Throws nothing that the build threw.
 BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& state,
                       const Draw& draw, const SlideOptions& options);
+/// The same of a pool whose topics and pictures the caller knows.
+BuildOutcome RunBuild(QWidget* window, Services& services, const BuildInput& input);
 
 } // namespace varnholt

@@ -239,14 +239,14 @@ Quotas EvenShare(const std::vector<std::pair<std::int32_t, int>>& topics, int as
     return quotas;
 }
 
-std::optional<int> NearestAfter(const List1<DrawnQuestion>& pool, int position)
+std::optional<int> NearestAfter(const List1<DrawnQuestion>& pool, int position, int from)
 {
-    if (position >= pool.upperBound()) {
+    if (from > pool.upperBound()) {
         return std::nullopt;
     }
     const QuestionRecord& gone = pool(position);
     std::optional<int> sameTopic;
-    for (int i = position + 1; i <= pool.upperBound(); ++i) {
+    for (int i = from; i <= pool.upperBound(); ++i) {
         const QuestionRecord& question = pool(i);
         if (question.TopicID != gone.TopicID) {
             continue;
@@ -256,7 +256,7 @@ std::optional<int> NearestAfter(const List1<DrawnQuestion>& pool, int position)
         }
         sameTopic = sameTopic ? sameTopic : i;
     }
-    return sameTopic ? sameTopic : position + 1;
+    return sameTopic ? sameTopic : from;
 }
 
 } // namespace varnholt

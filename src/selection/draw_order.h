@@ -78,8 +78,9 @@ struct ShortTopic
 /// none gets more than it has while another has some left.
 [[nodiscard]] Quotas EvenShare(const std::vector<std::pair<std::int32_t, int>>& topics, int asked);
 
-/// The position, behind `position`, of the question that is nearest to the one there: the first of
-/// the same subtopic, else of the same topic, else the next. None at the end of the pool.
-[[nodiscard]] std::optional<int> NearestAfter(const List1<DrawnQuestion>& pool, int position);
+/// The position, from `from` on, of the question that is nearest to the one at `position`: the
+/// first of the same subtopic, else of the same topic, else the first. None at the end of the pool.
+[[nodiscard]] std::optional<int> NearestAfter(const List1<DrawnQuestion>& pool, int position,
+                                              int from);
 
 } // namespace varnholt

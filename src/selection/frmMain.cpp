@@ -4,6 +4,7 @@
 #include "selection/build_run.h"
 #include "selection/frmSelect.h"
 #include "selection/paper_draw.h"
+#include "selection/test_record.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
@@ -33,8 +34,11 @@ frmMain::frmMain(Services& services, ProgramState& state, Library& library, QWid
     setWindowTitle(tr("Create PowerPoints"));
     buildControls();
     connectControls();
+    connectMore();
     Form_Load();
+    loadMemory();
     connect(&library_, &Library::changed, this, &frmMain::libraryChanged);
+    connect(&library_, &Library::changed, this, &frmMain::memoryChanged);
 }
 
 frmMain::~frmMain()
@@ -115,6 +119,8 @@ void frmMain::recount()
     }
     selection_.setTopics(choices);
     UpdateSelectionCounts();
+    showFresh();
+    showQuotas();
 }
 
 void frmMain::RefreshQuestionSelection()
@@ -149,7 +155,14 @@ void frmMain::cmdPaper_Click()
     drawFor([this](QWidget* over, const Draw& draw) {
         const PaperTest test = PaperTestOf(draw, state_, services_.programFolder);
         Q_EMIT testMade(test);
-        frmPaper(services_, test, over).exec();
+        TestRecord record(library_, testOf(draw));
+        frmPaper paper(services_, test, over);
+        paper.onDone = [&record, done = false](const PaperTest&) mutable {
+            if (!std::exchange(done, true)) {
+                record.complete(TestKind::Paper);
+            }
+        };
+        paper.exec();
         return BuildOutcome();
     });
 #endif
@@ -164,8 +177,9 @@ void frmMain::drawFor(const DrawUse& use)
         return;
     }
     Draw draw = std::get<Draw>(std::move(drawn));
+    QuotaOrder order = shape(draw);
     if (optSelectYes_->isChecked()) {
-        openReview(std::move(draw), use);
+        openReview(std::move(draw), std::move(order), use);
         return;
     }
     MarkFirst(draw.DrawPool, draw.RequestedQuestionCount);
@@ -190,24 +204,19 @@ void frmMain::tell(DrawObstacle obstacle)
     txtQuestions_->selectAll();
 }
 
-void frmMain::openReview(Draw draw, const DrawUse& use)
+void frmMain::openReview(Draw draw, QuotaOrder order, const DrawUse& use)
 {
     setEnabled(false);
-    review_ = new frmSelect(services_, state_, std::move(draw), use, window());
+    review_ = new frmSelect(
+        services_, state_, Review(std::move(draw), std::move(order)),
+        {use, [this](const QuestionRecord& question) { return usesInWords(question.SOLIndex); },
+         [this](const Draw& judged) { return keepForLater(judged); }},
+        window());
     connect(review_, &frmSelect::unloaded, this, [this] {
         setEnabled(true);
         txtQuestions_->setFocus();
     });
     review_->Form_Load();
-}
-
-BuildOutcome frmMain::buildSlides(QWidget* window, const Draw& draw, const SlideOptions& options)
-{
-    BuildOutcome outcome = RunBuild(window, services_, state_, draw, options);
-    if (outcome.end == BuildOutcome::End::Complete) {
-        Q_EMIT testMade(PaperTestOf(draw, state_, services_.programFolder));
-    }
-    return outcome;
 }
 
 void frmMain::focusInEvent(QFocusEvent* event)

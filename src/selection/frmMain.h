@@ -3,12 +3,14 @@
 #include "paper/paper_test.h"
 #include "presentation/slide_builder.h"
 #include "selection/Selection.h"
+#include "selection/draw_order.h"
 #include "selection/question_draw.h"
 
 #include <QPointer>
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 class QGroupBox;
 class QLabel;
@@ -22,7 +24,12 @@ class ComboBox;
 class HintLabel;
 class Library;
 class ListBox;
+class MoreFrame;
+class QuotaColumn;
+class RecentTests;
 class frmSelect;
+struct NewTest;
+struct PastTest;
 struct LibraryChange;
 struct Services;
 struct SlideOptions;
@@ -73,10 +80,41 @@ private:
     /// Checks and draws, has the questions reviewed when that is on, and hands them on.
     void drawFor(const DrawUse& use);
     /// Opens the review window; this window is switched off until it closes.
-    void openReview(Draw draw, const DrawUse& use);
+    void openReview(Draw draw, QuotaOrder order, const DrawUse& use);
     /// Builds the marked questions of a draw with its progress over `window`. The one place that
     /// learns of every build, with and without a review, and of what came of it.
     BuildOutcome buildSlides(QWidget* window, const Draw& draw, const SlideOptions& options);
+
+    // What goes beyond the classic window: see frmMain_more.cpp.
+
+    void connectMore();
+    void cmdEvenShare_Click();
+    void makeAgain(const PastTest& test);
+    /// Reads the classes and the last tests.
+    void loadMemory();
+    void forgetUses();
+    /// Of the open assessment, read when first asked for. Throws `DatabaseError`.
+    const UseBook& useBook();
+    /// For the class chosen.
+    const FreshRanks& freshRanks();
+    void showFresh();
+    void loadQuotas();
+    /// What of the memory a change of the library makes old.
+    void memoryChanged(const LibraryChange& change);
+    void quotasChanged();
+    void showQuotas();
+    /// The numbers of those topics that are ticked.
+    [[nodiscard]] Quotas activeQuotas() const;
+    /// How many of the selected questions each ticked topic has.
+    [[nodiscard]] Quotas questionsOfTopics() const;
+    /// Puts a draw in the order that is wished for.
+    QuotaOrder shape(Draw& draw);
+    /// Remembers a draw unbuilt; false, after it was told, when that is not possible.
+    bool keepForLater(const Draw& draw);
+    [[nodiscard]] NewTest testOf(const Draw& draw) const;
+    /// When a question was used; empty in a library that remembers nothing yet.
+    [[nodiscard]] QString usesInWords(std::int32_t solIndex);
+    [[nodiscard]] std::int64_t now() const;
 
     void FillAssessmentCombo();
     void FillTopicList();
@@ -112,6 +150,8 @@ private:
     bool saved_ = false;
     /// The number she typed last; 0 when none.
     std::int64_t asked_ = 0;
+    std::optional<UseBook> book_;
+    std::optional<FreshRanks> ranks_;
     /// Closed along with this window.
     QPointer<frmSelect> review_;
 
@@ -134,6 +174,11 @@ private:
     QPushButton* cmdCreate_ = nullptr;
     QPushButton* cmdPaper_ = nullptr;
     QLabel* lblQuestionCount_ = nullptr;
+    QLabel* lblQuotas_ = nullptr;
+    QuotaColumn* quotaColumn_ = nullptr;
+    QPushButton* cmdEvenShare_ = nullptr;
+    MoreFrame* fraMore_ = nullptr;
+    RecentTests* fraRecent_ = nullptr;
 };
 
 } // namespace varnholt

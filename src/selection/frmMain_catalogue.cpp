@@ -119,6 +119,8 @@ void frmMain::loadCatalogue()
         state_.SubTopicList.clear();
         state_.QuestionList.clear();
     }
+    forgetUses();
+    loadQuotas();
     FillTopicList();
     showObstacle(loaded);
 }

@@ -1,6 +1,9 @@
 // The selection window's controls: what they are, where they stand and what they call.
 #include "selection/frmMain.h"
 
+#include "selection/MoreFrame.h"
+#include "selection/QuotaColumn.h"
+#include "selection/RecentTests.h"
 #include "selection/question_draw.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
@@ -52,10 +55,19 @@ void frmMain::buildControls()
     cmdSelectAllSub_->setToolTip(tr("Ticks every subtopic of every topic, not only those shown."));
     auto* fraTopics = makeFrame("fraTopics", tr("&Topics"));
     auto* topicGrid = new QGridLayout(fraTopics);
-    topicGrid->addWidget(lstTopics_, 0, 0, 1, 3);
+    quotaColumn_ = new QuotaColumn(lstTopics_);
+    cmdEvenShare_ = makeButton("cmdEvenShare", tr("Even S&hare"));
+    cmdEvenShare_->setToolTip(
+        tr("Gives each ticked topic an equal part of the number of questions, and takes it back."));
+    auto* topicRow = new QHBoxLayout;
+    topicRow->setSpacing(2);
+    topicRow->addWidget(lstTopics_, 1);
+    topicRow->addWidget(quotaColumn_);
+    topicGrid->addLayout(topicRow, 0, 0, 1, 4);
     topicGrid->addWidget(cmdSelectAllTopics_, 1, 0);
     topicGrid->addWidget(cmdClearAllTopics_, 1, 1);
     topicGrid->addWidget(cmdSelectAllSub_, 1, 2);
+    topicGrid->addWidget(cmdEvenShare_, 1, 3);
 
     lstSubTopics_ = named(new ListBox(ListBox::Mode::Multi), "lstSubTopics", tr("SubTopics"));
     cmdSelectAllSubTopics_ = makeButton("cmdSelectAllSubTopics", tr("S&elect All"));
@@ -95,10 +107,14 @@ void frmMain::buildControls()
     orderGrid->addWidget(lblQuestionCount_, 0, 1, Qt::AlignRight);
     orderGrid->addWidget(lblQuestionNum, 1, 0);
     orderGrid->addWidget(txtQuestions_, 1, 1);
-    orderGrid->addWidget(cmdCreate_, 2, 0, 1, 2);
+    lblQuotas_ = makeLabel("lblQuotas");
+    lblQuotas_->setWordWrap(true);
+    lblQuotas_->hide();
+    orderGrid->addWidget(lblQuotas_, 2, 0, 1, 2);
+    orderGrid->addWidget(cmdCreate_, 3, 0, 1, 2);
     cmdPaper_ = makeButton("cmdPaper", tr("Print or Save as PD&F…"));
 #ifdef VARNHOLT_PAPER
-    orderGrid->addWidget(cmdPaper_, 3, 0, 1, 2);
+    orderGrid->addWidget(cmdPaper_, 4, 0, 1, 2);
 #else
     cmdPaper_->setParent(this);
     cmdPaper_->hide();
@@ -113,17 +129,21 @@ void frmMain::buildControls()
     askedColumn->setContentsMargins(0, 0, 0, 0);
     askedColumn->addWidget(lblAsked_);
     askedColumn->addWidget(cmdAskAgain_);
-    orderGrid->addWidget(askedRow_, 4, 0, 1, 2);
+    orderGrid->addWidget(askedRow_, 5, 0, 1, 2);
+    fraMore_ = new MoreFrame;
+    fraRecent_ = new RecentTests;
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(fraAssessment, 0, 0, 1, 3);
-    grid->addWidget(fraTopics, 1, 0, 5, 1);
-    grid->addWidget(fraSubtopics, 1, 1, 5, 1);
+    grid->addWidget(fraTopics, 1, 0, 7, 1);
+    grid->addWidget(fraSubtopics, 1, 1, 6, 1);
+    grid->addWidget(fraRecent_, 7, 1);
     grid->addWidget(fraSelect, 1, 2);
     grid->addWidget(fraIncludeTopic, 2, 2);
     grid->addWidget(fraAnswerKey, 3, 2);
     grid->addWidget(fraOrder, 4, 2);
-    grid->setRowStretch(5, 1);
+    grid->addWidget(fraMore_, 5, 2);
+    grid->setRowStretch(6, 1);
     grid->setColumnStretch(0, 3);
     grid->setColumnStretch(1, 3);
     grid->setColumnStretch(2, 1);
@@ -132,12 +152,30 @@ void frmMain::buildControls()
     const auto option = [this](const char* name) {
         return findChild<QRadioButton*>(QLatin1String(name));
     };
+    std::vector<QWidget*> order{lstTopics_,
+                                quotaColumn_,
+                                cmdSelectAllTopics_,
+                                cmdClearAllTopics_,
+                                cmdSelectAllSub_,
+                                cmdEvenShare_,
+                                lstSubTopics_,
+                                cmdSelectAllSubTopics_,
+                                cmdClearAllSubTopics_,
+                                optSelectYes_,
+                                option("optSelectNo"),
+                                optTopicYes_,
+                                option("optTopicNo"),
+                                optKeyYes_,
+                                option("optKeyNo"),
+                                txtQuestions_,
+                                cmdCreate_,
+                                cmdPaper_,
+                                cmdAskAgain_};
+    for (const auto& group : {fraMore_->controls(), fraRecent_->controls()}) {
+        order.insert(order.end(), group.begin(), group.end());
+    }
     QWidget* previous = cboAssessment_;
-    for (QWidget* next : std::initializer_list<QWidget*>{
-             lstTopics_, cmdSelectAllTopics_, cmdClearAllTopics_, cmdSelectAllSub_, lstSubTopics_,
-             cmdSelectAllSubTopics_, cmdClearAllSubTopics_, optSelectYes_, option("optSelectNo"),
-             optTopicYes_, option("optTopicNo"), optKeyYes_, option("optKeyNo"), txtQuestions_,
-             cmdCreate_, cmdPaper_, cmdAskAgain_}) {
+    for (QWidget* next : order) {
         setTabOrder(previous, next);
         previous = next;
     }

@@ -1,6 +1,7 @@
 #include "selection/frmSelect.h"
 
 #include "pictures/picture_files.h"
+#include "selection/frmOverview.h"
 #include "store/catalogue.h"
 #include "store/services.h"
 #include "toolkit/PictureView.h"
@@ -10,6 +11,7 @@
 
 #include <QCloseEvent>
 #include <QGridLayout>
+#include <QProgressBar>
 #include <QSettings>
 #include <QShortcut>
 #include <QTextDocument>
@@ -46,13 +48,13 @@ void showText(QLabel* label, const QString& text)
 
 } // namespace
 
-frmSelect::frmSelect(Services& services, const ProgramState& state, Draw draw, Build build,
-                     QWidget* parent)
+frmSelect::frmSelect(Services& services, const ProgramState& state, Review review,
+                     Handlers handlers, QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint)
     , services_(services)
     , state_(state)
-    , build_(std::move(build))
-    , review_(std::move(draw))
+    , handlers_(std::move(handlers))
+    , review_(std::move(review))
 {
     setObjectName(QStringLiteral("frmSelect"));
     setWindowTitle(tr("Select Questions"));
@@ -71,11 +73,28 @@ void frmSelect::buildControls()
     lblTopicDescription_->setFont(bold);
     lblAnswer_ = makeLabel("lblAnswer");
     lblAnswer_->setWordWrap(true);
+    lblUses_ = makeLabel("lblUses");
+    lblUses_->setWordWrap(true);
+    lblUses_->setForegroundRole(QPalette::PlaceholderText);
+    barAccepted_ = named(new QProgressBar, "barAccepted", tr("Questions accepted"));
+    barAccepted_->setRange(0, draw().RequestedQuestionCount);
+    barAccepted_->setFormat(tr("%1 of %2").arg(QStringLiteral("%v"), QStringLiteral("%m")));
+    barAccepted_->setMaximumHeight(fontMetrics().height() + 2);
     lblCount1_ = makeLabel("lblCount1");
     lblCount2_ = makeLabel("lblCount2");
 
     auto* cmdInclude = makeKeyButton("cmdInclude", tr("&Include"), Qt::Key_I);
     auto* cmdExclude = makeKeyButton("cmdExclude", tr("&Exclude"), Qt::Key_E);
+    cmdSwap_ = makeKeyButton("cmdSwap", tr("&Swap"), Qt::Key_S);
+    cmdBack_ = makeKeyButton("cmdBack", tr("&Back"), Qt::Key_Backspace);
+    // The name of the key is no letter to be drawn.
+    cmdBack_->setIcon({});
+    cmdOverview_ = makeKeyButton("cmdOverview", tr("&Overview"), Qt::Key_O);
+    cmdKeep_ = makeButton("cmdKeep", tr("&Keep for Later"));
+    cmdKeep_->setAutoDefault(true);
+    cmdKeep_->setVisible(static_cast<bool>(handlers_.keep));
+    cmdKeep_->setToolTip(tr("Remembers the questions included so far among the past tests, and "
+                            "makes no slides yet."));
     auto* cmdCreate = makeButton("cmdCreate", tr("&Create"));
     cmdCreate->setAutoDefault(true);
     cmdCreate->setToolTip(tr("Makes the slides of the questions included so far."));
@@ -89,6 +108,7 @@ void frmSelect::buildControls()
     auto* texts = new QVBoxLayout;
     texts->addWidget(lblTopicDescription_);
     texts->addWidget(lblAnswer_);
+    texts->addWidget(lblUses_);
     auto* heading = new QHBoxLayout;
     heading->addLayout(texts, 1);
     heading->addLayout(counts);
@@ -100,11 +120,21 @@ void frmSelect::buildControls()
     buttons->addWidget(cmdCancel);
     auto* column = new QVBoxLayout(this);
     column->addLayout(heading);
+    column->addWidget(barAccepted_);
     column->addWidget(imgQuestion_, 1);
+    // A row of their own: in one with the others the window could not be made narrow.
+    auto* moreButtons = new QHBoxLayout;
+    moreButtons->addWidget(cmdSwap_);
+    moreButtons->addWidget(cmdBack_);
+    moreButtons->addWidget(cmdOverview_);
+    moreButtons->addStretch();
+    moreButtons->addWidget(cmdKeep_);
     column->addLayout(buttons);
+    column->addLayout(moreButtons);
 
     QWidget* previous = cmdInclude;
-    for (QWidget* next : {cmdExclude, cmdCreate, cmdCancel}) {
+    for (QWidget* next :
+         {cmdExclude, cmdCreate, cmdCancel, cmdSwap_, cmdBack_, cmdOverview_, cmdKeep_}) {
         setTabOrder(previous, next);
         previous = next;
     }
@@ -113,6 +143,10 @@ void frmSelect::buildControls()
 
     connect(cmdInclude, &QPushButton::clicked, this, &frmSelect::cmdInclude_Click);
     connect(cmdExclude, &QPushButton::clicked, this, &frmSelect::cmdExclude_Click);
+    connect(cmdSwap_, &QPushButton::clicked, this, &frmSelect::cmdSwap_Click);
+    connect(cmdBack_, &QPushButton::clicked, this, &frmSelect::cmdBack_Click);
+    connect(cmdOverview_, &QPushButton::clicked, this, &frmSelect::cmdOverview_Click);
+    connect(cmdKeep_, &QPushButton::clicked, this, &frmSelect::cmdKeep_Click);
     connect(cmdCreate, &QPushButton::clicked, this, &frmSelect::cmdCreate_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &frmSelect::abandon);
 
@@ -134,19 +168,19 @@ void frmSelect::Form_Load()
 
 void frmSelect::ShowReviewQuestion()
 {
-    const auto path = [this](int position) {
-        return FindPictureFile(services_.programFolder, draw().DrawPool(position).PictureIndex);
-    };
     const QuestionRecord& question = review_.question();
     const QString topic = GetTopicText(state_, question);
     showText(lblTopicDescription_, topic);
     showText(lblAnswer_, tr("Answer: %1").arg(question.Answer));
+    lblUses_->setText(handlers_.uses ? handlers_.uses(question) : QString());
+    lblUses_->setVisible(!lblUses_->text().isEmpty());
+    showButtons();
     imgQuestion_->setSubject(tr("Question %1 of %2: %3.")
                                  .arg(review_.position())
                                  .arg(draw().DrawPool.upperBound())
                                  .arg(topic));
     seen_ = false;
-    imgQuestion_->load(path(review_.position()), [this](PictureFault fault) {
+    imgQuestion_->load(picturePath(review_.position()), [this](PictureFault fault) {
         if (fault == PictureFault::None) {
             return;
         }
@@ -157,12 +191,87 @@ void frmSelect::ShowReviewQuestion()
         abandon();
     });
     if (review_.position() < draw().DrawPool.upperBound()) {
-        imgQuestion_->prefetch(path(review_.position() + 1));
+        imgQuestion_->prefetch(picturePath(review_.position() + 1));
+    }
+}
+
+QString frmSelect::picturePath(int position) const
+{
+    return FindPictureFile(services_.programFolder, draw().DrawPool(position).PictureIndex);
+}
+
+void frmSelect::showButtons()
+{
+    cmdSwap_->setEnabled(review_.canSwap());
+    cmdSwap_->setToolTip(review_.canSwap()
+                             ? tr("Leaves this question out for another one of its subtopic or "
+                                  "topic. Press the key S")
+                             : tr("There is no other question to put in the place of this one."));
+    cmdBack_->setEnabled(review_.canReopen());
+    cmdBack_->setToolTip(tr("Takes the last judgement back. Press the Backspace key"));
+    cmdOverview_->setEnabled(review_.acceptedCount() > 0);
+    cmdKeep_->setEnabled(review_.acceptedCount() > 0);
+}
+
+std::vector<StripEntry> frmSelect::accepted() const
+{
+    std::vector<StripEntry> entries;
+    for (int i = 1; i <= draw().DrawPool.upperBound(); ++i) {
+        const DrawnQuestion& question = draw().DrawPool(i);
+        if (question.Selected) {
+            entries.push_back({i, picturePath(i), question.Answer, GetTopicText(state_, question)});
+        }
+    }
+    return entries;
+}
+
+void frmSelect::cmdSwap_Click()
+{
+    if (seen_ && review_.canSwap()) {
+        review_.swap();
+        showCounts();
+        ShowReviewQuestion();
+    }
+}
+
+void frmSelect::cmdBack_Click()
+{
+    if (review_.canReopen()) {
+        review_.reopenLast();
+        showCounts();
+        ShowReviewQuestion();
+    }
+}
+
+void frmSelect::cmdOverview_Click()
+{
+    frmOverview overview(
+        {[this] { return accepted(); },
+         [this](std::int32_t position) { return review_.swapIncluded(position); },
+         [this](const std::vector<std::int32_t>& positions) { review_.reorder(positions); }},
+        this);
+    if (overview.exec() == QDialog::Accepted) {
+        cmdCreate_Click();
+    } else {
+        showCounts();
+        ShowReviewQuestion();
+    }
+}
+
+void frmSelect::cmdKeep_Click()
+{
+    Draw kept = draw();
+    for (int i = review_.position(); i <= kept.DrawPool.upperBound(); ++i) {
+        kept.DrawPool(i).Selected = false;
+    }
+    if (handlers_.keep(kept)) {
+        abandon();
     }
 }
 
 void frmSelect::showCounts()
 {
+    barAccepted_->setValue(review_.acceptedCount());
     lblCount1_->setText(review_.selectedText());
     lblCount2_->setText(review_.leftText());
 }
@@ -213,7 +322,7 @@ bool frmSelect::build()
 {
     imgQuestion_->forget();
     using End = BuildOutcome::End;
-    const End end = build_(this, draw()).end;
+    const End end = handlers_.build(this, draw()).end;
     if (end == End::Complete || end == End::Aborted) {
         abandon();
         return false;

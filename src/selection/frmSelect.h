@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/slide_builder.h"
+#include "selection/QuestionStrip.h"
 #include "selection/review.h"
 
 #include <QDialog>
@@ -8,6 +9,8 @@
 #include <functional>
 
 class QLabel;
+class QProgressBar;
+class QPushButton;
 
 namespace varnholt {
 
@@ -24,10 +27,18 @@ class frmSelect : public QDialog
     Q_OBJECT
 
 public:
-    /// Builds the marked questions of a draw with its progress over `window`.
-    using Build = std::function<BuildOutcome(QWidget* window, const Draw& draw)>;
+    struct Handlers
+    {
+        /// Builds the marked questions of a draw with its progress over `window`.
+        std::function<BuildOutcome(QWidget* window, const Draw& draw)> build;
+        /// When a question was used, in words; empty for nothing to say.
+        std::function<QString(const QuestionRecord& question)> uses;
+        /// Remembers the marked questions of a draw unbuilt; false when that was not possible,
+        /// after it was told. Empty where nothing can be remembered.
+        std::function<bool(const Draw& draw)> keep;
+    };
     /// `parent` is the window it stays above.
-    frmSelect(Services& services, const ProgramState& state, Draw draw, Build build,
+    frmSelect(Services& services, const ProgramState& state, Review review, Handlers handlers,
               QWidget* parent);
 
     /// What is reviewed, as it has been judged so far.
@@ -53,6 +64,10 @@ private:
     void buildControls();
     void cmdInclude_Click();
     void cmdExclude_Click();
+    void cmdSwap_Click();
+    void cmdBack_Click();
+    void cmdOverview_Click();
+    void cmdKeep_Click();
     void cmdCreate_Click();
     void ShowReviewQuestion();
     void goOn(Review::Next next);
@@ -60,10 +75,14 @@ private:
     /// True when there are no slides, so that the review goes on.
     bool build();
     [[nodiscard]] bool mayLeave();
+    [[nodiscard]] QString picturePath(int position) const;
+    /// The questions included so far.
+    [[nodiscard]] std::vector<StripEntry> accepted() const;
+    void showButtons();
 
     Services& services_;
     const ProgramState& state_;
-    Build build_;
+    Handlers handlers_;
     Review review_;
     /// The picture on show has been on the screen.
     bool seen_ = false;
@@ -74,6 +93,12 @@ private:
     PictureView* imgQuestion_ = nullptr;
     QLabel* lblTopicDescription_ = nullptr;
     QLabel* lblAnswer_ = nullptr;
+    QLabel* lblUses_ = nullptr;
+    QProgressBar* barAccepted_ = nullptr;
+    QPushButton* cmdSwap_ = nullptr;
+    QPushButton* cmdBack_ = nullptr;
+    QPushButton* cmdOverview_ = nullptr;
+    QPushButton* cmdKeep_ = nullptr;
     QLabel* lblCount1_ = nullptr;
     QLabel* lblCount2_ = nullptr;
 };

@@ -2,12 +2,16 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <optional>
+
 #include <utility>
 
 namespace varnholt {
 
-Review::Review(Draw draw)
+Review::Review(Draw draw, QuotaOrder order)
     : draw_(std::move(draw))
+    , order_(std::move(order))
 {}
 
 Review::Next Review::include()
@@ -20,7 +24,54 @@ Review::Next Review::include()
 Review::Next Review::exclude()
 {
     draw_.DrawPool(ReviewPosition_).Selected = false;
-    return moveOn();
+    const Next next = moveOn();
+    order_.arrange(draw_.DrawPool, ReviewPosition_, draw_.RequestedQuestionCount);
+    return next;
+}
+
+void Review::swap()
+{
+    List1<DrawnQuestion>& pool = draw_.DrawPool;
+    const int nearest = *NearestAfter(pool, ReviewPosition_, ReviewPosition_ + 1);
+    pool(ReviewPosition_).Selected = false;
+    ++ReviewPosition_;
+    const auto next = pool.begin() + (ReviewPosition_ - 1);
+    std::rotate(next, pool.begin() + (nearest - 1), pool.begin() + nearest);
+}
+
+void Review::reorder(const std::vector<int>& positions)
+{
+    std::vector<int> places = positions;
+    std::sort(places.begin(), places.end());
+    std::vector<DrawnQuestion> questions;
+    for (const int position : positions) {
+        questions.push_back(draw_.DrawPool(position));
+    }
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        draw_.DrawPool(places[i]) = std::move(questions[i]);
+    }
+}
+
+void Review::takeOut(int position)
+{
+    DrawnQuestion& question = draw_.DrawPool(position);
+    AcceptedCount_ -= question.Selected ? 1 : 0;
+    question.Selected = false;
+}
+
+bool Review::swapIncluded(int position)
+{
+    const std::optional<int> nearest = NearestAfter(draw_.DrawPool, position, ReviewPosition_);
+    if (!nearest) {
+        return false;
+    }
+    // What goes out comes to where the other one was: it is still to be judged, at the very end.
+    List1<DrawnQuestion>& pool = draw_.DrawPool;
+    std::swap(pool(position), pool(*nearest));
+    pool(position).Selected = true;
+    pool(*nearest).Selected = false;
+    std::rotate(pool.begin() + (*nearest - 1), pool.begin() + *nearest, pool.end());
+    return true;
 }
 
 Review::Next Review::moveOn()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "selection/draw_order.h"
 #include "selection/question_draw.h"
 
 #include <QString>
@@ -20,7 +21,8 @@ public:
         Close
     };
 
-    explicit Review(Draw draw);
+    /// With an order by topics' numbers the rest is arranged anew after each question left out.
+    explicit Review(Draw draw, QuotaOrder order = {});
 
     /// The draw as it has been judged so far.
     [[nodiscard]] const Draw& draw() const { return draw_; }
@@ -36,10 +38,22 @@ public:
     /// included or the pool is at its end.
     Next include();
     Next exclude();
+    /// Leaves out the question on show for the nearest one that is still to come: of its subtopic,
+    /// else of its topic, else any. Only while `canSwap`.
+    void swap();
+    [[nodiscard]] bool canSwap() const { return ReviewPosition_ < draw_.DrawPool.upperBound(); }
     /// Leaves out the question on show and all after it.
     void excludeRest();
-    /// Takes the last judgement back: its question is on show again.
+    /// Takes the last judgement back: its question is on show again. Only while `canReopen`.
     void reopenLast();
+    [[nodiscard]] bool canReopen() const { return ReviewPosition_ > 1; }
+    /// Changes the order of the questions included so far: `positions` are all of theirs.
+    void reorder(const std::vector<int>& positions);
+    /// Takes back that the question at a position was included.
+    void takeOut(int position);
+    /// Puts the nearest question that is still to come in the place of one that was included; false
+    /// when none is.
+    bool swapIncluded(int position);
 
     /// The two counters, for example "Questions Selected: 2" and "Questions Left to View: 8".
     /// The question on show counts as left.
@@ -50,6 +64,7 @@ private:
     Next moveOn();
 
     Draw draw_;
+    QuotaOrder order_;
     std::int32_t ReviewPosition_ = 1;
     std::int32_t AcceptedCount_ = 0;
 };

@@ -236,14 +236,14 @@ TEST_F(DrawOrder, QuotasAreMetWheneverPossibleAlsoAfterExcluding)
 TEST_F(DrawOrder, TheNearestIsOfTheSameSubtopicElseTopicElseTheNext)
 {
     auto questions = pool(12);
-    EXPECT_EQ(NearestAfter(questions, 1), 2);
+    EXPECT_EQ(NearestAfter(questions, 1, 2), 2);
     std::swap(questions(2), questions(12)); // subtopic 0 only further on now
-    EXPECT_EQ(NearestAfter(questions, 1), 3);
+    EXPECT_EQ(NearestAfter(questions, 1, 2), 3);
     std::swap(questions(2), questions(3));
-    EXPECT_EQ(NearestAfter(questions, 9), 10) << "no more of the subtopic";
-    EXPECT_EQ(NearestAfter(questions, 10), 12);
-    EXPECT_EQ(NearestAfter(questions, 11), 12) << "no more of the topic";
-    EXPECT_EQ(NearestAfter(questions, 12), std::nullopt);
+    EXPECT_EQ(NearestAfter(questions, 9, 10), 10) << "no more of the subtopic";
+    EXPECT_EQ(NearestAfter(questions, 10, 11), 12);
+    EXPECT_EQ(NearestAfter(questions, 11, 12), 12) << "no more of the topic";
+    EXPECT_EQ(NearestAfter(questions, 12, 13), std::nullopt);
 }
 
 } // namespace

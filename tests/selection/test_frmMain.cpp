@@ -174,14 +174,15 @@ TEST_F(FrmMain, WorksByKeyboard)
     EXPECT_EQ(count(), 6);
 
     QStringList order;
-    for (int i = 0; i < 12; ++i) {
+    for (int i = 0; i < 14; ++i) {
         order.append(window->focusWidget()->objectName());
         QTest::keyClick(window->focusWidget(), Qt::Key_Tab);
     }
-    EXPECT_EQ(order.join(u' ').toStdString(),
-              "lstTopics cmdSelectAllTopics cmdClearAllTopics cmdSelectAllSub lstSubTopics "
-              "cmdSelectAllSubTopics cmdClearAllSubTopics optSelectYes optTopicYes optKeyYes "
-              "txtQuestions cmdCreate");
+    EXPECT_EQ(
+        order.join(u' ').toStdString(),
+        "lstTopics txtQuota cmdSelectAllTopics cmdClearAllTopics cmdSelectAllSub cmdEvenShare "
+        "lstSubTopics cmdSelectAllSubTopics cmdClearAllSubTopics optSelectYes optTopicYes "
+        "optKeyYes txtQuestions cmdCreate");
 
     // A number typed by hand lasts until the next tick, which offers it again while it can.
     const auto offered = [&] {

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "selection/draw_wishes.h"
+
+#include <QGroupBox>
+#include <QStringList>
+
+class QLabel;
+
+namespace varnholt {
+
+class ComboBox;
+
+/// The group "More" of the selection window: the class, and which questions a draw prefers.
+class MoreFrame : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    explicit MoreFrame(QWidget* parent = nullptr);
+
+    [[nodiscard]] DrawWishes wishes() const;
+    /// Shows them without telling.
+    void setWishes(const DrawWishes& wishes);
+    /// The classes to choose from. What is typed stays.
+    void setClasses(const QStringList& names);
+    /// What stands beside them: "31 of 38 new for 10B", or nothing.
+    void say(const QString& text);
+
+    /// In the order of tabbing.
+    [[nodiscard]] std::vector<QWidget*> controls() const;
+
+Q_SIGNALS:
+    /// She has typed or chosen something else.
+    void wishesChanged();
+
+private:
+    ComboBox* cboClass_ = nullptr;
+    ComboBox* cboDraw_ = nullptr;
+    QLabel* lblFresh_ = nullptr;
+};
+
+} // namespace varnholt

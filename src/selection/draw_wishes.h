@@ -1,0 +1,28 @@
+#pragma once
+
+#include "selection/draw_order.h"
+
+#include <QString>
+
+namespace varnholt {
+
+/// What the group "More" of the selection window says. Empty at first, and then a draw is what
+/// chance makes it.
+struct DrawWishes
+{
+    /// As typed, without blanks around it; empty for no class.
+    QString className;
+    DrawRule rule = DrawRule::Any;
+};
+
+/// They are kept in the user's settings, for each program folder. Numbers of topics are kept for
+/// each assessment.
+[[nodiscard]] DrawWishes LoadWishes(const QString& programFolder);
+void SaveWishes(const QString& programFolder, const DrawWishes& wishes);
+[[nodiscard]] Quotas LoadQuotas(const QString& programFolder, std::int32_t assessmentNum);
+void SaveQuotas(const QString& programFolder, std::int32_t assessmentNum, const Quotas& quotas);
+
+/// "Used twice, last on 3 March with 10A." `className` is that of the last use, empty for none.
+[[nodiscard]] QString UseInWords(const UseSummary& use, const QString& className, std::int64_t now);
+
+} // namespace varnholt

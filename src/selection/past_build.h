@@ -1,0 +1,26 @@
+#pragma once
+
+#include "library/PastTests.h"
+#include "presentation/slide_builder.h"
+
+class QWidget;
+
+namespace varnholt {
+
+class Library;
+class TestRecord;
+struct Services;
+
+/// Makes the slides of a past test, or of a draw that was kept for later, out of what the library
+/// remembers of it: the same slides also when its questions have been edited, filed elsewhere or
+/// deleted since. Offers answers that have been corrected. The new slides are a test of their own;
+/// of a draw that was kept they make a test. As `RunBuild`; throws `DatabaseError` when the library
+/// cannot be read.
+BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library,
+                           const PastTest& test);
+
+/// A build has ended: its test is complete when it is, and when the test could not be remembered
+/// she is told.
+void FinishTest(Services& services, TestRecord& record, const BuildOutcome& outcome);
+
+} // namespace varnholt
