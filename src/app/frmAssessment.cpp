@@ -9,6 +9,7 @@
 #include "exchange/frmImport.h"
 #include "info/InfoWindow.h"
 #include "manage/frmManage.h"
+#include "many/frmAddMany.h"
 #include "selection/frmMain.h"
 #include "store/services.h"
 #include "toolkit/controls.h"
@@ -204,6 +205,8 @@ void frmAssessment::buildMenu()
         connect(action, &QAction::triggered, this, handler);
         return action;
     };
+    addMore("mnuAddMany", tr("Add &Many Questions…"), &frmAssessment::mnuAddMany_Click)
+        ->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_N);
     addMore("mnuTrash", tr("&Trash…"), &frmAssessment::mnuTrash_Click);
     addMore("mnuBackups", tr("&Backups…"), &frmAssessment::mnuBackups_Click);
     addMore("mnuCheck", tr("&Check Library…"), &frmAssessment::mnuCheck_Click);
@@ -334,7 +337,8 @@ void frmAssessment::mnuImport_Click()
 void frmAssessment::dragEnterEvent(QDragEnterEvent* event)
 {
     const QString package = DraggedPackage(*event->mimeData());
-    if (package.endsWith(QStringLiteral(".zip"), Qt::CaseInsensitive)) {
+    if (package.endsWith(QStringLiteral(".zip"), Qt::CaseInsensitive) ||
+        !PictureFilesIn(*event->mimeData()).isEmpty()) {
         event->acceptProposedAction();
     }
 }
@@ -342,6 +346,11 @@ void frmAssessment::dragEnterEvent(QDragEnterEvent* event)
 void frmAssessment::dropEvent(QDropEvent* event)
 {
     event->acceptProposedAction();
+    if (const QStringList pictures = PictureFilesIn(*event->mimeData()); !pictures.isEmpty()) {
+        QMetaObject::invokeMethod(
+            this, [this, pictures] { addMany(pictures); }, Qt::QueuedConnection);
+        return;
+    }
     // Afterwards, because the program that the file comes from waits for this to return.
     const auto importPackage = [this, package = DraggedPackage(*event->mimeData())] {
         mnuImport_Click();
@@ -389,6 +398,27 @@ void frmAssessment::mnuTrash_Click()
 void frmAssessment::mnuBackups_Click()
 {
     openChild([this] { return new frmBackups(services_, backups_); });
+}
+
+void frmAssessment::mnuAddMany_Click()
+{
+    addMany({});
+}
+
+void frmAssessment::addMany(const QStringList& pictures)
+{
+    FilingPreselection rows = lastFiling_;
+    if (const auto* manager = qobject_cast<frmManage*>(child_); manager) {
+        rows = manager->currentRows().topicId ? manager->currentRows() : rows;
+    }
+    openChild([this, rows] { return new frmAddMany(services_, state_, library_, rows); });
+    if (auto* many = qobject_cast<frmAddMany*>(child_)) {
+        connect(many, &frmAddMany::saved, this,
+                [this](const FilingPreselection& filing) { lastFiling_ = filing; });
+        if (!pictures.isEmpty()) {
+            many->addFiles(pictures);
+        }
+    }
 }
 
 void frmAssessment::mnuCheck_Click()

@@ -57,10 +57,11 @@ public Q_SLOTS:
     void mnuTrash_Click();
     void mnuBackups_Click();
     void mnuCheck_Click();
+    void mnuAddMany_Click();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    /// A package dropped anywhere on the frame is imported.
+    /// A package dropped anywhere on the frame is imported; pictures become questions.
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -80,6 +81,8 @@ private:
     /// Closes the child on show; false when it refuses.
     bool closeChild();
     void showEmpty();
+    /// Opens the window for many questions, with these pictures.
+    void addMany(const QStringList& pictures);
     /// Closes the child on show and opens a fresh one.
     void openChild(const Maker& make);
 

@@ -141,6 +141,11 @@ void CanvasPanel::fitToPage()
     onCanvas({}, [](PictureCanvas& canvas) { canvas.FitToPage(); });
 }
 
+void CanvasPanel::focusCanvas()
+{
+    picQuestion_->setFocus();
+}
+
 bool CanvasPanel::takeBack()
 {
     if (canvas_.isDragging()) {

@@ -44,6 +44,8 @@ public:
     /// was neither.
     bool takeBack();
     void fitToPage();
+    /// Gives the keys to the canvas.
+    void focusCanvas();
     [[nodiscard]] QPushButton* cmdPaste() const { return cmdPaste_; }
 
     /// What the panel needs beyond its size hint to show the whole page at 100 %.

@@ -13,7 +13,7 @@ namespace {
 
 int handleSize(const QWidget& widget)
 {
-    return std::max(widget.fontMetrics().height() / 2, 7);
+    return std::max(widget.fontMetrics().height() / 2, 9);
 }
 
 QRect ordered(const QRect& frame)

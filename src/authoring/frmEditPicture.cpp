@@ -49,6 +49,7 @@ frmEditPicture::frmEditPicture(Services& services, const QImage& picture, QWidge
     column->addWidget(panel_, 1);
     column->addLayout(buttons);
     panel_->begin(picture, picture.size());
+    panel_->focusCanvas();
     resizeWithinScreen(this, sizeHint() + panel_->roomForPage());
     restoreGeometry(QSettings().value(geometryKey).toByteArray());
 }
