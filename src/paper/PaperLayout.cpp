@@ -118,7 +118,7 @@ private:
         }
         const double line = baseline + lineHeight() * 1.8;
         const double middle = margin + (right() - margin) * 0.5;
-        addText(margin, line, fitted(facts.join(u"    "_qs), middle - margin - gap));
+        addText(margin, line, fitted(facts.join(u" · "_qs), middle - margin - gap));
         const QString name = tr("Name:");
         addText(middle, line, name);
         const double nameEnd = middle + widthOf_(name, size(), false) + gap / 2;

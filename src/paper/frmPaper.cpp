@@ -182,7 +182,7 @@ QWidget* frmPaper::buildSettings()
     cboPaper_ = add(tr("Pap&er:"), new QComboBox, "cboPaper");
     addChoice(cboPaper_, tr("A4"), PaperOptions::Paper::A4);
     addChoice(cboPaper_, tr("Letter"), PaperOptions::Paper::Letter);
-    chkTopics_ = named(new QCheckBox(tr("Topic above each &question")), "chkTopics");
+    chkTopics_ = named(new QCheckBox(tr("T&opic above each question")), "chkTopics");
     chkLargePrint_ = named(new QCheckBox(tr("La&rge print")), "chkLargePrint");
     chkLargePrint_->setToolTip(tr("One question on a page, and all text half as large again."));
     form->addRow(chkTopics_);

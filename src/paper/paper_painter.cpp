@@ -25,10 +25,16 @@ void PaintPaperPage(QPainter& painter, const PaperLayout::Page& page, const QStr
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     for (const PaperLayout::Picture& picture : page.pictures) {
         const QImage image = imageOf(picture.question);
+        const QRectF place = rectangle(picture.place);
+        const QSize dots = painter.deviceTransform().mapRect(place).size().toSize();
         if (image.isNull()) {
-            painter.fillRect(rectangle(picture.place), QColor(0xee, 0xee, 0xee));
+            painter.fillRect(place, QColor(0xee, 0xee, 0xee));
+        } else if (dots.width() < image.width() && !dots.isEmpty()) {
+            // The painter skips pixels when it shrinks by much, and thin strokes with them.
+            painter.drawImage(place,
+                              image.scaled(dots, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
         } else {
-            painter.drawImage(rectangle(picture.place), image);
+            painter.drawImage(place, image);
         }
     }
     painter.setPen(QPen(Qt::black, lineWidth));
