@@ -1,53 +1,16 @@
 #include "authoring/PictureCanvas.h"
 
 #include "authoring/canvas_image.h"
+#include "authoring/canvas_numbers.h"
 #include "store/errors.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 namespace varnholt {
 
 namespace {
 
 constexpr std::int32_t moveStep = 100;
-
-QString tr(const char* sentence)
-{
-    return QCoreApplication::translate("PictureCanvas", sentence);
-}
-
-std::int32_t checked(std::int64_t value)
-{
-    if (value < std::numeric_limits<std::int32_t>::min() ||
-        value > std::numeric_limits<std::int32_t>::max()) {
-        throw OverflowError(tr("The position %1 is too far away.").arg(value));
-    }
-    return static_cast<std::int32_t>(value);
-}
-
-std::int32_t sum(std::int32_t a, std::int32_t b)
-{
-    return checked(std::int64_t{a} + b);
-}
-
-std::int32_t difference(std::int32_t a, std::int32_t b)
-{
-    return checked(std::int64_t{a} - b);
-}
-
-/// To a whole number, halves to even.
-std::int32_t rounded(double value)
-{
-    // Written so that a value that is no number fails as well.
-    if (!(std::abs(value) < 4e18)) {
-        throw OverflowError(tr("The position is too far away."));
-    }
-    return checked(std::llrint(value));
-}
 
 std::int32_t centred(std::int32_t room, std::int32_t size)
 {
@@ -77,24 +40,6 @@ std::int16_t scrolledTo(std::int32_t value, std::int32_t first, std::int32_t las
                         std::int32_t page)
 {
     return toInt16(std::max(std::min(std::max(value, difference(last, page)), first), 0));
-}
-
-void orderCorners(CanvasState& state)
-{
-    if (state.SelX1 > state.SelX2) {
-        std::swap(state.SelX1, state.SelX2);
-    }
-    if (state.SelY1 > state.SelY2) {
-        std::swap(state.SelY1, state.SelY2);
-    }
-}
-
-void place(CanvasState& state, QPoint corner, std::int32_t w, std::int32_t h)
-{
-    state.SelX1 = corner.x();
-    state.SelY1 = corner.y();
-    state.SelX2 = sum(corner.x(), w);
-    state.SelY2 = sum(corner.y(), h);
 }
 
 } // namespace
@@ -217,153 +162,6 @@ void PictureCanvas::ScrollBy(int dx, int dy)
     };
     setHScroll(scrolled(state_.HScroll, dx));
     setVScroll(scrolled(state_.VScroll, dy));
-}
-
-bool PictureCanvas::grabs(double X, double Y) const
-{
-    return state_.SelectionShown && state_.SelX1 <= X && X <= state_.SelX2 && state_.SelY1 <= Y &&
-           Y <= state_.SelY2;
-}
-
-void PictureCanvas::MouseDown(double X, double Y)
-{
-    endDrag();
-    if (grabs(X, Y)) {
-        GrabDX = rounded(std::abs(state_.SelX1 - X));
-        GrabDY = rounded(std::abs(state_.SelY1 - Y));
-        MoveX1 = rounded(X - GrabDX);
-        MoveY1 = rounded(Y - GrabDY);
-        MoveX2 = sum(difference(state_.SelX2, state_.SelX1), MoveX1);
-        MoveY2 = sum(difference(state_.SelY2, state_.SelY1), MoveY1);
-        Moving = true;
-        FirstMove = true;
-        return;
-    }
-    place(state_, {rounded(X), rounded(Y)}, 0, 0);
-    state_.SelectionShown = false;
-    state_.controlsShown = true;
-    state_.covered = {};
-    Drawing = across_ = down_ = true;
-}
-
-void PictureCanvas::HandleDown(int across, int down)
-{
-    endDrag();
-    if (!state_.SelectionShown) {
-        return;
-    }
-    sized_ = state_;
-    if (across < 0) {
-        std::swap(state_.SelX1, state_.SelX2);
-    }
-    if (down < 0) {
-        std::swap(state_.SelY1, state_.SelY2);
-    }
-    across_ = across != 0;
-    down_ = down != 0;
-    state_.SelectionShown = false;
-    state_.controlsShown = true;
-    Drawing = true;
-}
-
-void PictureCanvas::MouseMove(double X, double Y)
-{
-    if (Moving) {
-        const std::int32_t x1 = rounded(X - GrabDX);
-        const std::int32_t y1 = rounded(Y - GrabDY);
-        const std::int32_t x2 = sum(x1, difference(state_.SelX2, state_.SelX1));
-        const std::int32_t y2 = sum(y1, difference(state_.SelY2, state_.SelY1));
-        FirstMove = false;
-        MoveX1 = x1;
-        MoveY1 = y1;
-        MoveX2 = x2;
-        MoveY2 = y2;
-    } else if (Drawing) {
-        const std::int32_t x = across_ ? rounded(X) : state_.SelX2;
-        const std::int32_t y = down_ ? rounded(Y) : state_.SelY2;
-        state_.SelX2 = x;
-        state_.SelY2 = y;
-    }
-}
-
-void PictureCanvas::MouseUp()
-{
-    if (Moving) {
-        const bool moved = state_.SelX1 != MoveX1 || state_.SelY1 != MoveY1;
-        endDrag();
-        if (moved) {
-            MoveSelection(SelectionMove::Dragged);
-        } else {
-            DropSelection();
-        }
-        return;
-    }
-    if (!Drawing) {
-        return;
-    }
-    Drawing = false;
-    sized_.reset();
-    state_.FreshSelection = true;
-    state_.covered = {};
-    if (state_.SelX1 == state_.SelX2 && state_.SelY1 == state_.SelY2) {
-        state_.controlsShown = false;
-        return;
-    }
-    state_.SelectionShown = true;
-    orderCorners(state_);
-    state_.SelX1 = std::max(state_.SelX1, 0);
-    state_.SelX2 = std::min(state_.SelX2, image_.width());
-    state_.SelY1 = std::max(state_.SelY1, 0);
-    state_.SelY2 = std::min(state_.SelY2, image_.height());
-}
-
-void PictureCanvas::select(const QRect& frame)
-{
-    endDrag();
-    const QRect inside = frame.intersected(image_.rect());
-    place(state_, inside.topLeft(), inside.width(), inside.height());
-    state_.covered = {};
-    state_.SelectionShown = state_.FreshSelection = state_.controlsShown = true;
-}
-
-void PictureCanvas::SelectAll()
-{
-    select(image_.rect());
-}
-
-QRect PictureCanvas::frameToChange() const
-{
-    const QRect frame = state_.selection().intersected(image_.rect());
-    if (state_.SelectionShown && !frame.isEmpty()) {
-        return frame;
-    }
-    const QSize half = (page_ / 2).expandedTo({1, 1});
-    return QRect(
-        QPoint(state_.HScroll.value + half.width() / 2, state_.VScroll.value + half.height() / 2),
-        half);
-}
-
-void PictureCanvas::MoveFrame(std::int32_t dx, std::int32_t dy)
-{
-    const bool there = state_.SelectionShown;
-    QRect frame = frameToChange();
-    if (there) {
-        frame.moveTo(std::clamp(frame.x() + dx, 0, image_.width() - frame.width()),
-                     std::clamp(frame.y() + dy, 0, image_.height() - frame.height()));
-    }
-    select(frame);
-    showSelection(state_);
-}
-
-void PictureCanvas::SizeFrame(std::int32_t dx, std::int32_t dy)
-{
-    const bool there = state_.SelectionShown;
-    QRect frame = frameToChange();
-    if (there) {
-        frame.setSize(QSize(frame.width() + dx, frame.height() + dy).expandedTo({1, 1}));
-    }
-    select(frame);
-    showSelection(state_);
 }
 
 void PictureCanvas::centre(const CanvasState& before, const QImage& block, const QRect& part,
