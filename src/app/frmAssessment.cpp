@@ -10,6 +10,7 @@
 #include "info/InfoWindow.h"
 #include "manage/frmManage.h"
 #include "many/frmAddMany.h"
+#include "past_tests/frmTests.h"
 #include "selection/frmMain.h"
 #include "store/services.h"
 #include "toolkit/controls.h"
@@ -72,7 +73,7 @@ frmAssessment::frmAssessment(Services& services, ProgramState& state, const QStr
     setAcceptDrops(true);
 
     const QFontMetrics metrics = fontMetrics();
-    resizeWithinScreen(this, {metrics.averageCharWidth() * 150, metrics.height() * 42});
+    resizeWithinScreen(this, {metrics.averageCharWidth() * 165, metrics.height() * 46});
     restoreGeometry(QSettings().value(QStringLiteral("frmAssessment/geometry")).toByteArray());
 }
 
@@ -207,6 +208,8 @@ void frmAssessment::buildMenu()
     };
     addMore("mnuAddMany", tr("Add &Many Questions…"), &frmAssessment::mnuAddMany_Click)
         ->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_N);
+    addMore("mnuTests", tr("P&ast Tests…"), &frmAssessment::mnuTests_Click)
+        ->setShortcut(Qt::CTRL | Qt::Key_H);
     addMore("mnuTrash", tr("&Trash…"), &frmAssessment::mnuTrash_Click);
     addMore("mnuBackups", tr("&Backups…"), &frmAssessment::mnuBackups_Click);
     addMore("mnuCheck", tr("&Check Library…"), &frmAssessment::mnuCheck_Click);
@@ -388,6 +391,11 @@ void frmAssessment::mnuPaper_Click()
         tr("No test has been made yet. Choose topics and the number of questions here, then press "
            "\"Print or Save as PDF…\" below \"Create PowerPoint\"."));
 #endif
+}
+
+void frmAssessment::mnuTests_Click()
+{
+    openChild([this] { return new frmTests(services_, library_); });
 }
 
 void frmAssessment::mnuTrash_Click()

@@ -55,6 +55,7 @@ public Q_SLOTS:
     /// Puts the test made last on paper; without one, draws one as the selection window says.
     void mnuPaper_Click();
     void mnuTrash_Click();
+    void mnuTests_Click();
     void mnuBackups_Click();
     void mnuCheck_Click();
     void mnuAddMany_Click();

@@ -27,7 +27,7 @@ MoreFrame::MoreFrame(QWidget* parent)
     lblClass->setBuddy(cboClass_);
 
     cboDraw_ = named(new ComboBox, "cboDraw", tr("Draw"));
-    constexpr int longName = 18;
+    constexpr int longName = 13;
     cboDraw_->setMinimumContentsLength(longName);
     for (const auto& [text, rule] :
          {std::pair(tr("Any questions"), DrawRule::Any),

@@ -2,12 +2,14 @@
 
 #include "library/Library.h"
 #include "library/test_pictures.h"
+#include "library/test_versions.h"
 #include "selection/build_run.h"
 #include "selection/test_record.h"
 #include "store/services.h"
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace varnholt {
@@ -30,12 +32,9 @@ void takeNewAnswers(std::vector<TestItem>& items, const std::vector<ChangedAnswe
     }
 }
 
-} // namespace
-
-BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library,
-                           const PastTest& test)
+std::vector<TestItem> itemsToday(Services& services, Library& library, std::int32_t testId)
 {
-    std::vector<TestItem> items = library.pastTests().items(test.TestID);
+    std::vector<TestItem> items = library.pastTests().items(testId);
     const std::vector<ChangedAnswer> changed = ChangedAnswers(library.connection(), items);
     if (!changed.empty() &&
         services.messageBoxes->yesNo(Words::tr("Past Tests"),
@@ -44,16 +43,18 @@ BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library
                                      MessageBoxes::Answer::Yes)) {
         takeNewAnswers(items, changed);
     }
-    const Draw draw = DrawOf(items);
+    return items;
+}
+
+BuildOutcome make(QWidget* window, Services& services, Library& library, TestRecord& record,
+                  const NewTest& test)
+{
+    const Draw draw = DrawOf(test.items);
     std::unordered_map<std::int32_t, const TestItem*> itemOf;
-    for (const TestItem& item : items) {
+    for (const TestItem& item : test.items) {
         itemOf.emplace(item.SOLIndex, &item);
     }
-    NewTest again{test.name, test.AssessmentNum, test.className, test.seed, test.options, items};
-    again.options.unused = false;
-    TestRecord record =
-        test.kind == TestKind::Kept ? TestRecord(library, test.TestID) : TestRecord(library, again);
-    const BuildOutcome outcome = RunBuild(
+    BuildOutcome outcome = RunBuild(
         window, services,
         {draw.DrawPool, test.options.topicLine, test.options.answerKey,
          [&](const QuestionRecord& question) { return itemOf.at(question.SOLIndex)->topicText; },
@@ -62,6 +63,64 @@ BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library
          }});
     FinishTest(services, record, outcome);
     return outcome;
+}
+
+/// The test as it was drawn.
+std::int32_t rootOf(const PastTest& test)
+{
+    return test.options.version > 0 ? test.options.versionOf : test.TestID;
+}
+
+} // namespace
+
+BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library,
+                           const PastTest& test)
+{
+    NewTest again{test.name, test.AssessmentNum, test.className,
+                  test.seed, test.options,       itemsToday(services, library, test.TestID)};
+    again.options.unused = false;
+    TestRecord record =
+        test.kind == TestKind::Kept ? TestRecord(library, test.TestID) : TestRecord(library, again);
+    return make(window, services, library, record, again);
+}
+
+std::optional<int> NextVersion(const std::vector<PastTest>& tests, const PastTest& test)
+{
+    int next = 1;
+    for (const PastTest& other : tests) {
+        if (other.options.version > 0 && rootOf(other) == rootOf(test)) {
+            next = std::max(next, other.options.version + 1);
+        }
+    }
+    return VersionOrder(test.seed, next, test.questions) ? std::optional(next) : std::nullopt;
+}
+
+BuildOutcome MakeNewVersion(QWidget* window, Services& services, Library& library,
+                            const std::vector<PastTest>& tests, const PastTest& test)
+{
+    const int version = NextVersion(tests, test).value();
+    const std::vector<TestItem> drawn = itemsToday(services, library, rootOf(test));
+    const std::vector<int> order =
+        VersionOrder(test.seed, version, static_cast<int>(drawn.size())).value();
+    QString name = test.name;
+    for (const PastTest& other : tests) {
+        name = other.TestID == rootOf(test) ? other.name : name;
+    }
+    NewTest made{Words::tr("%1 – version %2").arg(name, VersionLetter(version)),
+                 test.AssessmentNum,
+                 test.className,
+                 test.seed,
+                 test.options,
+                 drawn};
+    made.options.version = version;
+    made.options.versionOf = rootOf(test);
+    made.options.unused = false;
+    for (std::size_t i = 0; i < drawn.size(); ++i) {
+        made.items[i] = drawn[static_cast<std::size_t>(order[i])];
+        made.items[i].position = drawn[i].position;
+    }
+    TestRecord record(library, made);
+    return make(window, services, library, record, made);
 }
 
 void FinishTest(Services& services, TestRecord& record, const BuildOutcome& outcome)

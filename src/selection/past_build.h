@@ -3,6 +3,9 @@
 #include "library/PastTests.h"
 #include "presentation/slide_builder.h"
 
+#include <optional>
+#include <vector>
+
 class QWidget;
 
 namespace varnholt {
@@ -18,6 +21,14 @@ struct Services;
 /// cannot be read.
 BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library,
                            const PastTest& test);
+
+/// The number of the version that comes next of a test or of the test that it is a version of: 1
+/// (B) to 5 (F). None when there is no other order left.
+[[nodiscard]] std::optional<int> NextVersion(const std::vector<PastTest>& tests,
+                                             const PastTest& test);
+/// Makes the slides of the next version of a test. `tests` are all that are listed.
+BuildOutcome MakeNewVersion(QWidget* window, Services& services, Library& library,
+                            const std::vector<PastTest>& tests, const PastTest& test);
 
 /// A build has ended: its test is complete when it is, and when the test could not be remembered
 /// she is told.
