@@ -183,7 +183,14 @@ std::optional<StepInfo> Journal::info(const char* select, bool done)
     const QByteArray after = rows.bytes(3);
     const bool alone = !rows.next();
     rows.reset();
-    return StepInfo{step, kindOf(subject, before, after, alone), named(subject)};
+    StepInfo found{step, kindOf(subject, before, after, alone), named(subject)};
+    if (!alone) {
+        Statement& count = ready(sql::CountInStep);
+        count.bind(1, done ? step : -step).bind(2, static_cast<std::int64_t>(subject.kind));
+        found.rows = count.next() ? static_cast<int>(count.integer(0)) : 1;
+        count.reset();
+    }
+    return found;
 }
 
 std::optional<StepInfo> Journal::undoStep()

@@ -33,6 +33,8 @@ struct StepInfo
     StepKind kind = StepKind::Edit;
     /// The row that the step was about, under its present name.
     NamedItem subject;
+    /// Rows of the subject's kind in the step, itself among them.
+    int rows = 1;
 };
 
 /// A question whose picture was replaced, or is to be: from one mark to another (see

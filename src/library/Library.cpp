@@ -80,25 +80,41 @@ std::int32_t Library::addAssessment(const QString& name)
 
 std::int32_t Library::addTopic(std::int32_t assessmentNum, const QString& name)
 {
+    return addTopics(assessmentNum, {name}).front();
+}
+
+std::vector<std::int32_t> Library::addTopics(std::int32_t assessmentNum, const QStringList& names)
+{
     Change change(*this);
-    connection_.execute(statements::InsertTopic(name, assessmentNum));
-    const std::int32_t key =
-        newestKey(statements::SelectTopicsNewestFirst(assessmentNum), "TopicID");
-    change.add({ItemKind::Topic, key});
+    std::vector<std::int32_t> keys;
+    for (const QString& name : names) {
+        connection_.execute(statements::InsertTopic(name, assessmentNum));
+        keys.push_back(newestKey(statements::SelectTopicsNewestFirst(assessmentNum), "TopicID"));
+        change.add({ItemKind::Topic, keys.back()});
+    }
     change.commit();
-    return key;
+    return keys;
 }
 
 std::int32_t Library::addSubtopic(std::int32_t assessmentNum, std::int32_t topicId,
                                   const QString& name)
 {
+    return addSubtopics(assessmentNum, topicId, {name}).front();
+}
+
+std::vector<std::int32_t> Library::addSubtopics(std::int32_t assessmentNum, std::int32_t topicId,
+                                                const QStringList& names)
+{
     Change change(*this);
-    connection_.execute(statements::InsertSubtopic(topicId, name, assessmentNum));
-    const std::int32_t key =
-        newestKey(statements::SelectSubtopicsNewestFirst(assessmentNum), "SubtopicNum");
-    change.add({ItemKind::Subtopic, key});
+    std::vector<std::int32_t> keys;
+    for (const QString& name : names) {
+        connection_.execute(statements::InsertSubtopic(topicId, name, assessmentNum));
+        keys.push_back(
+            newestKey(statements::SelectSubtopicsNewestFirst(assessmentNum), "SubtopicNum"));
+        change.add({ItemKind::Subtopic, keys.back()});
+    }
     change.commit();
-    return key;
+    return keys;
 }
 
 void Library::deleteRow(Item item, const QString& statement)

@@ -105,6 +105,10 @@ public:
     std::int32_t addTopic(std::int32_t assessmentNum, const QString& name);
     void deleteTopic(std::int32_t topicId);
     std::int32_t addSubtopic(std::int32_t assessmentNum, std::int32_t topicId, const QString& name);
+    /// Several in one step; all of them or none. Their keys are returned.
+    std::vector<std::int32_t> addTopics(std::int32_t assessmentNum, const QStringList& names);
+    std::vector<std::int32_t> addSubtopics(std::int32_t assessmentNum, std::int32_t topicId,
+                                           const QStringList& names);
     void deleteSubtopic(std::int32_t subtopicNum);
     void deleteQuestion(std::int32_t solIndex);
     /// Files a question elsewhere in its assessment and gives it an answer.

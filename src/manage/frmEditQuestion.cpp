@@ -66,7 +66,7 @@ void frmEditQuestion::buildControls()
     buttons->addWidget(cmdSave);
     buttons->addWidget(cmdCancel);
     grid->addLayout(buttons, 6, 0, 1, 2);
-    grid->setColumnMinimumWidth(1, fontMetrics().averageCharWidth() * 66);
+    grid->setColumnMinimumWidth(1, fontMetrics().averageCharWidth() * 40);
     grid->setColumnStretch(1, 1);
 
     QWidget* previous = cboTopics_;

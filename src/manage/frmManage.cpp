@@ -1,6 +1,7 @@
 #include "manage/frmManage.h"
 
 #include "library/Library.h"
+#include "manage/PictureStrip.h"
 #include "manage/structure_maintenance.h"
 #include "store/catalogue.h"
 #include "store/services.h"
@@ -82,6 +83,7 @@ frmManage::frmManage(Services& services, ProgramState& state, Library& library,
     setWindowTitle(tr("Manage Assessments"));
     buildControls();
     connectControls();
+    buildMenus();
     refreshSoon_.setSingleShot(true);
     refreshSoon_.callOnTimeout(this, &frmManage::refreshUnasked);
     connect(&library_, &Library::changed, this, &frmManage::libraryChanged);
@@ -248,6 +250,7 @@ void frmManage::reloadChanged()
     }
     tellFailures(failures);
     if (changed.contains(ItemKind::Question)) {
+        lstPictures_->forgetPictures();
         LoadQuestions(state_, library_.connection());
     }
 }

@@ -21,6 +21,7 @@ namespace varnholt {
 class ComboBox;
 class HintLabel;
 class Library;
+class PictureStrip;
 class PictureView;
 enum class PictureFault;
 struct ProgramState;
@@ -78,6 +79,10 @@ private:
     QWidget* buildSubtopics();
     QWidget* buildBrowser();
     void connectControls();
+    // What is offered beside the buttons: by a right click, by "More" and by F2.
+    void buildMenus();
+    void addMenu(QWidget* control, QPushButton* more, ItemKind kind,
+                 const std::vector<QPushButton*>& buttons);
     void Form_Load();
     void Form_Unload();
 
@@ -93,6 +98,7 @@ private:
     void cmdDeleteSubtopic_Click();
     void cmdLeft_Click();
     void cmdRight_Click();
+    void lstPictures_Chosen(int position);
     void cmdEditQuestion_Click();
     void cmdEditPicture_Click();
     /// Runs a dialog about the question on show, and shows it again as it is then.
@@ -135,6 +141,11 @@ private:
     void goTo(const Place& place);
     /// Hands the keyboard back to who had it or, where that cannot take it, to the subtopics.
     void focusAgain(QWidget* had);
+
+    [[nodiscard]] std::optional<NamedItem> currentItem(ItemKind kind) const;
+    [[nodiscard]] QStringList namesBeside(const NamedItem& item) const;
+    void rename(ItemKind kind);
+    void addSeveral(ItemKind kind);
 
     // What has changed.
     void libraryChanged(const LibraryChange& change);
@@ -182,20 +193,25 @@ private:
     HintLabel* lblAssessmentHint_ = nullptr;
     QPushButton* cmdAddAssessment_ = nullptr;
     QPushButton* cmdDeleteAssessment_ = nullptr;
+    QPushButton* cmdAssessmentMore_ = nullptr;
     QPushButton* cmdAddNewQuestion_ = nullptr;
     ListBox* lstTopics_ = nullptr;
     HintLabel* lblTopicHint_ = nullptr;
     QPushButton* cmdNewTopic_ = nullptr;
     QPushButton* cmdDeleteTopic_ = nullptr;
+    QPushButton* cmdTopicMore_ = nullptr;
     ListBox* lstSubtopics_ = nullptr;
     HintLabel* lblSubtopicHint_ = nullptr;
     QLabel* lblQuestions_ = nullptr;
     QPushButton* cmdNewSubtopic_ = nullptr;
     QPushButton* cmdDeleteSubtopic_ = nullptr;
+    QPushButton* cmdSubtopicMore_ = nullptr;
     QLabel* lblNoQuestions_ = nullptr;
     QGroupBox* fraQuestions_ = nullptr;
     PictureView* imgQuestion_ = nullptr;
     HintLabel* lblPictureHint_ = nullptr;
+    QLabel* lblAnswer_ = nullptr;
+    PictureStrip* lstPictures_ = nullptr;
     QLabel* lblQuestionCount_ = nullptr;
     QPushButton* cmdLeft_ = nullptr;
     QPushButton* cmdRight_ = nullptr;

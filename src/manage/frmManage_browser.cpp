@@ -3,6 +3,7 @@
 #include "manage/frmManage.h"
 
 #include "library/Library.h"
+#include "manage/PictureStrip.h"
 #include "manage/frmEditQuestion.h"
 #include "manage/structure_maintenance.h"
 #include "pictures/picture_files.h"
@@ -12,10 +13,33 @@
 #include "toolkit/ListBox.h"
 #include "toolkit/PictureView.h"
 #include "toolkit/controls.h"
+#include "toolkit/short_text.h"
 
 #include <QScopedValueRollback>
 
+#include <algorithm>
+
 namespace varnholt {
+
+namespace {
+
+/// More would leave no room for the picture.
+constexpr qsizetype longestAnswer = 200;
+
+/// Puts a dialog on the left of what it is about, so that both can be seen, as far as the screen
+/// has room.
+void placeBeside(QDialog& dialog, const QWidget& subject)
+{
+    dialog.adjustSize();
+    const QRect room = subject.screen()->availableGeometry();
+    const QPoint corner = subject.mapToGlobal(QPoint());
+    const int gap = dialog.fontMetrics().height();
+    dialog.move(
+        std::max(room.left(), corner.x() - dialog.width() - gap),
+        std::clamp(corner.y(), room.top(), std::max(room.top(), room.bottom() - dialog.height())));
+}
+
+} // namespace
 
 void frmManage::lstSubtopics_Click()
 {
@@ -49,6 +73,8 @@ void frmManage::ShowSubtopicQuestions(std::int32_t wanted, std::int32_t orAt)
     const FilingPreselection rows = currentRows();
     browser_.show(state_, rows.topicId, rows.subtopicNum, wanted, orAt);
     sayIn(lblQuestions_, tr("Questions: %1").arg(browser_.QuestionCount));
+    lstPictures_->setQuestions(browser_.BrowseQuestions);
+    lstPictures_->setVisible(browser_.QuestionCount > 1);
     showBrowser(browser_.QuestionCount > 0);
     if (browser_.QuestionCount > 0) {
         showPicture();
@@ -69,6 +95,10 @@ void frmManage::showPicture()
         tr("Question %1: %2.").arg(place, GetTopicText(state_, browser_.current())));
     lblPictureHint_->say({});
     lblQuestionCount_->setText(place);
+    const QString& answer = browser_.current().Answer;
+    lblAnswer_->setText(answer.isEmpty() ? tr("This question has no answer.")
+                                         : tr("Answer: %1").arg(Wrappable(answer, longestAnswer)));
+    lstPictures_->setPosition(position);
     imgQuestion_->load(path(position), [this](PictureFault fault) { reportPicture(fault); });
     HandlePictureButtons();
     for (const int next : {position - 1, position + 1}) {
@@ -139,6 +169,12 @@ void frmManage::cmdRight_Click()
     showPicture();
 }
 
+void frmManage::lstPictures_Chosen(int position)
+{
+    browser_.stepTo(position);
+    showPicture();
+}
+
 void frmManage::cmdAddNewQuestion_Click()
 {
     if (state_.TopicList.isEmpty() || state_.SubTopicList.isEmpty()) {
@@ -163,8 +199,10 @@ void frmManage::cmdAddNewQuestion_Click()
 void frmManage::cmdEditQuestion_Click()
 {
     changeShown([this](const Place& place) {
-        frmEditQuestion(services_, state_, library_, browser_.current(), place.rows, window())
-            .exec();
+        frmEditQuestion dialog(services_, state_, library_, browser_.current(), place.rows,
+                               window());
+        placeBeside(dialog, *imgQuestion_);
+        dialog.exec();
     });
 }
 

@@ -1,6 +1,8 @@
 // How the library manager looks; what it does stands in frmManage.cpp.
 #include "manage/frmManage.h"
 
+#include "manage/PictureStrip.h"
+#include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/ListBox.h"
@@ -21,6 +23,14 @@ QPushButton* makeEnterButton(const char* objectName, const QString& caption)
 {
     QPushButton* button = makeButton(objectName, caption);
     button->setAutoDefault(true);
+    return button;
+}
+
+/// Opens a menu of what can be done beside what the buttons do.
+QPushButton* makeMoreButton(const char* objectName, const QString& accessibleName)
+{
+    QPushButton* button = makeEnterButton(objectName, frmManage::tr("More"));
+    button->setAccessibleName(accessibleName);
     return button;
 }
 
@@ -47,10 +57,16 @@ void frmManage::buildControls()
     column->addWidget(splitter, 1);
 
     QWidget* previous = cboAssessment_;
-    for (QWidget* next : std::initializer_list<QWidget*>{
-             cmdAddAssessment_, cmdDeleteAssessment_, cmdAddNewQuestion_, lstTopics_, cmdNewTopic_,
-             cmdDeleteTopic_, lstSubtopics_, cmdNewSubtopic_, cmdDeleteSubtopic_, cmdLeft_,
-             cmdRight_, cmdEditQuestion_, cmdDeleteQuestion_, cmdUndo_, cmdRedo_}) {
+    for (QWidget* next : std::initializer_list<QWidget*>{cmdAddAssessment_,  cmdDeleteAssessment_,
+                                                         cmdAssessmentMore_, cmdAddNewQuestion_,
+                                                         lstTopics_,         cmdNewTopic_,
+                                                         cmdDeleteTopic_,    cmdTopicMore_,
+                                                         lstSubtopics_,      cmdNewSubtopic_,
+                                                         cmdDeleteSubtopic_, cmdSubtopicMore_,
+                                                         cmdEditQuestion_,   cmdEditPicture_,
+                                                         cmdDeleteQuestion_, lstPictures_,
+                                                         cmdLeft_,           cmdRight_,
+                                                         cmdUndo_,           cmdRedo_}) {
         setTabOrder(previous, next);
         previous = next;
     }
@@ -71,9 +87,11 @@ QWidget* frmManage::buildAssessments()
     grid->addWidget(cboAssessment_, 0, 0);
     grid->addWidget(cmdAddAssessment_, 0, 1);
     grid->addWidget(cmdDeleteAssessment_, 0, 2);
-    grid->setColumnMinimumWidth(3, fontMetrics().averageCharWidth() * 4);
-    grid->addWidget(cmdAddNewQuestion_, 0, 4);
-    grid->addWidget(lblAssessmentHint_, 1, 0, 1, 5);
+    cmdAssessmentMore_ = makeMoreButton("cmdAssessmentMore", tr("More about the assessment"));
+    grid->addWidget(cmdAssessmentMore_, 0, 3);
+    grid->setColumnMinimumWidth(4, fontMetrics().averageCharWidth() * 2);
+    grid->addWidget(cmdAddNewQuestion_, 0, 5);
+    grid->addWidget(lblAssessmentHint_, 1, 0, 1, 6);
     grid->setColumnStretch(0, 1);
     return fraAssessments;
 }
@@ -87,10 +105,14 @@ QWidget* frmManage::buildTopics()
 
     auto* fraTopics = makeFrame("fraTopics", tr("&Topics"));
     auto* grid = new QGridLayout(fraTopics);
-    grid->addWidget(lstTopics_, 0, 0, 1, 2);
-    grid->addWidget(lblTopicHint_, 1, 0, 1, 2);
+    grid->addWidget(lstTopics_, 0, 0, 1, 3);
+    grid->addWidget(lblTopicHint_, 1, 0, 1, 3);
     grid->addWidget(cmdNewTopic_, 2, 0);
     grid->addWidget(cmdDeleteTopic_, 2, 1);
+    cmdTopicMore_ = makeMoreButton("cmdTopicMore", tr("More about topics"));
+    grid->addWidget(cmdTopicMore_, 2, 2);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
     return fraTopics;
 }
 
@@ -104,11 +126,15 @@ QWidget* frmManage::buildSubtopics()
 
     auto* fraSubtopics = makeFrame("fraSubtopics", tr("&Subtopics"));
     auto* grid = new QGridLayout(fraSubtopics);
-    grid->addWidget(lstSubtopics_, 0, 0, 1, 2);
-    grid->addWidget(lblSubtopicHint_, 1, 0, 1, 2);
-    grid->addWidget(lblQuestions_, 2, 0, 1, 2);
+    grid->addWidget(lstSubtopics_, 0, 0, 1, 3);
+    grid->addWidget(lblSubtopicHint_, 1, 0, 1, 3);
+    grid->addWidget(lblQuestions_, 2, 0, 1, 3);
     grid->addWidget(cmdNewSubtopic_, 3, 0);
     grid->addWidget(cmdDeleteSubtopic_, 3, 1);
+    cmdSubtopicMore_ = makeMoreButton("cmdSubtopicMore", tr("More about subtopics"));
+    grid->addWidget(cmdSubtopicMore_, 3, 2);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
     return fraSubtopics;
 }
 
@@ -121,6 +147,10 @@ QWidget* frmManage::buildBrowser()
 
     imgQuestion_ = named(new PictureView, "imgQuestion", tr("Picture of the question"));
     lblPictureHint_ = new HintLabel("lblPictureHint", imgQuestion_, HintLabel::Place::Given);
+    lblAnswer_ = makeLabel("lblAnswer");
+    lblAnswer_->setWordWrap(true);
+    lstPictures_ = named(new PictureStrip(services_.programFolder), "lstPictures",
+                         tr("Pictures of the questions"));
     lblQuestionCount_ = makeLabel("lblQuestionCount");
     lblQuestionCount_->setAlignment(Qt::AlignCenter);
     cmdLeft_ = makeEnterButton("cmdLeft", tr("P&revious Questions"));
@@ -138,17 +168,23 @@ QWidget* frmManage::buildBrowser()
 
     fraQuestions_ = makeFrame("fraQuestions", {});
     fraQuestions_->setAccessibleName(tr("Questions"));
-    auto* grid = new QGridLayout(fraQuestions_);
-    grid->addWidget(imgQuestion_, 0, 0, 1, 3);
-    grid->addWidget(lblPictureHint_, 1, 0, 1, 3);
-    grid->addWidget(cmdLeft_, 2, 0);
-    grid->addWidget(lblQuestionCount_, 2, 1);
-    grid->addWidget(cmdRight_, 2, 2);
-    grid->addWidget(cmdEditQuestion_, 3, 0);
-    grid->addWidget(cmdEditPicture_, 3, 1, Qt::AlignCenter);
-    grid->addWidget(cmdDeleteQuestion_, 3, 2);
-    grid->setRowStretch(0, 1);
-    grid->setColumnStretch(1, 1);
+    // What changes the question stands with its answer, away from what steps on.
+    auto* changes = new QHBoxLayout;
+    changes->addWidget(cmdEditQuestion_);
+    changes->addWidget(cmdEditPicture_);
+    changes->addStretch();
+    changes->addWidget(cmdDeleteQuestion_);
+    auto* steps = new QHBoxLayout;
+    steps->addWidget(cmdLeft_);
+    steps->addWidget(lblQuestionCount_, 1);
+    steps->addWidget(cmdRight_);
+    auto* browser = new QVBoxLayout(fraQuestions_);
+    browser->addWidget(imgQuestion_, 1);
+    browser->addWidget(lblPictureHint_);
+    browser->addWidget(lblAnswer_);
+    browser->addLayout(changes);
+    browser->addWidget(lstPictures_);
+    browser->addLayout(steps);
 
     auto* room = new QWidget;
     auto* column = new QVBoxLayout(room);
@@ -164,6 +200,7 @@ void frmManage::connectControls()
     connect(cboAssessment_, &ComboBox::Click, this, &frmManage::cboAssessment_Click);
     connect(lstTopics_, &ListBox::Click, this, &frmManage::lstTopics_Click);
     connect(lstSubtopics_, &ListBox::Click, this, &frmManage::lstSubtopics_Click);
+    connect(lstPictures_, &PictureStrip::chosen, this, &frmManage::lstPictures_Chosen);
     const auto pressed = [this](QPushButton* button, void (frmManage::*handler)()) {
         connect(button, &QPushButton::clicked, this, handler);
     };

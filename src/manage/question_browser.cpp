@@ -1,20 +1,10 @@
 #include "manage/question_browser.h"
 
-#include <QCoreApplication>
 #include <QSet>
 
 #include <algorithm>
 
 namespace varnholt {
-
-namespace {
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("varnholt::frmManage", text);
-}
-
-} // namespace
 
 void QuestionBrowser::show(const ProgramState& catalogue, std::optional<std::int32_t> topicId,
                            std::optional<std::int32_t> subtopicNum, std::int32_t wanted,
@@ -80,21 +70,22 @@ QString PictureHint(PictureFault fault, bool borrowed)
     case PictureFault::None:
         return {};
     case PictureFault::Missing:
-        return borrowed ? tr("The picture above belongs to another question: this "
-                             "one's picture file is missing.")
+        return borrowed ? QuestionBrowser::tr("The picture above belongs to another question: this "
+                                              "one's picture file is missing.")
                         : QString();
     case PictureFault::Unreadable:
-        return borrowed ? tr("The picture above belongs to another question: this "
-                             "one's picture file is there, but cannot be read.")
-                        : tr("The picture file is there, but cannot be read.");
+        return borrowed ? QuestionBrowser::tr("The picture above belongs to another question: this "
+                                              "one's picture file is there, but cannot be read.")
+                        : QuestionBrowser::tr("The picture file is there, but cannot be read.");
     case PictureFault::Damaged:
-        return borrowed ? tr("The picture above belongs to another question: this one's "
-                             "picture file is damaged or is not a picture.")
-                        : tr("The picture file is damaged or is not a picture.");
+        return borrowed ? QuestionBrowser::tr(
+                              "The picture above belongs to another question: this one's "
+                              "picture file is damaged or is not a picture.")
+                        : QuestionBrowser::tr("The picture file is damaged or is not a picture.");
     case PictureFault::TooLarge:
-        return borrowed ? tr("The picture above belongs to another question: this "
-                             "one's picture is too large to be shown.")
-                        : tr("The picture is too large to be shown.");
+        return borrowed ? QuestionBrowser::tr("The picture above belongs to another question: this "
+                                              "one's picture is too large to be shown.")
+                        : QuestionBrowser::tr("The picture is too large to be shown.");
     }
     return {};
 }

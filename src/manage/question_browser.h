@@ -3,6 +3,7 @@
 #include "pictures/picture_info.h"
 #include "store/modMain.h"
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <optional>
@@ -12,6 +13,9 @@ namespace varnholt {
 /// What the library manager browses: the questions of one subtopic, one at a time.
 struct QuestionBrowser
 {
+    Q_DECLARE_TR_FUNCTIONS(QuestionBrowser)
+
+public:
     List1<QuestionRecord> BrowseQuestions;
     /// See `UpdateCount2`.
     std::int32_t QuestionCount = 0;
@@ -31,6 +35,8 @@ struct QuestionBrowser
     /// `QuestionCount` becomes the number of questions to browse.
     void UpdateCount2();
 
+    /// Puts on show the question at a position from 1 to `QuestionCount`.
+    void stepTo(std::int32_t position) { QuestionPosition = position; }
     /// One question back or on; at an end the position stays.
     void stepLeft();
     void stepRight();

@@ -7,29 +7,41 @@ namespace varnholt {
 
 namespace {
 
-QString tr(const char* text, int n = -1)
+class UndoWords
 {
-    return QCoreApplication::translate("varnholt::frmManage", text, nullptr, n);
-}
+    Q_DECLARE_TR_FUNCTIONS(UndoWords)
 
-/// The sentence for a question, or the other one with the subject's name.
-QString about(const StepInfo& step, const char* question, const char* named)
+public:
+    static QString done(const StepInfo& step);
+    static QString undone(const StepInfo& step);
+    static QString changedSince(const std::vector<NamedItem>& inTheWay, bool undo);
+
+private:
+    /// What is said of a question or several, of one row with a name, or of one and the others of
+    /// its kind.
+    static QString about(const StepInfo& step, const QString& questions, const QString& named,
+                         const QString& several)
+    {
+        const NamedItem& subject = step.subject;
+        return subject.item.kind == ItemKind::Question
+                   ? questions
+                   : (step.rows > 1 ? several : named).arg(subject.name);
+    }
+};
+
+QString UndoWords::done(const StepInfo& step)
 {
-    return step.subject.item.kind == ItemKind::Question ? tr(question)
-                                                        : tr(named).arg(step.subject.name);
-}
-
-} // namespace
-
-QString DoneSentence(const StepInfo& step)
-{
+    const int n = step.rows;
     switch (step.kind) {
     case StepKind::Add:
-        return about(step, "Question added.", "“%1” added.");
+        return about(step, tr("%n question(s) added.", nullptr, n), tr("“%1” added."),
+                     tr("“%1” and %n more added.", nullptr, n - 1));
     case StepKind::Delete:
-        return about(step, "Question deleted.", "“%1” deleted.");
+        return about(step, tr("%n question(s) deleted.", nullptr, n), tr("“%1” deleted."),
+                     tr("“%1” and %n more deleted.", nullptr, n - 1));
     case StepKind::Restore:
-        return about(step, "Question brought back.", "“%1” brought back.");
+        return about(step, tr("%n question(s) brought back.", nullptr, n), tr("“%1” brought back."),
+                     tr("“%1” and %n more brought back.", nullptr, n - 1));
     case StepKind::Rename:
         return tr("The new name is “%1”.").arg(step.subject.name);
     case StepKind::Import:
@@ -37,20 +49,26 @@ QString DoneSentence(const StepInfo& step)
     case StepKind::Edit:
         break;
     }
-    return about(step, "Question changed.", "“%1” changed.");
+    return about(step, tr("%n question(s) changed.", nullptr, n), tr("“%1” changed."),
+                 tr("“%1” and %n more changed.", nullptr, n - 1));
 }
 
-QString UndoneSentence(const StepInfo& step)
+QString UndoWords::undone(const StepInfo& step)
 {
+    const int n = step.rows;
     switch (step.kind) {
     case StepKind::Add:
-        return about(step, "Undone: the question is no longer there.",
-                     "Undone: “%1” is no longer there.");
+        return about(step, tr("Undone: %n question(s) are no longer there.", nullptr, n),
+                     tr("Undone: “%1” is no longer there."),
+                     tr("Undone: “%1” and %n more are no longer there.", nullptr, n - 1));
     case StepKind::Delete:
-        return about(step, "Undone: the question is back.", "Undone: “%1” is back.");
+        return about(step, tr("Undone: %n question(s) are back.", nullptr, n),
+                     tr("Undone: “%1” is back."),
+                     tr("Undone: “%1” and %n more are back.", nullptr, n - 1));
     case StepKind::Restore:
-        return about(step, "Undone: the question is deleted again.",
-                     "Undone: “%1” is deleted again.");
+        return about(step, tr("Undone: %n question(s) are deleted again.", nullptr, n),
+                     tr("Undone: “%1” is deleted again."),
+                     tr("Undone: “%1” and %n more are deleted again.", nullptr, n - 1));
     case StepKind::Rename:
         return tr("Undone: “%1” has its old name again.").arg(step.subject.name);
     case StepKind::Import:
@@ -58,16 +76,18 @@ QString UndoneSentence(const StepInfo& step)
     case StepKind::Edit:
         break;
     }
-    return about(step, "Undone: the question is as it was.", "Undone: “%1” is as it was.");
+    return about(step, tr("Undone: %n question(s) are as before.", nullptr, n),
+                 tr("Undone: “%1” is as it was."),
+                 tr("Undone: “%1” and %n more are as before.", nullptr, n - 1));
 }
 
-QString ChangedSinceSentence(const std::vector<NamedItem>& inTheWay, bool undo)
+QString UndoWords::changedSince(const std::vector<NamedItem>& inTheWay, bool undo)
 {
     constexpr std::size_t shown = 3;
     QStringList rows;
     for (const NamedItem& row : inTheWay) {
         if (rows.size() == shown) {
-            rows.append(tr("%n more", static_cast<int>(inTheWay.size() - shown)));
+            rows.append(tr("%n more", nullptr, static_cast<int>(inTheWay.size() - shown)));
             break;
         }
         rows.append((row.item.kind == ItemKind::Question ? tr("the question with the answer “%1”")
@@ -77,6 +97,23 @@ QString ChangedSinceSentence(const std::vector<NamedItem>& inTheWay, bool undo)
     return (undo ? tr("The last change cannot be undone, because this has been changed since: %1.")
                  : tr("The change cannot be made again, because this has been changed since: %1."))
         .arg(rows.join(QStringLiteral(", ")));
+}
+
+} // namespace
+
+QString DoneSentence(const StepInfo& step)
+{
+    return UndoWords::done(step);
+}
+
+QString UndoneSentence(const StepInfo& step)
+{
+    return UndoWords::undone(step);
+}
+
+QString ChangedSinceSentence(const std::vector<NamedItem>& inTheWay, bool undo)
+{
+    return UndoWords::changedSince(inTheWay, undo);
 }
 
 } // namespace varnholt

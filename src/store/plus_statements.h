@@ -69,6 +69,9 @@ inline constexpr char SelectRedoStep[] =
 inline constexpr char SelectStep[] =
     "SELECT Kind, ItemKey, Before, After, json_set(After, '$[0]', 0) FROM PlusChanges "
     "WHERE ChangeID >= abs(?1) AND Step = ?1 ORDER BY ChangeID";
+/// ?1 step as it stands in the table, ?2 kind: how many rows of it.
+inline constexpr char CountInStep[] =
+    "SELECT count(*) FROM PlusChanges WHERE ChangeID >= abs(?1) AND Step = ?1 AND Kind = ?2";
 /// ?1 step as it stands in the table, ?2 time.
 inline constexpr char TurnStep[] =
     "UPDATE PlusChanges SET Step = -Step, At = ?2 WHERE ChangeID >= abs(?1) AND Step = ?1";

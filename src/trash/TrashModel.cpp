@@ -3,10 +3,10 @@
 #include "library/Library.h"
 #include "pictures/picture_files.h"
 #include "toolkit/short_text.h"
+#include "toolkit/thumbnail_pixmap.h"
 
 #include <QDateTime>
 #include <QLocale>
-#include <QPainter>
 
 namespace varnholt {
 
@@ -16,25 +16,6 @@ namespace {
 constexpr int keptTexts = 1000;
 constexpr int keptPictures = 400;
 constexpr qsizetype longestName = 200;
-
-/// In the middle of its place, white behind what is transparent, as on a slide.
-QPixmap placed(const QImage& picture, QSize place, qreal pixelRatio)
-{
-    QPixmap pixmap(place * pixelRatio);
-    pixmap.setDevicePixelRatio(pixelRatio);
-    pixmap.fill(Qt::transparent);
-    if (!picture.isNull()) {
-        const QSizeF size = QSizeF(picture.size()).scaled(place, Qt::KeepAspectRatio);
-        const QRectF middle(
-            QPointF((place.width() - size.width()) / 2, (place.height() - size.height()) / 2),
-            size);
-        QPainter painter(&pixmap);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        painter.fillRect(middle, Qt::white);
-        painter.drawImage(middle, picture);
-    }
-    return pixmap;
-}
 
 } // namespace
 
@@ -168,12 +149,12 @@ QPixmap TrashModel::picture(std::int32_t key) const
     }
     loader_.load(key, FindPictureFile(library_.programFolder(), key));
     // The place is kept, so that no text moves when the picture comes.
-    return placed({}, pictureSize_, pixelRatio_);
+    return ThumbnailPixmap({}, pictureSize_, pixelRatio_);
 }
 
 void TrashModel::pictureCame(std::int32_t key, const QImage& picture)
 {
-    pictures_.insert(key, new QPixmap(placed(picture, pictureSize_, pixelRatio_)));
+    pictures_.insert(key, new QPixmap(ThumbnailPixmap(picture, pictureSize_, pixelRatio_)));
     // Whichever row it is: only those on show are painted.
     Q_EMIT dataChanged(index(0, What), index(rowCount() - 1, What), {Qt::DecorationRole});
 }
@@ -194,8 +175,9 @@ QVariant TrashModel::data(const QModelIndex& index, int role) const
         if (index.column() != What) {
             return {};
         }
-        return item(index.row()).kind == ItemKind::Question ? picture(item(index.row()).key)
-                                                            : placed({}, pictureSize_, pixelRatio_);
+        return item(index.row()).kind == ItemKind::Question
+                   ? picture(item(index.row()).key)
+                   : ThumbnailPixmap({}, pictureSize_, pixelRatio_);
     default:
         return {};
     }

@@ -11,9 +11,11 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTimer>
 
 #include <memory>
 
@@ -41,28 +43,30 @@ inline const char* const deleteButtons[] = {"cmdDeleteAssessment", "cmdDeleteTop
 /// Title and text of a message box. Those with an index have one for each kind.
 using Box = std::pair<QString, QString>;
 
+inline Box failsTo(const char* what)
+{
+    return {u"Error"_s, u"There was an error %1."_s.arg(QLatin1String(what))};
+}
 inline const Box addingFails[] = {
-    {u"Error"_s, u"There was an error adding this assessment."_s},
-    {u"Error"_s, u"There was an error adding this topic."_s},
-    {u"Error"_s, u"There was an error adding this topic."_s},
+    failsTo("adding this assessment"),
+    failsTo("adding this topic"),
+    failsTo("adding this topic"),
     {u"Add Error"_s, u"Cannot add a question until a topic and subtopic has been created."_s}};
+inline const Box deletingFails[] = {
+    failsTo("deleting this assessment"), failsTo("deleting this topic"),
+    failsTo("deleting this subtopic"), failsTo("in deleting the question")};
+inline const QString sure = u"Are you sure that you want to delete this "_s;
 inline const Box deletes[] = {
-    {u"Delete Assessment?"_s,
-     u"Are you sure that you want to delete this assessment library.  Selecting Yes will "
-     "completely remove this assessment from the system."_s},
-    {u"Delete Topic?"_s, u"Are you sure that you want to delete this topic?"_s},
-    {u"Delete Subtopic?"_s, u"Are you sure that you want to delete this subtopic?"_s},
-    {u"Delete Question?"_s, u"Are you sure that you want to delete this question?"_s}};
+    {u"Delete Assessment?"_s, sure + u"assessment library.  Selecting Yes will completely remove "
+                                     "this assessment from the system."_s},
+    {u"Delete Topic?"_s, sure + u"topic?"_s},
+    {u"Delete Subtopic?"_s, sure + u"subtopic?"_s},
+    {u"Delete Question?"_s, sure + u"question?"_s}};
 inline const Box deleted[] = {
     {u"Assessment Deleted"_s, u"The assessment was successfully deleted."_s},
     {u"Topic Deleted"_s, u"The topic was deleted successfully."_s},
     {u"Subtopic Deleted"_s, u"The Subtopic was deleted successfully."_s},
     {u"Question Deleted"_s, u"Question deleted successfully."_s}};
-inline const Box deletingFails[] = {
-    {u"Error"_s, u"There was an error deleting this assessment."_s},
-    {u"Error"_s, u"There was an error deleting this topic."_s},
-    {u"Error"_s, u"There was an error deleting this subtopic."_s},
-    {u"Error"_s, u"There was an error in deleting the question."_s}};
 inline const Box topicInUse{u"Delete Error"_s,
                             u"Cannot delete a topic that has subtopics.  You must delete delete "
                             "all subtopics first."_s};
@@ -132,6 +136,32 @@ protected:
         press(deleteButtons[kind]);
     }
 
+    /// Does what opens a dialog, and runs `work` in that. It is closed afterwards.
+    void inDialog(const std::function<void()>& openIt, const std::function<void()>& work)
+    {
+        dialog = nullptr;
+        // There is no window manager to do it.
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        QTimer::singleShot(0, window.get(), [&] {
+            dialog = QApplication::activeModalWidget();
+            dialog->activateWindow();
+            EXPECT_TRUE(QTest::qWaitForWindowActive(dialog));
+            work();
+            static_cast<QDialog*>(dialog)->done(QDialog::Rejected);
+        });
+        openIt();
+        ASSERT_NE(dialog, nullptr);
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+    /// In the control of the dialog that has the focus.
+    void typed(Qt::Key which, Qt::KeyboardModifiers with = {})
+    {
+        QTest::keyClick(dialog->focusWidget(), which, with);
+    }
+    void typed(const QString& text) { QTest::keyClicks(dialog->focusWidget(), text); }
+
     void press(const char* button) { click(window.get(), button); }
     /// In whatever control has the focus.
     void key(Qt::Key which) { QTest::keyClick(window->focusWidget(), which); }
@@ -164,6 +194,7 @@ protected:
     Library owner{library.folder(), clock};
     Connection& connection = owner.connection();
     std::unique_ptr<frmManage> window;
+    QWidget* dialog = nullptr;
     FilingPreselection preselection;
     /// What the authoring window does when it is opened.
     std::function<void()> authoring = [] {};
