@@ -109,8 +109,9 @@ QRect CanvasView::outline(const QRect& frame) const
     // Both corners belong to it, so it is one larger than its block.
     const QPoint first = toWidget(frame.topLeft());
     const QPoint last = toWidget(frame.topLeft() + QPoint(frame.width(), frame.height()));
+    const QPoint end = toWidget({canvas_.image().width(), canvas_.image().height()});
     const auto inside = [](int at, int size) { return at == size ? size - 1 : at; };
-    return {first, QPoint(inside(last.x(), width()), inside(last.y(), height()))};
+    return {first, QPoint(inside(last.x(), end.x()), inside(last.y(), end.y()))};
 }
 
 QList<CanvasView::Handle> CanvasView::handles() const

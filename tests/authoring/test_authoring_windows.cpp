@@ -248,6 +248,15 @@ TEST_F(Authoring, ShowsFramesOverThePictureAtEveryZoomAndTakesStepsBack)
         key(Qt::Key_Escape);
         EXPECT_EQ(shown(), plain) << zoom;
     }
+    // A frame round everything shows its far sides, too.
+    const QImage whole = shown();
+    key(Qt::Key_A, Qt::ControlModifier);
+    const QImage all = shown();
+    const QPoint end = canvas()->rect().bottomRight();
+    const auto changes = [&](QPoint at) { return all.pixel(at) != whole.pixel(at); };
+    EXPECT_TRUE(changes({end.x(), 50}) || changes({end.x() - 1, 50}));
+    EXPECT_TRUE(changes({50, end.y()}) || changes({50, end.y() - 1}));
+    key(Qt::Key_Escape);
     key(Qt::Key_Right, Qt::ControlModifier);
     const QRect frame = selection();
     key(Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
