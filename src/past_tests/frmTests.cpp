@@ -85,7 +85,7 @@ void frmTests::buildControls()
     lstTests_->header()->setSectionResizeMode(Name, QHeaderView::Stretch);
     const int letter = fontMetrics().averageCharWidth();
     for (const auto& [column, letters] :
-         {std::pair(Date, 16), std::pair(Class, 8), std::pair(Number, 9), std::pair(Kind, 16)}) {
+         {std::pair(Date, 24), std::pair(Class, 8), std::pair(Number, 9), std::pair(Kind, 16)}) {
         lstTests_->header()->resizeSection(column, letter * letters);
     }
     lstQuestions_ = named(new QuestionStrip, "lstQuestions", tr("Questions of the test"));

@@ -1,5 +1,6 @@
 #include "selection/draw_order.h"
 #include "selection/question_draw.h"
+#include "selection/review.h"
 #include "store/SplitMix64.h"
 
 #include <gtest/gtest.h>
@@ -244,6 +245,82 @@ TEST_F(DrawOrder, TheNearestIsOfTheSameSubtopicElseTopicElseTheNext)
     EXPECT_EQ(NearestAfter(questions, 10, 11), 12);
     EXPECT_EQ(NearestAfter(questions, 11, 12), 12) << "no more of the topic";
     EXPECT_EQ(NearestAfter(questions, 12, 13), std::nullopt);
+}
+
+TEST_F(DrawOrder, AReviewWithoutTheNewKeysIsTheOldOne)
+{
+    for (int round = 0; round < 10'000; ++round) {
+        Draw draw;
+        draw.DrawPool = pool(1 + upTo(11));
+        const int bound = draw.DrawPool.upperBound();
+        draw.RequestedQuestionCount = 1 + upTo(bound - 1);
+        Review review(draw);
+        // The old rules in plain words.
+        std::vector<bool> flags(static_cast<std::size_t>(bound) + 1, false);
+        int position = 1;
+        int accepted = 0;
+        bool open = true;
+        while (open) {
+            const bool include = upTo(2) > 0;
+            flags[static_cast<std::size_t>(position)] = include;
+            accepted += include ? 1 : 0;
+            ++position;
+            open = position <= bound && accepted < draw.RequestedQuestionCount;
+            const auto expected = open           ? Review::Next::Show
+                                  : accepted > 0 ? Review::Next::Build
+                                                 : Review::Next::Close;
+            ASSERT_EQ(include ? review.include() : review.exclude(), expected);
+            if (open && upTo(9) == 0) {
+                review.excludeRest();
+                break;
+            }
+        }
+        EXPECT_EQ(review.position(), position);
+        EXPECT_EQ(review.acceptedCount(), accepted);
+        for (int i = 1; i <= bound; ++i) {
+            EXPECT_EQ(review.draw().DrawPool(i).Selected, flags[static_cast<std::size_t>(i)]);
+            EXPECT_EQ(review.draw().DrawPool(i).SOLIndex, draw.DrawPool(i).SOLIndex);
+        }
+    }
+}
+
+TEST_F(DrawOrder, AReviewKeepsCountWhateverIsSwappedTakenBackAndMoved)
+{
+    for (int round = 0; round < 2'000; ++round) {
+        Draw draw;
+        draw.DrawPool = pool(2 + upTo(20));
+        draw.RequestedQuestionCount = 1 + upTo(draw.DrawPool.upperBound() - 1);
+        ShuffleDrawPool(draw.DrawPool, random);
+        QuotaOrder order(upTo(1) ? Quotas{{0, 1 + upTo(3)}, {1, 1 + upTo(3)}} : Quotas(),
+                         draw.DrawPool, draw.RequestedQuestionCount);
+        Review review(draw, order);
+        const auto all = sorted(keys(draw.DrawPool));
+        for (auto next = Review::Next::Show; next == Review::Next::Show;) {
+            std::vector<int> marked;
+            for (int i = 1; i <= review.draw().DrawPool.upperBound(); ++i) {
+                if (review.draw().DrawPool(i).Selected) {
+                    marked.push_back(i);
+                }
+            }
+            ASSERT_EQ(static_cast<int>(marked.size()), review.acceptedCount());
+            ASSERT_EQ(sorted(keys(review.draw().DrawPool)), all);
+            const int action = upTo(6);
+            if (action == 0 && review.canSwap()) {
+                review.swap();
+            } else if (action == 1 && review.canReopen() && upTo(2) == 0) {
+                review.reopenLast();
+            } else if (action == 2) {
+                std::shuffle(marked.begin(), marked.end(), engine);
+                review.reorder(marked);
+            } else if (action == 3 && !marked.empty()) {
+                const auto gone = review.draw().DrawPool(marked.front()).SOLIndex;
+                EXPECT_TRUE(review.swapIncluded(marked.front()));
+                EXPECT_NE(review.draw().DrawPool(marked.front()).SOLIndex, gone);
+            } else {
+                next = action < 5 ? review.exclude() : review.include();
+            }
+        }
+    }
 }
 
 } // namespace
