@@ -5,7 +5,6 @@
 #include "manage/frmAddSeveral.h"
 #include "manage/frmRename.h"
 #include "manage/structure_maintenance.h"
-#include "store/statements.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/PictureView.h"
 
