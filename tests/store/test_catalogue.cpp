@@ -59,6 +59,7 @@ TEST_F(Catalogue, LoadsAvailableRowsOfTheAssessmentWithDefaults)
     EXPECT_EQ(GetTopicText(state, state.QuestionList(1)), QString());
     EXPECT_EQ(GetTopicText(state, state.QuestionList(2)), u"Algebra"_s);
     EXPECT_EQ(GetTopicText(state, state.QuestionList(3)), u"Algebra - Linear\nequations"_s);
+    EXPECT_EQ(GetTopicText(state, {9, 9, 7, 2, {}}), QString()); // of another topic
     state.TopicList.clear();
     EXPECT_EQ(GetTopicText(state, state.QuestionList(3)), u" - Linear\nequations"_s);
 }

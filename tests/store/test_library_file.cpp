@@ -206,8 +206,9 @@ TEST_F(LibraryConnection, WaitsForOthersAndHasWhatItCommitsOnTheDisk)
     EXPECT_GT(syncs, before);
 #endif
     QProcess other;
-    other.start(u"sqlite3"_s, {library.databasePath(), u"BEGIN IMMEDIATE; SELECT 'changing'"_s,
-                               u".shell sleep 0.3"_s, u"UPDATE History SET LastID = 2; COMMIT"_s});
+    other.start(u"sqlite3"_s,
+                {library.databasePath(), u"BEGIN IMMEDIATE; UPDATE History SET LastID = 2"_s,
+                 u".shell echo changing; sleep 0.3"_s, u"COMMIT"_s});
     ASSERT_TRUE(other.waitForReadyRead());
     EXPECT_NO_THROW(connection.execute(UpdateHistory(3)));
     EXPECT_TRUE(other.waitForFinished());
