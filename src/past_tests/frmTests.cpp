@@ -27,6 +27,11 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <utility>
+
+#ifdef VARNHOLT_PAPER
+#include "paper/frmPaper.h"
+#endif
 
 namespace varnholt {
 
@@ -103,6 +108,8 @@ void frmTests::buildControls()
                                   "choices inside a picture stay in their order."));
     cmdChange_ = makeButton("cmdChange", tr("C&hange Questions…"));
     cmdChange_->setToolTip(tr("Reviews these questions and makes a new test."));
+    cmdPaper_ = makeButton("cmdPaper", tr("&Print or Save as PDF…"));
+    cmdPaper_->setToolTip(tr("Puts the questions of this test on paper."));
     cmdUnused_ = makeButton("cmdUnused", tr("Not &Used After All"));
     cmdUnused_->setToolTip(tr("Says whether the questions of this test count as used."));
     cmdDelete_ = makeButton("cmdDelete", tr("&Delete"));
@@ -115,19 +122,23 @@ void frmTests::buildControls()
     splitter->setStretchFactor(1, 1);
     auto* buttons = new QHBoxLayout;
     for (QPushButton* button :
-         {cmdOpenAgain_, cmdNewVersion_, cmdChange_, cmdUnused_, cmdDelete_}) {
+         {cmdOpenAgain_, cmdNewVersion_, cmdChange_, cmdPaper_, cmdUnused_, cmdDelete_}) {
         button->setAutoDefault(true);
         buttons->addWidget(button);
     }
-    buttons->insertStretch(3);
+    buttons->insertStretch(4);
+#ifndef VARNHOLT_PAPER
+    cmdPaper_->hide();
+#endif
     auto* column = new QVBoxLayout(this);
     column->addWidget(splitter, 1);
     column->addWidget(lblEmpty_, 1);
     column->addWidget(lblNote_);
     column->addLayout(buttons);
     QWidget* previous = lstTests_;
-    for (QWidget* next : std::initializer_list<QWidget*>{
-             lstQuestions_, cmdOpenAgain_, cmdNewVersion_, cmdChange_, cmdUnused_, cmdDelete_}) {
+    for (QWidget* next :
+         std::initializer_list<QWidget*>{lstQuestions_, cmdOpenAgain_, cmdNewVersion_, cmdChange_,
+                                         cmdPaper_, cmdUnused_, cmdDelete_}) {
         setTabOrder(previous, next);
         previous = next;
     }
@@ -138,6 +149,7 @@ void frmTests::connectControls()
     connect(cmdOpenAgain_, &QPushButton::clicked, this, &frmTests::cmdOpenAgain_Click);
     connect(cmdNewVersion_, &QPushButton::clicked, this, &frmTests::cmdNewVersion_Click);
     connect(cmdChange_, &QPushButton::clicked, this, &frmTests::cmdChange_Click);
+    connect(cmdPaper_, &QPushButton::clicked, this, &frmTests::cmdPaper_Click);
     connect(cmdUnused_, &QPushButton::clicked, this, &frmTests::cmdUnused_Click);
     connect(cmdDelete_, &QPushButton::clicked, this, &frmTests::cmdDelete_Click);
     connect(lstTests_, &QTreeWidget::currentItemChanged, this, &frmTests::showTest);
@@ -251,6 +263,7 @@ void frmTests::showButtons()
     const bool changeable = test && features.on;
     cmdOpenAgain_->setEnabled(test);
     cmdChange_->setEnabled(test);
+    cmdPaper_->setEnabled(test);
     cmdNewVersion_->setEnabled(test && NextVersion(tests_, *test).has_value());
     cmdUnused_->setEnabled(changeable && test->kind != TestKind::Kept);
     cmdUnused_->setText(test && test->options.unused ? tr("&Used After All")
@@ -342,6 +355,28 @@ void frmTests::cmdChange_Click()
         });
         review_->Form_Load();
     });
+}
+
+void frmTests::cmdPaper_Click()
+{
+#ifdef VARNHOLT_PAPER
+    const PastTest* test = current();
+    if (!test) {
+        return;
+    }
+    PaperTest paper;
+    paper.title = test->name;
+    paper.className = test->className;
+    tryTo([&] {
+        for (const TestItem& item : library_.pastTests().items(test->TestID)) {
+            paper.questions.push_back(
+                {item.answer, item.topicText, FindTestPicture(library_.programFolder(), item)});
+        }
+    });
+    if (!paper.questions.empty()) {
+        frmPaper(services_, std::move(paper), window()).exec();
+    }
+#endif
 }
 
 void frmTests::cmdUnused_Click()

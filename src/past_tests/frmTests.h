@@ -49,6 +49,7 @@ private:
     void cmdOpenAgain_Click();
     void cmdNewVersion_Click();
     void cmdChange_Click();
+    void cmdPaper_Click();
     void cmdUnused_Click();
     void cmdDelete_Click();
     void undo();
@@ -79,6 +80,7 @@ private:
     QPushButton* cmdOpenAgain_ = nullptr;
     QPushButton* cmdNewVersion_ = nullptr;
     QPushButton* cmdChange_ = nullptr;
+    QPushButton* cmdPaper_ = nullptr;
     QPushButton* cmdUnused_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;
 };
