@@ -1,7 +1,8 @@
 ; The installer for one user, who needs no rights of an administrator for it. It leaves the
 ; question library alone, which lies in the user's own data.
 ; Needs -DVERSION=1.0.0 -DSOURCE=installed folder -DTARGET=installer to write -DICON=icon
-Unicode true
+; Of 64 bits, as the program is: it starts wherever the program does.
+Target amd64-unicode
 SetCompressor /SOLID lzma
 !include MUI2.nsh
 

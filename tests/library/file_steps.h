@@ -11,8 +11,13 @@ enum class AtStep
     NoLinks   ///< the file system knows no hard links
 };
 
+#ifdef _WIN32
+// Nothing can stand before the calls of a Windows program.
+inline void setFileSteps(AtStep /*what*/, int /*number*/ = 0) {}
+#else
 void setFileSteps(AtStep what, int number = 0);
 /// Steps so far.
 [[nodiscard]] int fileSteps();
+#endif
 
 } // namespace varnholt::test

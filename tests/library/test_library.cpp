@@ -1,6 +1,7 @@
 #include "support/test_library.h"
 #include "library/Library.h"
 #include "support/fakes.h"
+#include "support/file_size_limit.h"
 #include "support/unprivileged.h"
 
 #include <QDir>
@@ -117,6 +118,7 @@ TEST_F(LibraryTest, BringsOlderTablesUpAndLeavesNewerOnesAlone)
 
 TEST_F(LibraryTest, ReadOnlyShowsItsTrashAndChangesNothing)
 {
+    VARNHOLT_SKIP_ON_WINDOWS("a folder cannot be closed to its owner");
     open();
     library->deleteQuestion(2);
     library->close();
@@ -229,11 +231,13 @@ TEST_F(LibraryTest, AFailedPictureLeavesTheRowAndAnOldOneIsSetAside)
     };
     QFile old(files.folder() + u"/Files/5.JPG"_s);
     ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.close();
     EXPECT_EQ(library->addQuestion({1, 1, 1}, u"a"_s, write), 5);
     EXPECT_EQ(QDir(files.folder() + u"/Files"_s)
                   .entryList(QDir::Files, QDir::Name | QDir::IgnoreCase)
-                  .join(u' '),
-              u"5.jpg 5.JPG.bak"_s);
+                  .join(u' ')
+                  .toLower(),
+              u"5.jpg 5.jpg.bak"_s);
     EXPECT_THROW(
         library->addQuestion({1, 1, 1}, u"b"_s, [](const QString&) { throw Error(u"full."_s); }),
         Error);

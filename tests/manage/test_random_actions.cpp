@@ -198,8 +198,9 @@ protected:
         frozen = on;
         const bool moved = on && pick(2);
         connection.execute(u"PRAGMA query_only = %1"_s.arg(on && !moved));
-        if (moved) {
-            QFile::rename(path, path + u'x');
+        if (moved && !QFile::rename(path, path + u'x')) {
+            // Windows lets nobody move a file that is open.
+            connection.execute(u"PRAGMA query_only = 1"_s);
         }
     }
 

@@ -2,6 +2,7 @@
 #include "store/connection.h"
 #include "store/library_file.h"
 #include "store/statements.h"
+#include "support/file_size_limit.h"
 #include "support/test_library.h"
 #include "support/unprivileged.h"
 
@@ -47,7 +48,7 @@ protected:
             connection.open(path);
         } catch (const DatabaseError& error) {
             EXPECT_FALSE(connection.isOpen());
-            EXPECT_TRUE(error.message().contains(path)) << error.what();
+            EXPECT_TRUE(error.message().contains(QDir::toNativeSeparators(path))) << error.what();
             return error.message().section(u'\n', 0, 0).toStdString();
         }
         return {};
@@ -134,6 +135,7 @@ class LockedLibrary : public LibraryConnection,
 
 TEST_P(LockedLibrary, IsOpenedForReading)
 {
+    VARNHOLT_SKIP_ON_WINDOWS("a folder cannot be closed to its owner");
     const auto [mode, permissions] = GetParam();
     const QString path = library.databasePath();
     library.addAssessment(u"A"_s);
@@ -168,6 +170,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, LockedLibrary,
 
 TEST_F(LibraryConnection, WritesFailLoudlyOnceTheFileHasGone)
 {
+    VARNHOLT_SKIP_ON_WINDOWS("a file in use cannot be taken away");
     EXPECT_THROW(connection.execute(UpdateHistory(1)), DatabaseError);
     connection.open(library.databasePath());
     connection.execute(UpdateHistory(1));
@@ -240,6 +243,7 @@ void touch(const QString& path)
 
 TEST(PictureFiles, AreFoundWhateverTheCase)
 {
+    VARNHOLT_SKIP_ON_WINDOWS("names of files are the same in any case");
     QTemporaryDir folder;
     const QString root = folder.path();
     EXPECT_EQ(FindPictureFile(root, 7), root + u"/Files/7.jpg"_s);
@@ -297,6 +301,7 @@ using LockedFolder = LibraryConnection;
 
 TEST_F(LockedFolder, IsCopiedWithAllItHoldsOrTheFailureTold)
 {
+    VARNHOLT_SKIP_ON_WINDOWS("a folder cannot be closed to its owner");
     TestLibrary& locked = library;
     locked.addQuestion(1, 1, 1, u"A"_s);
     killAfterAdding(u"last"_s);
