@@ -5,6 +5,7 @@
 #include "support/gui.h"
 #include "support/test_services.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
@@ -12,6 +13,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QThread>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -246,6 +249,17 @@ TEST_F(BackupsWindow, ClosingMakesOneAnHourAfterAChangeAndGoesOnWhateverHappens)
         EXPECT_EQ(backups.makeBefore(nullptr), goOn);
     }
     messages.verify();
+    QFile::remove(pool);
+    // Nor are tables brought up without one.
+    std::vector<QString> scripts = PlusTables::ownScripts();
+    scripts.push_back(u"CREATE TABLE PlusMore (A)"_s);
+    Library newer(library.folder(), clock, scripts);
+    newer.open();
+    LibraryBackups ofNewer(services, newer);
+    EXPECT_EQ(ofNewer.begin(), QString());
+    newer.deleteQuestion(4);
+    EXPECT_EQ(count(), 4U);
+    newer.close();
     // A second program only reads and makes none.
     owner.open(Connection::Access::ReadOnly);
     closeProgram();
@@ -254,6 +268,26 @@ TEST_F(BackupsWindow, ClosingMakesOneAnHourAfterAChangeAndGoesOnWhateverHappens)
         EXPECT_FALSE(enabled(button)) << button;
         EXPECT_EQ(control<QPushButton>(window.get(), button)->toolTip(), owner.features().reason);
     }
+}
+
+TEST(BackgroundWork, IsStoppedByTheUserAndHandsOnWhatItThrows)
+{
+    QTimer patience;
+    QObject::connect(&patience, &QTimer::timeout, [] {
+        if (QWidget* bar = QApplication::activeModalWidget()) {
+            QTest::keyClick(bar, Qt::Key_Escape);
+        }
+    });
+    patience.start(20);
+    const auto endless = [](const WorkProgress& progress) {
+        for (std::size_t i = 0;; ++i) {
+            progress(i % 7, i % 2 ? 7 : 0);
+            QThread::msleep(1);
+        }
+    };
+    EXPECT_THROW(RunInBackground(nullptr, u"…"_s, LongWork::Cancel::Offered, endless), Cancelled);
+    const auto failing = [](const WorkProgress&) { throw Error(u"full"_s); };
+    EXPECT_THROW(RunInBackground(nullptr, {}, LongWork::Cancel::Offered, failing), Error);
 }
 
 } // namespace
