@@ -23,6 +23,7 @@ constexpr int largestNumber = 9999;
 QuotaColumn::QuotaColumn(ListBox* list, QWidget* parent)
     : QWidget(parent)
     , list_(list)
+    , viewport_(list->viewport())
 {
     named(this, "quotaColumn", tr("Numbers of questions from the topics"));
     setFocusPolicy(Qt::TabFocus);
@@ -168,7 +169,7 @@ bool QuotaColumn::eventFilter(QObject* watched, QEvent* event)
     } else if (field && (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)) {
         // Otherwise Shift+Tab would lead from a field to the column and right back.
         setFocusPolicy(event->type() == QEvent::FocusIn ? Qt::NoFocus : Qt::TabFocus);
-    } else if (watched == list_->viewport() && event->type() == QEvent::Resize) {
+    } else if (watched == viewport_ && event->type() == QEvent::Resize) {
         layOut();
     }
     return QWidget::eventFilter(watched, event);

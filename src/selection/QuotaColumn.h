@@ -47,6 +47,8 @@ private:
     bool keyInField(int key, QLineEdit* field);
 
     ListBox* list_;
+    /// Still sends events while the list is being destroyed.
+    const QObject* viewport_;
     Quotas quotas_;
     /// Fields for the rows on show, from the first one.
     std::vector<QLineEdit*> fields_;
