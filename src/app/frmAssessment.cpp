@@ -126,7 +126,7 @@ void frmAssessment::buildMenu()
     addEntry("mnuTutorial", tr("Tutorial &Videos"), &frmAssessment::mnuTutorial_Click);
     addEntry("mnAbout", tr("A&bout"), &frmAssessment::mnAbout_Click);
 
-    // No letter of the word is free in every window, and theirs were there first: F10 leads here.
+    // No letter of the word is free in every window, and theirs were there first: F10 opens it.
     QMenu* more = menuBar()->addMenu(tr("More"));
     more->menuAction()->setObjectName(QStringLiteral("mnuMore"));
     const auto addMore = [this, more](const char* name, const QString& caption,
@@ -147,6 +147,12 @@ void frmAssessment::buildMenu()
     addMore("mnuPaper", tr("&Print or Save as PDF…"), &frmAssessment::mnuPaper_Click)
         ->setShortcut(QKeySequence(QKeySequence::Print));
 #endif
+
+    auto* openMore = new QAction(tr("More"), this);
+    openMore->setShortcut(Qt::Key_F10);
+    connect(openMore, &QAction::triggered, this,
+            [this, more] { menuBar()->setActiveAction(more->menuAction()); });
+    addAction(openMore);
 
     auto* closeChildWindow = new QAction(tr("Close window"), this);
     closeChildWindow->setShortcuts(

@@ -84,7 +84,9 @@ TEST_F(Frame, OneChildAtATimeAndFreshEachTime)
     QTest::keyClick(frame.get(), Qt::Key_W, Qt::ControlModifier);
     EXPECT_EQ(frame->childWindow(), nullptr);
     EXPECT_TRUE(control<QLabel>(frame.get(), "lblEmpty")->isVisible());
-    choose("mnuTrash");
+    QTest::keyClick(frame.get(), Qt::Key_F10);
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_T);
     EXPECT_EQ(frame->childWindow()->objectName(), u"frmTrash");
     choose("mnuCheck");
     EXPECT_EQ(frame->childWindow()->objectName(), u"frmCheck");
