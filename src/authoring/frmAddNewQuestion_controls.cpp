@@ -7,6 +7,7 @@
 #include "toolkit/LineEdit.h"
 #include "toolkit/controls.h"
 
+#include <QBoxLayout>
 #include <QScreen>
 #include <QScrollArea>
 
