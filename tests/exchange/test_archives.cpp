@@ -14,7 +14,11 @@ using namespace test;
 class Archive : public testing::Test
 {
 protected:
-    Archive() { QDir(folder.path()).mkdir(QStringLiteral("out")); }
+    Archive()
+    {
+        QDir(folder.path()).mkdir(QStringLiteral("out"));
+        zip.setZipFileName(at("a.zip"));
+    }
 
     [[nodiscard]] QString at(const char* name) const
     {
@@ -34,31 +38,25 @@ protected:
         }
     }
 
-    bool add(const List1<QString>& files)
+    /// Packs files of the folder.
+    bool add(const std::vector<const char*>& names)
     {
-        zip.setZipFileName(at("a.zip"));
-        return zip.AddFilesToZip(files);
+        List1<QString> paths;
+        for (const char* name : names) {
+            paths.append(at(name));
+        }
+        return zip.AddFilesToZip(paths);
     }
 
     QTemporaryDir folder;
     cZip zip;
 };
 
-List1<QString> listOf(std::initializer_list<QString> paths)
-{
-    List1<QString> list;
-    for (const QString& path : paths) {
-        list.append(path);
-    }
-    return list;
-}
-
 TEST_F(Archive, KeepsOrderPacksTextsShowsProgressOnceAFileAndIsReadByOthers)
 {
-    List1<QString> files;
-    for (const char* name : {"b.txt", "a.txt", "9.jpg", "10.jpg"}) {
+    const std::vector<const char*> files{"b.txt", "a.txt", "9.jpg", "10.jpg"};
+    for (const char* name : files) {
         writeFile(at(name), QByteArray(300'000, *name));
-        files.append(at(name));
     }
     writeFile(at("a.zip"), "an older package");
     zip.setComment(QStringLiteral("a comment"));
@@ -84,10 +82,8 @@ TEST_F(Archive, KeepsOrderPacksTextsShowsProgressOnceAFileAndIsReadByOthers)
     EXPECT_EQ(members, "b.txt! a.txt! 9.jpg 10.jpg ");
     for (const char* command : {"unzip -tqq a.zip", "bsdtar -xOf a.zip 10.jpg", "7zz t -bso0 a.zip",
                                 "python3 -W error -m zipfile -t a.zip"}) {
-        const QString line = QString::fromLatin1(command);
-        if (isInstalled(line)) {
-            EXPECT_FALSE(runCommand(line, folder.path()).contains(QStringLiteral("arning")));
-        }
+        const auto said = runCommand(QLatin1String(command), folder.path());
+        EXPECT_FALSE(said.value_or(QString()).contains(QStringLiteral("arning")));
     }
 
     EXPECT_FALSE(zip.UnzipToFolder(at("out")));
@@ -102,93 +98,78 @@ TEST_F(Archive, FailuresAreToldAndLeaveTheOldPackage)
     writeFile(at("a.zip"), "an older package");
     writeFile(at("1.jpg"), QByteArray(3'000'000, 'x'));
 
-    for (const char* other : {"missing.jpg", "1.jpg"}) {
-        EXPECT_FALSE(add(listOf({at("1.jpg"), at(other)})));
-    }
+    EXPECT_FALSE(add({"1.jpg", "missing.jpg"}) || add({"1.jpg", "1.jpg"}));
     {
         const FileSizeLimit fullDisk(1'000'000);
-        EXPECT_FALSE(add(listOf({at("1.jpg")})));
+        EXPECT_FALSE(add({"1.jpg"}));
     }
     EXPECT_EQ(readFile(at("a.zip")), "an older package");
     EXPECT_EQ(listing(folder.path()), "1.jpg a.zip out/");
 
     for (const char* path : {"/proc/a.zip", "/nowhere/a.zip"}) {
         zip.setZipFileName(QLatin1String(path));
-        EXPECT_FALSE(zip.AddFilesToZip(listOf({at("1.jpg")})));
+        EXPECT_FALSE(add({"1.jpg"}));
         EXPECT_TRUE(zip.failure().notOpened);
         EXPECT_THROW(cZip::CreateEmptyZip(QLatin1String(path)), Error);
     }
 
     // An empty archive is the end record alone.
     const QByteArray empty = "PK\5\6" + QByteArray(18, 0);
-    cZip::CreateEmptyZip(at("e.zip"));
-    EXPECT_EQ(readFile(at("e.zip")), empty);
-    EXPECT_TRUE(add({}));
+    cZip::CreateEmptyZip(at("a.zip"));
     EXPECT_EQ(readFile(at("a.zip")), empty);
     EXPECT_EQ(unpack(empty), QString());
 }
 
-struct Refusal
-{
-    const char* name;
-    std::vector<RawMember> members;
-    /// What stands in the folder afterwards.
-    const char* left = "";
-    UnpackLimits limits = {};
-};
-
 const QByteArray someText = QByteArray("some text ").repeated(50);
 
-class Refused : public Archive, public testing::WithParamInterface<Refusal>
-{};
-
-TEST_P(Refused, WithAReasonAndNoHalfFile)
+TEST_F(Archive, BadMembersAreRefusedWithoutAHalfFile)
 {
-    EXPECT_EQ(unpack(makeZip(GetParam().members), GetParam().limits), QStringLiteral("refused"));
-    EXPECT_EQ(unpacked(), GetParam().left);
+    struct Case
+    {
+        const char* name;
+        std::vector<RawMember> members;
+        /// What stands in the folder afterwards.
+        const char* left = "";
+        UnpackLimits limits = {};
+    };
+    constexpr UnpackLimits small{1000, 1000, 1, 0, 3};
+    const QByteArray large(900, 'x');
+    for (const Case& c : std::vector<Case>{
+             Case{"WrongCrcStored", {{.name = "1.jpg", .data = someText, .crcError = 1}}},
+             Case{"WrongCrcDeflated",
+                  {{.name = "1.jpg", .data = "x"},
+                   {.name = "2.jpg", .data = someText, .deflated = true, .crcError = 1}},
+                  "1.jpg"},
+             Case{"Encrypted", {{.name = "1.jpg", .data = someText, .flags = 1}}},
+             Case{"NotDeflated",
+                  {{.name = "1.jpg", .data = someText, .deflated = true, .packed = "\7garbage"}}},
+             Case{"DeclaresLess",
+                  {{.name = "1.jpg", .data = someText, .deflated = true, .sizeError = -100}}},
+             Case{"SameNameInOtherCase",
+                  {{.name = "1.jpg", .data = "a"}, {.name = "1.JPG", .data = "b"}},
+                  "1.jpg"},
+             Case{"MemberTooLarge", {{.name = "1.jpg", .data = QByteArray(1001, 'x')}}, "", small},
+             Case{"OverlappingMembers",
+                  {{.name = "1.jpg", .data = large},
+                   {.name = "2.jpg", .data = large, .overlaps = true},
+                   {.name = "3.jpg", .data = large, .overlaps = true}},
+                  "1.jpg",
+                  {1000, 1000, 0, 0, 3}},
+             Case{"TooManyMembers",
+                  {{.name = "1.jpg"}, {.name = "2.jpg"}, {.name = "3.jpg"}, {.name = "4.jpg"}},
+                  "",
+                  small},
+             Case{"DirectoryTooLarge", {{.name = QByteArray(5000, 'x')}}, "", small},
+             Case{"DiskTooFull",
+                  {{.name = "1.jpg", .data = "x"}},
+                  "",
+                  {1000, 1000, 1, qint64{1} << 60, 3}}}) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(unpack(makeZip(c.members), c.limits), QStringLiteral("refused"));
+        EXPECT_EQ(unpacked(), c.left);
+        QFile::remove(at("out/1.jpg"));
+    }
 }
-
-constexpr qint64 tenGigabytes = qint64{10} << 30;
-constexpr UnpackLimits small{1000, 1000, 1, 0, 3};
-
-INSTANTIATE_TEST_SUITE_P(
-    All, Refused,
-    testing::Values(
-        Refusal{"WrongCrcStored", {{.name = "1.jpg", .data = someText, .crcError = 1}}},
-        Refusal{"WrongCrcDeflated",
-                {{.name = "1.jpg", .data = "x"},
-                 {.name = "2.jpg", .data = someText, .deflated = true, .crcError = 1}},
-                "1.jpg"},
-        Refusal{"Encrypted", {{.name = "1.jpg", .data = someText, .flags = 1}}},
-        Refusal{"NotDeflated",
-                {{.name = "1.jpg", .data = "\7garbage", .deflated = true, .packedFrom = 20}}},
-        Refusal{"DeclaresLess",
-                {{.name = "1.jpg", .data = someText, .deflated = true, .sizeError = -100}}},
-        Refusal{"SameNameInOtherCase",
-                {{.name = "1.jpg", .data = "a"}, {.name = "1.JPG", .data = "b"}},
-                "1.jpg"},
-        Refusal{"TenGigabytesDeclaredAsTen",
-                {{.name = "1.jpg",
-                  .data = deflatedZeros(tenGigabytes),
-                  .deflated = true,
-                  .packedFrom = 10}}},
-        Refusal{"MemberTooLarge", {{.name = "1.jpg", .data = QByteArray(1001, 'x')}}, "", small},
-        Refusal{"OverlappingMembers",
-                {{.name = "1.jpg", .data = QByteArray(900, 'x')},
-                 {.name = "2.jpg", .data = QByteArray(900, 'x'), .overlaps = true},
-                 {.name = "3.jpg", .data = QByteArray(900, 'x'), .overlaps = true}},
-                "1.jpg",
-                {1000, 1000, 0, 0, 3}},
-        Refusal{"TooManyMembers",
-                {{.name = "1.jpg"}, {.name = "2.jpg"}, {.name = "3.jpg"}, {.name = "4.jpg"}},
-                "",
-                small},
-        Refusal{"DirectoryTooLarge", {{.name = QByteArray(5000, 'x')}}, "", small},
-        Refusal{"DiskTooFull",
-                {{.name = "1.jpg", .data = "x"}},
-                "",
-                {1000, 1000, 1, qint64{1} << 60, 3}}),
-    [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(Archive, WhatIsNoArchiveIsRefused)
 {
@@ -258,10 +239,6 @@ TEST_F(Archive, OnlyPlainNamesAtTheRootAreTaken)
 
 TEST_F(Archive, LargeFormatsAreRead)
 {
-    EXPECT_EQ(unpack(makeZip({{.name = "1.jpg", .data = someText}}, {}, true)), QString());
-    EXPECT_EQ(readFile(at("out/1.jpg")), someText);
-    QFile::remove(at("out/1.jpg"));
-
     std::vector<RawMember> many(65'535);
     for (std::size_t i = 0; i < many.size(); ++i) {
         many[i].name = "left out/" + QByteArray::number(qlonglong(i)) + ".jpg";

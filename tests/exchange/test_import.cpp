@@ -193,19 +193,15 @@ TEST_F(Import, NameIsAskedUntilItIsFree)
     run(std::nullopt);
     EXPECT_EQ(count("Assessments"), 3);
 
-    // A name that no statement can hold.
-    expectNameQuestion(QStringLiteral("P"), QStringLiteral("O'Brien"));
-    expectImportError();
-    run();
-    EXPECT_EQ(count("Assessments"), 3);
-    EXPECT_NE(in("Import"), "");
-
-    // A new key that cannot be read back: the assessment stays.
+    // A name that no statement can hold; a new key that cannot be read back.
     library.sql(
         QStringLiteral("UPDATE sqlite_sequence SET seq = 2147483647 WHERE name = 'Assessments'"));
-    expectNameQuestion(QStringLiteral("P"), QStringLiteral("Far"));
-    expectImportError();
-    run();
+    for (const QString& name : {QStringLiteral("O'Brien"), QStringLiteral("Far")}) {
+        expectNameQuestion(QStringLiteral("P"), name);
+        expectImportError();
+        run();
+        EXPECT_NE(in("Import"), "");
+    }
     EXPECT_EQ(visible(), QStringLiteral("P,Gone,Far"));
 }
 
@@ -434,13 +430,11 @@ TEST_F(Import, PackagesOfOtherProgramsAreRead)
          {"zip -qr0 %1 .", "zip -qr9X -fd %1 .", "zip -qr -fz %1 .", "bsdtar -a -cf %1 *",
           "bsdtar --format zip --options zip:compression=store -cf %1 *", "7zz a -tzip -bd %1 .",
           "7zz a -tzip -mx0 -bd %1 .", "python3 -m zipfile -c %1 *"}) {
-        const QString line = QString::fromLatin1(command);
-        if (!isInstalled(line)) {
-            continue;
-        }
         SCOPED_TRACE(command);
         QFile::remove(package());
-        runCommand(line.arg(package()), folder.path());
+        if (!runCommand(QString::fromLatin1(command).arg(package()), folder.path())) {
+            continue;
+        }
         expectNameQuestion(QStringLiteral("P"), QStringLiteral("P%1").arg(++made));
         expectImported(1, 1, 2);
         run();

@@ -6,14 +6,13 @@ namespace varnholt::test {
 
 namespace {
 
+/// Little-endian numbers and raw bytes, one behind the other.
 class Bytes : public QByteArray
 {
 public:
     Bytes& number(quint64 value, int size)
     {
-        for (int i = 0; i < size; ++i) {
-            append(static_cast<char>(value >> (8 * i)));
-        }
+        append(reinterpret_cast<const char*>(&value), size);
         return *this;
     }
     Bytes& raw(const QByteArray& bytes)
@@ -23,29 +22,13 @@ public:
     }
 };
 
-QByteArray deflated(const QByteArray& data, int flush)
+/// Without the length and the frame that the library puts around.
+QByteArray deflated(const QByteArray& data)
 {
-    z_stream stream{};
-    deflateInit2(&stream, 9, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
-    QByteArray packed(static_cast<qsizetype>(deflateBound(&stream, uLong(data.size()))) + 16, 0);
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.constData()));
-    stream.avail_in = uInt(data.size());
-    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-    stream.avail_out = uInt(packed.size());
-    deflate(&stream, flush);
-    packed.resize(static_cast<qsizetype>(stream.total_out));
-    deflateEnd(&stream);
-    return packed;
+    return qCompress(data).sliced(6).chopped(4);
 }
 
 } // namespace
-
-QByteArray deflatedZeros(qint64 size)
-{
-    constexpr qint64 step = 1 << 20;
-    return deflated(QByteArray(step, 0), Z_FULL_FLUSH).repeated(size / step) +
-           deflated({}, Z_FINISH);
-}
 
 QByteArray makeZip(const std::vector<RawMember>& members, const QByteArray& comment, bool large)
 {
@@ -53,21 +36,20 @@ QByteArray makeZip(const std::vector<RawMember>& members, const QByteArray& comm
     Bytes directory;
     quint64 start = 0;
     for (const RawMember& member : members) {
-        const bool made = member.packedFrom < 0;
-        const QByteArray packed =
-            member.deflated && made ? deflated(member.data, Z_FINISH) : member.data;
-        const quint64 size =
-            quint64((made ? member.data.size() : member.packedFrom) + member.sizeError);
-        const quint64 crc = crc32(0, reinterpret_cast<const Bytef*>(member.data.constData()),
-                                  uInt(made ? member.data.size() : 0)) ^
-                            member.crcError;
+        const QByteArray packed = !member.packed.isEmpty() ? member.packed
+                                  : member.deflated        ? deflated(member.data)
+                                                           : member.data;
+        const quint32 crc = quint32(
+            crc32(0, reinterpret_cast<const Bytef*>(member.data.data()), uInt(member.data.size())));
         // From the version needed to the lengths; the same in both headers.
         Bytes common;
         common.number(20, 2).number(member.flags, 2);
         common.number(member.deflated ? 8 : 0, 2);
-        common.number(0x58210000, 4).number(crc, 4).number(quint64(packed.size()), 4);
-        common.number(std::min<quint64>(size, 0xffffffff), 4)
-            .number(quint64(member.name.size()), 2);
+        common.number(0x58210000, 4)
+            .number(crc ^ member.crcError, 4)
+            .number(quint64(packed.size()), 4);
+        common.number(quint64(member.data.size() + member.sizeError), 4);
+        common.number(quint64(member.name.size()), 2);
         if (!member.overlaps) {
             start = quint64(archive.size());
             archive.raw("PK\3\4").raw(common);

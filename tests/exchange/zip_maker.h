@@ -12,8 +12,8 @@ struct RawMember
     QByteArray name = {};
     QByteArray data = {};
     bool deflated = false;
-    /// `data` is what stands in the archive already, and unpacks to this many bytes.
-    qint64 packedFrom = -1;
+    /// Stands in the archive instead of `data` when not empty.
+    QByteArray packed = {};
     /// General purpose flags: 1 encrypted, 0x800 name in UTF-8.
     quint16 flags = 0;
     quint32 crcError = 0;
@@ -27,8 +27,5 @@ struct RawMember
 
 [[nodiscard]] QByteArray makeZip(const std::vector<RawMember>& members,
                                  const QByteArray& comment = {}, bool zip64 = false);
-
-/// `size` zero bytes, deflated; made in no time whatever the size (in steps of a megabyte).
-[[nodiscard]] QByteArray deflatedZeros(qint64 size);
 
 } // namespace varnholt::test
