@@ -37,6 +37,7 @@ enum Kind
     Question
 };
 
+inline const char* const addButtons[] = {"cmdAddAssessment", "cmdNewTopic", "cmdNewSubtopic"};
 inline const char* const deleteButtons[] = {"cmdDeleteAssessment", "cmdDeleteTopic",
                                             "cmdDeleteSubtopic", "cmdDeleteQuestion"};
 
@@ -85,6 +86,8 @@ inline const Box saved{u"Question Saved"_s, u"The question was saved successfull
 inline const Box savingFails{u"Save Error"_s,
                              u"There was an error saving the changes for this question."_s};
 
+inline const QString dropsNames = u"Close without adding the names that you have typed?"_s;
+
 /// A library, the library manager on it, and what its handlers are to ask and say.
 class ManageTest : public testing::Test, protected TestWorld
 {
@@ -123,10 +126,16 @@ protected:
         messages.expectInput(kind == Assessment ? u"New Assessment Name"_s : u"New Topic Name"_s,
                              u"Please enter the name of the new %1."_s.arg(kinds[kind]), answer);
     }
-    void saysAdded(Kind kind, const QString& name)
+    static Box added(Kind kind, const QString& name)
     {
-        says({kind == Assessment ? u"New Assessment Added"_s : u"New Topic Added"_s,
-              name + u" successfully added."_s});
+        return {kind == Assessment ? u"New Assessment Added"_s : u"New Topic Added"_s,
+                name + u" successfully added."_s};
+    }
+    void add(Kind kind, const QString& name, const Box& result)
+    {
+        asksName(kind, name);
+        says(result);
+        press(addButtons[kind]);
     }
     /// Presses a delete button and says Yes.
     void remove(Kind kind, const Box& result)
@@ -162,9 +171,22 @@ protected:
     }
     void typed(const QString& text) { QTest::keyClicks(dialog->focusWidget(), text); }
 
+    QLineEdit& field(const char* name) { return *control<QLineEdit>(dialog, name); }
+    /// What is said beside a field of the dialog.
+    QString hint(const char* name = "lblHint")
+    {
+        auto* label = control<QLabel>(dialog, name);
+        return label->isVisible() ? label->text() : QString();
+    }
+
     void press(const char* button) { click(window.get(), button); }
     /// In whatever control has the focus.
     void key(Qt::Key which) { QTest::keyClick(window->focusWidget(), which); }
+    void undo() { QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier); }
+    void redo()
+    {
+        QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    }
     ListBox& topics() { return *control<ListBox>(window.get(), "lstTopics"); }
     ListBox& subtopics() { return *control<ListBox>(window.get(), "lstSubtopics"); }
     ComboBox& assessments() { return *control<ComboBox>(window.get(), "cboAssessment"); }
@@ -177,18 +199,6 @@ protected:
     {
         return text("lblQuestionCount") + QLatin1String(enabled("cmdLeft") ? " <" : " -") +
                QLatin1String(enabled("cmdRight") ? ">" : "-");
-    }
-    /// The enabled ones of the buttons that the selection governs.
-    QString enabledButtons()
-    {
-        QStringList names;
-        for (const char* name : {"AddAssessment", "DeleteAssessment", "AddNewQuestion", "NewTopic",
-                                 "DeleteTopic", "NewSubtopic", "DeleteSubtopic"}) {
-            if (enabled(QByteArray("cmd").append(name))) {
-                names.append(QLatin1String(name));
-            }
-        }
-        return names.join(u' ');
     }
 
     Library owner{library.folder(), clock};

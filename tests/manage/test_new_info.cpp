@@ -19,33 +19,16 @@ protected:
 
     void open(frmNewInfo::Mode mode, std::optional<NamedTopic> chosen = std::nullopt)
     {
-        dialog = std::make_unique<frmNewInfo>(services, owner, 1, mode, chosen);
-        dialog->open();
+        info = std::make_unique<frmNewInfo>(services, owner, 1, mode, chosen);
+        dialog = info.get();
+        info->open();
     }
-    void typed(Qt::Key which) { QTest::keyClick(dialog->focusWidget(), which); }
-    void typed(const QString& text) { QTest::keyClicks(dialog->focusWidget(), text); }
-    /// Presses Save, which is refused or fails; these rows are there then.
-    void saveFails(const QString& topic, const QString& subtopic, const Box& box,
-                   const QString& expectedRows)
-    {
-        control<QLineEdit>(dialog.get(), "txtNewTopic")->setText(topic);
-        control<QLineEdit>(dialog.get(), "txtNewSubtopic")->setText(subtopic);
-        EXPECT_EQ(hinted("lblTopicHint"), topic.contains(u'\''));
-        EXPECT_EQ(hinted("lblSubtopicHint"), subtopic.contains(u'\''));
-        says(box);
-        click(dialog.get(), "cmdSave");
-        EXPECT_TRUE(dialog->isVisible());
-        EXPECT_FALSE(dialog->saved());
-        EXPECT_EQ(rows(), expectedRows);
-    }
-    bool hinted(const char* name) { return control<QLabel>(dialog.get(), name)->isVisible(); }
     [[nodiscard]] QString rows() const
     {
         return library.sql(u"SELECT * FROM Topics; SELECT * FROM SubTopics"_s).join(u' ');
     }
 
-    std::unique_ptr<frmNewInfo> dialog;
-    const QString before = u"1|Old|1|1 1|1|Sub|1|1"_s;
+    std::unique_ptr<frmNewInfo> info;
 };
 
 TEST_F(NewInfoDialog, EnterInTheSubtopicSavesTrimmedUnderANewOrTheChosenTopic)
@@ -53,39 +36,54 @@ TEST_F(NewInfoDialog, EnterInTheSubtopicSavesTrimmedUnderANewOrTheChosenTopic)
     open(frmNewInfo::Mode::TopicAndSubtopic);
     typed(u"  Waves "_s);
     typed(Qt::Key_Return); // does nothing in the topic
-    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_TRUE(info->isVisible());
     typed(Qt::Key_Tab);
     typed(u" Light  "_s);
     says(savedInfo);
     typed(Qt::Key_Return);
-    EXPECT_FALSE(dialog->isVisible());
-    ASSERT_TRUE(dialog->saved());
-    EXPECT_EQ(dialog->saved()->NewTopicID, 2);
-    EXPECT_EQ(dialog->saved()->NewSubtopicNum, 2);
-    EXPECT_EQ(rows(), u"1|Old|1|1 2|Waves|1|1 1|1|Sub|1|1 2|2|Light|1|1"_s);
+    EXPECT_FALSE(info->isVisible());
+    ASSERT_TRUE(info->saved());
+    EXPECT_EQ(info->saved()->NewTopicID, 2);
+    EXPECT_EQ(info->saved()->NewSubtopicNum, 2);
 
     open(frmNewInfo::Mode::SubtopicOnly, NamedTopic{1, u"O'Topic"_s});
-    auto* field = control<QLineEdit>(dialog.get(), "txtNewTopic");
-    EXPECT_EQ(field->text(), u"O'Topic"_s);
-    EXPECT_FALSE(field->isEnabled() || hinted("lblTopicHint"));
+    EXPECT_EQ(field("txtNewTopic").text(), u"O'Topic"_s);
+    EXPECT_FALSE(field("txtNewTopic").isEnabled());
+    EXPECT_EQ(hint("lblTopicHint"), QString());
     typed(u"Sound"_s);
     says(savedInfo);
     typed(Qt::Key_Return);
-    EXPECT_EQ(dialog->saved()->NewTopicID, 1);
-    EXPECT_TRUE(rows().endsWith(u" 3|1|Sound|1|1"_s));
+    EXPECT_EQ(info->saved()->NewTopicID, 1);
+    EXPECT_EQ(rows(), u"1|Old|1|1 2|Waves|1|1 1|1|Sub|1|1 2|2|Light|1|1 3|1|Sound|1|1"_s);
 }
 
 TEST_F(NewInfoDialog, FailuresKeepTheDialogOpenAndATopicThatIsIn)
 {
-    open(frmNewInfo::Mode::SubtopicOnly); // no topic chosen
-    saveFails(QString(), u"S"_s, textsMissing, before);
-    open(frmNewInfo::Mode::TopicAndSubtopic);
-    saveFails(u"   "_s, u"S"_s, textsMissing, before);
-    saveFails(u"T"_s, u" "_s, textsMissing, before);
-    saveFails(u"O'Brien"_s, u"S"_s, addingFails[Topic], before);
-    saveFails(u"Fine"_s, u"Isn't"_s, addingFails[Topic], u"1|Old|1|1 2|Fine|1|1 1|1|Sub|1|1"_s);
+    const struct
+    {
+        frmNewInfo::Mode mode;
+        QString topic, subtopic;
+        const Box& box;
+        QString added;
+    } table[] = {{frmNewInfo::Mode::SubtopicOnly, {}, u"S"_s, textsMissing, {}}, // none chosen
+                 {frmNewInfo::Mode::TopicAndSubtopic, u"   "_s, u"S"_s, textsMissing, {}},
+                 {frmNewInfo::Mode::TopicAndSubtopic, u"T"_s, u" "_s, textsMissing, {}},
+                 {frmNewInfo::Mode::TopicAndSubtopic, u"O'B"_s, u"S"_s, addingFails[Topic], {}},
+                 {frmNewInfo::Mode::TopicAndSubtopic, u"Fine"_s, u"Isn't"_s, addingFails[Topic],
+                  u" 2|Fine|1|1"_s}};
+    for (const auto& row : table) {
+        open(row.mode);
+        field("txtNewTopic").setText(row.topic);
+        field("txtNewSubtopic").setText(row.subtopic);
+        EXPECT_EQ(hint("lblTopicHint").isEmpty(), !row.topic.contains(u'\''));
+        EXPECT_EQ(hint("lblSubtopicHint").isEmpty(), !row.subtopic.contains(u'\''));
+        says(row.box);
+        click(dialog, "cmdSave");
+        EXPECT_TRUE(info->isVisible() && !info->saved());
+        EXPECT_EQ(rows(), u"1|Old|1|1"_s + row.added + u" 1|1|Sub|1|1"_s);
+    }
     typed(Qt::Key_Escape);
-    EXPECT_FALSE(dialog->isVisible() || dialog->saved());
+    EXPECT_FALSE(info->isVisible() || info->saved());
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <random>
 
 namespace varnholt::test {
@@ -62,6 +63,13 @@ protected:
                         .arg(chosen(subtopics())))
             .value(position - 1);
     }
+    /// What is chosen, and the question on show.
+    QString spot()
+    {
+        return u"%1 %2 %3"_s.arg(chosen(topics()))
+            .arg(chosen(subtopics()))
+            .arg(shown("fraQuestions") ? shownQuestion().section(u'|', 0, 0) : QString());
+    }
     static int chosen(const ListBox& list)
     {
         return list.listIndex() < 0 ? 0 : list.itemData(list.listIndex());
@@ -74,6 +82,8 @@ protected:
             rows(u"SELECT AssessmentNum,TopicID,SubtopicNum FROM SubTopics WHERE Available AND "
                  "AssessmentNum=%1"_s.arg(state.CurrentAssessmentNum));
         const QStringList place = places[pick(static_cast<int>(places.size()))].split(u'|');
+        EXPECT_EQ(preselection.topicId.value_or(0), chosen(topics()));
+        EXPECT_EQ(preselection.subtopicNum.value_or(0), chosen(subtopics()));
         if (!frozen) {
             owner.addQuestion({place[0].toInt(), place[1].toInt(), place[2].toInt()}, u"A"_s,
                               [](const QString& path) {
@@ -85,17 +95,16 @@ protected:
 
     void add(Kind kind)
     {
-        const char* buttons[] = {"cmdAddAssessment", "cmdNewTopic", "cmdNewSubtopic"};
         const QString name = someText();
         const QString stored = kind == Assessment ? name : name.trimmed();
         asksName(kind, name);
         if (!stored.isEmpty() && (frozen || stored.contains(u'\''))) {
             says(addingFails[kind]);
         } else if (!stored.isEmpty()) {
-            saysAdded(kind, stored);
+            says(added(kind, stored));
             come = {stored};
         }
-        press(buttons[kind]);
+        press(addButtons[kind]);
     }
     void addQuestion()
     {
@@ -104,7 +113,29 @@ protected:
                 .isEmpty()) {
             says(addingFails[Question]);
         }
+        const QString before = spot();
         press("cmdAddNewQuestion");
+        EXPECT_EQ(spot(), come.isEmpty() ? before : u"0 0 "_s);
+    }
+    /// Changes that no button of the window makes.
+    void elsewhere()
+    {
+        const QString topic = rows(u"SELECT TopicID FROM Topics WHERE Available"_s).value(0);
+        const QString question =
+            rows(u"SELECT SOLIndex FROM Questions WHERE Available ORDER BY random()"_s).value(0);
+        const QString before = spot();
+        if (pick(2) && !topic.isEmpty()) {
+            owner.rename({ItemKind::Topic, topic.toInt()}, u"E%1"_s.arg(pick(1000)));
+            changed = 1;
+        } else if (pick(2) && !question.isEmpty()) {
+            owner.deleteQuestion(question.toInt());
+            changed = 1;
+        } else if (state.CurrentAssessmentNum) {
+            owner.addTopics(state.CurrentAssessmentNum, {u"E"_s, u"F"_s});
+            come = {u"E"_s, u"F"_s};
+        }
+        QApplication::processEvents();
+        EXPECT_TRUE(spot() == before || before.section(u' ', 2) == question);
     }
     void removeSome(Kind kind)
     {
@@ -179,10 +210,8 @@ protected:
                      EXPECT_EQ(save->isEnabled(), !stored.contains(u"O'k"_s));
                      save->click();
                      if (dialog->isVisible()) {
-                         messages.expectYesNo(dialog->windowTitle(),
-                                              u"Close without adding the names that you have "
-                                              "typed?"_s,
-                                              true);
+                         EXPECT_EQ(hint().startsWith(u"Nothing was added. "_s), save->isEnabled());
+                         messages.expectYesNo(dialog->windowTitle(), dropsNames, true);
                          click(dialog, "cmdCancel");
                      } else {
                          come = stored;
@@ -204,73 +233,58 @@ protected:
         }
     }
 
+    void turn(const char* button)
+    {
+        press(button);
+        turned = true;
+    }
     /// One of the things that can be done now; what it must come to is in `come` and `changed`.
     void act()
     {
         const auto can = [this](const char* name) { return enabled(name) && shown(name); };
-        const auto choose = [this](ListBox& list) {
-            if (list.listCount() > 0) {
-                list.setListIndex(pick(list.listCount()));
-            }
-        };
+        const auto choose = [this](auto& list) { list.setListIndex(pick(list.listCount())); };
+        const bool question = can("cmdEditQuestion");
+        auto& strip = *control<PictureStrip>(window.get(), "lstPictures");
+        const int count = question ? strip.model()->rowCount() : 0;
         const QList<int> before{chosen(topics()), chosen(subtopics())};
-        int i = pick(330);
-        const auto one = [&i](int weight) { return i >= 0 && (i -= weight) < 0; };
-        if (one(70)) {
-            choose(topics());
-        } else if (one(90)) {
-            choose(subtopics());
-        } else if (one(4) && assessments().listCount() > 0) {
-            assessments().setListIndex(pick(assessments().listCount()));
-        } else if (one(4)) {
-            open();
-        } else if (one(4)) {
-            add(Assessment);
-        } else if (one(10) && can("cmdNewTopic")) {
-            add(Topic);
-        } else if (one(18) && can("cmdNewSubtopic")) {
-            add(Subtopic);
-        } else if (one(40) && can("cmdAddNewQuestion")) {
-            addQuestion();
-        } else if (one(1) && can("cmdDeleteAssessment")) {
-            removeSome(Assessment);
-        } else if (one(6) && can("cmdDeleteTopic")) {
-            removeSome(Topic);
-        } else if (one(8) && can("cmdDeleteSubtopic")) {
-            removeSome(Subtopic);
-        } else if (one(6) && can("cmdUndo")) {
-            press("cmdUndo");
-            turned = true;
-        } else if (one(4) && can("cmdRedo")) {
-            press("cmdRedo");
-            turned = true;
-        } else {
-            // What leaves the place as it is.
-            if (one(4) && can("cmdNewTopic")) {
-                addSeveral(Topic);
-            } else if (one(6) && can("cmdNewSubtopic")) {
-                addSeveral(Subtopic);
-            } else if (one(3) && assessments().listIndex() >= 0) {
-                rename(assessments());
-            } else if (one(5) && before[0] != 0) {
-                rename(topics());
-            } else if (one(5) && before[1] != 0) {
-                rename(subtopics());
-            } else if (can("cmdEditQuestion")) {
-                const int count = text("lblQuestionCount").section(u' ', -1).toInt();
-                const char* step = pick(2) ? "cmdLeft" : "cmdRight";
-                if (one(12)) {
-                    edit();
-                } else if (one(5)) {
-                    removeSome(Question);
-                } else if (one(8) && count > 1) {
-                    auto* strip = control<PictureStrip>(window.get(), "lstPictures");
-                    strip->setCurrentIndex(strip->model()->index(pick(count), 0));
-                } else if (can(step)) {
-                    press(step);
-                }
-            }
-            EXPECT_EQ(QList<int>({chosen(topics()), chosen(subtopics())}), before);
+        const struct
+        {
+            int weight;
+            bool can;
+            std::function<void()> act;
+            bool stays = false; // the place is left as it is
+        } table[] = {{70, topics().listCount() > 0, [&] { choose(topics()); }},
+                     {90, subtopics().listCount() > 0, [&] { choose(subtopics()); }},
+                     {4, assessments().listCount() > 0, [&] { choose(assessments()); }},
+                     {4, true, [&] { open(); }},
+                     {4, true, [&] { add(Assessment); }},
+                     {10, can("cmdNewTopic"), [&] { add(Topic); }},
+                     {18, can("cmdNewSubtopic"), [&] { add(Subtopic); }},
+                     {40, can("cmdAddNewQuestion"), [&] { addQuestion(); }},
+                     {1, can("cmdDeleteAssessment"), [&] { removeSome(Assessment); }},
+                     {6, can("cmdDeleteTopic"), [&] { removeSome(Topic); }},
+                     {8, can("cmdDeleteSubtopic"), [&] { removeSome(Subtopic); }},
+                     {6, can("cmdUndo"), [&] { turn("cmdUndo"); }},
+                     {4, can("cmdRedo"), [&] { turn("cmdRedo"); }},
+                     {4, can("cmdNewTopic"), [&] { addSeveral(Topic); }, true},
+                     {6, can("cmdNewSubtopic"), [&] { addSeveral(Subtopic); }, true},
+                     {3, assessments().listIndex() >= 0, [&] { rename(assessments()); }, true},
+                     {5, before[0] != 0, [&] { rename(topics()); }, true},
+                     {5, before[1] != 0, [&] { rename(subtopics()); }, true},
+                     {8, !frozen, [&] { elsewhere(); }, true},
+                     {12, question, [&] { edit(); }, true},
+                     {5, question, [&] { removeSome(Question); }, true},
+                     {8, count > 1,
+                      [&] { strip.setCurrentIndex(strip.model()->index(pick(count), 0)); }, true},
+                     {9, can("cmdLeft"), [&] { press("cmdLeft"); }, true},
+                     {9, can("cmdRight"), [&] { press("cmdRight"); }, true}};
+        int at = pick(339);
+        const auto& action = *std::ranges::find_if(
+            table, [&](const auto& entry) { return (at -= entry.weight) < 0; });
+        if (action.can) {
+            action.act();
+            EXPECT_TRUE(!action.stays ||
+                        before == QList<int>({chosen(topics()), chosen(subtopics())}));
         }
     }
 
@@ -285,11 +299,13 @@ protected:
         };
         const int topic = chosen(topics());
         const int subtopic = chosen(subtopics());
-        const QString buttons =
-            u"AddAssessment DeleteAssessment AddNewQuestion NewTopic DeleteTopic NewSubtopic "
-            "DeleteSubtopic"_s;
         const int depth = !state.CurrentAssessmentNum ? 1 : !topic ? 4 : !subtopic ? 6 : 7;
-        EXPECT_EQ(enabledButtons(), buttons.section(u' ', 0, depth - 1));
+        int governed = 0;
+        for (const char* button :
+             {"cmdAddAssessment", "cmdDeleteAssessment", "cmdAddNewQuestion", "cmdNewTopic",
+              "cmdDeleteTopic", "cmdNewSubtopic", "cmdDeleteSubtopic"}) {
+            EXPECT_EQ(enabled(button), governed++ < depth) << button;
+        }
 
         QStringList names;
         for (int i = 0; i < assessments().listCount(); ++i) {
