@@ -50,7 +50,4 @@ struct Segment
 /// All marker segments up to the end; entropy-coded data is skipped.
 std::vector<Segment> segments(const Bytes& file);
 
-/// Value of the cosine of frequency `u` (0 to 7) at sample `x`, by T.81 A.3.3.
-double wave(int u, int x);
-
 } // namespace varnholt::test

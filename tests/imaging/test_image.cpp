@@ -66,27 +66,25 @@ TEST(ImageCreate, FailsCleanlyWhereThereCanBeNoBitmap)
 /// The members that make another image of the same pixels.
 TEST_P(ImageTest, MirroringTurningAndResamplingMoveEveryPixel)
 {
-    using Result = std::unique_ptr<cImage>;
     for (const auto& [w, h] :
          {std::pair(1, 1), std::pair(5, 3), std::pair(33, 8), std::pair(4, 17)}) {
         const cImage image = imageOf(makeNoise(w, h, GetParam()));
-        const auto right = [w = w](int x) { return w - 1 - x; };
-        const auto bottom = [h = h](int y) { return h - 1 - y; };
+        // Whether rows become columns, then whether columns and rows are taken from the far end.
         // A turn is against the clock, as the corners say: top left to bottom left.
-        const ColourOf quarter = [&](int x, int y) { return at(image, right(y), x); };
-        const ColourOf half = [&](int x, int y) { return at(image, right(x), bottom(y)); };
-        const ColourOf threeQuarters = [&](int x, int y) { return at(image, y, bottom(x)); };
-        const ColourOf upsideDown = [&](int x, int y) { return at(image, x, bottom(y)); };
-        const ColourOf mirrored = [&](int x, int y) { return at(image, right(x), y); };
-        const ColourOf same = [&](int x, int y) { return at(image, x, y); };
-        const std::tuple<Result, bool, ColourOf> results[] = {
-            {image.Mirror(true), false, upsideDown},  {image.Mirror(false), false, mirrored},
-            {image.Rotate(90), true, quarter},        {image.Rotate(450), true, quarter},
-            {image.Rotate(180), false, half},         {image.Rotate(270), true, threeQuarters},
-            {image.Rotate(-90), true, threeQuarters}, {image.Resample(w, h), false, same}};
-        for (const auto& [result, turned, expected] : results) {
+        const std::tuple<std::unique_ptr<cImage>, bool, bool, bool> results[] = {
+            {image.Mirror(true), false, false, true}, {image.Mirror(false), false, true, false},
+            {image.Rotate(90), true, true, false},    {image.Rotate(450), true, true, false},
+            {image.Rotate(180), false, true, true},   {image.Rotate(270), true, false, true},
+            {image.Rotate(-90), true, false, true},   {image.Resample(w, h), false, false, false}};
+        for (const auto& [result, turned, farX, farY] : results) {
             ASSERT_NE(result, nullptr);
             EXPECT_EQ(result->BitCount(), GetParam());
+            const auto expected = [&, t = turned, fx = farX, fy = farY, w = w, h = h](int x,
+                                                                                      int y) {
+                if (t)
+                    std::swap(x, y);
+                return at(image, fx ? w - 1 - x : x, fy ? h - 1 - y : y);
+            };
             EXPECT_EQ(difference(result->hDC()->view(), turned ? h : w, turned ? w : h, expected),
                       "");
         }
@@ -144,12 +142,8 @@ TEST(ImageResample, ShrinkingAveragesAndGrowingInterpolates)
 
 TEST(ImageCopyStdPicture, TakesEveryFormatAPictureCanHave)
 {
-    Picture high{3,
-                 2,
-                 16,
-                 {},
-                 {0x1F, 0x00, 0xE0, 0x03, 0x00, 0x7C, 0, 0, //
-                  0xFF, 0x7F, 0x00, 0x00, 0x10, 0x42, 0, 0}};
+    Picture high{
+        3, 2, 16, {}, {0x1F, 0, 0xE0, 3, 0, 0x7C, 0, 0, 0xFF, 0x7F, 0, 0, 0x10, 0x42, 0, 0}};
     constexpr Bgr kColours[2][3] = {{{255, 255, 255}, {}, {132, 132, 132}},
                                     {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}}};
     cImage image;
@@ -215,9 +209,6 @@ TEST(ImagePaint, CombinesBitsAsTheOperationsCodeSays)
 {
     // A pixel of each pair of bits; the code's third byte is the table of their results, from
     // source and destination 1 1 down to 0 0 with the pattern's bit doubled.
-    DeviceContext before;
-    ASSERT_TRUE(before.Create(4, 1, 1));
-    *before.DIBits() = 0b10100000;
     DeviceContext bits;
     ASSERT_TRUE(bits.Create(4, 1, 1));
     *bits.DIBits() = 0b11000000;
@@ -228,7 +219,7 @@ TEST(ImagePaint, CombinesBitsAsTheOperationsCodeSays)
           RasterOp::SrcCopy, RasterOp::SrcPaint, RasterOp::Whiteness}) {
         DeviceContext after;
         ASSERT_TRUE(after.Create(4, 1, 1));
-        *after.DIBits() = *before.DIBits();
+        *after.DIBits() = 0b10100000;
         source.PaintHDC(&after, 0, 0, op);
         EXPECT_EQ(*after.DIBits() >> 4, static_cast<unsigned>(op) >> 16 & 15U)
             << static_cast<unsigned>(op);
@@ -254,15 +245,15 @@ TEST_P(ImageTest, PaintingClips)
 /// Every pixel of `to` has the colour of its table that is nearest to the one in `from`.
 void expectNearestColours(const BitmapView& from, const BitmapView& to)
 {
-    const auto distance = [](const Bgr& a, const Bgr& b) {
-        return std::pow(a.blue - b.blue, 2) + std::pow(a.green - b.green, 2) +
-               std::pow(a.red - b.red, 2);
-    };
     for (int i = 0; i < from.width * from.height; ++i) {
-        const Bgr wanted = colourAt(from, i % from.width, i / from.width);
-        const Bgr found = colourAt(to, i % from.width, i / from.width);
+        const Bgr a = colourAt(from, i % from.width, i / from.width);
+        const auto distance = [&](const Bgr& b) {
+            return std::pow(a.blue - b.blue, 2) + std::pow(a.green - b.green, 2) +
+                   std::pow(a.red - b.red, 2);
+        };
         for (int e = 0; e < 1 << to.bitCount; ++e)
-            ASSERT_LE(distance(wanted, found), distance(wanted, to.table[e])) << to.bitCount;
+            ASSERT_LE(distance(colourAt(to, i % from.width, i / from.width)),
+                      distance(to.table[e]));
     }
 }
 
@@ -271,12 +262,12 @@ TEST_P(ImageTest, ColoursBecomeTheNearestOfThePresentTable)
     const DeviceContext source = makeNoise(40, 20, GetParam(), 3);
     for (const int to : {1, 4, 8}) {
         DeviceContext target = makeNoise(40, 20, to, 4);
-        ASSERT_TRUE(target.BitBlt(0, 0, 40, 20, source, 0, 0));
-        expectNearestColours(source.view(), target.view());
-        const DeviceContext other = makeNoise(40, 20, to, 5);
-        ASSERT_EQ(target.SetDIBColorTable(0, 256, other.view().table), 1 << to);
-        ASSERT_TRUE(target.BitBlt(0, 0, 40, 20, source, 0, 0));
-        expectNearestColours(source.view(), target.view());
+        for (const unsigned table : {4U, 5U}) {
+            const DeviceContext other = makeNoise(40, 20, to, table);
+            ASSERT_EQ(target.SetDIBColorTable(0, 256, other.view().table), 1 << to);
+            ASSERT_TRUE(target.BitBlt(0, 0, 40, 20, source, 0, 0));
+            expectNearestColours(source.view(), target.view());
+        }
     }
     const auto grey = imageOf(source).Greyscale();
     ASSERT_EQ(grey->BitCount(), 8);
@@ -296,7 +287,6 @@ TEST(Context, CopiesOverItselfClipsAndRefuses)
         };
         EXPECT_EQ(difference(context.view(), 12, 9, expected), "");
     }
-
     const DeviceContext source = makePicture(Kind::Noise, 7, 5);
     DeviceContext target;
     ASSERT_TRUE(target.Create(10, 10, 24));

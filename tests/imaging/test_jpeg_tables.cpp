@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <map>
 #include <set>
 
 #include <jpeglib.h>
@@ -33,7 +32,6 @@ std::array<int, 64> standardTable(std::size_t number)
 TEST(QuantTables, All128EntriesFollowTheRoundingRuleAtEveryQuality)
 {
     const DeviceContext picture = makePicture(Kind::Noise, 16, 16);
-    std::map<int, int> unusual; // how many entries differ from the truncating rule
     cJpeg encoder;
     ASSERT_EQ(encoder.SampleHDC(&picture, 16, 16), cJpeg::Sampled);
     for (int quality = 1; quality <= 100; ++quality) {
@@ -49,11 +47,8 @@ TEST(QuantTables, All128EntriesFollowTheRoundingRuleAtEveryQuality)
             const int expected =
                 static_cast<int>(std::clamp(std::nearbyint(value / 100), 1.0, 255.0));
             ASSERT_EQ(components[i / 64].table[i % 64], expected) << quality << ": " << i;
-            unusual[quality] += expected != std::clamp(static_cast<int>(value) / 100, 1, 255);
         }
     }
-    EXPECT_EQ(unusual[75], 18);
-    EXPECT_EQ(unusual[100], 0);
 }
 
 /// The least total length of a prefix code, by merging the two smallest weights.

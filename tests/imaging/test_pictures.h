@@ -9,9 +9,6 @@ namespace varnholt::test {
 
 using ColourOf = std::function<Bgr(int x, int y)>;
 
-/// A 24-bit picture of the colours given.
-DeviceContext paint(int width, int height, const ColourOf& colourOf);
-
 enum class Kind
 {
     Noise,
@@ -27,7 +24,6 @@ DeviceContext makePicture(Kind kind, int width, int height, unsigned seed = 1);
 DeviceContext makeNoise(int width, int height, int bitCount, unsigned seed = 1);
 
 /// A pixel's place in its row's bytes is worked out afresh here, from the format's definition.
-int indexAt(const BitmapView& view, int x, int y);
 Bgr colourAt(const BitmapView& view, int x, int y);
 
 /// Empty when the bitmap has this size and these colours, else where it first differs.

@@ -31,10 +31,9 @@ protected:
     PptxSettings settings_;
 };
 
-void expectUnique(const QStringList& values, const QString& of)
+void expectUnique(QStringList values)
 {
-    EXPECT_EQ(std::set<QString>(values.begin(), values.end()).size(), size_t(values.size()))
-        << qPrintable(of) << ": " << qPrintable(values.join(u' '));
+    EXPECT_EQ(values.removeDuplicates(), 0) << qPrintable(values.join(u' '));
 }
 
 TEST_F(Pptx, PackageKeepsTheRules)
@@ -59,8 +58,8 @@ TEST_F(Pptx, PackageKeepsTheRules)
             .split(u'\n', Qt::SkipEmptyParts);
     const QStringList typed = package.values(contentTypes, "Override"_L1, "PartName"_L1);
     const QStringList extensions = package.values(contentTypes, "Default"_L1, "Extension"_L1);
-    expectUnique(parts, u"parts"_s);
-    expectUnique(typed + extensions, contentTypes);
+    expectUnique(parts);
+    expectUnique(typed + extensions);
     std::set<QString> reached{contentTypes};
     for (const QString& part : parts) {
         const QString extension = part.section(u'.', -1);
@@ -69,7 +68,7 @@ TEST_F(Pptx, PackageKeepsTheRules)
             << qPrintable(part);
         if (extension == u"rels") {
             reached.insert(part);
-            expectUnique(package.values(part, "Relationship"_L1, "Id"_L1), part);
+            expectUnique(package.values(part, "Relationship"_L1, "Id"_L1));
             for (const QString& target : package.values(part, "Relationship"_L1, "Target"_L1)) {
                 reached.insert(
                     QDir::cleanPath(u'/' + part.section(u'/', 0, -3) + u'/' + target).mid(1));
@@ -81,41 +80,34 @@ TEST_F(Pptx, PackageKeepsTheRules)
         EXPECT_TRUE(parts.contains(part.mid(1))) << qPrintable(part);
     }
     for (int slide = 1; slide <= 5; ++slide) {
-        const QString name = PackageReader::slideName(slide);
-        expectUnique(package.values(name, "p:cNvPr"_L1, "id"_L1), name);
+        expectUnique(package.values(PackageReader::slideName(slide), "p:cNvPr"_L1, "id"_L1));
     }
+    const auto all = [&](const QString& part, const char* element, const char* attribute = "") {
+        return package.values(part, QLatin1String(element), QLatin1String(attribute)).join(u' ');
+    };
     const QString presentation = u"ppt/presentation.xml"_s;
-    EXPECT_EQ(package.values(presentation, "p:sldId"_L1, "id"_L1),
-              (QStringList{u"256"_s, u"257"_s, u"258"_s, u"259"_s, u"260"_s}));
-    EXPECT_EQ(package.values(presentation, "p:sldSz"_L1, "cx"_L1), QStringList{u"12192000"_s});
-    EXPECT_EQ(package.values(presentation, "p:sldSz"_L1, "cy"_L1), QStringList{u"6858000"_s});
+    EXPECT_EQ(all(presentation, "p:sldId", "id"), u"256 257 258 259 260");
+    EXPECT_EQ(all(presentation, "p:sldSz", "cx"), u"12192000");
+    EXPECT_EQ(all(presentation, "p:sldSz", "cy"), u"6858000");
 
     // Each picture once, as what it is and not as what it is called, stored byte for byte.
-    EXPECT_EQ(parts.filter(u"media"_s),
-              (QStringList{u"ppt/media/image1.jpeg"_s, u"ppt/media/image2.bmp"_s,
-                           u"ppt/media/image3.jpeg"_s}));
+    EXPECT_EQ(parts.filter(u"media"_s).join(u' '),
+              u"ppt/media/image1.jpeg ppt/media/image2.bmp ppt/media/image3.jpeg");
     QFile original(picture(2));
     ASSERT_TRUE(original.open(QIODevice::ReadOnly));
     EXPECT_EQ(package.bytes(u"ppt/media/image2.bmp"_s), original.readAll());
     EXPECT_FALSE(output(u"unzip"_s, {u"-v"_s, program.writtenPath()}).contains("Defl"));
 
     // 12,700 to the point; 9,525 to the pixel at 96 dots an inch.
-    const auto all = [&](const char* element, const char* attribute) {
-        return package
-            .values(PackageReader::slideName(1), QLatin1String(element), QLatin1String(attribute))
-            .mid(1)
-            .join(u' ');
-    };
-    EXPECT_EQ(all("a:off", "x"), u"0 0 25400");
-    EXPECT_EQ(all("a:off", "y"), u"0 508000 889000");
-    EXPECT_EQ(all("a:ext", "cx"), u"12700000 1270000 5715000");
-    EXPECT_EQ(all("a:ext", "cy"), u"1270000 1270000 3333750");
-    EXPECT_EQ(package.values(PackageReader::slideName(1), "a:t"_L1),
-              (QStringList{u"O'Brien & Söhne <x> - \U0001F600"_s, u"#1"_s}));
-    EXPECT_EQ(
-        package.values(PackageReader::slideName(5), "a:t"_L1),
-        (QStringList{u"Answer Key"_s, u"1) \"A\" & <B> \u2264 \u03C0"_s, u"2) first"_s, u"second"_s,
-                     u"third\uFFFD!"_s, u"3) "_s + QString(10'000, u'w'), u"4) D"_s}));
+    const QString first = PackageReader::slideName(1);
+    EXPECT_EQ(all(first, "a:off", "x"), u"0 0 0 25400");
+    EXPECT_EQ(all(first, "a:off", "y"), u"0 0 508000 889000");
+    EXPECT_EQ(all(first, "a:ext", "cx"), u"0 12700000 1270000 5715000");
+    EXPECT_EQ(all(first, "a:ext", "cy"), u"0 1270000 1270000 3333750");
+    EXPECT_EQ(all(first, "a:t"), u"O'Brien & Söhne <x> - \U0001F600 #1");
+    EXPECT_EQ(all(PackageReader::slideName(5), "a:t"),
+              u"Answer Key 1) \"A\" & <B> \u2264 \u03C0 2) first second third\uFFFD! 3) "_s +
+                  QString(10'000, u'w') + u" 4) D"_s);
 }
 
 TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)
@@ -134,47 +126,31 @@ TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)
     };
     DefaultPresentationPrograms programs(folder_.path(), settings);
     EXPECT_EQ(build(*programs.start(SlidesInto::Program, {}), false, false).end, End::Complete);
-    // Nothing opens this one, which is also cut short.
-    addQuestion(u"B"_s);
-    const BuildOutcome outcome = build(*programs.start(SlidesInto::Program, {}), false, false);
-    EXPECT_EQ(outcome.end, End::Aborted);
-    EXPECT_EQ(outcome.notice,
-              u"There is no program on this computer to show the presentation.\n\n"
-              "You find it here:\n"_s +
-                  folder_.filePath(u"Presentations/Varnholt 2026-11-21 14.05 (2).pptx"_s));
-    EXPECT_EQ(opened, (QStringList{u"Varnholt 2026-11-21 14.05 (2).pptx"_s,
-                                   u"Varnholt 2026-11-21 14.05.pptx"_s}));
-
-    // A file is what serves without a display; other names are errors.
-    settings.hasDisplay = [] { return false; };
-    for (const QString& name : {u""_s, u"powerpoint"_s, u"keynote"_s}) {
-        settings.program = name;
-        DefaultPresentationPrograms others(folder_.path(), settings);
-        if (name.isEmpty()) {
-            const auto file = others.start(SlidesInto::Program, {});
-            EXPECT_NE(dynamic_cast<PptxProgram*>(file.get()), nullptr);
-        } else {
-            EXPECT_THROW(static_cast<void>(others.start(SlidesInto::Program, {})), Error);
-        }
-    }
-}
-
-TEST_F(Pptx, MissingPictureKeepsTheSlidesSoFar)
-{
-    VARNHOLT_SKIP_ON_WINDOWS("there is no unzip");
-    writePicture(picture(1), {60, 35}, 96);
-    addQuestion(u"A"_s);
+    // Nothing opens this one, which a missing picture cuts short: the slides so far are kept.
     addQuestion(u"B"_s, u"Second"_s);
-    PptxProgram program(settings_);
-    const BuildOutcome outcome = build(program, true, true);
+    const BuildOutcome outcome = build(*programs.start(SlidesInto::Program, {}), true, true);
     EXPECT_EQ(outcome.end, End::Aborted);
     EXPECT_TRUE(outcome.pictureIsBad);
-    EXPECT_EQ(outcome.notice, QString());
-    const PackageReader package(program.writtenPath());
+    const QString second = folder_.filePath(u"Presentations/Varnholt 2026-11-21 14.05 (2).pptx"_s);
+    EXPECT_EQ(outcome.notice, u"There is no program on this computer to show the presentation.\n\n"
+                              "You find it here:\n"_s +
+                                  second);
+    EXPECT_EQ(opened.last(), u"Varnholt 2026-11-21 14.05.pptx");
+    const PackageReader package(second);
     EXPECT_EQ(package.values(u"ppt/presentation.xml"_s, "p:sldId"_L1, "id"_L1).size(), 2);
     EXPECT_EQ(package.values(PackageReader::slideName(1), "p:pic"_L1, "x"_L1).size(), 1);
     EXPECT_EQ(package.values(PackageReader::slideName(2), "p:pic"_L1, "x"_L1).size(), 0);
     EXPECT_EQ(package.values(PackageReader::slideName(2), "a:t"_L1), QStringList{u"Second"_s});
+
+    // A file is what serves without a display; other names are errors.
+    settings.hasDisplay = [] { return false; };
+    const auto start = [&](const QString& name) {
+        settings.program = name;
+        return DefaultPresentationPrograms(folder_.path(), settings).start(SlidesInto::Program, {});
+    };
+    EXPECT_NE(dynamic_cast<PptxProgram*>(start({}).get()), nullptr);
+    EXPECT_THROW(start(u"powerpoint"_s), Error);
+    EXPECT_THROW(start(u"keynote"_s), Error);
 }
 
 TEST_F(Pptx, WhatCannotBeWrittenIsAnErrorThatSaysSoAndLeavesNothing)
@@ -195,10 +171,9 @@ TEST_F(Pptx, WhatCannotBeWrittenIsAnErrorThatSaysSoAndLeavesNothing)
     }
     EXPECT_THROW(archive.add("one more", {}), Error);
 
-    settings_.programFolder = folder_.filePath(u"many.zip"_s);
-    PptxProgram inTheWay(settings_);
-    EXPECT_THROW(inTheWay.addPresentation(), Error) << "before any work";
-    settings_.programFolder = folder_.path();
+    PptxSettings inTheWay = settings_;
+    inTheWay.programFolder = folder_.filePath(u"many.zip"_s);
+    EXPECT_THROW(PptxProgram(inTheWay).addPresentation(), Error) << "before any work";
 
     VARNHOLT_SKIP_ON_WINDOWS("the disk cannot be made to look full");
     writePicture(picture(1), {1200, 900}, 96, "bmp");
@@ -237,15 +212,10 @@ protected:
     /// fraction of two 32-bit numbers.
     QByteArray withExif(const QByteArray& orientation, const QByteArray& density)
     {
-        return bytesOf({600, 300}, 0, "jpeg")
-            .replace(2, 18,
-                     QByteArray::fromHex("FFE10042 457869660000 4D4D002A00000008 0003"
-                                         "0112000300000001" +
-                                         orientation +
-                                         "0000"
-                                         "011A00050000000100000032 011B00050000000100000032"
-                                         "00000000" +
-                                         density));
+        const QByteArray exif =
+            "FFE10042 457869660000 4D4D002A00000008 0003 0112000300000001 " + orientation +
+            " 0000 011A00050000000100000032 011B00050000000100000032 00000000" + density;
+        return bytesOf({600, 300}, 0, "jpeg").replace(2, 18, QByteArray::fromHex(exif));
     }
 
     int files_ = 0;
@@ -278,25 +248,17 @@ TEST_F(Pictures, OwnSizeIsPixelsAtTheDensityTheFileGives)
 
 TEST_F(Pictures, BadFilesAreErrors)
 {
-    QStringList bad{folder_.filePath(u"missing.jpg"_s),
-                    QString(),
-                    folder_.path(),
-                    save({}),
+    QStringList bad{folder_.filePath(u"missing.jpg"_s), QString(), folder_.path(),
                     save("not a picture at all, only some text of a decent length, long enough"),
                     save(bytesOf({30'000, 4}, 96, "jpeg"))};
     for (const char* format : {"jpeg", "png", "bmp"}) {
         const QByteArray whole = bytesOf({300, 200}, 96, format);
-        EXPECT_NO_THROW(static_cast<void>(readPictureInfo(save(whole)))) << format;
         EXPECT_NO_THROW(static_cast<void>(readPictureInfo(save(whole + QByteArray(9000, 'x')))))
             << format << " with something appended";
-        for (const qsizetype size :
-             {whole.size() - 1, whole.size() / 2, qsizetype(20), qsizetype(3)}) {
+        for (const qsizetype size : {whole.size() - 1, whole.size() / 2, qsizetype(3)}) {
             bad.append(save(whole.left(size)));
         }
     }
-    QByteArray zeroed = bytesOf({300, 200}, 96, "jpeg");
-    zeroed.replace(zeroed.size() / 2, zeroed.size(), QByteArray(zeroed.size() / 2, '\0'));
-    bad.append(save(zeroed));
     for (const QString& path : bad) {
         EXPECT_THROW(static_cast<void>(readPictureInfo(path)), Error) << qPrintable(path);
     }

@@ -35,20 +35,14 @@ protected:
     /// "<boxes>: <top of the last> <its text>" of each key slide.
     [[nodiscard]] QString keySlides() const
     {
+        const auto first = program_.calls.indexOf(u"addTextBox 0 0 300 100"_s);
+        const QString calls =
+            program_.calls.mid(first, program_.calls.size() - first - 2).join(u'\n');
         QStringList slides;
-        int boxes = 0;
-        QString last;
-        for (const QString& call :
-             program_.calls.mid(program_.calls.indexOf(u"addTextBox 0 0 300 100"_s))) {
-            if (call.startsWith(u"addTextBox")) {
-                ++boxes;
-                last = call.section(u' ', 2, 2);
-            } else if (call.startsWith(u"setShapeText")) {
-                last += u' ' + call.section(u' ', 2);
-            } else if (call == u"appendBlankSlide" || call == u"showSlide 1") {
-                slides.append(u"%1: %2"_s.arg(boxes).arg(last));
-                boxes = 0;
-                last.clear();
+        for (const QString& slide : calls.split(u"appendBlankSlide"_s)) {
+            slides.append(u"%1: "_s.arg(slide.count(u"addTextBox"_s)));
+            if (const QString box = slide.section(u"addTextBox"_s, -1); box != slide) {
+                slides.last() += box.section(u' ', 2, 2) + u' ' + box.section(u' ', 6).trimmed();
             }
         }
         return slides.join(u" | "_s);
@@ -86,26 +80,19 @@ showSlide 1; finish)"_s);
 
 TEST_F(SlideBuilder, TheKeyBreaksByPoolIndex)
 {
-    struct Case
-    {
-        int pool;
-        std::set<int> rejected;
-        const char* key;
-    };
-    const std::vector<Case> cases{{24, {}, "25: 480 24) A24"},
-                                  {25, {}, "26: 500 25) A25 | 0: "},
-                                  {26, {}, "26: 500 25) A25 | 1: 0 26) A26"},
-                                  {50, {}, "26: 500 25) A25 | 25: 480 50) A50 | 0: "},
-                                  {51, {}, "26: 500 25) A25 | 25: 480 50) A50 | 1: 0 51) A51"},
-                                  // The break waits for the next included multiple of 25.
-                                  {30, {25}, "30: 580 29) A30"},
-                                  {51, {25}, "50: 980 49) A50 | 1: 0 50) A51"},
-                                  // Rejections before it make a slide shorter, not later.
-                                  {26, {1, 2, 3}, "23: 440 22) A25 | 1: 0 23) A26"},
-                                  {2, {1, 2}, "1: 0 Answer Key"}};
-    for (const Case& test : cases) {
-        SCOPED_TRACE(test.key);
-        fillPool(test.pool, test.rejected);
+    using Rejected = std::set<int>;
+    // The break waits for the next included multiple of 25; rejections before it make a slide
+    // shorter, not later.
+    for (const auto& [pool, rejected, key] :
+         {std::tuple(24, Rejected(), "25: 480 24) A24"),
+          {25, {}, "26: 500 25) A25 | 0: "},
+          {51, {}, "26: 500 25) A25 | 25: 480 50) A50 | 1: 0 51) A51"},
+          {30, {25}, "30: 580 29) A30"},
+          {51, {25}, "50: 980 49) A50 | 1: 0 50) A51"},
+          {26, {1, 2, 3}, "23: 440 22) A25 | 1: 0 23) A26"},
+          {2, {1, 2}, "1: 0 Answer Key"}}) {
+        SCOPED_TRACE(key);
+        fillPool(pool, rejected);
         int reported = 0;
         int announced = 0;
         const auto progress = [&](int slide, int slides) {
@@ -115,34 +102,24 @@ TEST_F(SlideBuilder, TheKeyBreaksByPoolIndex)
         EXPECT_EQ(build(program_, false, true, progress).end, End::Complete);
         EXPECT_EQ(reported, announced);
         EXPECT_EQ(program_.callsOf(u"appendBlankSlide"_s).size(), announced);
-        EXPECT_EQ(keySlides().toStdString(), test.key);
+        EXPECT_EQ(keySlides().toStdString(), key);
     }
 }
 
 TEST_F(SlideBuilder, AFailureReachesTheCallerOnlyBeforeTheFirstPicture)
 {
-    struct Failure
-    {
-        const char* call;
-        int nth;
-        /// Whether it becomes the outcome; else the caller gets the error.
-        bool aborts;
-        /// Of the question it happens at.
-        int number = 0;
-    };
-    for (const auto& [call, nth, aborts, number] :
-         std::vector<Failure>{{"addPresentation", 1, false},
-                              {"setVisible", 1, false},
-                              {"appendBlankSlide", 1, false},
-                              {"setShapeText", 1, false},
-                              {"addTextBox", 2, false},
-                              {"addPicture", 1, true, 1},
-                              {"scaleWidth", 1, true, 1},
-                              {"appendBlankSlide", 2, true, 2},
-                              {"addTextBox", 3, true, 2},
-                              {"addPicture", 2, true, 2},
-                              {"setShapeText 1 Answer", 1, true},
-                              {"showSlide 1", 1, true}}) {
+    // The call, which of them, whether it becomes the outcome (else the caller gets the error),
+    // and the number of the question it happens at.
+    for (const auto& [call, nth, aborts, number] : {std::tuple("addPresentation", 1, false, 0),
+                                                    {"setVisible", 1, false, 0},
+                                                    {"appendBlankSlide", 1, false, 0},
+                                                    {"addTextBox", 2, false, 0},
+                                                    {"addPicture", 1, true, 1},
+                                                    {"scaleWidth", 1, true, 1},
+                                                    {"appendBlankSlide", 2, true, 2},
+                                                    {"addPicture", 2, true, 2},
+                                                    {"setShapeText 1 Answer", 1, true, 0},
+                                                    {"showSlide 1", 1, true, 0}}) {
         SCOPED_TRACE(testing::Message() << call << ' ' << nth);
         fillPool(3, {1});
         program_.failAt(QLatin1String(call), nth);
