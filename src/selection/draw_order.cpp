@@ -1,5 +1,7 @@
 #include "selection/draw_order.h"
 
+#include "store/nearest.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -241,22 +243,10 @@ Quotas EvenShare(const std::vector<std::pair<std::int32_t, int>>& topics, int as
 
 std::optional<int> NearestAfter(const List1<DrawnQuestion>& pool, int position, int from)
 {
-    if (from > pool.upperBound()) {
-        return std::nullopt;
-    }
-    const QuestionRecord& gone = pool(position);
-    std::optional<int> sameTopic;
-    for (int i = from; i <= pool.upperBound(); ++i) {
-        const QuestionRecord& question = pool(i);
-        if (question.TopicID != gone.TopicID) {
-            continue;
-        }
-        if (question.SubtopicNum == gone.SubtopicNum) {
-            return i;
-        }
-        sameTopic = sameTopic ? sameTopic : i;
-    }
-    return sameTopic ? sameTopic : from;
+    const auto next = pool.begin() + (from - 1);
+    const auto nearest = NearestQuestion(next, pool.end(), pool(position));
+    return nearest == pool.end() ? std::nullopt
+                                 : std::optional(from + static_cast<int>(nearest - next));
 }
 
 } // namespace varnholt
