@@ -10,7 +10,8 @@ CREATE TABLE PlusInfo (
 INSERT INTO PlusInfo (Version, LibraryID) VALUES (1, lower(hex(randomblob(16))));
 
 -- The journal: one row for each row that a step changed. Step is the ChangeID of the step's first
--- row, negative while the step is undone, and 0 when it was undone for good. Kind: 1 assessment, 2 topic, 3 subtopic, 4 question, 5 class, 6 test.
+-- row, negative while the step is undone, and 0 when it was undone for good. Kind: 1 assessment,
+-- 2 topic, 3 subtopic, 4 question, 5 class, 6 test, 7 use.
 -- Before and After are the row's fields as a JSON array, Available first; Before is NULL for a
 -- row that the step added. Rows are never deleted here, so keys need no memory of their own.
 CREATE TABLE PlusChanges (

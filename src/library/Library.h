@@ -174,7 +174,7 @@ public:
     [[nodiscard]] Trash trash() { return Trash(connection_, tables_.exist()); }
 
     // Classes, past tests and uses. Recording a test or a use is no step of the journal; what a
-    // teacher does to them afterwards is one.
+    // teacher says of them or does to them afterwards is one.
 
     /// Also of a library that can only be read.
     [[nodiscard]] PastTests pastTests() { return PastTests(connection_, tables_.exist()); }
@@ -193,11 +193,17 @@ public:
     /// are the SHA-256 of the pictures of its items in their order, or empty when they are known.
     void completeTest(std::int32_t testId, TestKind kind,
                       const std::vector<QByteArray>& pictures = {});
-    /// A question is being used; 0 for no class and no test. The key of the use is returned.
-    std::int64_t recordUse(std::int32_t solIndex, std::int32_t classId, std::int32_t testId);
-    void recordOutcome(std::int64_t useId, Outcome outcome);
-    /// How many knew a question when it was used in a test last.
-    void recordOutcome(std::int32_t testId, std::int32_t solIndex, Outcome outcome);
+    /// Records a test whose questions are shown in class one by one. It is listed at once; each of
+    /// its questions counts as used from its `recordUse` on.
+    std::int32_t beginShow(const NewTest& test);
+    /// A question of such a test is on the screen for the first time: it is a use with the test's
+    /// class from now on, whatever becomes of the rest. One short transaction. The key of the use
+    /// is returned, for `recordOutcome`. Throws for a test that is not there.
+    std::int64_t recordUse(std::int32_t testId, std::int32_t solIndex);
+    /// How many knew the questions of these uses (`recordUse`, `PastTests::uses`), in the place of
+    /// what was said before; `Outcome::Unknown` takes it back. One short transaction, one step of
+    /// the journal.
+    void recordOutcome(const std::vector<std::int64_t>& useIds, Outcome outcome);
     /// Whether the questions of a test count as used.
     void setTestUsed(std::int32_t testId, bool used);
     void deleteTest(std::int32_t testId);

@@ -86,6 +86,21 @@ std::vector<TestItem> PastTests::items(std::int32_t testId) const
     return items;
 }
 
+std::map<std::int32_t, TestUse> PastTests::uses(std::int32_t testId) const
+{
+    std::map<std::int32_t, TestUse> uses;
+    if (!recorded_) {
+        return uses;
+    }
+    Statement rows(connection_, sql::SelectTestUses);
+    rows.bind(1, std::int64_t{testId});
+    while (rows.next()) {
+        const auto key = static_cast<std::int32_t>(rows.integer(1));
+        uses[key] = {rows.integer(0), key, static_cast<Outcome>(rows.integer(2))};
+    }
+    return uses;
+}
+
 std::vector<ClassRecord> PastTests::classes() const
 {
     std::vector<ClassRecord> classes;

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "library/UseBook.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <cstdint>
+#include <map>
 #include <vector>
 
 namespace varnholt {
@@ -86,6 +89,17 @@ struct PastTest
     int questions = 0;
 };
 
+/// A question of a test that was used with a class.
+struct TestUse
+{
+    /// Of the newest use of the question in the test.
+    std::int64_t UseID = 0;
+    std::int32_t SOLIndex = 0;
+    Outcome outcome = Outcome::Unknown;
+
+    friend bool operator==(const TestUse&, const TestUse&) = default;
+};
+
 struct ClassRecord
 {
     std::int32_t ClassID = 0;
@@ -107,6 +121,8 @@ public:
     /// The newest first, `most` at most. Those in the trash are not among them.
     [[nodiscard]] std::vector<PastTest> list(int most = -1) const;
     [[nodiscard]] std::vector<TestItem> items(std::int32_t testId) const;
+    /// Its questions that were used, by their keys. None of a draw that was kept.
+    [[nodiscard]] std::map<std::int32_t, TestUse> uses(std::int32_t testId) const;
     /// By their names.
     [[nodiscard]] std::vector<ClassRecord> classes() const;
     /// The key of the class of that name, in any case; 0 for none.

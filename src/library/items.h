@@ -16,7 +16,9 @@ enum class ItemKind : std::int8_t
     Question = 4,
     // These stand under nothing, and only in libraries with the program's own tables.
     Class = 5,
-    Test = 6
+    Test = 6,
+    /// Known by its question's answer. Nobody deletes or renames one.
+    Use = 7
 };
 
 /// One row of the library: its kind and its key.

@@ -6,6 +6,15 @@ namespace varnholt {
 
 namespace sql = plus_statements;
 
+namespace {
+
+Item useItem(std::int64_t useId)
+{
+    return {ItemKind::Use, static_cast<std::int32_t>(useId)};
+}
+
+} // namespace
+
 UseBook Library::useBook(std::int32_t assessmentNum)
 {
     return tables_.exist() ? UseBook::read(connection_, assessmentNum) : UseBook();
@@ -125,43 +134,38 @@ void Library::completeTest(std::int32_t testId, TestKind kind,
     change.commitUnrecorded();
 }
 
-std::int64_t Library::recordUse(std::int32_t solIndex, std::int32_t classId, std::int32_t testId)
+std::int32_t Library::beginShow(const NewTest& test)
+{
+    return insertTest(test, TestKind::Shown);
+}
+
+std::int64_t Library::recordUse(std::int32_t testId, std::int32_t solIndex)
 {
     requireFeatures();
     Change change(*this);
     Statement insert(connection_, sql::InsertUse);
-    insert.bind(1, std::int64_t{solIndex})
-        .bind(2, std::int64_t{classId})
-        .bind(3, std::int64_t{testId})
-        .bind(4, now())
-        .next();
+    insert.bind(1, std::int64_t{testId}).bind(2, std::int64_t{solIndex}).bind(3, now());
+    if (!insert.next()) {
+        throw DatabaseError(tr("The test is not in the library."));
+    }
     const std::int64_t key = insert.integer(0);
     insert.reset();
+    change.add(useItem(key));
     change.commitUnrecorded();
     return key;
 }
 
-void Library::recordOutcome(std::int64_t useId, Outcome outcome)
+void Library::recordOutcome(const std::vector<std::int64_t>& useIds, Outcome outcome)
 {
     requireFeatures();
     Change change(*this);
-    Statement(connection_, sql::UpdateOutcome)
-        .bind(1, useId)
-        .bind(2, std::int64_t{static_cast<int>(outcome)})
-        .run();
-    change.commitUnrecorded();
-}
-
-void Library::recordOutcome(std::int32_t testId, std::int32_t solIndex, Outcome outcome)
-{
-    requireFeatures();
-    Change change(*this);
-    Statement(connection_, sql::UpdateTestOutcome)
-        .bind(1, std::int64_t{testId})
-        .bind(2, std::int64_t{solIndex})
-        .bind(3, std::int64_t{static_cast<int>(outcome)})
-        .run();
-    change.commitUnrecorded();
+    Statement update(connection_, sql::UpdateOutcome);
+    update.bind(2, std::int64_t{static_cast<int>(outcome)});
+    for (const std::int64_t useId : useIds) {
+        change.touch(useItem(useId));
+        update.bind(1, useId).run();
+    }
+    change.commit();
 }
 
 void Library::setTestUsed(std::int32_t testId, bool used)

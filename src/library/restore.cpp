@@ -67,6 +67,7 @@ Filing AvailablePlace(Connection& connection, Item item)
         case ItemKind::Question:
         case ItemKind::Class:
         case ItemKind::Test:
+        case ItemKind::Use:
             break;
         }
     }

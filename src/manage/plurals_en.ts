@@ -122,6 +122,20 @@
             <numerusform>%n more</numerusform>
         </translation>
     </message>
+    <message numerus="yes">
+        <source>It is noted how many knew %n question(s).</source>
+        <translation>
+            <numerusform>It is noted how many knew the question.</numerusform>
+            <numerusform>It is noted how many knew these %n questions.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>Undone: how many knew %n question(s) is as before.</source>
+        <translation>
+            <numerusform>Undone: how many knew the question is as before.</numerusform>
+            <numerusform>Undone: how many knew these %n questions is as before.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>varnholt::frmAddSeveral</name>

@@ -32,6 +32,9 @@ private:
 QString UndoWords::done(const StepInfo& step)
 {
     const int n = step.rows;
+    if (step.subject.item.kind == ItemKind::Use) {
+        return tr("It is noted how many knew %n question(s).", nullptr, n);
+    }
     switch (step.kind) {
     case StepKind::Add:
         return about(step, tr("%n question(s) added.", nullptr, n), tr("“%1” added."),
@@ -56,6 +59,9 @@ QString UndoWords::done(const StepInfo& step)
 QString UndoWords::undone(const StepInfo& step)
 {
     const int n = step.rows;
+    if (step.subject.item.kind == ItemKind::Use) {
+        return tr("Undone: how many knew %n question(s) is as before.", nullptr, n);
+    }
     switch (step.kind) {
     case StepKind::Add:
         return about(step, tr("Undone: %n question(s) are no longer there.", nullptr, n),
@@ -90,9 +96,9 @@ QString UndoWords::changedSince(const std::vector<NamedItem>& inTheWay, bool und
             rows.append(tr("%n more", nullptr, static_cast<int>(inTheWay.size() - shown)));
             break;
         }
-        rows.append((row.item.kind == ItemKind::Question ? tr("the question with the answer “%1”")
-                                                         : tr("“%1”"))
-                        .arg(row.name));
+        const bool question = row.item.kind == ItemKind::Question || row.item.kind == ItemKind::Use;
+        rows.append(
+            (question ? tr("the question with the answer “%1”") : tr("“%1”")).arg(row.name));
     }
     return (undo ? tr("The last change cannot be undone, because this has been changed since: %1.")
                  : tr("The change cannot be made again, because this has been changed since: %1."))

@@ -16,6 +16,8 @@ namespace {
 
 #define CLASS_FIELDS "json_array(Available, ClassName)"
 #define TEST_FIELDS "json_array(Available, TestName, Options)"
+// A use has no name and does not go.
+#define USE_FIELDS "json_array(1, '', Outcome)"
 
 #define FROM_ASSESSMENTS " FROM Assessments WHERE AssessmentNum "
 #define FROM_TOPICS " FROM Topics WHERE TopicID "
@@ -24,6 +26,7 @@ namespace {
 
 #define FROM_CLASSES " FROM PlusClasses WHERE ClassID "
 #define FROM_TESTS " FROM PlusTests WHERE TestID "
+#define FROM_USES " FROM PlusUses WHERE UseID "
 
 #define INSERT_CHANGE(kind, key, fields)                                                           \
     "INSERT INTO PlusChanges (At, Step, Kind, ItemKey, Before, After) SELECT ?1, ?2, " kind        \
@@ -62,12 +65,13 @@ const char* ofKind(int kind, std::initializer_list<const char*> statements)
 
 const char* SelectImage(int kind)
 {
-    return ofKind(kind, {"SELECT " ASSESSMENT_FIELDS FROM_ASSESSMENTS "= ?1",
-                         "SELECT " TOPIC_FIELDS FROM_TOPICS "= ?1",
-                         "SELECT " SUBTOPIC_FIELDS FROM_SUBTOPICS "= ?1",
-                         "SELECT " QUESTION_FIELDS FROM_QUESTIONS "= ?1",
-                         "SELECT " CLASS_FIELDS FROM_CLASSES "= ?1",
-                         "SELECT " TEST_FIELDS FROM_TESTS "= ?1"});
+    return ofKind(kind,
+                  {"SELECT " ASSESSMENT_FIELDS FROM_ASSESSMENTS "= ?1",
+                   "SELECT " TOPIC_FIELDS FROM_TOPICS "= ?1",
+                   "SELECT " SUBTOPIC_FIELDS FROM_SUBTOPICS "= ?1",
+                   "SELECT " QUESTION_FIELDS FROM_QUESTIONS "= ?1",
+                   "SELECT " CLASS_FIELDS FROM_CLASSES "= ?1",
+                   "SELECT " TEST_FIELDS FROM_TESTS "= ?1", "SELECT " USE_FIELDS FROM_USES "= ?1"});
 }
 
 const char* SelectName(int kind)
@@ -77,7 +81,9 @@ const char* SelectName(int kind)
                          "SELECT SubTopic, Available IS 1" FROM_SUBTOPICS "= ?1",
                          "SELECT Answer, Available IS 1" FROM_QUESTIONS "= ?1",
                          "SELECT ClassName, Available IS 1" FROM_CLASSES "= ?1",
-                         "SELECT TestName, Available IS 1" FROM_TESTS "= ?1"});
+                         "SELECT TestName, Available IS 1" FROM_TESTS "= ?1",
+                         "SELECT Answer, 1 FROM PlusUses LEFT JOIN Questions USING (SOLIndex) "
+                         "WHERE UseID = ?1"});
 }
 
 const char* UpdateFromImage(int kind)
@@ -94,7 +100,8 @@ const char* UpdateFromImage(int kind)
          "SubTopicNum = ?2 ->> 3, AssessmentNum = ?2 ->> 4 WHERE SOLIndex = ?1",
          "UPDATE PlusClasses SET Available = ?2 ->> 0, ClassName = ?2 ->> 1 WHERE ClassID = ?1",
          "UPDATE PlusTests SET Available = ?2 ->> 0, TestName = ?2 ->> 1, Options = ?2 ->> 2 "
-         "WHERE TestID = ?1"});
+         "WHERE TestID = ?1",
+         "UPDATE PlusUses SET Outcome = ?2 ->> 2 WHERE UseID = ?1"});
 }
 
 const char* UpdateAvailable(int kind)
@@ -154,7 +161,9 @@ const char* InsertChange(int kind)
                          INSERT_CHANGE("5", "ClassID", CLASS_FIELDS) FROM_CLASSES
                          "= ?3 AND " CLASS_FIELDS " IS NOT ?4",
                          INSERT_CHANGE("6", "TestID", TEST_FIELDS) FROM_TESTS
-                         "= ?3 AND " TEST_FIELDS " IS NOT ?4"});
+                         "= ?3 AND " TEST_FIELDS " IS NOT ?4",
+                         INSERT_CHANGE("7", "UseID", USE_FIELDS) FROM_USES "= ?3 AND " USE_FIELDS
+                                                                           " IS NOT ?4"});
 }
 
 const char InsertPictureChange[] =

@@ -4,8 +4,8 @@
 
 /// The statements that the classic program did not have, with places for bound values (?1, ?2, ...)
 /// instead of values in the text. `kind` is that of the journal: 1 assessment, 2 topic, 3 subtopic,
-/// 4 question, 5 class, 6 test (the last two only where the program's own tables are). A row's
-/// image is the JSON array of its fields, Available first and then the name or the answer.
+/// 4 question, 5 class, 6 test, 7 use (the last three only where the program's own tables are). A
+/// row's image is the JSON array of its fields, Available first and then the name or the answer.
 namespace varnholt::plus_statements {
 
 // The tables of the program's own.
@@ -146,17 +146,16 @@ inline constexpr char UpdateItemPicture[] =
 inline constexpr char InsertTestUses[] =
     "INSERT INTO PlusUses (SOLIndex, ClassID, TestID, UsedAt) SELECT SOLIndex, ClassID, TestID, ?2 "
     "FROM PlusTests JOIN PlusTestItems USING (TestID) WHERE TestID = ?1 ORDER BY Position";
-/// ?1 question, ?2 class or 0, ?3 test or 0, ?4 time: gives its key.
+/// ?1 test, ?2 question, ?3 time: gives its key, of a test that there is.
 inline constexpr char InsertUse[] =
-    "INSERT INTO PlusUses (SOLIndex, ClassID, TestID, UsedAt) VALUES (?1, ?2, ?3, ?4) RETURNING "
-    "UseID";
+    "INSERT INTO PlusUses (SOLIndex, ClassID, TestID, UsedAt) SELECT ?2, ClassID, TestID, ?3 FROM "
+    "PlusTests WHERE TestID = ?1 RETURNING UseID";
 /// ?1 use, ?2 outcome.
 inline constexpr char UpdateOutcome[] =
     "UPDATE PlusUses SET Outcome = nullif(?2, 0) WHERE UseID = ?1";
-/// ?1 test, ?2 question, ?3 outcome: of the newest use of the question in the test.
-inline constexpr char UpdateTestOutcome[] =
-    "UPDATE PlusUses SET Outcome = nullif(?3, 0) WHERE UseID = (SELECT max(UseID) FROM PlusUses "
-    "WHERE TestID = ?1 AND SOLIndex = ?2)";
+/// ?1 test: UseID, SOLIndex and Outcome of its uses in the order in which they were recorded.
+inline constexpr char SelectTestUses[] =
+    "SELECT UseID, SOLIndex, Outcome FROM PlusUses WHERE TestID = ?1 ORDER BY UseID";
 /// ?1 test, ?2 1 for one whose questions do not count as used.
 inline constexpr char UpdateTestUnused[] =
     "UPDATE PlusTests SET Options = json_set(Options, '$.unused', ?2) WHERE TestID = ?1";

@@ -34,6 +34,7 @@ QString NameInWords(const NamedItem& item)
     case ItemKind::Test:
         return TrashModel::tr("Test %1").arg(name);
     case ItemKind::Question:
+    case ItemKind::Use:
         break;
     }
     return name.isEmpty() ? TrashModel::tr("Question without an answer")

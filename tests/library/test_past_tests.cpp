@@ -97,11 +97,14 @@ TEST_F(PastTestsTest, OnlyWhatIsCompleteIsListedAndCountsAsUsed)
     EXPECT_EQ(uses(1) + u'/' + uses(0), u"1110/2110"_s);
     EXPECT_EQ(library.pastTests().list(1).front().name, u"nobody"_s);
     EXPECT_EQ(library.useBook(1).of(1, 0, clock.now).lastClass, 0);
-    library.recordOutcome(key, 3, Outcome::Few);
-    library.recordOutcome(library.recordUse(4, 1, 0), Outcome::Half);
-    EXPECT_EQ(library.useBook(1).of(3, 1, clock.now).outcome, Outcome::Few);
-    EXPECT_TRUE(library.useBook(1).of(4, 1, clock.now).dueAt);
-    EXPECT_FALSE(library.undoStep() && library.undoStep()->subject.name == u"nobody"_s);
+    EXPECT_EQ(library.undoStep()->subject.name, u"Rosa's test"_s) << "no use is a step";
+
+    const std::int32_t show = library.beginShow(test(u"shown"_s, u"10B"_s, {4, 3}));
+    EXPECT_TRUE(names().startsWith(u"shown,"_s) && library.pastTests().uses(show).empty());
+    const std::int64_t use = library.recordUse(show, 4);
+    EXPECT_EQ(library.pastTests().uses(show), (std::map{std::pair(4, TestUse{use, 4, {}})}));
+    EXPECT_EQ(uses(1), u"1111"_s);
+    EXPECT_THROW(library.recordUse(99, 4), Error);
 }
 
 TEST_F(PastTestsTest, WhatATeacherDoesToThemCanBeUndone)
@@ -154,6 +157,34 @@ TEST_F(PastTestsTest, WhatATeacherDoesToThemCanBeUndone)
     EXPECT_EQ(library.pastTests().classes().size(), 1U);
     EXPECT_EQ(uses(1), u"1100"_s);
     EXPECT_THROW(library.beginTest(test(u"x"_s, {}, {1})), Error);
+}
+
+TEST_F(PastTestsTest, OutcomesAreReplacedClearedAndUndone)
+{
+    const std::int32_t key = made(test(u"first"_s, u"10A"_s, {1, 2, 3}));
+    auto noted = library.pastTests().uses(key);
+    const auto outcomes = [&] {
+        QString result;
+        for (int i = 1; i <= 3; ++i) {
+            const UseSummary use = library.useBook(1).of(i, 1, clock.now);
+            EXPECT_EQ(use.outcome, library.pastTests().uses(key).at(i).outcome);
+            result += QString::number(static_cast<int>(use.outcome)) + (use.dueAt ? u"!"_s : u""_s);
+        }
+        return result;
+    };
+    library.recordOutcome({noted[1].UseID, noted[2].UseID}, Outcome::Few);
+    library.recordOutcome({noted[2].UseID}, Outcome::Most);
+    library.recordOutcome({noted[3].UseID, noted[1].UseID}, Outcome::Half);
+    EXPECT_EQ(outcomes(), u"2!32!"_s);
+    EXPECT_EQ(library.undoStep()->subject.name, u"A3"_s) << "the answer of question 3";
+    library.recordOutcome({noted[1].UseID}, Outcome::Unknown);
+    EXPECT_EQ(outcomes(), u"032!"_s);
+    for (const auto& before : {u"2!32!"_s, u"1!30"_s, u"1!1!0"_s, u"000"_s}) {
+        EXPECT_EQ(library.undo().result, UndoOutcome::Result::Done);
+        EXPECT_EQ(outcomes(), before);
+    }
+    library.redo();
+    EXPECT_EQ(outcomes(), u"1!1!0"_s);
 }
 
 TEST_F(PastTestsTest, FindsThePictureThatTheClassSaw)
