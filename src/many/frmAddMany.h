@@ -28,7 +28,8 @@ class PictureView;
 struct ProgramState;
 struct Services;
 
-/// Files and folders among what is dragged or copied that may be pictures or hold some.
+/// Files and folders among what is dragged or copied that may be pictures or PDF files, or hold
+/// some.
 [[nodiscard]] QStringList PictureFilesIn(const QMimeData& data);
 
 /// Many pictures at once: a strip of those that wait, one of them large, and where it is to be
@@ -78,11 +79,16 @@ private:
     void cmdEditPicture_Click();
     void cmdPaste_Click();
     void cmdAddFiles_Click();
+    void cmdFromPdf_Click();
     void chkCatch_Click(bool on);
 
     [[nodiscard]] Margins margins() const;
     void addRow(int number);
     void addImage(const QImage& picture);
+    /// Takes files in that are pictures, on another thread.
+    void addPictureFiles(const QStringList& files);
+    /// Lets frames be drawn in PDF files, one after the other until the user stops.
+    void addPdfs(const QStringList& files);
     void takeNewScreenshots();
     /// Runs work and tells its failure; false when it failed.
     bool attempt(const std::function<void()>& work);
@@ -115,6 +121,7 @@ private:
     QCheckBox* chkTrim_ = nullptr;
     QCheckBox* chkCatch_ = nullptr;
     QPushButton* cmdAddFiles_ = nullptr;
+    QPushButton* cmdFromPdf_ = nullptr;
     QPushButton* cmdPaste_ = nullptr;
     ComboBox* cboTopics_ = nullptr;
     ComboBox* cboSubtopics_ = nullptr;

@@ -1,6 +1,7 @@
 // What the window for many questions consists of.
 #include "manage/answer_hint.h"
 #include "many/frmAddMany.h"
+#include "pdf/PdfReader.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/LineEdit.h"
@@ -23,6 +24,11 @@ void frmAddMany::buildControls()
     lstPictures_->setUniformItemSizes(true);
     lstPictures_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     cmdAddFiles_ = makeButton("cmdAddFiles", tr("Add &File…"));
+    cmdFromPdf_ = makeButton("cmdFromPdf", tr("From P&DF…"));
+    cmdFromPdf_->setToolTip(tr("Draws frames round the questions of an exam paper."));
+    if (PdfReader::program().isEmpty()) {
+        cmdFromPdf_->hide();
+    }
     cmdPaste_ = makeButton("cmdPaste", tr("&Paste"));
     cmdPaste_->setToolTip(tr("Ctrl+V"));
     chkCatch_ = named(new QCheckBox(tr("Catch Screens&hots")), "chkCatch");
@@ -32,8 +38,9 @@ void frmAddMany::buildControls()
     chkTrim_->setToolTip(tr("Of the pictures that are taken in from now on."));
     chkTrim_->setChecked(true);
 
-    lblNone_ = makeLabel("lblNone", tr("Drop pictures or folders here, or paste pictures one after "
-                                       "the other with Ctrl+V."));
+    lblNone_ =
+        makeLabel("lblNone", tr("Drop pictures, folders or PDF files here, or paste pictures "
+                                "one after the other with Ctrl+V."));
     lblNone_->setWordWrap(true);
     lblNone_->setAlignment(Qt::AlignCenter);
     lblNone_->setForegroundRole(QPalette::PlaceholderText);
@@ -41,6 +48,7 @@ void frmAddMany::buildControls()
 
     auto* strip = new QVBoxLayout;
     strip->addWidget(cmdAddFiles_);
+    strip->addWidget(cmdFromPdf_);
     strip->addWidget(cmdPaste_);
     strip->addWidget(chkCatch_);
     strip->addWidget(chkTrim_);
@@ -121,6 +129,7 @@ void frmAddMany::connectControls()
     pressed(cmdEditPicture_, &frmAddMany::cmdEditPicture_Click);
     pressed(cmdPaste_, &frmAddMany::cmdPaste_Click);
     pressed(cmdAddFiles_, &frmAddMany::cmdAddFiles_Click);
+    pressed(cmdFromPdf_, &frmAddMany::cmdFromPdf_Click);
     const auto shortcut = [this](const QKeySequence& keys, void (frmAddMany::*handler)(),
                                  QWidget* within, Qt::ShortcutContext context) {
         auto* made = new QShortcut(keys, within);

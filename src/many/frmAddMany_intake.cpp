@@ -1,5 +1,6 @@
 // How pictures come into the window for many questions.
 #include "many/frmAddMany.h"
+#include "pdf/frmFromPdf.h"
 #include "store/errors.h"
 #include "store/services.h"
 #include "toolkit/DesktopClipboard.h"
@@ -18,6 +19,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QUrl>
@@ -71,6 +73,49 @@ void frmAddMany::addFiles(const QStringList& paths)
     for (const QString& path : paths) {
         QFileInfo(path).isDir() ? files.append(filesOf(path)) : files.append(path);
     }
+    const QStringList papers = files.filter(
+        QRegularExpression(QStringLiteral("\\.pdf$"), QRegularExpression::CaseInsensitiveOption));
+    files.removeIf([&](const QString& file) { return papers.contains(file); });
+    if (!files.isEmpty()) {
+        addPictureFiles(files);
+    }
+    if (!papers.isEmpty()) {
+        addPdfs(papers);
+    }
+}
+
+void frmAddMany::addPdfs(const QStringList& files)
+{
+    if (PdfReader::program().isEmpty()) {
+        lblHint_->say(tr("This program was installed without its part for PDF files. Take "
+                         "screenshots of the questions instead."));
+        return;
+    }
+    const int before = lstPictures_->count();
+    QStringList failures;
+    for (const QString& file : files) {
+        try {
+            frmFromPdf dialog(
+                services_,
+                [this](const QImage& picture) { addRow(pending_.add(picture, margins())); },
+                window());
+            if (!dialog.open(file) || dialog.exec() == QDialog::Rejected) {
+                break;
+            }
+        } catch (const Error& error) {
+            failures.append(error.message());
+        }
+    }
+    if (lstPictures_->count() > before) {
+        lstPictures_->setCurrentRow(before);
+    }
+    lblHint_->say(failures.join(u' '));
+    showState();
+    txtAnswer_->setFocus();
+}
+
+void frmAddMany::addPictureFiles(const QStringList& files)
+{
     const Margins wanted = margins();
     std::vector<int> taken;
     QStringList failures;
@@ -147,6 +192,14 @@ void frmAddMany::cmdAddFiles_Click()
         tr("Pictures (*.png *.jpg *.jpeg *.gif *.bmp *.webp *.tif)"));
     if (file) {
         addFiles({*file});
+    }
+}
+
+void frmAddMany::cmdFromPdf_Click()
+{
+    const std::optional<QString> file = services_.fileDialogs->openFile(tr("PDF Files (*.pdf)"));
+    if (file) {
+        addPdfs({*file});
     }
 }
 
