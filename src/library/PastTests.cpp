@@ -18,6 +18,7 @@ const QString versionKey = QStringLiteral("version");
 const QString versionOfKey = QStringLiteral("versionOf");
 const QString unusedKey = QStringLiteral("unused");
 const QString askedKey = QStringLiteral("asked");
+const QString slidesKey = QStringLiteral("slides");
 
 } // namespace
 
@@ -34,6 +35,9 @@ QString TestOptions::toJson() const
     if (asked > 0) {
         object.insert(askedKey, asked);
     }
+    if (slides.any()) {
+        object.insert(slidesKey, slides.toJson());
+    }
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
@@ -47,6 +51,7 @@ TestOptions TestOptions::fromJson(const QString& text)
     options.versionOf = object.value(versionOfKey).toInt();
     options.unused = object.value(unusedKey).toInt() != 0;
     options.asked = object.value(askedKey).toInt();
+    options.slides = SlideWishes::fromJson(object.value(slidesKey).toObject());
     return options;
 }
 

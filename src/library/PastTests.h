@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/UseBook.h"
+#include "store/slide_wishes.h"
 
 #include <QByteArray>
 #include <QString>
@@ -38,6 +39,7 @@ struct TestOptions
     bool unused = false;
     /// How many questions were asked for, of a draw that was kept; 0 else.
     int asked = 0;
+    SlideWishes slides{};
 
     [[nodiscard]] QString toJson() const;
     [[nodiscard]] static TestOptions fromJson(const QString& text);

@@ -41,6 +41,12 @@ MoreFrame::MoreFrame(QWidget* parent)
     lblFresh_ = makeLabel("lblFresh");
     lblFresh_->setWordWrap(true);
     lblFresh_->hide();
+    cmdSlides_ = makeButton("cmdSlides", tr("Slides…"));
+    cmdSlides_->setToolTip(tr("Larger pictures, answers after each question, and what else the "
+                              "slides can have."));
+    lblSlides_ = makeLabel("lblSlides");
+    lblSlides_->setWordWrap(true);
+    lblSlides_->hide();
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(lblClass, 0, 0);
@@ -48,9 +54,12 @@ MoreFrame::MoreFrame(QWidget* parent)
     grid->addWidget(lblDraw, 1, 0);
     grid->addWidget(cboDraw_, 1, 1);
     grid->addWidget(lblFresh_, 2, 0, 1, 2);
+    grid->addWidget(cmdSlides_, 3, 0);
+    grid->addWidget(lblSlides_, 3, 1);
     grid->setColumnStretch(1, 1);
     connect(cboClass_, &QComboBox::editTextChanged, this, &MoreFrame::wishesChanged);
     connect(cboDraw_, &ComboBox::Click, this, &MoreFrame::wishesChanged);
+    connect(cmdSlides_, &QPushButton::clicked, this, &MoreFrame::slidesClicked);
 }
 
 DrawWishes MoreFrame::wishes() const
@@ -85,9 +94,16 @@ void MoreFrame::say(const QString& text)
     cboDraw_->setAccessibleDescription(text);
 }
 
+void MoreFrame::saySlides(const QString& text)
+{
+    lblSlides_->setText(text);
+    lblSlides_->setVisible(!text.isEmpty());
+    cmdSlides_->setAccessibleDescription(text);
+}
+
 std::vector<QWidget*> MoreFrame::controls() const
 {
-    return {cboClass_, cboDraw_};
+    return {cboClass_, cboDraw_, cmdSlides_};
 }
 
 } // namespace varnholt

@@ -6,12 +6,14 @@
 #include <QStringList>
 
 class QLabel;
+class QPushButton;
 
 namespace varnholt {
 
 class ComboBox;
 
-/// The group "More" of the selection window: the class, and which questions a draw prefers.
+/// The group "More" of the selection window: the class, which questions a draw prefers, and the way
+/// to what can be asked of the slides.
 class MoreFrame : public QGroupBox
 {
     Q_OBJECT
@@ -26,6 +28,8 @@ public:
     void setClasses(const QStringList& names);
     /// What stands beside them: "31 of 38 new for 10B", or nothing.
     void say(const QString& text);
+    /// What is asked of the slides, beside the button for it.
+    void saySlides(const QString& text);
 
     /// In the order of tabbing.
     [[nodiscard]] std::vector<QWidget*> controls() const;
@@ -33,11 +37,14 @@ public:
 Q_SIGNALS:
     /// She has typed or chosen something else.
     void wishesChanged();
+    void slidesClicked();
 
 private:
     ComboBox* cboClass_ = nullptr;
     ComboBox* cboDraw_ = nullptr;
     QLabel* lblFresh_ = nullptr;
+    QPushButton* cmdSlides_ = nullptr;
+    QLabel* lblSlides_ = nullptr;
 };
 
 } // namespace varnholt

@@ -4,6 +4,7 @@
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
+#include <QJsonDocument>
 #include <QLocale>
 #include <QSettings>
 #include <QStringList>
@@ -61,6 +62,20 @@ void SaveWishes(const QString& programFolder, const DrawWishes& wishes)
     put(keyOf(programFolder, QStringLiteral("class")), wishes.className);
     put(keyOf(programFolder, QStringLiteral("draw")),
         wishes.rule == DrawRule::Any ? QString() : QString::number(static_cast<int>(wishes.rule)));
+}
+
+SlideWishes LoadSlideWishes(const QString& programFolder)
+{
+    const QString kept =
+        QSettings().value(keyOf(programFolder, QStringLiteral("slides"))).toString();
+    return SlideWishes::fromJson(QJsonDocument::fromJson(kept.toUtf8()).object());
+}
+
+void SaveSlideWishes(const QString& programFolder, const SlideWishes& wishes)
+{
+    const QByteArray json = QJsonDocument(wishes.toJson()).toJson(QJsonDocument::Compact);
+    put(keyOf(programFolder, QStringLiteral("slides")),
+        wishes.any() ? QString::fromUtf8(json) : QString());
 }
 
 Quotas LoadQuotas(const QString& programFolder, std::int32_t assessmentNum)

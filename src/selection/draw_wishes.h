@@ -1,6 +1,7 @@
 #pragma once
 
 #include "selection/draw_order.h"
+#include "store/slide_wishes.h"
 
 #include <QString>
 
@@ -19,6 +20,8 @@ struct DrawWishes
 /// each assessment.
 [[nodiscard]] DrawWishes LoadWishes(const QString& programFolder);
 void SaveWishes(const QString& programFolder, const DrawWishes& wishes);
+[[nodiscard]] SlideWishes LoadSlideWishes(const QString& programFolder);
+void SaveSlideWishes(const QString& programFolder, const SlideWishes& wishes);
 [[nodiscard]] Quotas LoadQuotas(const QString& programFolder, std::int32_t assessmentNum);
 void SaveQuotas(const QString& programFolder, std::int32_t assessmentNum, const Quotas& quotas);
 

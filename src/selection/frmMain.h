@@ -89,6 +89,7 @@ private:
 
     void connectMore();
     void cmdEvenShare_Click();
+    void cmdSlides_Click();
     void makeAgain(const PastTest& test);
     /// Reads the classes and the last tests.
     void loadMemory();

@@ -7,6 +7,7 @@
 #include "selection/QuotaColumn.h"
 #include "selection/RecentTests.h"
 #include "selection/build_run.h"
+#include "selection/frmSlides.h"
 #include "selection/paper_draw.h"
 #include "selection/past_build.h"
 #include "selection/test_record.h"
@@ -32,10 +33,21 @@ void frmMain::connectMore()
         ranks_.reset();
         showFresh();
     });
+    fraMore_->saySlides(LoadSlideWishes(services_.programFolder).inWords());
+    connect(fraMore_, &MoreFrame::slidesClicked, this, &frmMain::cmdSlides_Click);
     connect(fraRecent_, &RecentTests::makeAgain, this, &frmMain::makeAgain);
     connect(quotaColumn_, &QuotaColumn::quotasChanged, this, &frmMain::quotasChanged);
     connect(cmdEvenShare_, &QPushButton::clicked, this, &frmMain::cmdEvenShare_Click);
     connect(txtQuestions_, &QLineEdit::textChanged, this, &frmMain::showQuotas);
+}
+
+void frmMain::cmdSlides_Click()
+{
+    frmSlides dialog(LoadSlideWishes(services_.programFolder), window());
+    if (dialog.exec() == QDialog::Accepted) {
+        SaveSlideWishes(services_.programFolder, dialog.wishes());
+        fraMore_->saySlides(dialog.wishes().inWords());
+    }
 }
 
 std::int64_t frmMain::now() const
@@ -238,6 +250,7 @@ NewTest frmMain::testOf(const Draw& draw) const
                  ItemsOf(state_, draw)};
     test.options.topicLine = optTopicYes_->isChecked();
     test.options.answerKey = optKeyYes_->isChecked();
+    test.options.slides = LoadSlideWishes(services_.programFolder);
     return test;
 }
 

@@ -73,7 +73,7 @@ TEST_F(PastTestsTest, OnlyWhatIsCompleteIsListedAndCountsAsUsed)
     EXPECT_TRUE(library.pastTests().list().empty() && library.pastTests().classes().empty());
     EXPECT_EQ(library.pastTests().classNamed(u"10B"_s), 0);
     NewTest first = test(u"Rosa's test"_s, u" 10B "_s, {3, 1});
-    first.options = {false, true, 2, 9, true, 5};
+    first.options = {false, true, 2, 9, true, 5, {true, true, false, true, 30, true}};
     const std::int32_t key = library.beginTest(first);
     EXPECT_EQ(names() + uses(0), u"0000"_s);
     library.completeTest(key, TestKind::Slides);
