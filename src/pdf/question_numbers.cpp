@@ -91,12 +91,23 @@ Chain longestChain(const Chain& found)
 
 std::vector<NumberedStart> FindQuestionNumbers(const std::vector<std::vector<LineStart>>& pages)
 {
+    // What stands on several pages in the same place is a running head.
+    std::map<std::pair<QString, long>, int> repeated;
+    const auto same = [](const LineStart& line) {
+        return std::pair(line.text, std::lround(line.place.top()));
+    };
+    for (const std::vector<LineStart>& page : pages) {
+        for (const LineStart& line : page) {
+            ++repeated[same(line)];
+        }
+    }
     Chain all;
     for (std::size_t page = 0; page < pages.size(); ++page) {
         const std::size_t first = all.size();
         for (const LineStart& line : pages[page]) {
             const auto [style, value] = numberOf(line.text);
-            if (value > 0 && value <= highestNumber && !line.place.isEmpty()) {
+            if (value > 0 && value <= highestNumber && !line.place.isEmpty() &&
+                repeated[same(line)] == 1) {
                 all.push_back({style, value, static_cast<int>(page), line.place});
             }
         }

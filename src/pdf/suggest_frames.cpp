@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <span>
 
 namespace varnholt::pdf {
 
@@ -14,6 +15,7 @@ namespace {
 constexpr double bandBetweenQuestions = 1.2;
 /// Of line heights: what starts no further from the edge starts at it.
 constexpr double atTheEdge = 0.6;
+constexpr double farFromTheEdge = 3;
 /// Of the page's height: the zones of running heads and page numbers.
 constexpr double headZone = 0.12;
 /// Two lines of text and a rule.
@@ -95,14 +97,22 @@ bool isSamePlace(const Line& a, const Line& b, double width)
            std::abs((a.right - a.left) - (b.right - b.left)) < width * 0.03;
 }
 
-void dropHeadsAndFeet(std::vector<Page>& pages, double lineHeight)
+/// Heads and feet are alike on many pages; a question's number is never among them.
+void dropHeadsAndFeet(std::vector<Page>& pages, const std::vector<NumberedStart>& numbers,
+                      double lineHeight)
 {
+    const auto isNumbered = [&](std::size_t page, const Line& line) {
+        return std::any_of(numbers.begin(), numbers.end(), [&](const NumberedStart& number) {
+            return number.page == static_cast<int>(page) && line.top < number.place.center().y() &&
+                   number.place.center().y() < line.bottom;
+        });
+    };
     std::vector<std::vector<bool>> drop;
     for (std::size_t p = 0; p < pages.size(); ++p) {
         const Page& page = pages[p];
         drop.emplace_back(page.lines.size(), false);
         for (std::size_t i = 0; i < page.lines.size(); ++i) {
-            if (!isApart(page, i, lineHeight)) {
+            if (!isApart(page, i, lineHeight) || isNumbered(p, page.lines[i])) {
                 continue;
             }
             std::size_t likeIt = 0;
@@ -166,12 +176,14 @@ void beginAt(Page& page, const PageRows& rows, const QRectF& number, double line
     at->begins = true;
 }
 
-/// The x of the text's left edge: the leftmost that several lines share.
-double leftEdge(const Page& page, double lineHeight)
+/// The x of the text's left edge on some pages: the leftmost that several lines share.
+double leftEdge(std::span<const Page> pages, double lineHeight)
 {
     std::vector<double> lefts;
-    for (const Line& line : page.lines) {
-        lefts.push_back(line.left);
+    for (const Page& page : pages) {
+        for (const Line& line : page.lines) {
+            lefts.push_back(line.left);
+        }
     }
     std::sort(lefts.begin(), lefts.end());
     for (std::size_t i = 0; i + 1 < lefts.size(); ++i) {
@@ -202,9 +214,13 @@ double bandOf(const Page& page, double lineHeight)
     return *middle * clearlyWider;
 }
 
-void beginAtBands(Page& page, double lineHeight)
+void beginAtBands(Page& page, double commonEdge, double lineHeight)
 {
-    const double edge = leftEdge(page, lineHeight) + lineHeight * atTheEdge;
+    // A page may have been scanned askew of the others.
+    const double own = leftEdge(std::span(&page, 1), lineHeight);
+    const double edge =
+        (std::abs(own - commonEdge) < lineHeight * farFromTheEdge ? commonEdge : own) +
+        lineHeight * atTheEdge;
     const double band = bandOf(page, lineHeight);
     std::size_t atEdge = 0;
     for (const Line& line : page.lines) {
@@ -225,10 +241,11 @@ bool isHanging(const std::vector<Page>& pages, double lineHeight)
     int following = 0;
     for (const Page& page : pages) {
         std::optional<double> number;
-        for (const Line& line : page.lines) {
+        for (std::size_t i = 0; i < page.lines.size(); ++i) {
+            const Line& line = page.lines[i];
             if (line.begins) {
                 number = line.left;
-            } else if (number) {
+            } else if (number && gapBefore(page, i) < lineHeight * bandBetweenQuestions) {
                 ++following;
                 indented += line.left > *number + lineHeight * atTheEdge ? 1 : 0;
             }
@@ -290,15 +307,16 @@ std::vector<PdfFrame> SuggestFrames(const std::vector<SeenPage>& seen)
         starts.push_back(each.starts);
     }
     const double lineHeight = lineHeightOf(pages);
-    dropHeadsAndFeet(pages, lineHeight);
     const std::vector<NumberedStart> numbers = FindQuestionNumbers(starts);
+    dropHeadsAndFeet(pages, numbers, lineHeight);
     for (const NumberedStart& number : numbers) {
         const auto at = static_cast<std::size_t>(number.page);
         beginAt(pages[at], seen[at].rows, number.place, lineHeight);
     }
     if (numbers.empty()) {
+        const double edge = leftEdge(pages, lineHeight);
         for (Page& page : pages) {
-            beginAtBands(page, lineHeight);
+            beginAtBands(page, edge, lineHeight);
         }
     } else if (isHanging(pages, lineHeight)) {
         for (const NumberedStart& number : numbers) {
