@@ -1,8 +1,10 @@
 // How many of the frames that are suggested for exam papers hold one whole question and nothing
 // else: of ten papers made by LibreOffice, with the numbers of their text and without them, as for
-// scanned paper. With a folder as argument the papers in it are judged one by one.
+// scanned paper; and what drawing their pages costs, against poppler's program. With a folder as
+// argument the papers in it are judged one by one.
 #include "pdf/PdfReader.h"
 #include "pdf/suggest_frames.h"
+#include "support/program_cost.h"
 #include "support/report.h"
 
 #include <QCoreApplication>
@@ -110,6 +112,27 @@ Judgement judge(const std::vector<QImage>& pages, const std::vector<PdfFrame>& f
     return result;
 }
 
+/// CPU time of all processes for drawing a paper's pages at 200 dots to the inch, as a share of
+/// what the other program takes.
+double costOfPages(const QString& paper)
+{
+    constexpr double sharp = 200.0 / 72;
+    const double children = bench::childSeconds();
+    const double own = bench::cpuOf([&] {
+        PdfReader reader(QString::fromLocal8Bit(VARNHOLT_PDF_READER));
+        reader.open(paper, {}, goOn);
+        for (std::size_t page = 0; page < reader.pages().size(); ++page) {
+            (void)reader.render(static_cast<int>(page), (reader.pages()[page] * sharp).toSize(),
+                                PdfReader::Colours::All, goOn);
+        }
+    });
+    const double all = own + bench::childSeconds() - children;
+    const QTemporaryDir folder;
+    return all / bench::cpuOfProgram(QStringLiteral("pdftoppm"),
+                                     {QStringLiteral("-r"), QStringLiteral("200"), paper,
+                                      folder.filePath(QStringLiteral("page"))});
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -124,7 +147,9 @@ int main(int argc, char** argv)
         return 1;
     }
     std::map<bool, Judgement> sums;
+    std::vector<double> costs;
     for (const QString& name : QDir(folder).entryList({QStringLiteral("*.pdf")})) {
+        costs.push_back(costOfPages(folder + u'/' + name));
         PdfReader reader(QString::fromLocal8Bit(VARNHOLT_PDF_READER));
         reader.open(folder + u'/' + name, {}, goOn);
         std::vector<pdf::SeenPage> seen;
@@ -162,5 +187,6 @@ int main(int argc, char** argv)
                         scanned ? -1 : 0.05, "share", "frames that are not one whole question"});
         std::printf("%s: %d frames across two questions\n", id, sum.across);
     }
+    rows.push_back({"pdf.page", bench::median(costs), 1.1, 1, "x", "pdftoppm -r 200"});
     return bench::report(rows, argc, argv);
 }

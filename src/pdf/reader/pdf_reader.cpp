@@ -9,7 +9,7 @@
 #include <QPdfDocument>
 #include <QPdfSelection>
 
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -140,40 +140,46 @@ private:
         QPdfDocumentRenderOptions options;
         options.setRenderFlags(QPdfDocumentRenderOptions::RenderFlag::Annotations);
         QImage image = document_->render(page, size, options);
-        if (image.isNull()) {
+        if (image.isNull() || image.format() != QImage::Format_ARGB32) {
             return answer(Fault::CannotDraw);
         }
-        // Where nothing is drawn a page is transparent.
-        QImage paper(size, grey ? QImage::Format_Grayscale8 : QImage::Format_RGB32);
-        if (paper.isNull()) {
-            return answer(Fault::CannotDraw);
-        }
-        flatten(image, paper);
-        answer(Fault::None, reinterpret_cast<const char*>(paper.constBits()), paper.sizeInBytes());
+        const qint64 bytes = grey ? toGrey(image) : onWhite(image);
+        answer(Fault::None, reinterpret_cast<const char*>(image.constBits()), bytes);
     }
 
-    static void flatten(const QImage& from, QImage& paper)
+    /// Where nothing is drawn a page is transparent.
+    static QRgb opaque(QRgb pixel)
     {
-        const bool grey = paper.format() == QImage::Format_Grayscale8;
-        for (int y = 0; y < paper.height(); ++y) {
-            const auto* pixel = reinterpret_cast<const QRgb*>(from.constScanLine(y));
-            uchar* row = paper.scanLine(y);
-            for (int x = 0; x < paper.width(); ++x) {
-                const QRgb p = pixel[x];
-                const int white = 255 - qAlpha(p);
-                const QRgb opaque = qAlpha(p) == 255 ? p
-                                                     : qRgb(blend(qRed(p), qAlpha(p), white),
-                                                            blend(qGreen(p), qAlpha(p), white),
-                                                            blend(qBlue(p), qAlpha(p), white));
-                if (grey) {
-                    row[x] = static_cast<uchar>(qGray(opaque));
-                } else {
-                    reinterpret_cast<QRgb*>(row)[x] = opaque;
-                }
-            }
+        if (pixel == 0) {
+            return qRgb(255, 255, 255);
         }
+        const int alpha = qAlpha(pixel);
+        const auto blend = [alpha](int colour) { return colour * alpha / 255 + 255 - alpha; };
+        return alpha == 255 ? pixel
+                            : qRgb(blend(qRed(pixel)), blend(qGreen(pixel)), blend(qBlue(pixel)));
     }
-    static int blend(int colour, int alpha, int white) { return (colour * alpha) / 255 + white; }
+
+    /// Both work where the picture lies, since a page is large; how many bytes it has then.
+    static qint64 onWhite(QImage& image)
+    {
+        auto* pixels = reinterpret_cast<QRgb*>(image.bits());
+        const qint64 bytes = image.sizeInBytes();
+        std::transform(pixels, pixels + bytes / qint64{sizeof(QRgb)}, pixels, opaque);
+        return bytes;
+    }
+    static qint64 toGrey(QImage& image)
+    {
+        const QSize size = image.size();
+        const qsizetype perRow = (size.width() + 3) / 4 * 4;
+        uchar* bytes = image.bits();
+        for (int y = 0; y < size.height(); ++y) {
+            const auto* pixel = reinterpret_cast<const QRgb*>(bytes + image.bytesPerLine() * y);
+            uchar* row = bytes + perRow * y;
+            std::transform(pixel, pixel + size.width(), row,
+                           [](QRgb p) { return static_cast<uchar>(qGray(opaque(p))); });
+        }
+        return perRow * size.height();
+    }
 
     void lines(QDataStream& stream)
     {
