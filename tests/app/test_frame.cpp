@@ -5,6 +5,7 @@
 #include "info/InfoWindow.h"
 #include "selection/frmMain.h"
 #include "support/gui.h"
+#include "support/test_files.h"
 #include "support/test_services.h"
 #include "toolkit/ListBox.h"
 
@@ -26,6 +27,10 @@ using namespace Qt::StringLiterals;
 using test::control;
 
 constexpr int patienceMs = 60'000;
+/// An index that leads elsewhere: rows disappear without an error.
+const QString damage =
+    u"PRAGMA writable_schema = ON; UPDATE sqlite_schema SET rootpage = (SELECT rootpage FROM "
+    "sqlite_schema WHERE name = 'SubTopicsByAssessment') WHERE name = 'TopicsByAssessment'"_s;
 
 class Frame : public testing::Test, protected test::TestWorld
 {
@@ -35,9 +40,7 @@ protected:
         library.addGenerated(u"A"_s, 2, 1, 1);
         second = library.addGenerated(u"B"_s, 3, 1, 1);
         frame = std::make_unique<frmAssessment>(services, state, u"/guide.html"_s);
-        frame->show();
-        frame->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(frame.get(), patienceMs));
+        test::present(*frame);
     }
 
     void choose(const char* entry) { control<QAction>(frame.get(), entry)->trigger(); }
@@ -119,22 +122,17 @@ TEST_F(Frame, TidiesUpAfterAKilledProgramAndTellsOfDamage)
                              u"2.jpg.backup"_s,    u"3.jpg.bak"_s, u"9.jpg.part"_s, u"90.JPG.bak"_s,
                              u".new-12345.part"_s, u"new-1.part"_s};
     for (const QString& name : before) {
-        QFile file(folder.filePath(u"Files/"_s + name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(name.left(1).toUtf8() + (name == u"2.JPG.bak2" ? "old" : ""));
+        test::writeFile(folder.filePath(u"Files/"_s + name),
+                        name.left(1).toUtf8() + (name == u"2.JPG.bak2" ? "old" : ""));
     }
-    // An index that leads elsewhere: rows disappear without an error.
-    library.sql(u"PRAGMA writable_schema = ON; UPDATE sqlite_schema SET rootpage = (SELECT rootpage"
-                " FROM sqlite_schema WHERE name = 'SubTopicsByAssessment')"
-                " WHERE name = 'TopicsByAssessment'"_s);
+    library.sql(damage);
     bool told = false;
     messages.beforeAnswer = [&told] { told = true; };
     messages.expectInform(
         u"Database Error"_s,
         u"The question library is damaged, so questions may be missing or wrong:\n%1\n\nKeep a "
-        u"copy "
-        "of this file before you change anything, and put an undamaged copy from earlier in its "
-        "place if you have one."_s.arg(library.databasePath()));
+        u"copy of this file before you change anything, and put an undamaged copy from earlier in "
+        "its place if you have one."_s.arg(library.databasePath()));
     frame->checkLibrary(true);
     EXPECT_TRUE(QTest::qWaitFor([&told] { return told; }, patienceMs));
     EXPECT_EQ(QDir(folder.filePath(u"Files"_s))
@@ -151,9 +149,7 @@ TEST_F(Frame, OnlyReadsADamagedLibraryUntilABackupIsRestored)
     test::click(frame.get(), "cmdBackUpNow");
     choose("mnuManageAssessments");
     const QStringList rows = library.sql(u"SELECT * FROM Topics NOT INDEXED"_s);
-    library.sql(u"PRAGMA writable_schema = ON; UPDATE sqlite_schema SET rootpage = (SELECT rootpage"
-                " FROM sqlite_schema WHERE name = 'SubTopicsByAssessment')"
-                " WHERE name = 'TopicsByAssessment'"_s);
+    library.sql(damage);
     const QString path = QDir::toNativeSeparators(library.databasePath());
     const std::int64_t now = clock.now / 1000;
     messages.expectYesNo(

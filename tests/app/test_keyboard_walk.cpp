@@ -1,9 +1,13 @@
 #include "app/frmAssessment.h"
 #include "support/gui.h"
 #include "support/test_services.h"
+#include "toolkit/ListBox.h"
 #include "toolkit/desktop_services.h"
 
+#include <QAccessible>
+#include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <QTimer>
@@ -11,6 +15,8 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <functional>
+#include <utility>
 
 namespace varnholt::test {
 namespace {
@@ -19,7 +25,7 @@ using namespace Qt::Literals::StringLiterals;
 
 constexpr int patienceMs = 60'000;
 
-/// The program as a user without a mouse has it, real message boxes included.
+/// The program as a user without a mouse or without eyes has it, real message boxes included.
 class KeyboardWalk : public testing::Test, protected TestWorld
 {
 protected:
@@ -35,8 +41,40 @@ protected:
     }
     ~KeyboardWalk() override { EXPECT_TRUE(answers.empty()); }
 
-    /// Every box and dialog that comes up takes the next of the answers. A timer of its own
-    /// each time: one that is still answering does not fire inside a second box.
+    /// What an assistive program is told of a part of a window, and what is wrong with it.
+    static void hear(QAccessibleInterface* item, const QString& path)
+    {
+        const QAccessible::State is = item->state();
+        if (is.invisible) {
+            return;
+        }
+        const QString name = item->text(QAccessible::Name);
+        const QString place =
+            u"%1 > %2"_s.arg(path, item->object() ? item->object()->objectName() : QString());
+        const auto* label = qobject_cast<QLabel*>(item->object());
+        // "Yes" alone says nothing to who cannot see the frame it stands in.
+        if ((name.isEmpty() && (is.focusable || item->role() == QAccessible::Graphic)) ||
+            name == u"Yes" || name == u"No" || name.contains(u'&') ||
+            (label && label->text().isEmpty() && !name.isEmpty())) {
+            ADD_FAILURE() << place.toStdString() << " is called: " << name.toStdString();
+        }
+        for (int i = 0; i < item->childCount(); ++i) {
+            if (QAccessibleInterface* child = item->child(i)) {
+                hear(child, place);
+            }
+        }
+    }
+    static void hear(QWidget* window)
+    {
+        QAccessibleInterface* item = QAccessible::queryAccessibleInterface(window);
+        EXPECT_EQ(item->role() == QAccessible::Dialog || item->role() == QAccessible::AlertMessage,
+                  qobject_cast<QDialog*>(window) != nullptr)
+            << item->role();
+        hear(item, QString());
+    }
+
+    /// Every box and dialog that comes up is heard and takes the next of the answers. A timer of
+    /// its own each time: one that is still answering does not fire inside a second box.
     void watch()
     {
         QTimer::singleShot(5, frame.get(), [this] {
@@ -51,12 +89,13 @@ protected:
                 ADD_FAILURE() << "unexpected: " << modal->windowTitle().toStdString();
                 modal->close();
             } else {
-                answered = modal;
+                QWidget* const outer = std::exchange(answered, modal);
                 const auto [title, react] = answers.front();
                 answers.pop_front();
                 EXPECT_EQ(modal->windowTitle().toStdString(), title.toStdString());
+                hear(modal);
                 react(modal);
-                answered = nullptr;
+                answered = outer;
             }
         });
     }
@@ -165,6 +204,46 @@ TEST_F(KeyboardWalk, FromAnEmptyLibraryToSlides)
     }
     EXPECT_EQ(presentations.calls.filter(u"addPicture"_s).size(), 2);
     EXPECT_FALSE(review->isVisible());
+}
+
+TEST_F(KeyboardWalk, EveryWindowCanBeHeard)
+{
+    library.addGenerated(u"Physics"_s, 2, 2, 3, true);
+    clipboard.picture = testPicture({400, 300}, 5);
+    const auto hearDialog = [this](
+                                QWidget* owner, const char* button, const char* title,
+                                const Reaction& inside = [](QWidget*) {}) {
+        answer(QLatin1String(title), [inside](QWidget* dialog) {
+            inside(dialog);
+            static_cast<QDialog*>(dialog)->reject();
+        });
+        control<QPushButton>(owner, button)->click();
+    };
+    for (const char* entry : {"mnuCreate", "mnuExport", "mnuImport", "mnuTutorial", "mnAbout",
+                              "mnuManageAssessments"}) {
+        control<QAction>(frame.get(), entry)->trigger();
+        hear(frame.get());
+    }
+    control<ListBox>(frame.get(), "lstTopics")->setListIndex(0);
+    control<ListBox>(frame.get(), "lstSubtopics")->setListIndex(0);
+    hear(frame.get());
+    hearDialog(frame.get(), "cmdEditQuestion", "Edit Question");
+    hearDialog(frame.get(), "cmdAddNewQuestion", "Add New Question", [&](QWidget* authoring) {
+        hearDialog(authoring, "cmdNewTopic", "New Topic and Subtopic");
+        click(authoring, "cmdPaste");
+        QWidget* canvas = control<QWidget>(authoring, "picQuestion");
+        QTest::mousePress(canvas, Qt::LeftButton, {}, {20, 20});
+        QTest::mouseMove(canvas, {200, 120});
+        QTest::mouseRelease(canvas, Qt::LeftButton, {}, {200, 120});
+        hear(authoring);
+        hearDialog(authoring, "cmdText", "Create Text");
+    });
+    control<QAction>(frame.get(), "mnuCreate")->trigger();
+    click(frame.get(), "cmdCreate");
+    hear(control<QWidget>(frame.get(), "frmSelect"));
+    auto* topics =
+        QAccessible::queryAccessibleInterface(control<QWidget>(frame.get(), "lstTopics"));
+    EXPECT_EQ(topics->child(0)->role(), QAccessible::CheckBox);
 }
 
 } // namespace

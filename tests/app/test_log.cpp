@@ -9,12 +9,14 @@
 #include <thread>
 
 namespace varnholt {
+
+using namespace Qt::StringLiterals;
 namespace {
 
 TEST(ProgramLogTest, StaysWithinItsBoundsAndKeepsTheNewestWholeLinesFromEveryThread)
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("new/varnholt.log"));
+    const QString path = folder.filePath(u"new/varnholt.log"_s);
     constexpr int lines = 4000;
     static std::atomic<int> passedOn;
     const QtMessageHandler before = qInstallMessageHandler(
@@ -41,12 +43,12 @@ TEST(ProgramLogTest, StaysWithinItsBoundsAndKeepsTheNewestWholeLinesFromEveryThr
     }
     const QStringList tail = ProgramLog::tail(path, 3000).split(u'\n');
     ASSERT_EQ(tail.size(), 3000) << "the part before is read, too";
-    EXPECT_TRUE(tail.last().endsWith(QStringLiteral("varnholt.slides warning: the last one")));
+    EXPECT_TRUE(tail.last().endsWith(u"varnholt.slides warning: the last one"_s));
     int a = -1;
     for (const QString& line : tail.mid(0, 2999)) {
-        ASSERT_TRUE(line.contains(QStringLiteral("varnholt.program info: ")) && line.endsWith(u'.'))
+        ASSERT_TRUE(line.contains(u"varnholt.program info: "_s) && line.endsWith(u'.'))
             << line.toStdString();
-        const QString text = line.section(QStringLiteral("info: "), 1).section(u' ', 0, 0);
+        const QString text = line.section(u"info: "_s, 1).section(u' ', 0, 0);
         if (text.startsWith(u'a')) {
             EXPECT_TRUE(a < 0 || text.mid(1).toInt() == a + 1) << "a line is missing";
             a = text.mid(1).toInt();

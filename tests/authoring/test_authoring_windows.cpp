@@ -53,9 +53,7 @@ protected:
             [this](QWidget*, frmNewInfo::Mode mode, std::optional<NamedTopic> chosen) {
                 return newInfo(mode, std::move(chosen));
             });
-        window->show();
-        window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        present(*window);
         // A canvas pixel for each of the widget's.
         key(Qt::Key_1, Qt::ControlModifier);
     }
@@ -234,8 +232,11 @@ TEST_F(Authoring, ShowsFramesOverThePictureAtEveryZoomAndTakesStepsBack)
         EXPECT_EQ(shown().pixel(at), framed.pixel(at));
     }
     EXPECT_EQ(shown().pixel(101, 61), first.pixel(101, 61));
-    // By a handle beside the corner; sides go past each other.
-    drag({404, 264}, {50, 30});
+    // By the handles beside a side, which leave the others, and a corner; sides pass each other.
+    drag({404, 160}, {450, 300});
+    drag({275, 264}, {10, 290});
+    EXPECT_EQ(selection(), QRect(100, 60, 350, 230));
+    drag({454, 294}, {50, 30});
     EXPECT_EQ(selection(), QRect(50, 30, 50, 30));
     EXPECT_EQ(picture(), first);
     for (const Qt::Key zoom : {Qt::Key_0, Qt::Key_Minus, Qt::Key_Plus, Qt::Key_Plus}) {
@@ -274,6 +275,7 @@ TEST_F(Authoring, ShowsFramesOverThePictureAtEveryZoomAndTakesStepsBack)
     EXPECT_EQ(picture(), nudged);
     key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(picture(), first);
+    EXPECT_EQ(selection(), frame.adjusted(-1, 0, -1, 1));
     key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(picture(), nudged);
     click(window.get(), "cmdUndo");

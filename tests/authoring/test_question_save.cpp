@@ -3,12 +3,11 @@
 #include "authoring/question_save.h"
 #include "library/Library.h"
 #include "support/fakes.h"
-#include "support/file_size_limit.h"
+#include "support/test_files.h"
 #include "support/test_library.h"
 
 #include <QDir>
 #include <QPainter>
-#include <QProcess>
 
 #include <gtest/gtest.h>
 
@@ -17,14 +16,6 @@ namespace varnholt::test {
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-QImage djpeg(const QString& path)
-{
-    QProcess decoder;
-    decoder.start(u"djpeg"_s, {u"-bmp"_s, path});
-    decoder.waitForFinished();
-    return QImage::fromData(decoder.readAllStandardOutput()).convertToFormat(QImage::Format_RGB32);
-}
 
 const QStringList pictureOnly{u"1.jpg"_s};
 
@@ -75,11 +66,10 @@ class FailingSave : public QuestionSave, public testing::WithParamInterface<Save
 
 TEST_F(QuestionSave, StoresWhatTheWindowShowed)
 {
-    VARNHOLT_SKIP_ON_WINDOWS("there is no djpeg");
     EXPECT_EQ(save(), 1);
     EXPECT_EQ(rows(), QStringList(u"1|7|9|x = 2|1|1"_s));
     EXPECT_EQ(files(), pictureOnly);
-    const QImage stored = djpeg(library.picturePath(1));
+    const QImage stored = QImage(library.picturePath(1));
     ASSERT_EQ(stored.size(), questionPage);
     // Each patch of 10 x 10 pixels has its colour, white where the capture ends.
     QImage page(questionPage, QImage::Format_RGB32);
@@ -92,9 +82,7 @@ TEST_F(QuestionSave, StoresWhatTheWindowShowed)
         const QPoint at(i % patches.width(), i / patches.width());
         ASSERT_NEAR(qGray(found.pixel(at)), qGray(wanted.pixel(at)), 12) << at.x() << ' ' << at.y();
     }
-    QFile file(library.picturePath(1));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = readFile(library.picturePath(1));
     EXPECT_EQ(bytes.at(bytes.indexOf("\xFF\xC0") + 11), '\x22') << "luminance 2 x 2";
     EXPECT_EQ(bytes.at(bytes.indexOf("\xFF\xDB") + 5), 8) << "quality 75";
 
@@ -109,11 +97,7 @@ TEST_F(QuestionSave, AReplacedPictureIsKeptAndComesBackByUndo)
     const std::int32_t key = save();
     Library owner(library.folder(), clock);
     owner.open();
-    const auto bytes = [&] {
-        QFile file(library.picturePath(key));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
-    };
+    const auto bytes = [&] { return readFile(library.picturePath(key)); };
     const auto replace = [&](QRgb colour) {
         QImage picture(60, 40, QImage::Format_RGB32);
         picture.fill(colour);
@@ -184,13 +168,12 @@ TEST_F(QuestionSave, AFolderThatIsNoneIsSaidBeforeAndLeavesARowWithoutPicture)
     EXPECT_TRUE(SaveObstacle(ready, library.folder()).isEmpty());
     EXPECT_FALSE(SaveObstacle({u"4"_s, true, true, true}, library.folder()).isEmpty());
     QDir().rmdir(filesFolder());
-    QFile file(filesFolder());
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    writeFile(filesFolder(), {});
     EXPECT_THROW(save(), Error);
     EXPECT_EQ(rows().size(), 1);
     EXPECT_TRUE(
         SaveObstacle(ready, library.folder()).contains(QDir::toNativeSeparators(filesFolder())));
-    file.remove();
+    QFile::remove(filesFolder());
     EXPECT_NO_THROW(save());
     EXPECT_EQ(files().size(), 1);
 }

@@ -24,7 +24,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int patienceMs = 60'000;
 constexpr std::int64_t hourMs = 3'600'000;
 
 class BackupsWindow : public testing::Test, protected TestWorld
@@ -39,9 +38,7 @@ protected:
     void open()
     {
         window = std::make_unique<frmBackups>(services, backups);
-        window->show();
-        window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), patienceMs));
+        present(*window);
         window->setFocus();
         list = control<QTreeWidget>(window.get(), "lstBackups");
     }

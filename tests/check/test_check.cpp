@@ -31,9 +31,7 @@ protected:
     {
         window = std::make_unique<frmCheck>(services, owner, [this] { return ++asked > 0; });
         window->resize(1000, 600);
-        window->show();
-        window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), patienceMs));
+        present(*window);
         auto* again = control<QPushButton>(window.get(), "cmdCheckAgain");
         ASSERT_TRUE(QTest::qWaitFor([&] { return again->text() == u"Check &Again"; }, patienceMs));
         list = control<QTreeWidget>(window.get(), "lstFindings");
@@ -61,12 +59,11 @@ protected:
 
 TEST_F(CheckWindow, FindsEachFaultAndEveryRemedyCanBeUndone)
 {
-    library.sql(u"UPDATE SubTopics SET Available = 0 WHERE SubtopicNum = 2;"
-                "UPDATE Questions SET SubTopicNum = 99 WHERE SOLIndex = 5;"
-                "UPDATE Questions SET Answer = 'it''s' WHERE SOLIndex = 6;"
-                "UPDATE Topics SET Topic = 'O''Neill' WHERE TopicID = 2;"
-                "INSERT INTO Questions (SOLIndex, TopicID, SubTopicNum, Answer, AssessmentNum)"
-                " VALUES (32768, 1, 1, 'far', 1)"_s);
+    library.sql(u"UPDATE SubTopics SET Available = 0 WHERE SubtopicNum = 2;UPDATE Questions SET "
+                "SubTopicNum = 99 WHERE SOLIndex = 5;UPDATE Questions SET Answer = 'it''s' WHERE "
+                "SOLIndex = 6;UPDATE Topics SET Topic = 'O''Neill' WHERE TopicID = 2;INSERT INTO "
+                "Questions (SOLIndex, TopicID, SubTopicNum, Answer, AssessmentNum) VALUES (32768, "
+                "1, 1, 'far', 1)"_s);
     QFile::remove(library.picturePath(1));
     QFile::resize(library.picturePath(2), 300);
     QFile::rename(library.picturePath(8), library.picturePath(32768));

@@ -2,32 +2,18 @@
 
 #include "library/Library.h"
 #include "support/file_size_limit.h"
+#include "support/test_files.h"
 #include "support/test_services.h"
 
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
-
-#include <gtest/gtest.h>
 
 #include <cstdio>
 
 namespace varnholt::test {
 
-inline void writeFile(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
-        ADD_FAILURE() << "cannot write " << path.toStdString();
-    }
-}
-
-[[nodiscard]] inline QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot read ");
-}
+using namespace Qt::StringLiterals;
 
 /// Everything in a folder, sorted, folders with a slash behind.
 [[nodiscard]] inline std::string listing(const QString& folder)
@@ -35,7 +21,7 @@ inline void writeFile(const QString& path, const QByteArray& bytes)
     QStringList names;
     for (const QFileInfo& entry : QDir(folder).entryInfoList(
              QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System, QDir::Name)) {
-        names.append(entry.fileName() + (entry.isDir() ? QStringLiteral("/") : QString()));
+        names.append(entry.fileName() + (entry.isDir() ? u"/"_s : QString()));
     }
     return names.join(u' ').toStdString();
 }
@@ -52,7 +38,7 @@ inline void writeFile(const QString& path, const QByteArray& bytes)
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.setWorkingDirectory(folder);
-    process.start(QStringLiteral("sh"), {QStringLiteral("-c"), command});
+    process.start(u"sh"_s, {u"-c"_s, command});
     EXPECT_TRUE(process.waitForFinished(120'000) && process.exitCode() == 0)
         << command.toStdString();
     return QString::fromUtf8(process.readAll());
@@ -67,7 +53,7 @@ struct ExchangeWorld : TestWorld
 
     ExchangeWorld() { opened.open(); }
 
-    [[nodiscard]] QString package(const QString& name = QStringLiteral("p.zip")) const
+    [[nodiscard]] QString package(const QString& name = u"p.zip"_s) const
     {
         return packages.filePath(name);
     }
@@ -86,17 +72,15 @@ struct ExchangeWorld : TestWorld
 
     void expectNameQuestion(const QString& offered, const QString& answer)
     {
-        messages.expectInput(QStringLiteral("Assessment Name"),
-                             QStringLiteral("What do you want to call the import assessment?"),
-                             answer, offered);
+        messages.expectInput(u"Assessment Name"_s,
+                             u"What do you want to call the import assessment?"_s, answer, offered);
     }
 
     void expectImported(int topics, int subtopics, int questions)
     {
-        messages.expectInform(QStringLiteral("Import Complete"),
-                              QStringLiteral("Import was successful.\r\n\r\nTopics Imported: %1\r\n"
-                                             "Subtopics Imported: %2\r\nQuestions Imported: %3")
-                                  .arg(topics)
+        messages.expectInform(u"Import Complete"_s,
+                              u"Import was successful.\r\n\r\nTopics Imported: %1\r\n"
+                              "Subtopics Imported: %2\r\nQuestions Imported: %3"_s.arg(topics)
                                   .arg(subtopics)
                                   .arg(questions));
     }
@@ -104,19 +88,15 @@ struct ExchangeWorld : TestWorld
     /// Names, answers, references and picture bytes of an available assessment, without keys.
     [[nodiscard]] QStringList content(const QString& name) const
     {
-        QStringList all = library.sql(
-            QStringLiteral("CREATE TEMP VIEW a AS SELECT AssessmentNum FROM Assessments WHERE "
-                           "Available AND AssessmentName = '%1';"
-                           "SELECT Topic FROM Topics WHERE Available AND AssessmentNum IN a "
-                           "ORDER BY TopicID;"
-                           "SELECT SubTopic, Topic FROM SubTopics s LEFT JOIN Topics t "
-                           "USING(TopicID) WHERE s.Available AND s.AssessmentNum IN a "
-                           "ORDER BY SubtopicNum;"
-                           "SELECT hex(Answer), Topic, SubTopic, SOLIndex FROM Questions q "
-                           "LEFT JOIN Topics USING(TopicID) LEFT JOIN SubTopics "
-                           "USING(SubtopicNum) WHERE q.Available AND q.AssessmentNum IN a "
-                           "ORDER BY SOLIndex;")
-                .arg(name));
+        QStringList all =
+            library.sql(u"CREATE TEMP VIEW a AS SELECT AssessmentNum FROM Assessments WHERE "
+                        "Available AND AssessmentName = '%1';SELECT Topic FROM Topics WHERE "
+                        "Available AND AssessmentNum IN a ORDER BY TopicID;SELECT SubTopic, Topic "
+                        "FROM SubTopics s LEFT JOIN Topics t USING(TopicID) WHERE s.Available AND "
+                        "s.AssessmentNum IN a ORDER BY SubtopicNum;SELECT hex(Answer), Topic, "
+                        "SubTopic, SOLIndex FROM Questions q LEFT JOIN Topics USING(TopicID) LEFT "
+                        "JOIN SubTopics USING(SubtopicNum) WHERE q.Available AND q.AssessmentNum "
+                        "IN a ORDER BY SOLIndex;"_s.arg(name));
         for (QString& row : all) {
             if (const qsizetype last = row.lastIndexOf(u'|'); row.count(u'|') == 3) {
                 const QByteArray picture = readFile(library.picturePath(row.mid(last + 1).toInt()));

@@ -24,10 +24,8 @@ protected:
     {
         form = std::move(window);
         form->resize(700, 400);
-        form->show();
-        form->activateWindow();
+        present(*form);
         form->setFocus();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
     }
     void openExport() { open(std::make_unique<frmExport>(services, state, opened)); }
     void openImport() { open(std::make_unique<frmImport>(services, opened)); }
@@ -37,27 +35,13 @@ protected:
     std::unique_ptr<ExchangeWindow> form;
 };
 
-TEST_F(ExchangeWindows, ShowTheirTextsAndAreIdleAtFirst)
-{
-    openExport();
-    EXPECT_EQ(label("lblAssessment")->text().remove(u'&'), QStringLiteral("Assessment to Export:"));
-    EXPECT_EQ(label("lblMessage")->text(),
-              QStringLiteral("Exporting may take a couple of minutes."));
-    EXPECT_FALSE(control<QPushButton>(form.get(), "cmdExport")->isEnabled()) << "there is nothing";
-    openImport();
-    EXPECT_EQ(label("lblMessage")->text(),
-              QStringLiteral("Importing may take a couple of minutes."));
-    EXPECT_FALSE(label("lblBack")->isVisible() || label("lblFace")->isVisible());
-    EXPECT_TRUE(control<QPushButton>(form.get(), "cmdImport")->hasFocus());
-    QTest::keyClick(form->focusWidget(), Qt::Key_Escape);
-    EXPECT_FALSE(form->isVisible());
-}
-
 TEST_F(ExchangeWindows, ChoosingAnAssessmentMakesItCurrent)
 {
-    const auto first = library.addGenerated(QStringLiteral("A"), 1, 2, 3);
-    const auto second = library.addGenerated(QStringLiteral("B"), 2, 2, 3);
-    library.sql(QStringLiteral("UPDATE Topics SET Topic = '5\" nails' WHERE AssessmentNum = 2"));
+    openExport();
+    EXPECT_FALSE(control<QPushButton>(form.get(), "cmdExport")->isEnabled()) << "there is nothing";
+    const auto first = library.addGenerated(u"A"_s, 1, 2, 3);
+    const auto second = library.addGenerated(u"B"_s, 2, 2, 3);
+    library.sql(u"UPDATE Topics SET Topic = '5\" nails' WHERE AssessmentNum = 2"_s);
     openExport();
     auto* combo = control<ComboBox>(form.get(), "cboAssessment");
     EXPECT_TRUE(combo->hasFocus());
@@ -72,9 +56,8 @@ TEST_F(ExchangeWindows, ChoosingAnAssessmentMakesItCurrent)
     // Half a catalogue is not exported.
     connection.close();
     for (const char* what : {"topics", "subtopics", "questions"}) {
-        messages.expectInform(
-            QStringLiteral("Database Error"),
-            QStringLiteral("There was an error loading the %1.").arg(QLatin1String(what)));
+        messages.expectInform(u"Database Error"_s,
+                              u"There was an error loading the %1."_s.arg(QLatin1String(what)));
     }
     combo->setListIndex(0);
     EXPECT_FALSE(control<QPushButton>(form.get(), "cmdExport")->isEnabled());
@@ -82,7 +65,7 @@ TEST_F(ExchangeWindows, ChoosingAnAssessmentMakesItCurrent)
 
 TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
 {
-    library.addGenerated(QStringLiteral("A"), 1, 1, 400, true);
+    library.addGenerated(u"A"_s, 1, 1, 400, true);
     for (int key = 1; key <= 400; ++key) {
         writeFile(library.picturePath(key), QByteArray(200'000, 'x'));
     }
@@ -102,11 +85,11 @@ TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
         EXPECT_FALSE(form->close());
     });
     timer.start(0);
-    files.answers.emplace_back(package(QStringLiteral("Algebra")));
+    files.answers.emplace_back(package(u"Algebra"_s));
     expect("Export Complete", "Export was successful.");
     messages.beforeAnswer = [&] {
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);
-        EXPECT_EQ(label("lblFace")->text(), QStringLiteral("100%"));
+        EXPECT_EQ(label("lblFace")->text(), u"100%"_s);
         EXPECT_EQ(label("lblFace")->width(), label("lblBack")->contentsRect().width());
         EXPECT_FALSE(form->close());
     };
@@ -121,7 +104,7 @@ TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
     EXPECT_EQ(files.calls.size(), 1u);
 
     // Without ".zip" a colleague would not find it; a file of that name is not overwritten.
-    const QString saved = package(QStringLiteral("Algebra.zip"));
+    const QString saved = package(u"Algebra.zip"_s);
     writeFile(saved, "another");
     for (const bool taken : {true, false}) {
         click(form.get(), "cmdAddZip");
@@ -149,12 +132,13 @@ TEST_F(ExchangeWindows, ImportRunsFromItsButton)
                                   {.name = "subtopics.txt"},
                                   {.name = "questions.txt"}}));
     openImport();
+    EXPECT_TRUE(control<QPushButton>(form.get(), "cmdImport")->hasFocus());
     files.answers.emplace_back(package());
-    expectNameQuestion(QStringLiteral("P"), QStringLiteral("P"));
+    expectNameQuestion(u"P"_s, u"P"_s);
     expectImported(0, 0, 0);
     messages.beforeAnswer = [&] { EXPECT_FALSE(form->close()); };
     click(form.get(), "cmdImport");
-    EXPECT_EQ(files.calls.at(0), QStringLiteral("open Zip Files (*.zip)"));
+    EXPECT_EQ(files.calls.at(0), u"open Zip Files (*.zip)"_s);
 
     // Or by dropping the package on the window, which asks for none then.
     QMimeData dragged;
@@ -166,16 +150,17 @@ TEST_F(ExchangeWindows, ImportRunsFromItsButton)
         return enter.isAccepted();
     };
     const QUrl url = QUrl::fromLocalFile(package());
-    EXPECT_FALSE(accepts({QUrl(QStringLiteral("http://a/b.zip"))}) || accepts({url, url}) ||
+    EXPECT_FALSE(accepts({QUrl(u"http://a/b.zip"_s)}) || accepts({url, url}) ||
                  accepts({QUrl::fromLocalFile(packages.path())}));
     EXPECT_TRUE(accepts({url}));
-    expectNameQuestion(QStringLiteral("P"), QStringLiteral("Q"));
+    expectNameQuestion(u"P"_s, u"Q"_s);
     expectImported(0, 0, 0);
     QDropEvent drop({5, 5}, Qt::CopyAction, &dragged, Qt::LeftButton, {});
     QApplication::sendEvent(form.get(), &drop);
     QCoreApplication::processEvents();
     EXPECT_EQ(files.calls.size(), 1u);
-    EXPECT_TRUE(form->close());
+    QTest::keyClick(form->focusWidget(), Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
 }
 
 } // namespace

@@ -18,15 +18,15 @@ class Export : public testing::Test, protected ExchangeWorld
 protected:
     Export()
     {
-        assessment = library.addAssessment(QStringLiteral("Algebra/1"));
-        const auto topic = library.addTopic(assessment, QStringLiteral("Adding, subtracting"));
-        const auto sub = library.addSubTopic(assessment, topic, QStringLiteral("Fractions"));
-        first = library.addQuestion(assessment, topic, sub, QStringLiteral("½"));
-        second = library.addQuestion(assessment, topic, 999, QStringLiteral("b"));
-        library.sql(QStringLiteral("UPDATE Questions SET Answer = 'a' || char(13,10) || 'b' "
-                                   "WHERE SOLIndex = 2"));
+        assessment = library.addAssessment(u"Algebra/1"_s);
+        const auto topic = library.addTopic(assessment, u"Adding, subtracting"_s);
+        const auto sub = library.addSubTopic(assessment, topic, u"Fractions"_s);
+        first = library.addQuestion(assessment, topic, sub, u"½"_s);
+        second = library.addQuestion(assessment, topic, 999, u"b"_s);
+        library.sql(u"UPDATE Questions SET Answer = 'a' || char(13,10) || 'b' "
+                    "WHERE SOLIndex = 2"_s);
         // As the authoring window of another system may have left it.
-        inUpperCase = library.picturePath(first).chopped(3) + QStringLiteral("JPG");
+        inUpperCase = library.picturePath(first).chopped(3) + u"JPG"_s;
         QFile::rename(library.picturePath(first), inUpperCase);
         state.CurrentAssessmentNum = assessment;
         EXPECT_EQ(LoadAssessments(state, connection), LoadFailures());
@@ -35,7 +35,7 @@ protected:
 
     [[nodiscard]] QString work(const char* file = "") const
     {
-        return library.folder() + QStringLiteral("/Export/") + QLatin1String(file);
+        return library.folder() + u"/Export/"_s + QLatin1String(file);
     }
 
     /// True when the window stays open.
@@ -75,24 +75,23 @@ protected:
 
 TEST_F(Export, WritesThePackageAndCleansUp)
 {
-    QDir(library.folder()).mkdir(QStringLiteral("Export"));
+    QDir(library.folder()).mkdir(u"Export"_s);
     writeFile(work("77.jpg"), "left by an aborted run");
     const QByteArray picture = readFile(inUpperCase);
     expectSuccess(package());
     messages.beforeAnswer = [this] {
-        EXPECT_EQ(listing(work()), QStringLiteral("%1.jpg %2.jpg AssessmentInfo.txt questions.txt "
-                                                  "subtopics.txt topics.txt")
-                                       .arg(first)
+        EXPECT_EQ(listing(work()), u"%1.jpg %2.jpg AssessmentInfo.txt questions.txt "
+                                   "subtopics.txt topics.txt"_s.arg(first)
                                        .arg(second)
                                        .toStdString());
     };
     EXPECT_TRUE(run());
 
-    EXPECT_EQ(files.calls.at(0), QStringLiteral("save Zip Files (*.zip)|Algebra-1"));
+    EXPECT_EQ(files.calls.at(0), u"save Zip Files (*.zip)|Algebra-1"_s);
     EXPECT_EQ(listing(work()), "");
-    EXPECT_EQ(contents("topics.txt"), QStringLiteral("1,\"Adding, subtracting\"\r\n"));
-    EXPECT_EQ(contents("subtopics.txt"), QStringLiteral("1,\"Fractions\",1\r\n"));
-    EXPECT_EQ(contents("AssessmentInfo.txt"), QStringLiteral("\"Algebra/1\"\r\n"));
+    EXPECT_EQ(contents("topics.txt"), u"1,\"Adding, subtracting\"\r\n"_s);
+    EXPECT_EQ(contents("subtopics.txt"), u"1,\"Fractions\",1\r\n"_s);
+    EXPECT_EQ(contents("AssessmentInfo.txt"), u"\"Algebra/1\"\r\n"_s);
     EXPECT_EQ(contents("questions.txt").toLatin1(),
               QByteArray("1,1,\"\xbd\",1\r\n2,1,\"a\r\nb\",999\r\n"));
     EXPECT_EQ(contents("1.jpg").toLatin1(), picture);
@@ -102,7 +101,7 @@ TEST_F(Export, WritesThePackageAndCleansUp)
 
 TEST_F(Export, TextsBeyondTheCodePageMakeTheWholePackageUtf8)
 {
-    library.sql(QStringLiteral("UPDATE SubTopics SET SubTopic = 'π ≤ 漢字'"));
+    library.sql(u"UPDATE SubTopics SET SubTopic = 'π ≤ 漢字'"_s);
     expectSuccess(package());
     run();
     EXPECT_EQ(contents("subtopics.txt").toLatin1(), "\xef\xbb\xbf"
@@ -122,8 +121,8 @@ TEST_F(Export, WhatNobodyCanImportIsToldBeforehand)
     };
     QString& answer = state.QuestionList(2).Answer;
     for (const auto& [text, words] : std::initializer_list<std::pair<QString, const char*>>{
-             {QStringLiteral("5\""), "double quote"},
-             {QStringLiteral("it's"), "such as: it's"},
+             {u"5\""_s, "double quote"},
+             {u"it's"_s, "such as: it's"},
              {QString(longestField / 2 + 1, u'π'), "1 MiB"}}) {
         answer = text;
         expectProblem(words);
@@ -132,7 +131,7 @@ TEST_F(Export, WhatNobodyCanImportIsToldBeforehand)
     EXPECT_TRUE(PackageProblems(state).isEmpty());
     state.AssessmentList(1).AssessmentName.clear();
     expectProblem("no name");
-    state.AssessmentList(1).AssessmentName = QStringLiteral("A");
+    state.AssessmentList(1).AssessmentName = u"A"_s;
     while (state.TopicList.upperBound() < 32'767) {
         state.TopicList.append({});
     }
@@ -143,8 +142,8 @@ TEST_F(Export, WhatNobodyCanImportIsToldBeforehand)
 
 TEST_F(Export, EmptyAssessmentIsFourTextFiles)
 {
-    library.sql(QStringLiteral("UPDATE Assessments SET Available = 0"));
-    library.addAssessment(QStringLiteral("Empty"));
+    library.sql(u"UPDATE Assessments SET Available = 0"_s);
+    library.addAssessment(u"Empty"_s);
     // Saved into the work folder, the package is what the user wanted, not a leftover.
     expectSuccess(work("mine"));
     run();
@@ -162,26 +161,26 @@ TEST_F(Export, FailuresEndAsDescribed)
     EXPECT_NE(listing(work()), "");
 
     // The packing has told; no success, and the work folder is emptied.
-    files.answers.emplace_back(QStringLiteral("/nowhere/p.zip"));
+    files.answers.emplace_back(u"/nowhere/p.zip"_s);
     expect("Varnholt", "Error 5 (No such file or directory) in procedure AddFilesToZip of Modulo "
                        "di classe clsZip");
     run();
     EXPECT_EQ(listing(work()), "");
 
-    EXPECT_TRUE(reason.contains(QStringLiteral("No such file or directory")));
+    EXPECT_TRUE(reason.contains(u"No such file or directory"_s));
 
     // Nothing of the library is overwritten, whichever way leads there.
-    const QString link = packages.filePath(QStringLiteral("link"));
+    const QString link = packages.filePath(u"link"_s);
     QFile::link(library.folder(), link);
-    const std::string sound = listing(library.folder() + QStringLiteral("/Files"));
+    const std::string sound = listing(library.folder() + u"/Files"_s);
     for (const char* target : {"/Varnholt.mdb", "/VARNHOLT.mdb-wal", "/Files/2.jpg", "/Files/p.zip",
                                "/Export/topics.txt"}) {
         files.answers.emplace_back(link + QLatin1String(target));
         expect("Export Error", "There was an error creating this export file.");
         run();
-        EXPECT_TRUE(reason.contains(QStringLiteral("harm"))) << target;
+        EXPECT_TRUE(reason.contains(u"harm"_s)) << target;
     }
-    EXPECT_EQ(listing(library.folder() + QStringLiteral("/Files")), sound);
+    EXPECT_EQ(listing(library.folder() + u"/Files"_s), sound);
 
     // A picture is missing: no dialog any more.
     QFile::remove(library.picturePath(second));

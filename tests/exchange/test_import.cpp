@@ -71,7 +71,7 @@ protected:
     /// The usual package is imported under the name "P"; or that fails.
     void runSound(bool works)
     {
-        expectNameQuestion(QStringLiteral("P"), QStringLiteral("P"));
+        expectNameQuestion(u"P"_s, u"P"_s);
         works ? expectImported(1, 1, 2) : expectImportError();
         run();
     }
@@ -85,13 +85,12 @@ protected:
     }
     [[nodiscard]] int count(const char* table) const
     {
-        return library.value(QStringLiteral("SELECT count(*) FROM %1").arg(QLatin1String(table)))
-            .toInt();
+        return library.value(u"SELECT count(*) FROM %1"_s.arg(QLatin1String(table))).toInt();
     }
     [[nodiscard]] QString visible() const
     {
         return library.value(
-            QStringLiteral("SELECT group_concat(AssessmentName) FROM Assessments WHERE Available"));
+            u"SELECT group_concat(AssessmentName) FROM Assessments WHERE Available"_s);
     }
 };
 
@@ -118,13 +117,13 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
 {
     VARNHOLT_SKIP_ON_WINDOWS("thousands of files take minutes under Wine");
     ExchangeWorld source;
-    const QString name = QStringLiteral("Algebra – π");
+    const QString name = u"Algebra – π"_s;
     source.library.addGenerated(name, 10, 10, 50, true);
-    source.library.sql(QStringLiteral(
-        "UPDATE Topics SET Topic = char(65279) || 'Commas, and 漢字' WHERE TopicID = 3;"
+    source.library.sql(
+        u"UPDATE Topics SET Topic = char(65279) || 'Commas, and 漢字' WHERE TopicID = 3;"
         "UPDATE Questions SET Answer = 'two' || char(13,10) || 'lines' WHERE SOLIndex = 5;"
         "UPDATE Questions SET TopicID = 999 WHERE SOLIndex = 6;"
-        "UPDATE Questions SET Available = 0 WHERE SOLIndex = 7;"));
+        "UPDATE Questions SET Available = 0 WHERE SOLIndex = 7;"_s);
     frmExport form(source.services, source.state, source.opened);
     for (const mode_t bad : badDisks) {
         // Neither the bytes of the package nor its name may be lost with the power.
@@ -134,12 +133,10 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
                             "There is a problem creating this export file.  Please try again.")
             : source.expect("Export Complete", "Export was successful.");
         form.cmdExport_Click();
-        EXPECT_EQ(control<QLabel>(&form, "lblReason")
-                      ->text()
-                      .contains(QStringLiteral("(Input/output error)")),
+        EXPECT_EQ(control<QLabel>(&form, "lblReason")->text().contains(u"(Input/output error)"_s),
                   bad != 0);
     }
-    library.addGenerated(QStringLiteral("Mine"), 2, 2, 2, true);
+    library.addGenerated(u"Mine"_s, 2, 2, 2, true);
 
     expectNameQuestion(name, name);
     expectImported(10, 100, 4999);
@@ -149,16 +146,16 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
 #ifdef Q_OS_LINUX
     EXPECT_EQ(wideSyncs, 1) << "the pictures must be on the disk before their rows are";
 #endif
-    EXPECT_EQ(QFileInfo(library.databasePath() + QStringLiteral("-wal")).size(), 0)
+    EXPECT_EQ(QFileInfo(library.databasePath() + u"-wal"_s).size(), 0)
         << "a copy of the library would lack the import";
     EXPECT_EQ(content(name).join(u'\n').toStdString(),
               source.content(name).join(u'\n').toStdString());
-    EXPECT_EQ(visible(), QStringLiteral("Mine,") + name);
+    EXPECT_EQ(visible(), u"Mine,"_s + name);
     EXPECT_EQ(in("Import"), "");
 
     // An import is one step.
     EXPECT_EQ(opened.undo().result, UndoOutcome::Result::Done);
-    EXPECT_EQ(visible(), QStringLiteral("Mine"));
+    EXPECT_EQ(visible(), u"Mine"_s);
     EXPECT_EQ(opened.redo().result, UndoOutcome::Result::Done);
     EXPECT_EQ(content(name).join(u'\n').toStdString(),
               source.content(name).join(u'\n').toStdString());
@@ -166,43 +163,42 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
 
 TEST_F(Import, NameIsAskedUntilItIsFree)
 {
-    library.addAssessment(QStringLiteral("P"));
-    library.addAssessment(QStringLiteral("Gone"));
-    library.sql(QStringLiteral("UPDATE Assessments SET Available = 0 WHERE AssessmentNum = 2"));
+    library.addAssessment(u"P"_s);
+    library.addAssessment(u"Gone"_s);
+    library.sql(u"UPDATE Assessments SET Available = 0 WHERE AssessmentNum = 2"_s);
     writeFile(package(), makeZip(soundPackage()));
     const auto askAgain = [this](const QString& rejected, const QString& answer) {
-        messages.expectInput(QStringLiteral("Assessment Name"),
-                             QStringLiteral("That assessment name already exists.  Please enter "
-                                            "another assessment name."),
+        messages.expectInput(u"Assessment Name"_s,
+                             u"That assessment name already exists.  Please enter "
+                             "another assessment name."_s,
                              answer, rejected);
     };
-    expectNameQuestion(QStringLiteral("P"), QStringLiteral(" P "));
-    askAgain(QStringLiteral("P"), QStringLiteral("P"));
-    askAgain(QStringLiteral("P"), QStringLiteral("Gone "));
+    expectNameQuestion(u"P"_s, u" P "_s);
+    askAgain(u"P"_s, u"P"_s);
+    askAgain(u"P"_s, u"Gone "_s);
     expectImported(1, 1, 2);
     run();
-    EXPECT_EQ(visible(), QStringLiteral("P,Gone"));
+    EXPECT_EQ(visible(), u"P,Gone"_s);
 
     // Giving up at either question leaves nothing.
-    expectNameQuestion(QStringLiteral("P"), QStringLiteral("P"));
-    askAgain(QStringLiteral("P"), QString());
+    expectNameQuestion(u"P"_s, u"P"_s);
+    askAgain(u"P"_s, QString());
     run();
-    expectNameQuestion(QStringLiteral("P"), QStringLiteral("  "));
+    expectNameQuestion(u"P"_s, u"  "_s);
     run();
     EXPECT_EQ(in("Import"), "");
     run(std::nullopt);
     EXPECT_EQ(count("Assessments"), 3);
 
     // A name that no statement can hold; a new key that cannot be read back.
-    library.sql(
-        QStringLiteral("UPDATE sqlite_sequence SET seq = 2147483647 WHERE name = 'Assessments'"));
-    for (const QString& name : {QStringLiteral("O'Brien"), QStringLiteral("Far")}) {
-        expectNameQuestion(QStringLiteral("P"), name);
+    library.sql(u"UPDATE sqlite_sequence SET seq = 2147483647 WHERE name = 'Assessments'"_s);
+    for (const QString& name : {u"O'Brien"_s, u"Far"_s}) {
+        expectNameQuestion(u"P"_s, name);
         expectImportError();
         run();
         EXPECT_NE(in("Import"), "");
     }
-    EXPECT_EQ(visible(), QStringLiteral("P,Gone,Far"));
+    EXPECT_EQ(visible(), u"P,Gone,Far"_s);
 }
 
 QByteArray records(int number)
@@ -285,8 +281,8 @@ TEST_F(Import, PackagesAreImportedOrRefusedWhole)
              "",
              "Text files: UTF-8"},
         Case{"Utf8Mark", {{"topics.txt", "\ufeff7,\"π\"\r\n"}}, Imported, all, "|π|S|"}};
-    library.addGenerated(QStringLiteral("Mine"), 1, 1, 1, true);
-    const QStringList mine = content(QStringLiteral("Mine"));
+    library.addGenerated(u"Mine"_s, 1, 1, 1, true);
+    const QStringList mine = content(u"Mine"_s);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         std::vector<RawMember> members = soundPackage(c.changes);
@@ -297,7 +293,7 @@ TEST_F(Import, PackagesAreImportedOrRefusedWhole)
         const QString name = QLatin1String(c.name);
         const bool tried = c.result == Imported || c.result == Failed;
         if (tried) {
-            expectNameQuestion(QStringLiteral("P"), name);
+            expectNameQuestion(u"P"_s, name);
         }
         if (c.result == NotAPackage) {
             expect("Import Error", "This file does not appear to be a compatiable export file.  "
@@ -309,7 +305,7 @@ TEST_F(Import, PackagesAreImportedOrRefusedWhole)
         }
         const int before = count("Assessments");
         run();
-        EXPECT_EQ(content(QStringLiteral("Mine")), mine);
+        EXPECT_EQ(content(u"Mine"_s), mine);
         EXPECT_EQ(visible().contains(name), c.result == Imported);
         EXPECT_EQ(count("Assessments"), before + (tried ? 1 : 0));
         EXPECT_EQ(in("Import") == "", c.result != Failed);
@@ -331,7 +327,7 @@ TEST_F(Import, TwoQuestionsWithOnePictureGetTheirOwnBytes)
     EXPECT_EQ(in("Files"), "1.jpg 2.jpg");
 
     // A small package whose pictures fill the disk takes all of them away again.
-    library.sql(QStringLiteral("UPDATE Assessments SET Available = 0"));
+    library.sql(u"UPDATE Assessments SET Available = 0"_s);
     writeFile(package(),
               makeZip({{.name = "3.jpg", .data = QByteArray(140 << 20, 0), .deflated = true},
                        {.name = "topics.txt"},
@@ -344,12 +340,12 @@ TEST_F(Import, TwoQuestionsWithOnePictureGetTheirOwnBytes)
 
 TEST_F(Import, WorkFolderIsOneRunsOwnAndKeepsWhatIsNotOfAPackage)
 {
-    const QString folder = library.folder() + QStringLiteral("/Import");
+    const QString folder = library.folder() + u"/Import"_s;
     const auto cancel = [this] { run(std::nullopt); };
-    writeFile(package(QStringLiteral("1.jpg")), "a photo");
+    writeFile(package(u"1.jpg"_s), "a photo");
     QFile::link(packages.path(), folder);
     cancel();
-    EXPECT_EQ(readFile(package(QStringLiteral("1.jpg"))), "a photo");
+    EXPECT_EQ(readFile(package(u"1.jpg"_s)), "a photo");
 
     for (const char* name :
          {"c.zip", "notes.txt", "0012.jpg", "1.jpeg", "9.jpg", "TOPICS.TXT", "9.jpg.part"}) {
@@ -359,15 +355,15 @@ TEST_F(Import, WorkFolderIsOneRunsOwnAndKeepsWhatIsNotOfAPackage)
     cancel();
     EXPECT_EQ(in("Import"), kept);
     {
-        const WorkFolder another(library.folder(), QStringLiteral("Import"));
+        const WorkFolder another(library.folder(), u"Import"_s);
         expectImportError();
         run();
-        EXPECT_TRUE(reason.contains(QStringLiteral("Another program")));
+        EXPECT_TRUE(reason.contains(u"Another program"_s));
     }
     writeFile(package(), makeZip(soundPackage({{"notes.txt", "theirs"}})));
     runSound(true);
     EXPECT_EQ(in("Import"), kept);
-    EXPECT_EQ(readFile(folder + QStringLiteral("/notes.txt")), "x");
+    EXPECT_EQ(readFile(folder + u"/notes.txt"_s), "x");
 }
 
 TEST_F(Import, DatabaseFailuresSoftDeleteOrLeaveNothing)
@@ -391,10 +387,10 @@ TEST_F(Import, DatabaseFailuresSoftDeleteOrLeaveNothing)
           Case{"Questions", "NEW.Answer = 'B'", "ROLLBACK", 1, 0},
           Case{"Questions", "NEW.Answer = 'B'", "ABORT", 2, 1}}) {
         SCOPED_TRACE(std::string(c.table) + c.action);
-        library.sql(
-            QStringLiteral("CREATE TRIGGER broken BEFORE INSERT ON %1 WHEN %2 BEGIN "
-                           "SELECT RAISE(%3, 'disk'); END")
-                .arg(QLatin1String(c.table), QLatin1String(c.condition), QLatin1String(c.action)));
+        library.sql(u"CREATE TRIGGER broken BEFORE INSERT ON %1 WHEN %2 BEGIN "
+                    "SELECT RAISE(%3, 'disk'); END"_s.arg(QLatin1String(c.table),
+                                                          QLatin1String(c.condition),
+                                                          QLatin1String(c.action)));
         runSound(false);
         EXPECT_EQ(visible(), QString());
         EXPECT_EQ(count("Assessments"), c.assessments);
@@ -403,18 +399,18 @@ TEST_F(Import, DatabaseFailuresSoftDeleteOrLeaveNothing)
         EXPECT_EQ(in("Files"), c.questions > 0 ? "1.jpg" : "");
         EXPECT_EQ(in("Import"),
                   "3.jpg 4.jpg AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
-        library.sql(QStringLiteral("DROP TRIGGER broken"));
+        library.sql(u"DROP TRIGGER broken"_s);
     }
     writeFile(package(), makeZip(soundPackage({{"topics.txt", records(20'000)}})));
     {
         const FileSizeLimit fullDisk(300'000);
         runSound(false);
     }
-    EXPECT_EQ(library.value(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
+    EXPECT_EQ(library.value(u"PRAGMA integrity_check"_s), u"ok"_s);
     EXPECT_EQ(visible(), QString());
     writeFile(package(), makeZip(soundPackage()));
     runSound(true);
-    EXPECT_EQ(visible(), QStringLiteral("P"));
+    EXPECT_EQ(visible(), u"P"_s);
 }
 
 TEST_F(Import, PackagesOfOtherProgramsAreRead)
@@ -423,7 +419,7 @@ TEST_F(Import, PackagesOfOtherProgramsAreRead)
     for (const RawMember& member : soundPackage()) {
         writeFile(folder.filePath(QString::fromLatin1(member.name)), member.data);
     }
-    QDir(folder.path()).mkdir(QStringLiteral("a folder"));
+    QDir(folder.path()).mkdir(u"a folder"_s);
     int made = 0;
     // Stored, deflated, with data descriptors, with folders and extra fields.
     for (const char* command :
@@ -435,7 +431,7 @@ TEST_F(Import, PackagesOfOtherProgramsAreRead)
         if (!runCommand(QString::fromLatin1(command).arg(package()), folder.path())) {
             continue;
         }
-        expectNameQuestion(QStringLiteral("P"), QStringLiteral("P%1").arg(++made));
+        expectNameQuestion(u"P"_s, u"P%1"_s.arg(++made));
         expectImported(1, 1, 2);
         run();
     }

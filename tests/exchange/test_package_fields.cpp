@@ -7,6 +7,8 @@
 #include <filesystem>
 
 namespace varnholt {
+
+using namespace Qt::StringLiterals;
 namespace {
 
 /// Reads records of the kinds in `pattern` (n a number, t a text) to the end; the fields
@@ -20,7 +22,7 @@ std::string readAll(QByteArray bytes, const char* pattern)
         FieldReader reader(buffer, TextEncoding::Windows1252);
         while (!reader.atEnd()) {
             QStringList fields;
-            records.append(QStringLiteral("error"));
+            records.append(u"error"_s);
             for (const char* kind = pattern; *kind; ++kind) {
                 fields.append(*kind == 'n' ? QString::number(reader.number()) : reader.text());
             }
@@ -69,7 +71,7 @@ TEST(PackageFields, AreReadAsTheFormatSaysOrRefused)
 TEST(PackageFields, AFileMadeAnewLeavesWhatSharesTheOldBytes)
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("f.txt"));
+    const QString path = folder.filePath(u"f.txt"_s);
     test::writeFile(path, "old");
     std::filesystem::create_hard_link(path.toStdU16String(), (path + u'2').toStdU16String());
     FieldWriter(path, TextEncoding::Utf8).close();
@@ -94,11 +96,9 @@ TEST(PackageFields, EncodingsLoseNothing)
     const QString text = decodeText(bytes, TextEncoding::Windows1252);
     EXPECT_TRUE(fitsWindows1252(text));
     EXPECT_EQ(encodeText(text, TextEncoding::Windows1252), bytes);
-    EXPECT_EQ(text.mid(0x7f, 3), QStringLiteral("€\u0081‚"));
-    for (const QString& other :
-         {QStringLiteral("π"), QStringLiteral("\u0080"), QStringLiteral("\u009f"),
-          QStringLiteral("𝛑"), QStringLiteral("\ufeff")}) {
-        EXPECT_FALSE(fitsWindows1252(QStringLiteral("a") + other));
+    EXPECT_EQ(text.mid(0x7f, 3), u"€\u0081‚"_s);
+    for (const QString& other : {u"π"_s, u"\u0080"_s, u"\u009f"_s, u"𝛑"_s, u"\ufeff"_s}) {
+        EXPECT_FALSE(fitsWindows1252(u"a"_s + other));
         EXPECT_EQ(decodeText(encodeText(other, TextEncoding::Utf8), TextEncoding::Utf8), other)
             << other.toStdString();
     }

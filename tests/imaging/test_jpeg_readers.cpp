@@ -15,6 +15,8 @@
 #include <cmath>
 
 namespace varnholt::test {
+
+using namespace Qt::StringLiterals;
 namespace {
 
 TEST(Readers, ReadEveryFileWithoutAWarning)
@@ -53,10 +55,8 @@ TEST(Readers, ReadEveryFileWithoutAWarning)
           "ffmpeg -nostdin -v repeat+warning -i $f -pix_fmt rgb24 -update 1 $f.ppm"}) {
         QProcess shell;
         shell.setWorkingDirectory(folder.path());
-        shell.start(
-            QStringLiteral("bash"),
-            {QStringLiteral("-c"),
-             QStringLiteral("for f in *.jpg; do %1 || exit; done").arg(QLatin1String(command))});
+        shell.start(u"bash"_s, {u"-c"_s, u"for f in *.jpg; do %1 || exit; done"_s.arg(
+                                             QLatin1String(command))});
         ASSERT_TRUE(shell.waitForFinished(120000));
         // FFmpeg says the one of any file of a few hundred bytes, libjpeg-turbo's own included,
         // the other of its own conversion to the format written.

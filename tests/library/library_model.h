@@ -8,6 +8,8 @@
 
 namespace varnholt::test {
 
+using namespace Qt::StringLiterals;
+
 /// A library as plain rows in memory, with undo and redo: what the real one is held against.
 class LibraryModel
 {
@@ -117,8 +119,7 @@ public:
     [[nodiscard]] static QString describe(const std::pair<const Item, Row>& entry)
     {
         const auto& [item, row] = entry;
-        return QStringLiteral("%1 %2 %3 %4 %5/%6/%7")
-            .arg(static_cast<int>(item.kind))
+        return u"%1 %2 %3 %4 %5/%6/%7"_s.arg(static_cast<int>(item.kind))
             .arg(item.key)
             .arg(row.available)
             .arg(row.name)

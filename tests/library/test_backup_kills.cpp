@@ -4,6 +4,9 @@
 #include "library/backup_world.h"
 
 #include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <random>
 
 #include <sys/wait.h>
@@ -33,11 +36,11 @@ TEST(Backups, A_killed_program_leaves_the_library_of_today_or_the_chosen_one)
     const auto todayPictures = world.pictures();
     world.library.close();
     const QString path = world.files.databasePath();
-    const QString saved = world.files.folder() + QStringLiteral("-saved");
+    const QString saved = world.files.folder() + u"-saved"_s;
     const auto system = [](const QString& command) {
         ASSERT_EQ(std::system(command.toUtf8().constData()), 0);
     };
-    system(QStringLiteral("cp -a %1 %2").arg(world.files.folder(), saved));
+    system(u"cp -a %1 %2"_s.arg(world.files.folder(), saved));
 
     const auto run = [&](int work, int killAt) {
         const pid_t child = fork();
@@ -76,16 +79,16 @@ TEST(Backups, A_killed_program_leaves_the_library_of_today_or_the_chosen_one)
             i < 4 ? 0 : 1 + static_cast<int>(random() % static_cast<unsigned>(length[work]));
         SCOPED_TRACE(testing::Message() << "work " << work << " killed at " << killAt);
         if (work == ReplaceTorn) {
-            writeBytes(path, "torn");
+            writeFile(path, "torn");
         }
-        const QByteArray before = bytesOf(path);
+        const QByteArray before = readFile(path);
         const int status = run(work, killAt);
         if (i < 4) {
             ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) < 254) << status;
             length[work] = WEXITSTATUS(status);
         }
         kills += WIFSIGNALED(status) ? 1 : 0;
-        const bool torn = bytesOf(path) == "torn";
+        const bool torn = readFile(path) == "torn";
         if (!torn) {
             world.library.open();
             FinishRestore(world.library, world.store);
@@ -99,24 +102,22 @@ TEST(Backups, A_killed_program_leaves_the_library_of_today_or_the_chosen_one)
             ASSERT_TRUE(isToday || rows.contains(row));
         }
         ASSERT_EQ(rows.size(), isToday || work != ReplaceTorn ? today.size() : chosen.size());
-        ASSERT_TRUE(isToday || work < Replace ||
-                    bytesOf(path + QStringLiteral(".damaged")) == before);
+        ASSERT_TRUE(isToday || work < Replace || readFile(path + u".damaged"_s) == before);
         for (const auto& [name, bytes] : isToday ? todayPictures : chosenPictures) {
             ASSERT_EQ(pictures.at(name), bytes) << name.toStdString();
         }
-        ASSERT_TRUE(torn || world.files.value(QStringLiteral("PRAGMA integrity_check")) ==
-                                QStringLiteral("ok"));
+        ASSERT_TRUE(torn || world.files.value(u"PRAGMA integrity_check"_s) == u"ok"_s);
         for (const BackupInfo& backup : world.store.list()) {
             ASSERT_TRUE(backup.state == State::Whole && world.store.verify(backup.id).whole);
         }
         // The next try works.
         ASSERT_TRUE(!torn || WIFEXITED(run(work, 0)));
         world.library.open();
-        ASSERT_GT(world.add(QStringLiteral("next")), world.newKey) << "a key is used twice";
+        ASSERT_GT(world.add(u"next"_s), world.newKey) << "a key is used twice";
         world.library.close();
-        system(QStringLiteral("rm -r %1/* && cp -a %2/* %1").arg(world.files.folder(), saved));
+        system(u"rm -r %1/* && cp -a %2/* %1"_s.arg(world.files.folder(), saved));
     }
-    system(QStringLiteral("rm -r %1").arg(saved));
+    system(u"rm -r %1"_s.arg(saved));
     std::printf("%d kills of %d; restored %d, replaced %d and %d\n", kills, runs, restored[Restore],
                 restored[Replace], restored[ReplaceTorn]);
     EXPECT_EQ(kills, runs);

@@ -5,6 +5,8 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <random>
 #include <set>
 
@@ -38,9 +40,8 @@ TEST(Retention, Keeps_what_a_slow_reading_of_the_rule_keeps_over_400_days)
             const QDate date = QDateTime::fromSecsSinceEpoch(time + offset, Qt::UTC).date();
             int year = 0;
             const int week = date.weekNumber(&year);
-            const QString parts[] = {date.toString(QStringLiteral("yyyyMMdd")),
-                                     QStringLiteral("%1-%2").arg(year).arg(week),
-                                     date.toString(QStringLiteral("yyyyMM"))};
+            const QString parts[] = {date.toString(u"yyyyMMdd"_s), u"%1-%2"_s.arg(year).arg(week),
+                                     date.toString(u"yyyyMM"_s)};
             for (std::size_t i = 0; i < 3; ++i) {
                 if (seen[i].size() < std::array{12U, 10U, 9U}[i] &&
                     seen[i].insert(parts[i]).second) {
@@ -80,10 +81,8 @@ TEST(Backups, Restore_every_row_and_picture_and_hand_out_no_key_again)
         const QString id = world.backUp().backup.id;
         world.change();
         // Of a row that is no more.
-        world.files.sql(
-            QStringLiteral("UPDATE sqlite_sequence SET seq = seq + 5 WHERE name = 'Questions'"));
-        const QString libraryId =
-            world.files.value(QStringLiteral("SELECT LibraryID FROM PlusInfo"));
+        world.files.sql(u"UPDATE sqlite_sequence SET seq = seq + 5 WHERE name = 'Questions'"_s);
+        const QString libraryId = world.files.value(u"SELECT LibraryID FROM PlusInfo"_s);
 
         const BackupPlan plan = PlanBackup(world.library, world.store, id, start + 50);
         // Back: question 1, and the eight of the assessment but for one deleted before.
@@ -99,30 +98,29 @@ TEST(Backups, Restore_every_row_and_picture_and_hand_out_no_key_again)
 
         QStringList after = world.rows();
         EXPECT_EQ(after.removeIf([&](const QString& row) {
-            return !rows.contains(row) && row.section(u'|', 3, 3) == QStringLiteral("0");
+            return !rows.contains(row) && row.section(u'|', 3, 3) == u"0"_s;
         }),
                   2);
         EXPECT_EQ(after, rows);
         auto found = world.pictures();
-        EXPECT_EQ(found.erase(QStringLiteral("%1.jpg").arg(world.newKey)), 1U);
+        EXPECT_EQ(found.erase(u"%1.jpg"_s.arg(world.newKey)), 1U);
         EXPECT_EQ(found, pictures);
-        EXPECT_EQ(bytesOf(world.files.picturePath(5) + QStringLiteral(".bak")), "drawn over");
+        EXPECT_EQ(readFile(world.files.picturePath(5) + u".bak"_s), "drawn over");
 
-        EXPECT_EQ(world.files.value(QStringLiteral("SELECT LibraryID FROM PlusInfo")), libraryId);
+        EXPECT_EQ(world.files.value(u"SELECT LibraryID FROM PlusInfo"_s), libraryId);
         EXPECT_EQ(world.library.undoStep().has_value(), journalFromTheStart);
         const Trash trash = world.library.trash();
         EXPECT_TRUE(std::any_of(trash.entries().begin(), trash.entries().end(), [&](auto& entry) {
             return entry.item == Item{ItemKind::Question, world.newKey} &&
                    entry.deletedAt == start + 50;
         }));
-        EXPECT_EQ(world.add(QStringLiteral("next")), world.newKey + 6);
+        EXPECT_EQ(world.add(u"next"_s), world.newKey + 6);
 
         // And back to the state before, which was backed up by itself.
         RestoreBackup(world.library, world.store, world.store, restored.backupOfBefore, start + 99);
-        EXPECT_EQ(
-            world.files.value(QStringLiteral("SELECT Answer FROM Questions WHERE SOLIndex=2")),
-            QStringLiteral("other"));
-        EXPECT_EQ(bytesOf(world.files.picturePath(5)), "drawn over");
+        EXPECT_EQ(world.files.value(u"SELECT Answer FROM Questions WHERE SOLIndex=2"_s),
+                  u"other"_s);
+        EXPECT_EQ(readFile(world.files.picturePath(5)), "drawn over");
     }
 }
 
@@ -139,7 +137,7 @@ TEST(Backups, Read_and_write_only_the_pictures_that_are_new)
         setFileSteps(fileSystem);
         EXPECT_EQ(world.backUp().picturesWritten, 16U);
         EXPECT_FALSE(world.store.isDue(start + 3601));
-        world.add(QStringLiteral("new"));
+        world.add(u"new"_s);
         world.store.noteChange();
         EXPECT_FALSE(world.store.isDue(start + 3599));
         EXPECT_TRUE(world.store.isDue(start + 3601));
@@ -153,7 +151,7 @@ TEST(Backups, Read_and_write_only_the_pictures_that_are_new)
         // A picture that only old backups have goes with them.
         QFile::remove(world.files.picturePath(7));
         next = world.backUp(start + 800 * day);
-        const QDir pool(world.store.folder() + QStringLiteral("/Pictures"));
+        const QDir pool(world.store.folder() + u"/Pictures"_s);
         for (int month = 1; month < 20; ++month) {
             world.backUp(start + (800 + 31 * month) * day);
         }
@@ -173,43 +171,43 @@ TEST(Backups, Find_every_flipped_byte_and_never_offer_what_is_damaged_first)
     setFileSteps(AtStep::NoLinks);
     const QString good = world.backUp().backup.id;
     setFileSteps(AtStep::Nothing);
-    world.add(QStringLiteral("new"));
+    world.add(u"new"_s);
     const QString id = world.backUp(start + 100).backup.id;
     const QString base = world.store.folder() + u'/' + id;
     std::mt19937 random(3);
     for (int i = 0; i < fromEnvironment("VARNHOLT_FLIPS", 60); ++i) {
         const QString path =
-            std::array{base + QStringLiteral(".manifest"), base + QStringLiteral(".mdb"),
-                       world.store.folder() + QStringLiteral("/Pictures/") +
-                           QDir(world.store.folder() + QStringLiteral("/Pictures"))
+            std::array{base + u".manifest"_s, base + u".mdb"_s,
+                       world.store.folder() + u"/Pictures/"_s +
+                           QDir(world.store.folder() + u"/Pictures"_s)
                                .entryList(QDir::Files)
                                .at(static_cast<qsizetype>(random() % 17))}[random() % 3];
-        const QByteArray bytes = bytesOf(path);
+        const QByteArray bytes = readFile(path);
         QByteArray flipped = bytes;
         const auto at = static_cast<qsizetype>(random() % static_cast<unsigned>(bytes.size()));
         flipped[at] = static_cast<char>(flipped[at] ^ (1 << random() % 8));
-        writeBytes(path, flipped);
+        writeFile(path, flipped);
         ASSERT_FALSE(world.store.verify(id).whole) << path.toStdString() << " " << at;
         const std::vector<BackupInfo> list = world.store.list();
         ASSERT_EQ(list.back().state, State::Damaged);
         ASSERT_FALSE(list.back().reason.isEmpty());
         ASSERT_TRUE(list.front().state == State::Damaged || list.front().id == good);
-        QFile::remove(path + QStringLiteral(".damaged"));
-        writeBytes(path, bytes);
+        QFile::remove(path + u".damaged"_s);
+        writeFile(path, bytes);
     }
     EXPECT_TRUE(world.store.verify(id).whole);
     // One of a newer program is refused with its version.
     BackupManifest manifest;
     ASSERT_EQ(world.store.read(id, manifest), State::Whole);
     manifest.tables = 99;
-    manifest.program = QStringLiteral("7.5");
-    writeBytes(base + QStringLiteral(".manifest"), manifest.text());
+    manifest.program = u"7.5"_s;
+    writeFile(base + u".manifest"_s, manifest.text());
     EXPECT_EQ(world.store.list().back().state, State::Newer);
     try {
         RestoreBackup(world.library, world.store, world.store, id, start + 200);
         ADD_FAILURE();
     } catch (const Error& refusal) {
-        EXPECT_TRUE(refusal.message().contains(QStringLiteral("(7.5)")));
+        EXPECT_TRUE(refusal.message().contains(u"(7.5)"_s));
     }
 }
 
@@ -217,7 +215,7 @@ TEST(Backups, At_a_second_place_stay_whole_when_it_is_full_or_pulled_out)
 {
     VARNHOLT_SKIP_ON_WINDOWS("no disk can be made to look full");
     World world;
-    const QString place = world.files.folder() + QStringLiteral("/stick");
+    const QString place = world.files.folder() + u"/stick"_s;
     const auto copy = [&] { return world.store.copyNewestTo(place, start, 0); };
     world.backUp();
     EXPECT_EQ(copy(), BackupStore::CopyOutcome::NotThere);
@@ -250,7 +248,7 @@ TEST(Backups, At_a_second_place_stay_whole_when_it_is_full_or_pulled_out)
     // The library is restored from there as from its own.
     BackupStore there = BackupStore::storesAt(place).at(0);
     RestoreBackup(world.library, world.store, there, there.list().at(1).id, start + 200);
-    EXPECT_EQ(bytesOf(world.files.picturePath(5)), "picture 5");
+    EXPECT_EQ(readFile(world.files.picturePath(5)), "picture 5");
 }
 
 TEST(Backups, Take_the_place_of_a_library_that_cannot_be_read)
@@ -263,8 +261,8 @@ TEST(Backups, Take_the_place_of_a_library_that_cannot_be_read)
         world.library.close();
         const QString path = world.files.databasePath();
         if (!readable) {
-            writeBytes(path, "torn");
-            writeBytes(path + QStringLiteral("-wal"), "of the torn one");
+            writeFile(path, "torn");
+            writeFile(path + u"-wal"_s, "of the torn one");
             EXPECT_THROW(world.library.open(), DatabaseError);
         }
         const BackupRestored done = ReplaceLibrary(world.files.folder(), world.store, id, start);
@@ -274,9 +272,9 @@ TEST(Backups, Take_the_place_of_a_library_that_cannot_be_read)
         EXPECT_EQ(found.removeIf([&](const QString& row) { return !rows.contains(row); }),
                   readable ? 2 : 0);
         EXPECT_EQ(found, rows);
-        EXPECT_EQ(bytesOf(world.files.picturePath(4)) + bytesOf(world.files.picturePath(5)),
+        EXPECT_EQ(readFile(world.files.picturePath(4)) + readFile(world.files.picturePath(5)),
                   "picture 4picture 5");
-        EXPECT_EQ(world.add(QStringLiteral("next")), world.newKey + 1);
+        EXPECT_EQ(world.add(u"next"_s), world.newKey + 1);
     }
 }
 

@@ -63,6 +63,8 @@ protected:
     }
     ItemKind someKind() { return static_cast<ItemKind>(1 + pick(4)); }
 
+    static void writePicture(const QString& path) { QFile(path).open(QIODevice::WriteOnly); }
+
     std::optional<Command> addCommand(ItemKind kind)
     {
         const QString name = someName();
@@ -90,9 +92,7 @@ protected:
                 l.addSubtopic(place.AssessmentNum, place.TopicID, name);
                 break;
             default:
-                l.addQuestion(place, name, [](const QString& path) {
-                    QFile(path).open(QIODevice::WriteOnly | QIODevice::NewOnly);
-                });
+                l.addQuestion(place, name, writePicture);
             }
         };
         return Command{real, [=](LibraryModel& m) { m.add(kind, name, place); }};
@@ -184,8 +184,12 @@ protected:
         plan.subtopics = {{1, someName()}, {0, someName()}};
         plan.questions.resize(static_cast<std::size_t>(pick(6)), {1, 0, u"imported"_s});
         return {
-            [plan](Library& l) {
-                l.apply(plan, {[](std::size_t, std::int32_t) {}, {}, {}});
+            [this, plan](Library& l) {
+                l.apply(plan, {[this](std::size_t, std::int32_t key) {
+                                   writePicture(files.picturePath(key));
+                               },
+                               {},
+                               {}});
             },
             [plan](LibraryModel& m) {
                 const std::int32_t a = m.add(ItemKind::Assessment, plan.AssessmentName, {}).key;
@@ -255,6 +259,10 @@ protected:
         waitpid(child, &status, 0);
         ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << status;
         open();
+        for (const auto& [item, row] : readRows(library->connection())) {
+            EXPECT_TRUE(item.kind != ItemKind::Question || item.key <= withoutPicture ||
+                        QFile::exists(files.picturePath(item.key)));
+        }
         if (differences().isEmpty()) {
             ++undoneByKill;
             return;
@@ -291,6 +299,8 @@ protected:
         return lines;
     }
 
+    /// The questions there are at first have no pictures.
+    static constexpr std::int32_t withoutPicture = 32;
     static inline int* killAt = nullptr;
     static inline bool armed = false;
 

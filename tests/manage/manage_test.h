@@ -102,9 +102,7 @@ protected:
                                                  preselection = rows;
                                                  authoring();
                                              });
-        window->show();
-        window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        present(*window);
         window->setFocus();
     }
     void browse(int topic, int subtopic)
@@ -149,20 +147,16 @@ protected:
     void inDialog(const std::function<void()>& openIt, const std::function<void()>& work)
     {
         dialog = nullptr;
-        // There is no window manager to do it.
-        window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        present(*window);
         QTimer::singleShot(0, window.get(), [&] {
             dialog = QApplication::activeModalWidget();
-            dialog->activateWindow();
-            EXPECT_TRUE(QTest::qWaitForWindowActive(dialog));
+            present(*dialog);
             work();
             static_cast<QDialog*>(dialog)->done(QDialog::Rejected);
         });
         openIt();
         ASSERT_NE(dialog, nullptr);
-        window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        present(*window);
     }
     /// In the control of the dialog that has the focus.
     void typed(Qt::Key which, Qt::KeyboardModifiers with = {})

@@ -11,6 +11,8 @@
 
 namespace varnholt::test {
 
+using namespace Qt::StringLiterals;
+
 using End = BuildOutcome::End;
 
 /// A picture; no density is written when `dotsPerInch` is 0.
@@ -38,13 +40,9 @@ inline QString writePicture(const QString& path, QSize size, double dotsPerInch,
 class BuildFixture : public testing::Test
 {
 protected:
-    QString picture(int index) const
-    {
-        return folder_.filePath(QStringLiteral("%1.jpg").arg(index));
-    }
+    QString picture(int index) const { return folder_.filePath(u"%1.jpg"_s.arg(index)); }
 
-    void addQuestion(const QString& answer,
-                     const QString& topic = QStringLiteral("Algebra - Roots"))
+    void addQuestion(const QString& answer, const QString& topic = u"Algebra - Roots"_s)
     {
         const int key = pool_.upperBound() + 1;
         pool_.append({{key, key, 1, 1, answer}, true});

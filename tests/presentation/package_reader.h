@@ -9,6 +9,8 @@
 
 namespace varnholt::test {
 
+using namespace Qt::StringLiterals;
+
 /// Runs a program to its end and gives back its output; a failure fails the test.
 inline QByteArray output(const QString& program, const QStringList& arguments)
 {
@@ -27,8 +29,7 @@ class PackageReader
 public:
     explicit PackageReader(const QString& path)
     {
-        output(QStringLiteral("unzip"),
-               {QStringLiteral("-q"), path, QStringLiteral("-d"), folder_.path()});
+        output(u"unzip"_s, {u"-q"_s, path, u"-d"_s, folder_.path()});
     }
 
     [[nodiscard]] QByteArray bytes(const QString& part) const
@@ -56,10 +57,7 @@ public:
         return found;
     }
 
-    static QString slideName(int slide)
-    {
-        return QStringLiteral("ppt/slides/slide%1.xml").arg(slide);
-    }
+    static QString slideName(int slide) { return u"ppt/slides/slide%1.xml"_s.arg(slide); }
 
 private:
     QTemporaryDir folder_;

@@ -6,6 +6,7 @@
 #include "presentation/pptx/zip_writer.h"
 #include "store/errors.h"
 #include "support/file_size_limit.h"
+#include "support/test_files.h"
 
 #include <QDir>
 
@@ -93,9 +94,7 @@ TEST_F(Pptx, PackageKeepsTheRules)
     // Each picture once, as what it is and not as what it is called, stored byte for byte.
     EXPECT_EQ(parts.filter(u"media"_s).join(u' '),
               u"ppt/media/image1.jpeg ppt/media/image2.bmp ppt/media/image3.jpeg");
-    QFile original(picture(2));
-    ASSERT_TRUE(original.open(QIODevice::ReadOnly));
-    EXPECT_EQ(package.bytes(u"ppt/media/image2.bmp"_s), original.readAll());
+    EXPECT_EQ(package.bytes(u"ppt/media/image2.bmp"_s), readFile(picture(2)));
     EXPECT_FALSE(output(u"unzip"_s, {u"-v"_s, program.writtenPath()}).contains("Defl"));
 
     // 12,700 to the point; 9,525 to the pixel at 96 dots an inch.
@@ -195,17 +194,13 @@ class Pictures : public BuildFixture
 protected:
     QString save(const QByteArray& bytes)
     {
-        QFile file(picture(++files_));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        return file.fileName();
+        writeFile(picture(++files_), bytes);
+        return picture(files_);
     }
 
     QByteArray bytesOf(QSize size, double dotsPerInch, const char* format)
     {
-        QFile file(writePicture(folder_.filePath(u"made"_s), size, dotsPerInch, format));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
+        return readFile(writePicture(folder_.filePath(u"made"_s), size, dotsPerInch, format));
     }
 
     /// A JPEG of 600 x 300 pixels with an Exif block instead of its JFIF one; `density` is a

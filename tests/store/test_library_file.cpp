@@ -3,6 +3,7 @@
 #include "store/library_file.h"
 #include "store/statements.h"
 #include "support/file_size_limit.h"
+#include "support/test_files.h"
 #include "support/test_library.h"
 #include "support/unprivileged.h"
 
@@ -73,13 +74,6 @@ protected:
     Connection connection;
 };
 
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readAll();
-}
-
 TEST_F(LibraryConnection, RefusesWhatIsNoLibraryAndLeavesItAlone)
 {
     const QString path = library.folder() + u"/other.mdb"_s;
@@ -89,7 +83,7 @@ TEST_F(LibraryConnection, RefusesWhatIsNoLibraryAndLeavesItAlone)
               "The question library should be a file, but this is a folder:");
 
     library.sql(u"ALTER TABLE Questions RENAME COLUMN Answer TO Reply"_s);
-    const QByteArray lacking = bytesOf(library.databasePath());
+    const QByteArray lacking = readFile(library.databasePath());
     const std::string none = "This file is not a question library:";
     const std::string other = "This file is a database, but not a question library (";
     const std::string damaged = "The question library could not be opened:";
@@ -100,21 +94,17 @@ TEST_F(LibraryConnection, RefusesWhatIsNoLibraryAndLeavesItAlone)
           {lacking.left(100), damaged},
           {lacking.left(600), damaged},
           {lacking.left(5000), damaged}}) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        file.close();
+        writeFile(path, bytes);
         EXPECT_EQ(openingError(path), error) << bytes.size();
-        EXPECT_EQ(bytesOf(path), bytes);
+        EXPECT_EQ(readFile(path), bytes);
     }
 }
 
 TEST_F(LibraryConnection, AcceptsAnyDatabaseWithTheTablesInAnyCase)
 {
     library.sql(u"DROP TABLE Questions; CREATE TABLE QUESTIONS(note, solindex "
-                u"integer primary key,"
-                "TOPICID, SUBTOPICNUM, ANSWER, assessmentnum, available);"
-                "INSERT INTO questions VALUES('n',3,3000000000,NULL,NULL,1,1)"_s);
+                u"integer primary key,TOPICID, SUBTOPICNUM, ANSWER, assessmentnum, "
+                "available);INSERT INTO questions VALUES('n',3,3000000000,NULL,NULL,1,1)"_s);
     connection.open(library.databasePath());
     EXPECT_FALSE(connection.isReadOnly());
     Recordset rows = connection.read(SelectQuestions(1));
@@ -234,13 +224,6 @@ TEST_F(LibraryConnection, TransactionsAreSeenWholeOrNotAtAll)
     }
 }
 
-void touch(const QString& path)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("x");
-}
-
 TEST(PictureFiles, AreFoundWhateverTheCase)
 {
     VARNHOLT_SKIP_ON_WINDOWS("names of files are the same in any case");
@@ -249,7 +232,7 @@ TEST(PictureFiles, AreFoundWhateverTheCase)
     EXPECT_EQ(FindPictureFile(root, 7), root + u"/Files/7.jpg"_s);
     QDir(root).mkdir(u"FILES"_s);
     for (const QString& name : {u"7.jpg"_s, u"8.JPG"_s, u"9.Jpg"_s}) {
-        touch(root + u"/FILES/"_s + name);
+        writeFile(root + u"/FILES/"_s + name, "x");
         EXPECT_EQ(FindPictureFile(root, name.at(0).digitValue()), root + u"/FILES/"_s + name);
     }
     EXPECT_EQ(NewPictureFile(root, 8), root + u"/FILES/8.jpg"_s);
@@ -287,7 +270,7 @@ TEST(ProgramFolder, IsTheExecutablesOrACopyOfTheSuppliedLibrary)
     EXPECT_EQ(LibraryPath(user), user + u"/Varnholt.mdb"_s);
 
     // The user's library is never replaced by a later start.
-    touch(LibraryPath(user));
+    writeFile(LibraryPath(user), "x");
     EXPECT_EQ(ChooseProgramFolder({empty, user, supplied.folder()}), user);
     EXPECT_EQ(QFileInfo(LibraryPath(user)).size(), 1);
 

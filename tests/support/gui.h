@@ -19,6 +19,16 @@ Control* control(QWidget* window, const char* name)
     return found;
 }
 
+/// Shows a window and waits until it has the keyboard; there is no window manager to give it.
+inline void present(QWidget& window)
+{
+    window.show();
+    window.activateWindow();
+    if (!QTest::qWaitForWindowActive(&window, 60'000)) {
+        throw std::runtime_error("the window does not become active");
+    }
+}
+
 /// Clicks a control with the mouse, as a user can: it must be on show and enabled.
 inline void click(QWidget* window, const char* name)
 {

@@ -1,4 +1,5 @@
 #include "pictures/picture_loader.h"
+#include "support/test_files.h"
 #include "support/test_library.h"
 #include "toolkit/PictureView.h"
 
@@ -50,12 +51,7 @@ class PictureLoaderTest : public testing::Test
 {
 protected:
     [[nodiscard]] QString path(int n) const { return folder.filePath(u"%1.bmp"_s.arg(n)); }
-    void write(int n, const QByteArray& bytes) const
-    {
-        QFile file(path(n));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
+    void write(int n, const QByteArray& bytes) const { writeFile(path(n), bytes); }
     LoadedPicture load(const QString& file)
     {
         std::optional<LoadedPicture> came;

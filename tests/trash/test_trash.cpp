@@ -32,9 +32,7 @@ protected:
     void open()
     {
         window = std::make_unique<frmTrash>(services, owner);
-        window->show();
-        window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), patienceMs));
+        present(*window);
         window->setFocus();
         table = control<QTableView>(window.get(), "tblTrash");
     }
