@@ -168,6 +168,8 @@ BackupRestored LibraryBackups::restore(QWidget* window, const BackupStore& from,
     if (damaged_) {
         return replaceDamaged(window, from, id);
     }
+    // Done in the middle of it, this would pass for another program's change.
+    library_.connection().settle();
     BackupRestored result;
     inBackground(window, tr("Restoring the backup…"), LongWork::Cancel::Offered,
                  Connection::Access::Change, [&](Library& library, const WorkProgress& progress) {

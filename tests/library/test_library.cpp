@@ -249,6 +249,11 @@ TEST_F(LibraryTest, AFailedPictureLeavesTheRowAndAnOldOneIsSetAside)
                                       }),
                  Error);
     EXPECT_EQ(available(), u"111111"_s) << "the row goes where a picture of unknown content stays";
+    files.sql(u"CREATE TRIGGER t BEFORE INSERT ON PlusChanges BEGIN SELECT RAISE(ABORT, 'full');"
+              "END"_s);
+    EXPECT_THROW(library->addQuestion({1, 1, 1}, u"d"_s, write), Error);
+    EXPECT_FALSE(QFile::exists(files.picturePath(7))) << "nor does the picture without its row";
+    files.sql(u"DROP TRIGGER t"_s);
     EXPECT_EQ(library->undo().result, Result::Done);
     EXPECT_EQ(available(), u"111110"_s);
 }

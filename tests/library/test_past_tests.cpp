@@ -76,7 +76,8 @@ TEST_F(PastTestsTest, OnlyWhatIsCompleteIsListedAndCountsAsUsed)
     first.options = {false, true, 2, 9, true, 5, {true, true, false, true, 30, true}};
     const std::int32_t key = library.beginTest(first);
     EXPECT_EQ(names() + uses(0), u"0000"_s);
-    library.completeTest(key, TestKind::Slides);
+    library.completeTest(key, TestKind::Slides,
+                         {first.items[0].pictureSha, first.items[1].pictureSha});
     EXPECT_EQ(library.pastTests().items(key), first.items);
     const PastTest listed = library.pastTests().list().front();
     EXPECT_EQ(listed.options, first.options);
@@ -105,6 +106,17 @@ TEST_F(PastTestsTest, OnlyWhatIsCompleteIsListedAndCountsAsUsed)
     EXPECT_EQ(library.pastTests().uses(show), (std::map{std::pair(4, TestUse{use, 4, {}})}));
     EXPECT_EQ(uses(1), u"1111"_s);
     EXPECT_THROW(library.recordUse(99, 4), Error);
+}
+
+TEST_F(PastTestsTest, AreRecordedWholeOrNotAtAll)
+{
+    const std::int32_t key = library.beginTest(test(u"begun"_s, {}, {1}));
+    files.sql(u"CREATE TRIGGER a BEFORE INSERT ON PlusTestItems BEGIN SELECT RAISE(ABORT, 'full');"
+              "END; CREATE TRIGGER b BEFORE INSERT ON PlusUses BEGIN SELECT RAISE(ABORT, 'full');"
+              "END"_s);
+    EXPECT_THROW(library.keepTest(test(u"kept"_s, {}, {1})), Error);
+    EXPECT_THROW(library.completeTest(key, TestKind::Slides), Error);
+    EXPECT_EQ(names(), QString());
 }
 
 TEST_F(PastTestsTest, WhatATeacherDoesToThemCanBeUndone)
