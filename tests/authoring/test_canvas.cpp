@@ -60,6 +60,40 @@ TEST_F(Canvas, OverflowIsAnErrorThatLeavesTheFrameRemovable)
     EXPECT_EQ(canvas.state().HScroll.maximum, 32767);
 }
 
+TEST_F(Canvas, HandlesMoveTheirSidesAloneAndStepsRememberTheirFrames)
+{
+    const auto release = [&](double X, double Y) {
+        canvas.MouseMove(X, Y);
+        canvas.MouseUp();
+    };
+    const auto frame = [&] { return canvas.state().selection(); };
+    canvas.MouseDown(100, 60);
+    release(160, 120);
+    canvas.HandleDown(1, 0);
+    release(200, 200);
+    canvas.HandleDown(-1, 1);
+    release(80, 150);
+    const QRect sized(80, 60, 120, 90);
+    EXPECT_EQ(frame(), sized);
+    canvas.HandleDown(0, -1);
+    canvas.MouseMove(0, 0);
+    canvas.CancelDrag();
+    EXPECT_EQ(frame(), sized);
+    // What is nudged comes into view.
+    canvas.ScrollBy(100, 90);
+    canvas.Nudge(-1, 0);
+    canvas.Nudge(-1, 0);
+    EXPECT_EQ(canvas.state().HScroll.value, 78);
+    EXPECT_EQ(canvas.state().VScroll.value, 60);
+    // Nudges of one frame are one step, those of the next another.
+    canvas.MoveFrame(0, 1);
+    canvas.Nudge(0, 1);
+    canvas.Undo();
+    EXPECT_EQ(frame(), QRect(78, 61, 120, 90));
+    canvas.Undo();
+    EXPECT_EQ(frame(), sized);
+}
+
 TEST_F(Canvas, TextIsBlackOnWhatIsThereFromTheCornerOn)
 {
     canvas.MouseDown(100, 80);

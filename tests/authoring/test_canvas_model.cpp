@@ -243,14 +243,19 @@ private:
             }
         } else if (event < 24) {
             // A press inside, as a window reports it; often on the selection.
-            view_.setZoom(std::array{0.25, 0.74, 1.0, 1.0, 1.5, 8.0}[std::size_t(between(0, 5))]);
+            const double zoom =
+                std::array{0.25, 0.74, 1.0, 1.0, 1.5, 8.0}[std::size_t(between(0, 5))];
+            view_.setZoom(zoom);
             view_.refresh();
             const bool aimed = canvas_.state().SelectionShown && !oneIn(3);
             const QRect in = aimed ? selection() : canvas_.image().rect();
-            press_ = view_.toWidget({between(in.left(), std::max(in.left(), in.right() + 1)),
-                                     between(in.top(), std::max(in.top(), in.bottom() + 1))});
+            const QPoint pixel(between(in.left(), std::max(in.left(), in.right() + 1)),
+                               between(in.top(), std::max(in.top(), in.bottom() + 1)));
+            press_ = view_.toWidget(pixel);
             release();
+            const bool free = !canvas_.state().SelectionShown;
             mouse(QEvent::MouseButtonPress, press_);
+            EXPECT_TRUE(zoom < 1 || !free || selection().topLeft() == pixel);
             background_ = canvas_.state().covered.isNull() ? image_ : background_;
         } else if (event < 55) {
             const int reach = oneIn(10) ? 60 : 4;
