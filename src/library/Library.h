@@ -196,6 +196,11 @@ public:
     /// Records a test whose questions are shown in class one by one. It is listed at once; each of
     /// its questions counts as used from its `recordUse` on.
     std::int32_t beginShow(const NewTest& test);
+    /// The same for a draw that was kept: it becomes that test.
+    void beginShow(std::int32_t keptTestId);
+    /// What stands at positions of a test: other questions in the place of those that were there,
+    /// or pictures whose SHA-256 is known by now.
+    void setTestItems(std::int32_t testId, const std::vector<TestItem>& items);
     /// A question of such a test is on the screen for the first time: it is a use with the test's
     /// class from now on, whatever becomes of the rest. One short transaction. The key of the use
     /// is returned, for `recordOutcome`. Throws for a test that is not there.

@@ -139,6 +139,37 @@ std::int32_t Library::beginShow(const NewTest& test)
     return insertTest(test, TestKind::Shown);
 }
 
+void Library::beginShow(std::int32_t keptTestId)
+{
+    requireFeatures();
+    Change change(*this);
+    Statement(connection_, sql::CompleteTest)
+        .bind(1, std::int64_t{keptTestId})
+        .bind(2, std::int64_t{static_cast<int>(TestKind::Shown)})
+        .bind(3, now())
+        .run();
+    change.add({ItemKind::Test, keptTestId});
+    change.commitUnrecorded();
+}
+
+void Library::setTestItems(std::int32_t testId, const std::vector<TestItem>& items)
+{
+    requireFeatures();
+    Change change(*this);
+    Statement update(connection_, sql::UpdateTestItem);
+    update.bind(1, std::int64_t{testId});
+    for (const TestItem& item : items) {
+        update.bind(2, std::int64_t{item.position})
+            .bind(3, std::int64_t{item.SOLIndex})
+            .bind(4, item.answer)
+            .bind(5, item.topicText)
+            .bindBlob(6, item.pictureSha)
+            .run();
+    }
+    change.add({ItemKind::Test, testId});
+    change.commitUnrecorded();
+}
+
 std::int64_t Library::recordUse(std::int32_t testId, std::int32_t solIndex)
 {
     requireFeatures();

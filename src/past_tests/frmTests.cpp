@@ -108,6 +108,8 @@ void frmTests::buildControls()
                                   "choices inside a picture stay in their order."));
     cmdChange_ = makeButton("cmdChange", tr("C&hange Questions…"));
     cmdChange_->setToolTip(tr("Reviews these questions and makes a new test."));
+    cmdShow_ = makeButton("cmdShow", tr("&Show in Class"));
+    cmdShow_->setToolTip(tr("Shows the questions of this test to the class (F5)."));
     cmdPaper_ = makeButton("cmdPaper", tr("&Print or Save as PDF…"));
     cmdPaper_->setToolTip(tr("Puts the questions of this test on paper."));
     cmdUnused_ = makeButton("cmdUnused", tr("Not &Used After All"));
@@ -122,11 +124,11 @@ void frmTests::buildControls()
     splitter->setStretchFactor(1, 1);
     auto* buttons = new QHBoxLayout;
     for (QPushButton* button :
-         {cmdOpenAgain_, cmdNewVersion_, cmdChange_, cmdPaper_, cmdUnused_, cmdDelete_}) {
+         {cmdOpenAgain_, cmdNewVersion_, cmdChange_, cmdShow_, cmdPaper_, cmdUnused_, cmdDelete_}) {
         button->setAutoDefault(true);
         buttons->addWidget(button);
     }
-    buttons->insertStretch(4);
+    buttons->insertStretch(5);
 #ifndef VARNHOLT_PAPER
     cmdPaper_->hide();
 #endif
@@ -138,7 +140,7 @@ void frmTests::buildControls()
     QWidget* previous = lstTests_;
     for (QWidget* next :
          std::initializer_list<QWidget*>{lstQuestions_, cmdOpenAgain_, cmdNewVersion_, cmdChange_,
-                                         cmdPaper_, cmdUnused_, cmdDelete_}) {
+                                         cmdShow_, cmdPaper_, cmdUnused_, cmdDelete_}) {
         setTabOrder(previous, next);
         previous = next;
     }
@@ -149,6 +151,7 @@ void frmTests::connectControls()
     connect(cmdOpenAgain_, &QPushButton::clicked, this, &frmTests::cmdOpenAgain_Click);
     connect(cmdNewVersion_, &QPushButton::clicked, this, &frmTests::cmdNewVersion_Click);
     connect(cmdChange_, &QPushButton::clicked, this, &frmTests::cmdChange_Click);
+    connect(cmdShow_, &QPushButton::clicked, this, &frmTests::cmdShow_Click);
     connect(cmdPaper_, &QPushButton::clicked, this, &frmTests::cmdPaper_Click);
     connect(cmdUnused_, &QPushButton::clicked, this, &frmTests::cmdUnused_Click);
     connect(cmdDelete_, &QPushButton::clicked, this, &frmTests::cmdDelete_Click);
@@ -167,6 +170,7 @@ void frmTests::connectControls()
     });
     key(Qt::Key_Return, &frmTests::cmdOpenAgain_Click);
     key(Qt::Key_Enter, &frmTests::cmdOpenAgain_Click);
+    key(Qt::Key_F5, [this] { cmdShow_->click(); });
     key(QKeySequence::Delete, [this] { cmdDelete_->click(); });
     connect(
         new QShortcut(QKeySequence::Undo, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
@@ -263,6 +267,7 @@ void frmTests::showButtons()
     const bool changeable = test && features.on;
     cmdOpenAgain_->setEnabled(test);
     cmdChange_->setEnabled(test);
+    cmdShow_->setEnabled(test);
     cmdPaper_->setEnabled(test);
     cmdNewVersion_->setEnabled(test && NextVersion(tests_, *test).has_value());
     cmdUnused_->setEnabled(changeable && test->kind != TestKind::Kept);
@@ -355,6 +360,14 @@ void frmTests::cmdChange_Click()
         });
         review_->Form_Load();
     });
+}
+
+void frmTests::cmdShow_Click()
+{
+    if (const PastTest* test = current()) {
+        const PastTest copy = *test;
+        tryTo([&] { ShowTestAgain(window(), services_, library_, copy); });
+    }
 }
 
 void frmTests::cmdPaper_Click()

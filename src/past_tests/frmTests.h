@@ -49,6 +49,7 @@ private:
     void cmdOpenAgain_Click();
     void cmdNewVersion_Click();
     void cmdChange_Click();
+    void cmdShow_Click();
     void cmdPaper_Click();
     void cmdUnused_Click();
     void cmdDelete_Click();
@@ -80,6 +81,7 @@ private:
     QPushButton* cmdOpenAgain_ = nullptr;
     QPushButton* cmdNewVersion_ = nullptr;
     QPushButton* cmdChange_ = nullptr;
+    QPushButton* cmdShow_ = nullptr;
     QPushButton* cmdPaper_ = nullptr;
     QPushButton* cmdUnused_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;

@@ -4,7 +4,9 @@
 #include "selection/build_run.h"
 #include "selection/frmSelect.h"
 #include "selection/paper_draw.h"
+#include "selection/show_draw.h"
 #include "selection/test_record.h"
+#include "show/show_run.h"
 #include "store/services.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/ListBox.h"
@@ -143,6 +145,21 @@ void frmMain::cmdCreate_Click()
     const SlideOptions options{optTopicYes_->isChecked(), optKeyYes_->isChecked()};
     drawFor([this, options](QWidget* over, const Draw& draw) {
         return buildSlides(over, draw, options);
+    });
+}
+
+void frmMain::cmdShow_Click()
+{
+    drawFor([this](QWidget* over, const Draw& draw) {
+        BuildOutcome outcome;
+        outcome.end = BuildOutcome::End::Cancelled;
+        if (RunShow(over, services_, library_,
+                    ShowTestOf(draw, state_, services_.programFolder, optTopicYes_->isChecked()),
+                    testOf(draw))) {
+            outcome.end = BuildOutcome::End::Complete;
+            Q_EMIT testMade(PaperTestOf(draw, state_, services_.programFolder));
+        }
+        return outcome;
     });
 }
 

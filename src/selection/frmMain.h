@@ -50,7 +50,7 @@ public:
     void cmdPaper_Click();
 
 Q_SIGNALS:
-    /// The marked questions of a draw have become slides or gone to the paper window.
+    /// The marked questions of a draw have become slides, been shown or gone to the paper window.
     void testMade(const PaperTest& test);
 
 protected:
@@ -74,6 +74,7 @@ private:
     void cmdSelectAllSub_Click();
     void selectShownSubTopics(bool selected);
     void cmdCreate_Click();
+    void cmdShow_Click();
     void tell(DrawObstacle obstacle);
     /// What a draw is for; `over` is the window that it happens over.
     using DrawUse = std::function<BuildOutcome(QWidget* over, const Draw& draw)>;
@@ -173,6 +174,7 @@ private:
     QPushButton* cmdAskAgain_ = nullptr;
     HintLabel* lblObstacle_ = nullptr;
     QPushButton* cmdCreate_ = nullptr;
+    QPushButton* cmdShow_ = nullptr;
     QPushButton* cmdPaper_ = nullptr;
     QLabel* lblQuestionCount_ = nullptr;
     QLabel* lblQuotas_ = nullptr;

@@ -12,6 +12,7 @@
 #include "toolkit/controls.h"
 
 #include <QGridLayout>
+#include <QShortcut>
 
 #include <algorithm>
 #include <cmath>
@@ -112,9 +113,12 @@ void frmMain::buildControls()
     lblQuotas_->hide();
     orderGrid->addWidget(lblQuotas_, 2, 0, 1, 2);
     orderGrid->addWidget(cmdCreate_, 3, 0, 1, 2);
+    cmdShow_ = makeButton("cmdShow", tr("Show in Class"));
+    cmdShow_->setToolTip(tr("Shows the drawn questions to the class, one after another (F5)."));
+    orderGrid->addWidget(cmdShow_, 4, 0, 1, 2);
     cmdPaper_ = makeButton("cmdPaper", tr("Print or Save as PD&F…"));
 #ifdef VARNHOLT_PAPER
-    orderGrid->addWidget(cmdPaper_, 4, 0, 1, 2);
+    orderGrid->addWidget(cmdPaper_, 5, 0, 1, 2);
 #else
     cmdPaper_->setParent(this);
     cmdPaper_->hide();
@@ -129,7 +133,7 @@ void frmMain::buildControls()
     askedColumn->setContentsMargins(0, 0, 0, 0);
     askedColumn->addWidget(lblAsked_);
     askedColumn->addWidget(cmdAskAgain_);
-    orderGrid->addWidget(askedRow_, 5, 0, 1, 2);
+    orderGrid->addWidget(askedRow_, 6, 0, 1, 2);
     fraMore_ = new MoreFrame;
     fraRecent_ = new RecentTests;
 
@@ -169,6 +173,7 @@ void frmMain::buildControls()
                                 option("optKeyNo"),
                                 txtQuestions_,
                                 cmdCreate_,
+                                cmdShow_,
                                 cmdPaper_,
                                 cmdAskAgain_};
     for (const auto& group : {fraMore_->controls(), fraRecent_->controls()}) {
@@ -194,6 +199,8 @@ void frmMain::connectControls()
     connect(cmdClearAllSubTopics_, &QPushButton::clicked, this,
             [this] { selectShownSubTopics(false); });
     connect(cmdCreate_, &QPushButton::clicked, this, &frmMain::cmdCreate_Click);
+    connect(cmdShow_, &QPushButton::clicked, this, &frmMain::cmdShow_Click);
+    connect(new QShortcut(Qt::Key_F5, this), &QShortcut::activated, cmdShow_, &QPushButton::click);
     connect(cmdPaper_, &QPushButton::clicked, this, &frmMain::cmdPaper_Click);
     connect(txtQuestions_, &QLineEdit::textEdited, this, [this](const QString& text) {
         constexpr double largest = 1e9;

@@ -43,9 +43,11 @@ void frmMain::connectMore()
 
 void frmMain::cmdSlides_Click()
 {
-    frmSlides dialog(LoadSlideWishes(services_.programFolder), window());
+    frmSlides dialog(LoadSlideWishes(services_.programFolder),
+                     LoadShowWishes(services_.programFolder), window());
     if (dialog.exec() == QDialog::Accepted) {
         SaveSlideWishes(services_.programFolder, dialog.wishes());
+        SaveShowWishes(services_.programFolder, dialog.showWishes());
         fraMore_->saySlides(dialog.wishes().inWords());
     }
 }

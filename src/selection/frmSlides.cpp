@@ -1,5 +1,6 @@
 #include "selection/frmSlides.h"
 
+#include "show/ShowGroup.h"
 #include "toolkit/controls.h"
 
 #include <QCheckBox>
@@ -24,7 +25,7 @@ QCheckBox* makeCheckBox(const char* objectName, const QString& caption, const QS
 
 } // namespace
 
-frmSlides::frmSlides(const SlideWishes& wishes, QWidget* parent)
+frmSlides::frmSlides(const SlideWishes& wishes, const ShowWishes& show, QWidget* parent)
     : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmSlides"));
@@ -34,6 +35,9 @@ frmSlides::frmSlides(const SlideWishes& wishes, QWidget* parent)
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* rows = new QVBoxLayout(this);
     rows->addWidget(buildSlides());
+    fraShow_ = new ShowGroup;
+    fraShow_->setWishes(show);
+    rows->addWidget(fraShow_);
     rows->addStretch();
     rows->addWidget(buttons);
     rows->setSizeConstraint(QLayout::SetFixedSize);
@@ -115,6 +119,11 @@ SlideWishes frmSlides::wishes() const
             chkNotes_->isChecked(),
             chkMoveOn_->isChecked() ? txtSeconds_->value() : 0,
             chkKeyColumns_->isChecked()};
+}
+
+ShowWishes frmSlides::showWishes() const
+{
+    return fraShow_->wishes();
 }
 
 void frmSlides::say(const QString& hint)

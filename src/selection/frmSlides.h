@@ -1,5 +1,6 @@
 #pragma once
 
+#include "show/show_wishes.h"
 #include "store/slide_wishes.h"
 
 #include <QDialog>
@@ -12,16 +13,20 @@ class QSpinBox;
 
 namespace varnholt {
 
-/// The dialog "Slide Options": what a teacher asks of her slides beyond the plain ones. Changes
-/// nothing; who opened it takes its wishes when it was accepted.
+class ShowGroup;
+
+/// The dialog "Slide Options": what a teacher asks of her slides beyond the plain ones, and how
+/// a test is to be shown in class. Changes nothing; who opened it takes its wishes when it was
+/// accepted.
 class frmSlides : public QDialog
 {
     Q_OBJECT
 
 public:
-    explicit frmSlides(const SlideWishes& wishes, QWidget* parent = nullptr);
+    frmSlides(const SlideWishes& wishes, const ShowWishes& show, QWidget* parent = nullptr);
 
     [[nodiscard]] SlideWishes wishes() const;
+    [[nodiscard]] ShowWishes showWishes() const;
     /// What the presentation program cannot be given, in a whole sentence.
     void say(const QString& hint);
 
@@ -37,6 +42,7 @@ private:
     QSpinBox* txtSeconds_ = nullptr;
     QCheckBox* chkKeyColumns_ = nullptr;
     QLabel* lblHint_ = nullptr;
+    ShowGroup* fraShow_ = nullptr;
 };
 
 } // namespace varnholt

@@ -3,8 +3,11 @@
 #include "library/Library.h"
 #include "library/test_pictures.h"
 #include "library/test_versions.h"
+#include "pictures/picture_files.h"
 #include "selection/build_run.h"
 #include "selection/test_record.h"
+#include "show/show_run.h"
+#include "store/catalogue.h"
 #include "store/services.h"
 
 #include <QCoreApplication>
@@ -82,6 +85,50 @@ BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library
     TestRecord record =
         test.kind == TestKind::Kept ? TestRecord(library, test.TestID) : TestRecord(library, again);
     return make(window, services, library, record, again);
+}
+
+void ShowTestAgain(QWidget* window, Services& services, Library& library, const PastTest& test)
+{
+    NewTest again{test.name, test.AssessmentNum, test.className,
+                  test.seed, test.options,       itemsToday(services, library, test.TestID)};
+    again.options.unused = false;
+    ProgramState state;
+    state.CurrentAssessmentNum = test.AssessmentNum;
+    services.messageBoxes->informEach(Words::tr("Database Error"),
+                                      LoadStructure(state, library.connection()));
+    LoadQuestions(state, library.connection());
+
+    ShowTest show;
+    show.topicLine = test.options.topicLine;
+    show.take = [&](const QuestionRecord& question) {
+        return ShowItem{question, GetTopicText(state, question),
+                        FindPictureFile(services.programFolder, question.PictureIndex)};
+    };
+    std::unordered_map<std::int32_t, QuestionRecord> records;
+    List1<DrawnQuestion> others;
+    for (const QuestionRecord& question : state.QuestionList) {
+        records.emplace(question.SOLIndex, question);
+    }
+    for (const TestItem& item : again.items) {
+        const auto found = records.find(item.SOLIndex);
+        QuestionRecord question{item.SOLIndex, item.SOLIndex, 0, 0, {}};
+        if (found != records.end()) {
+            question = found->second;
+            records.erase(found);
+        }
+        question.Answer = item.answer;
+        show.items.push_back(
+            {question, item.topicText, FindTestPicture(library.programFolder(), item)});
+    }
+    for (const QuestionRecord& question : state.QuestionList) {
+        if (records.contains(question.SOLIndex)) {
+            others.append({question});
+        }
+    }
+    ShuffleDrawPool(others, *services.random);
+    show.spares.assign(others.begin(), others.end());
+    RunShow(window, services, library, std::move(show), std::move(again),
+            test.kind == TestKind::Kept ? test.TestID : 0);
 }
 
 std::optional<int> NextVersion(const std::vector<PastTest>& tests, const PastTest& test)

@@ -22,6 +22,11 @@ struct Services;
 BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library,
                            const PastTest& test);
 
+/// Shows a past test, or a draw that was kept, in class, out of what the library remembers of it;
+/// other questions of its assessment can take the place of one. As `RunShow`. Throws
+/// `DatabaseError`.
+void ShowTestAgain(QWidget* window, Services& services, Library& library, const PastTest& test);
+
 /// The number of the version that comes next of a test or of the test that it is a version of: 1
 /// (B) to 5 (F). None when there is no other order left.
 [[nodiscard]] std::optional<int> NextVersion(const std::vector<PastTest>& tests,

@@ -18,6 +18,8 @@ struct Draw
     List1<DrawnQuestion> DrawPool;
     /// How many of them are wanted.
     std::int32_t RequestedQuestionCount = 0;
+    /// Positions up to here were judged in a review: what is not marked there was left out.
+    std::int32_t judged = 0;
     /// A generator seeded with it shuffles the same questions into the same order again.
     std::uint64_t seed = 0;
 };

@@ -34,7 +34,7 @@ void Review::swap()
     List1<DrawnQuestion>& pool = draw_.DrawPool;
     const int nearest = *NearestAfter(pool, ReviewPosition_, ReviewPosition_ + 1);
     pool(ReviewPosition_).Selected = false;
-    ++ReviewPosition_;
+    setPosition(ReviewPosition_ + 1);
     const auto next = pool.begin() + (ReviewPosition_ - 1);
     std::rotate(next, pool.begin() + (nearest - 1), pool.begin() + nearest);
 }
@@ -74,9 +74,15 @@ bool Review::swapIncluded(int position)
     return true;
 }
 
+void Review::setPosition(std::int32_t position)
+{
+    ReviewPosition_ = position;
+    draw_.judged = position - 1;
+}
+
 Review::Next Review::moveOn()
 {
-    ++ReviewPosition_;
+    setPosition(ReviewPosition_ + 1);
     if (ReviewPosition_ <= draw_.DrawPool.upperBound() &&
         AcceptedCount_ < draw_.RequestedQuestionCount) {
         return Next::Show;
@@ -93,7 +99,8 @@ void Review::excludeRest()
 
 void Review::reopenLast()
 {
-    DrawnQuestion& question = draw_.DrawPool(--ReviewPosition_);
+    setPosition(ReviewPosition_ - 1);
+    DrawnQuestion& question = draw_.DrawPool(ReviewPosition_);
     AcceptedCount_ -= question.Selected ? 1 : 0;
     question.Selected = false;
 }

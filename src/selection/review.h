@@ -62,6 +62,7 @@ public:
 
 private:
     Next moveOn();
+    void setPosition(std::int32_t position);
 
     Draw draw_;
     QuotaOrder order_;

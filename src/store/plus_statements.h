@@ -142,6 +142,10 @@ inline constexpr char CompleteTest[] =
 /// ?1 test, ?2 position, ?3 SHA-256.
 inline constexpr char UpdateItemPicture[] =
     "UPDATE PlusTestItems SET PictureSha = ?3 WHERE TestID = ?1 AND Position = ?2";
+/// ?1 test, ?2 position, ?3 question, ?4 answer, ?5 topic text, ?6 SHA-256.
+inline constexpr char UpdateTestItem[] =
+    "UPDATE PlusTestItems SET SOLIndex = ?3, Answer = ?4, TopicText = ?5, PictureSha = ?6 WHERE "
+    "TestID = ?1 AND Position = ?2";
 /// ?1 test, ?2 time: a use of each of its questions.
 inline constexpr char InsertTestUses[] =
     "INSERT INTO PlusUses (SOLIndex, ClassID, TestID, UsedAt) SELECT SOLIndex, ClassID, TestID, ?2 "

@@ -1,0 +1,328 @@
+// The two windows of a show on screens that are not there, and what the library remembers.
+
+#include "library/Library.h"
+#include "selection/frmMain.h"
+#include "show/ShowDesktop.h"
+#include "show/ShowMemory.h"
+#include "show/ShowPictures.h"
+#include "show/ShowView.h"
+#include "show/frmShow.h"
+#include "show/show_run.h"
+#include "support/gui.h"
+#include "support/test_services.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace varnholt::test {
+namespace {
+
+using namespace Qt::Literals::StringLiterals;
+
+/// Screens as a test says.
+class FakeDesktop : public ShowDesktop
+{
+public:
+    std::vector<ShowScreen> list{{u"LVDS"_s, u"1"_s, {0, 0, 800, 600}, true},
+                                 {u"HDMI"_s, u"2"_s, {800, 0, 640, 360}, false}};
+
+    [[nodiscard]] std::vector<ShowScreen> screens() const override { return list; }
+    void cover(QWidget& window, const ShowScreen& screen) override
+    {
+        window.setGeometry(screen.geometry);
+        window.show();
+    }
+    void fill(QWidget& window, const ShowScreen& screen) override { cover(window, screen); }
+};
+
+class ShowWindows : public testing::Test, protected TestWorld
+{
+protected:
+    ShowWindows()
+    {
+        library.addGenerated(u"Maths"_s, 2, 2, 2, true);
+        owner.open();
+    }
+
+    ShowTest makeTest(int questions, const QString& answer = u"A"_s)
+    {
+        ShowTest test;
+        test.take = [this, answer](const QuestionRecord& question) {
+            ShowItem item{question, u"Topic"_s, library.picturePath(question.SOLIndex)};
+            item.question.Answer = answer;
+            return item;
+        };
+        for (int key = 1; key <= 8; ++key) {
+            const QuestionRecord question{key, key, 1, 1, u"A"_s};
+            if (key <= questions) {
+                test.items.push_back(test.take(question));
+            } else {
+                test.spares.push_back(question);
+            }
+        }
+        return test;
+    }
+    static NewTest recordOf(const ShowTest& test)
+    {
+        NewTest record{u"Test"_s, 1, u"10B"_s, 7, {}, {}};
+        for (const ShowItem& item : test.items) {
+            record.items.push_back({static_cast<std::int32_t>(record.items.size() + 1),
+                                    item.question.SOLIndex,
+                                    item.question.Answer,
+                                    item.topicText,
+                                    {}});
+        }
+        return record;
+    }
+
+    /// Opens a show, does things with it, and ends it.
+    void show(const ShowTest& test, const std::function<void(frmShow&)>& work,
+              const ShowWishes& wishes = {})
+    {
+        ShowMemory memory(owner, recordOf(test));
+        frmShow window(services, test, wishes, memory, desktop, nullptr);
+        QTimer::singleShot(0, &window, [&] {
+            work(window);
+            messages.expectYesNo(u"Show in Class"_s, u"End the show?"_s, true,
+                                 MessageBoxes::Answer::Yes);
+            window.close();
+        });
+        window.exec();
+    }
+    static ShowView& pupils(frmShow& window)
+    {
+        return *control<ShowView>(&window, "frmShowPupils");
+    }
+    /// Until pictures, the teacher's window and the library have followed.
+    static void settle() { QTest::qWait(80); }
+    static void type(frmShow& window, const QString& keys)
+    {
+        for (const QChar key : keys) {
+            QTest::keyClick(&pupils(window), static_cast<Qt::Key>(key.toUpper().unicode()));
+        }
+        settle();
+    }
+    QString uses()
+    {
+        return library
+            .sql(u"SELECT SOLIndex || ':' || ifnull(Outcome, '-') FROM PlusUses ORDER BY UseID"_s)
+            .join(u' ');
+    }
+
+    Library owner{library.folder(), clock};
+    FakeDesktop desktop;
+};
+
+TEST_F(ShowWindows, NoPixelOfThePupilsWindowDependsOnTheAnswerBeforeItIsAskedFor)
+{
+    const auto film = [&](const QString& answer, const ShowWishes& wishes, const QString& keys) {
+        std::vector<QImage> pictures;
+        clock.now = 0;
+        const auto work = [&](frmShow& window) {
+            settle();
+            for (const QChar key : u" "_s + keys) {
+                type(window, key == u' ' ? QString() : QString(key));
+                pictures.push_back(pupils(window).grab().toImage());
+            }
+            pictures.push_back(window.grab().toImage());
+        };
+        show(makeTest(5, answer), work, wishes);
+        return pictures;
+    };
+    const QString keys = u"T+2BBWWSBB4"_s + QChar(Qt::Key_Space) + u"A"_s;
+    const auto shortOne = film(u"B"_s, {}, keys);
+    const auto longOne = film(u"quite another and much longer answer"_s, {}, keys);
+    const std::size_t asked = shortOne.size() - 2;
+    for (std::size_t i = 0; i < shortOne.size(); ++i) {
+        EXPECT_EQ(shortOne[i] == longOne[i], i < asked) << i;
+    }
+    EXPECT_EQ(shortOne[0].size(), QSize(640, 360));
+    EXPECT_NE(shortOne[0], shortOne[asked - 1]);
+}
+
+TEST_F(ShowWindows, TheLibraryKnowsOfEachUseAndOutcomeBeforeTheNextKey)
+{
+    QFile::remove(library.picturePath(3));
+    show(makeTest(4), [&](frmShow& window) {
+        settle();
+        EXPECT_EQ(library.value(u"SELECT Kind || TestName FROM PlusTests"_s), u"2Test"_s);
+        EXPECT_EQ(uses(), u"1:-"_s);
+        type(window, u"2"_s);
+        EXPECT_EQ(uses(), u"1:-"_s);
+        clock.now += Show::outcomeWaitMs;
+        QTest::qWait(250);
+        EXPECT_EQ(uses(), u"1:2 2:-"_s);
+        // The third has no picture: another one, which takes its place in the test as well.
+        type(window, u"3 "_s);
+        EXPECT_EQ(uses(), u"1:2 2:3"_s);
+        auto* note = control<QLabel>(&window, "lblNote");
+        EXPECT_TRUE(note->text().startsWith(
+            u"The picture file is missing from this picture.  Please delete this question."_s));
+        type(window, u"S"_s);
+        EXPECT_EQ(uses(), u"1:2 2:3 5:-"_s);
+        EXPECT_TRUE(note->text().isEmpty());
+        // Back and once more is no other use, and she may think better of it.
+        QTest::keyClick(&window, Qt::Key_Left);
+        type(window, u"1 "_s);
+        EXPECT_EQ(uses(), u"1:2 2:1 5:-"_s);
+    });
+    EXPECT_EQ(library.sql(u"SELECT SOLIndex, length(PictureSha) FROM PlusTestItems"_s).join(u' '),
+              u"1|32 2|32 5|32 4|32"_s);
+}
+
+TEST_F(ShowWindows, TheWindowsFollowTheScreens)
+{
+    const std::vector<ShowScreen> both = desktop.list;
+    const auto places = [&](frmShow& window) {
+        const auto place = [](QWidget& w) {
+            return w.isVisible() ? QString::number(w.geometry().width()) : u"-"_s;
+        };
+        settle();
+        return place(window) + u' ' + place(pupils(window));
+    };
+    const auto change = [&](const std::vector<ShowScreen>& screens) {
+        desktop.list = screens;
+        Q_EMIT desktop.screensChanged();
+    };
+    show(makeTest(3), [&](frmShow& window) {
+        EXPECT_EQ(places(window), u"800 640"_s);
+        type(window, u"F"_s);
+        EXPECT_EQ(places(window), u"640 800"_s);
+        change({both[0]});
+        EXPECT_EQ(places(window), u"800 -"_s);
+        type(window, u" "_s);
+        change(both);
+        EXPECT_EQ(places(window), u"640 800"_s);
+        EXPECT_EQ(control<QLabel>(&window, "lblCount")->text(), u"2 of 3"_s);
+        change({both[0]});
+        click(&window, "cmdScreens");
+        EXPECT_EQ(places(window), u"- 800"_s);
+    });
+    // Alone from the beginning; the teacher's view never comes, and the place is remembered.
+    desktop.list = {both[0]};
+    show(makeTest(3), [&](frmShow& window) {
+        type(window, u"FAF"_s);
+        EXPECT_EQ(places(window), u"- 800"_s);
+        change(both);
+        EXPECT_EQ(places(window), u"640 800"_s);
+        type(window, u"F"_s);
+    });
+}
+
+TEST_F(ShowWindows, AFrameOrTheWheelLooksCloserAndButtonsDoWhatTheirKeysDo)
+{
+    show(makeTest(3), [&](frmShow& window) {
+        settle();
+        auto& now = *control<ShowView>(&window, "viewNow");
+        const QImage whole = pupils(window).grab().toImage();
+        const QPoint middle(now.width() / 2, now.width() * 9 / 32);
+        QTest::mousePress(&now, Qt::LeftButton, {}, middle - QPoint(60, 40));
+        QTest::mouseMove(&now, middle);
+        QTest::mouseRelease(&now, Qt::LeftButton, {}, middle);
+        settle();
+        const QImage closer = pupils(window).grab().toImage();
+        EXPECT_NE(whole, closer);
+        QTest::keyClick(&window, Qt::Key_Escape);
+        EXPECT_EQ(pupils(window).grab().toImage(), whole);
+        for (const auto& [button, key] : {std::pair("cmdAnswer", u"A"_s),
+                                          {"cmdBlack", u"B"_s},
+                                          {"cmdWhite", u"W"_s},
+                                          {"cmdMore", u"+"_s},
+                                          {"cmdClock", u"T"_s}}) {
+            click(&window, button);
+            settle();
+            const QImage clicked = pupils(window).grab().toImage();
+            EXPECT_NE(clicked, whole) << button;
+            click(&window, button == std::string("cmdMore") ? "cmdClock" : button);
+            type(window, key);
+            EXPECT_EQ(pupils(window).grab().toImage(), clicked) << button;
+            type(window, key == u"+"_s ? u"T"_s : key);
+        }
+    });
+}
+
+TEST_F(ShowWindows, NoMoreThanThreePicturesAreHeldAndThoseAreScaledAhead)
+{
+    ShowPictures pictures;
+    pictures.setRoom({300, 200});
+    const auto path = [&](int key) { return library.picturePath(key); };
+    testPicture({12'000, 300}).save(path(2), "JPG");
+    QFile::remove(path(3));
+    int came = 0;
+    QObject::connect(&pictures, &ShowPictures::came, [&] { ++came; });
+    pictures.want({path(1), path(2), path(3), path(4)});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return came == 3; }, 20'000));
+    EXPECT_EQ(pictures.find(path(1)).picture.fitted.size(), QSize(300, 200));
+    EXPECT_LE(pictures.find(path(2)).picture.whole.width(), 4096);
+    EXPECT_EQ(pictures.find(path(2)).picture.fitted.width(), 300);
+    EXPECT_EQ(pictures.find(path(3)).fault, PictureFault::Missing);
+    EXPECT_FALSE(pictures.find(path(4)).ready);
+    pictures.want({path(2)});
+    EXPECT_FALSE(pictures.find(path(1)).ready);
+}
+
+TEST_F(ShowWindows, TheSelectionWindowShowsWhatWasDrawnAndReviewed)
+{
+    state.CurrentAssessmentNum = 1;
+    frmMain window(services, state, owner);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    control<QRadioButton>(&window, "optSelectYes")->setChecked(true);
+    control<QLineEdit>(&window, "txtQuestions")->setText(u"3"_s);
+    QTest::keyClick(&window, Qt::Key_F5);
+    QWidget* review = nullptr;
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+        review = top->objectName() == u"frmSelect"_s ? top : review;
+    }
+    ASSERT_TRUE(review);
+    const auto judge = [&](const char* button) {
+        settle();
+        static_cast<void>(review->grab());
+        click(review, button);
+    };
+    // Nothing included: there is nothing to show, and the review goes on.
+    messages.expectInform(u"No Questions"_s, u"There are no questions selected."_s);
+    click(review, "cmdCreate");
+    EXPECT_TRUE(review->isVisible());
+    judge("cmdExclude");
+    judge("cmdInclude");
+    QString shown;
+    QTimer::singleShot(300, qApp, [&] {
+        QWidget* pupilsWindow = QApplication::activeModalWidget();
+        ASSERT_TRUE(pupilsWindow);
+        shown = pupilsWindow->objectName();
+        QTest::keyClick(pupilsWindow, Qt::Key_Escape);
+    });
+    click(review, "cmdCreate");
+    EXPECT_EQ(shown, u"frmShowPupils"_s);
+    EXPECT_TRUE(window.isEnabled());
+    EXPECT_EQ(library.value(u"SELECT count(*) FROM PlusUses"_s), u"1"_s);
+}
+
+TEST_F(ShowWindows, ALibraryThatRemembersNothingIsShownFromAndSaidOnce)
+{
+    owner.close();
+    owner.open(Connection::Access::ReadOnly);
+    messages.expectInform(u"Show in Class"_s,
+                          u"The question library can only be read: changes cannot be saved. The "
+                          "test can be shown, but it will not be remembered."_s);
+    QTimer::singleShot(300, qApp, [] {
+        QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Space);
+        QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+    });
+    const ShowTest test = makeTest(2);
+    EXPECT_TRUE(RunShow(nullptr, services, owner, test, recordOf(test)));
+    EXPECT_EQ(library.value(u"SELECT count(*) FROM sqlite_master WHERE name = 'PlusUses'"_s),
+              u"0"_s);
+}
+
+} // namespace
+} // namespace varnholt::test
