@@ -87,6 +87,7 @@ void DrawRegion(QImage& image, const QImage& source, std::int32_t sourceX, std::
     }
     Q_ASSERT(source.format() == QImage::Format_RGB32);
     // Held so that drawing an image onto itself reads what was there before.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
     const QImage kept = source;
     ownPixels(image);
     for (int row = 0; row < rows; ++row) {

@@ -12,16 +12,17 @@ namespace varnholt {
 
 namespace {
 
-QString tr(const char* sentence)
+/// For the translator.
+class Words
 {
-    return QCoreApplication::translate("PictureCanvas", sentence);
-}
+    Q_DECLARE_TR_FUNCTIONS(PictureCanvas)
+};
 
 std::int32_t checked(std::int64_t value)
 {
     if (value < std::numeric_limits<std::int32_t>::min() ||
         value > std::numeric_limits<std::int32_t>::max()) {
-        throw OverflowError(tr("The position %1 is too far away.").arg(value));
+        throw OverflowError(Words::tr("The position %1 is too far away.").arg(value));
     }
     return static_cast<std::int32_t>(value);
 }
@@ -42,7 +43,7 @@ std::int32_t rounded(double value)
 {
     // Written so that a value that is no number fails as well.
     if (!(std::abs(value) < 4e18)) {
-        throw OverflowError(tr("The position is too far away."));
+        throw OverflowError(Words::tr("The position is too far away."));
     }
     return checked(std::llrint(value));
 }

@@ -12,44 +12,45 @@ namespace varnholt {
 
 namespace {
 
-QString tr(const char* sentence)
+/// For the translator.
+class Words
 {
-    return QCoreApplication::translate("frmAddNewQuestion", sentence);
-}
+    Q_DECLARE_TR_FUNCTIONS(frmAddNewQuestion)
+};
 
 } // namespace
 
 QString SaveObstacle(const SaveReadiness& readiness, const QString& programFolder)
 {
     if (readiness.libraryReadOnly) {
-        return tr("The question library can only be read: nothing can be saved.");
+        return Words::tr("The question library can only be read: nothing can be saved.");
     }
     const QFileInfo files(QFileInfo(NewPictureFile(programFolder, 0)).path());
     if (files.exists() && !(files.isDir() && files.isWritable())) {
-        return tr("Pictures cannot be saved: the folder %1 takes no files.")
+        return Words::tr("Pictures cannot be saved: the folder %1 takes no files.")
             .arg(QDir::toNativeSeparators(files.filePath()));
     }
     if (!statements::canHold(readiness.answer)) {
-        return tr("The question cannot be saved while its answer holds an "
-                  "apostrophe (').");
+        return Words::tr("The question cannot be saved while its answer holds an "
+                         "apostrophe (').");
     }
     const int missing = (readiness.hasPicture ? 0 : 1) + (readiness.answer.isEmpty() ? 2 : 0) +
                         (readiness.hasSubtopic ? 0 : 4);
     switch (missing) {
     case 1:
-        return tr("Still needed before saving: a picture.");
+        return Words::tr("Still needed before saving: a picture.");
     case 2:
-        return tr("Still needed before saving: an answer.");
+        return Words::tr("Still needed before saving: an answer.");
     case 3:
-        return tr("Still needed before saving: a picture and an answer.");
+        return Words::tr("Still needed before saving: a picture and an answer.");
     case 4:
-        return tr("Still needed before saving: a subtopic.");
+        return Words::tr("Still needed before saving: a subtopic.");
     case 5:
-        return tr("Still needed before saving: a picture and a subtopic.");
+        return Words::tr("Still needed before saving: a picture and a subtopic.");
     case 6:
-        return tr("Still needed before saving: an answer and a subtopic.");
+        return Words::tr("Still needed before saving: an answer and a subtopic.");
     case 7:
-        return tr("Still needed before saving: a picture, an answer and a subtopic.");
+        return Words::tr("Still needed before saving: a picture, an answer and a subtopic.");
     default:
         return {};
     }
@@ -64,10 +65,12 @@ QString FrameHint(const PictureCanvas& canvas)
     const CanvasState& state = canvas.state();
     const bool cut = state.SelX1 < 0 || state.SelY1 < 0 || state.SelX2 > canvas.image().width() ||
                      state.SelY2 > canvas.image().height();
-    return (cut ? tr("The frame was larger than the page of %1 by %2 pixels: only its middle was "
-                     "kept. Undo to choose another part, or to use Fit to Page.")
-                : tr("The frame is larger than the page of %1 by %2 pixels: Crop keeps its middle "
-                     "and cuts the rest off, Fit to Page keeps all of it and makes it smaller."))
+    return (cut ? Words::tr(
+                      "The frame was larger than the page of %1 by %2 pixels: only its middle was "
+                      "kept. Undo to choose another part, or to use Fit to Page.")
+                : Words::tr(
+                      "The frame is larger than the page of %1 by %2 pixels: Crop keeps its middle "
+                      "and cuts the rest off, Fit to Page keeps all of it and makes it smaller."))
         .arg(canvas.page().width())
         .arg(canvas.page().height());
 }
@@ -77,8 +80,9 @@ QString PageHint(const PictureCanvas& canvas)
     if (!canvas.imageExceedsPage()) {
         return {};
     }
-    return tr("Only the upper left %1 by %2 pixels of the picture will be saved. Frame what you "
-              "need and crop it, or use Fit to Page to keep all of it.")
+    return Words::tr(
+               "Only the upper left %1 by %2 pixels of the picture will be saved. Frame what you "
+               "need and crop it, or use Fit to Page to keep all of it.")
         .arg(canvas.page().width())
         .arg(canvas.page().height());
 }
@@ -88,16 +92,17 @@ QString CanvasDescription(const PictureCanvas& canvas)
     const QRect selection = canvas.state().selection();
     const QString selected =
         canvas.state().SelectionShown
-            ? tr("Selected: %1 by %2 pixels, %3 from the left and %4 from the top.")
+            ? Words::tr("Selected: %1 by %2 pixels, %3 from the left and %4 from the top.")
                   .arg(selection.width())
                   .arg(selection.height())
                   .arg(selection.x())
                   .arg(selection.y())
-            : tr("Nothing is selected.");
+            : Words::tr("Nothing is selected.");
     return selected + u' ' +
-           tr("Ctrl+A selects the whole picture, Ctrl and the arrow keys move the frame, with "
-              "Shift they size it. The arrow keys move what is selected, Delete erases it, Escape "
-              "drops the frame.");
+           Words::tr(
+               "Ctrl+A selects the whole picture, Ctrl and the arrow keys move the frame, with "
+               "Shift they size it. The arrow keys move what is selected, Delete erases it, Escape "
+               "drops the frame.");
 }
 
 } // namespace varnholt

@@ -14,10 +14,11 @@ namespace {
 
 constexpr int pictureQuality = 75;
 
-QString tr(const char* sentence)
+/// For the translator.
+class Words
 {
-    return QCoreApplication::translate("SaveQuestion", sentence);
-}
+    Q_DECLARE_TR_FUNCTIONS(SaveQuestion)
+};
 
 /// The page as a bitmap picture: rows bottom-up, blue-green-red, padded to 4 bytes.
 Picture bitmapPicture(const QImage& page)
@@ -43,13 +44,14 @@ QString writeFailure(cJpeg::SaveResult result, const QString& path)
     const QString shown = QDir::toNativeSeparators(path);
     switch (result) {
     case cJpeg::CannotCreate:
-        return tr("The picture cannot be written: the folder takes no files (%1).").arg(shown);
+        return Words::tr("The picture cannot be written: the folder takes no files (%1).")
+            .arg(shown);
     case cJpeg::NotWritten:
-        return tr("The picture could not be written: the disk is full or has failed "
-                  "(%1).")
+        return Words::tr("The picture could not be written: the disk is full or has failed "
+                         "(%1).")
             .arg(shown);
     default:
-        return tr("The picture could not be written (%1).").arg(shown);
+        return Words::tr("The picture could not be written (%1).").arg(shown);
     }
 }
 
@@ -62,13 +64,13 @@ void WriteQuestionPicture(const QString& path, const QImage& image, int quality,
     step(SaveStep::FillBuffer);
     const Picture page = bitmapPicture(image);
     cImage buffer;
-    check(buffer.CopyStdPicture(page), tr("There is not enough memory to save."));
+    check(buffer.CopyStdPicture(page), Words::tr("There is not enough memory to save."));
     step(SaveStep::Sample);
     cJpeg jpeg;
     jpeg.SetSamplingFrequencies(2, 2, 1, 1, 1, 1);
     jpeg.Quality(quality);
     check(jpeg.SampleHDC(buffer.hDC(), buffer.Width(), buffer.Height(), 0, 0) == cJpeg::Sampled,
-          tr("There is not enough memory to save."));
+          Words::tr("There is not enough memory to save."));
     step(SaveStep::WritePicture);
     QDir().mkpath(QFileInfo(path).path());
     const cJpeg::SaveResult result = jpeg.SaveFile(QFileInfo(path).filesystemFilePath());

@@ -26,7 +26,7 @@ namespace varnholt {
 
 namespace {
 
-constexpr qsizetype longestName = 120;
+constexpr qsizetype longestPlace = 120;
 constexpr int RemedyColumn = 2;
 /// A list longer than this is worked off in parts: the next look shows the rest.
 constexpr std::size_t mostRows = 5000;
@@ -242,9 +242,9 @@ void frmCheck::showFindings(int current)
     for (const Finding& finding : findings_) {
         const QString remedy = CheckWords::caption(RemedyFor(finding.kind)).remove(u'&');
         auto* row = new QTreeWidgetItem(
-            {CheckWords::sentence(finding), ShortLine(finding.place, longestName), remedy});
-        row->setToolTip(0, Wrappable(row->text(0), longestName * 3));
-        row->setToolTip(1, Wrappable(finding.place, longestName * 3));
+            {CheckWords::sentence(finding), ShortLine(finding.place, longestPlace), remedy});
+        row->setToolTip(0, Wrappable(row->text(0), longestPlace * 3));
+        row->setToolTip(1, Wrappable(finding.place, longestPlace * 3));
         rows.append(row);
     }
     lstFindings_->addTopLevelItems(rows);
@@ -361,7 +361,7 @@ bool frmCheck::apply(Remedy remedy, const std::vector<int>& rows)
         name = services_.messageBoxes->inputText(
             tr("Name Taken"),
             tr("Another assessment is called %1 now. Name for the one that comes back:")
-                .arg(ShortLine(result.nameTaken->name, longestName)),
+                .arg(ShortLine(result.nameTaken->name, longestPlace)),
             name.isEmpty() ? result.nameTaken->name : name);
         if (name.isEmpty()) {
             return false;

@@ -21,7 +21,7 @@ namespace sql = plus_statements;
 namespace {
 
 constexpr int kinds = 4;
-constexpr std::int64_t largestKey = std::numeric_limits<std::int16_t>::max();
+constexpr std::int64_t largestShownKey = std::numeric_limits<std::int16_t>::max();
 
 class Look
 {
@@ -84,7 +84,7 @@ private:
                 addRow(FindingKind::Apostrophe, {kind, static_cast<std::int32_t>(rows.integer(0))});
             }
             Statement large(connection_, sql::CountKeysAbove(number));
-            large.bind(1, largestKey);
+            large.bind(1, largestShownKey);
             if (large.next() && large.integer(0) > 0) {
                 add({FindingKind::LargeKeys, {kind, 0}, {}, {}, large.integer(0)});
             }

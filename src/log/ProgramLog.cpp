@@ -38,8 +38,8 @@ QString oldPath(const QString& path)
 
 ProgramLog* ProgramLog::current_ = nullptr;
 
-ProgramLog::ProgramLog(QString path)
-    : file_(std::move(path))
+ProgramLog::ProgramLog(const QString& path)
+    : file_(path)
 {
     current_ = this;
     before_ = qInstallMessageHandler(handle);

@@ -20,7 +20,7 @@ public:
     static constexpr qint64 maxBytes = 256 * 1024;
 
     /// The file is made with the first line.
-    explicit ProgramLog(QString path);
+    explicit ProgramLog(const QString& path);
     ~ProgramLog();
     ProgramLog(const ProgramLog&) = delete;
     ProgramLog& operator=(const ProgramLog&) = delete;

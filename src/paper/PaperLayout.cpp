@@ -176,9 +176,9 @@ private:
             }
             const double width = (right() - margin - gap * 2 * (columns - 1)) / columns;
             const double height = (bottom() - top_ - gap * 2 * (rows - 1)) / rows;
+            const int row = slot / columns;
             const PaperLayout::Rectangle cell{margin + (width + gap * 2) * (slot % columns),
-                                              top_ + (height + gap * 2) * (slot / columns), width,
-                                              height};
+                                              top_ + (height + gap * 2) * row, width, height};
             addBlock(i + 1, question, cell,
                      fittedPicture(question, width - numberWidth_,
                                    height - topicHeight() - answerHeight(), mostScale));

@@ -12,13 +12,10 @@ namespace varnholt {
 
 namespace {
 
-constexpr auto cutOff = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is cut off.");
-constexpr auto damaged = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is damaged.");
-
 void require(bool right)
 {
     if (!right) {
-        throw BadStructure(damaged);
+        throw BadStructure(BadStructure::damaged);
     }
 }
 
@@ -63,7 +60,7 @@ private:
             at = at < end ? static_cast<const char*>(std::memchr(at, 0xFF, size_t(end - at)))
                           : nullptr;
             if (!at || at + 1 >= end) {
-                throw BadStructure(cutOff);
+                throw BadStructure(BadStructure::cutOff);
             }
             const int marker = static_cast<unsigned char>(at[1]);
             if (marker == 0xFF) {
@@ -81,12 +78,12 @@ private:
     QByteArrayView segment()
     {
         if (position_ + 2 > bytes_.size()) {
-            throw BadStructure(cutOff);
+            throw BadStructure(BadStructure::cutOff);
         }
         const qsizetype length = qFromBigEndian<quint16>(bytes_.data() + position_);
         require(length >= 2);
         if (position_ + length > bytes_.size()) {
-            throw BadStructure(cutOff);
+            throw BadStructure(BadStructure::cutOff);
         }
         const QByteArrayView content = bytes_.sliced(position_ + 2, length - 2);
         position_ += length;

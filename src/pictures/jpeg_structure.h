@@ -13,6 +13,10 @@ class BadStructure : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
+
+    /// What may be wrong, for the translator (context "Picture").
+    static constexpr auto cutOff = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is cut off.");
+    static constexpr auto damaged = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is damaged.");
 };
 
 /// What the markers of a JPEG file say (ITU-T T.81 annex B).

@@ -34,8 +34,6 @@ constexpr double pointsPerInch = 72;
 /// More than any of the four formats can express in a byte.
 constexpr qint64 mostPixelsPerByte = 10'000;
 
-constexpr auto cutOff = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is cut off.");
-constexpr auto damaged = QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is damaged.");
 constexpr auto noPicture =
     QT_TRANSLATE_NOOP("Picture", "The picture \"%1\" is not a JPEG, PNG, GIF or BMP picture.");
 
@@ -171,7 +169,7 @@ public:
     QByteArrayView at(qint64 position, qint64 count) const
     {
         if (position < 0 || position + count > bytes_.size()) {
-            throw BadStructure(cutOff);
+            throw BadStructure(BadStructure::cutOff);
         }
         return bytes_.sliced(position, count);
     }
@@ -244,18 +242,18 @@ Header readPngHeader(QByteArrayView bytes)
             return (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
         });
         if (!named) {
-            throw BadStructure(damaged);
+            throw BadStructure(BadStructure::damaged);
         }
         if (critical && crc32_z(0, reinterpret_cast<const Bytef*>(summed.data()),
                                 size_t(summed.size())) != file.big32(content + length)) {
-            throw BadStructure(damaged);
+            throw BadStructure(BadStructure::damaged);
         }
         if (chunk == 8) {
             if (name != "IHDR" || length != 13 ||
                 !isPngKind(file.byte(content + 9), file.byte(content + 8)) ||
                 file.byte(content + 10) != 0 || file.byte(content + 11) != 0 ||
                 file.byte(content + 12) > 1) {
-                throw BadStructure(damaged);
+                throw BadStructure(BadStructure::damaged);
             }
             header.pixels = QSize(int(std::min(file.big32(content), 0x7FFFFFFFu)),
                                   int(std::min(file.big32(content + 4), 0x7FFFFFFFu)));
@@ -269,11 +267,11 @@ Header readPngHeader(QByteArrayView bytes)
             data = data || palette || file.byte(25) != 3;
         } else if (name == "IEND") {
             if (!data) {
-                throw BadStructure(damaged);
+                throw BadStructure(BadStructure::damaged);
             }
             return header;
         } else if (critical) {
-            throw BadStructure(damaged);
+            throw BadStructure(BadStructure::damaged);
         }
         chunk = content + length + 4;
     }
@@ -286,7 +284,7 @@ Header readGifHeader(QByteArrayView bytes)
     header.format = "gif";
     header.pixels = QSize(file.little16(6), file.little16(8));
     if (file.byte(bytes.size() - 1) != 0x3B) {
-        throw BadStructure(cutOff);
+        throw BadStructure(BadStructure::cutOff);
     }
     return header;
 }
@@ -303,7 +301,7 @@ Header readBmpHeader(QByteArrayView bytes)
     header.densityX = qint32(file.little32(38)) * 0.0254;
     header.densityY = qint32(file.little32(42)) * 0.0254;
     if (bytes.size() < qint64(file.little32(2))) {
-        throw BadStructure(cutOff);
+        throw BadStructure(BadStructure::cutOff);
     }
     return header;
 }
@@ -378,7 +376,7 @@ CheckedPicture checkPicture(const QString& path)
     const QSize pixels = header.pixels;
     const qint64 area = qint64(pixels.width()) * pixels.height();
     if (area / mostPixelsPerByte > picture.bytes.size()) {
-        fail(PictureFault::Damaged, path, Words::tr(damaged));
+        fail(PictureFault::Damaged, path, Words::tr(BadStructure::damaged));
     }
     // A progressive JPEG is kept whole while its scans refine it.
     const bool wholeInMemory = header.format != "jpeg" || header.scans > 1;

@@ -41,9 +41,9 @@ QPushButton* makeKeyButton(const char* objectName, const QString& caption, Qt::K
 /// A text of any length, without making the window larger than the screen.
 void showText(QLabel* label, const QString& text)
 {
-    constexpr qsizetype longestShown = 300;
-    label->setText(Wrappable(text, longestShown));
-    label->setToolTip(text.size() > longestShown ? Qt::convertFromPlainText(text) : QString());
+    constexpr qsizetype longestSentence = 300;
+    label->setText(Wrappable(text, longestSentence));
+    label->setToolTip(text.size() > longestSentence ? Qt::convertFromPlainText(text) : QString());
 }
 
 } // namespace

@@ -17,9 +17,6 @@ namespace varnholt {
 
 namespace {
 
-constexpr qsizetype longestShown = 500;
-constexpr qsizetype longestToolTip = 2000;
-
 /// What of a long text an open list shows.
 class EntryDelegate : public QStyledItemDelegate
 {

@@ -15,14 +15,6 @@
 
 namespace varnholt {
 
-namespace {
-
-/// More cannot be seen in a row, and laying it out would cost time at every paint.
-constexpr qsizetype longestShown = 500;
-constexpr qsizetype longestToolTip = 2000;
-
-} // namespace
-
 class ListBoxModel : public QAbstractListModel
 {
 public:

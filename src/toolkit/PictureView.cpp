@@ -122,9 +122,9 @@ void PictureView::paintEvent(QPaintEvent* event)
     }
     scaled_.setDevicePixelRatio(ratio);
     // Whole device pixels, or the picture would be smeared over two.
-    const QPointF corner((room.width() - size.width()) / 2, (room.height() - size.height()) / 2);
+    const QPoint corner((room.width() - size.width()) / 2, (room.height() - size.height()) / 2);
     QPainter painter(this);
-    painter.drawPixmap(contentsRect().topLeft() + corner / ratio, scaled_);
+    painter.drawPixmap(contentsRect().topLeft() + QPointF(corner) / ratio, scaled_);
 }
 
 } // namespace varnholt

@@ -4,6 +4,11 @@
 
 namespace varnholt {
 
+/// More characters cannot be seen in a row of a list, and laying them out would cost time at every
+/// paint; nor is more read of a tool tip.
+inline constexpr qsizetype longestShown = 500;
+inline constexpr qsizetype longestToolTip = 2000;
+
 /// The text with a blank for every line break, tab and other control character; CR LF counts as
 /// one line break.
 [[nodiscard]] QString OneLine(QString text);

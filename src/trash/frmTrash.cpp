@@ -26,7 +26,7 @@ namespace {
 constexpr int filterDelayMs = 150;
 /// A question with more lines than these would be read by nobody.
 constexpr int mostLines = 10;
-constexpr qsizetype longestName = 80;
+constexpr qsizetype longestInQuestion = 80;
 
 } // namespace
 
@@ -236,7 +236,7 @@ std::vector<Item> frmTrash::agreed(const std::vector<Item>& items)
             QStringList names;
             for (const NamedItem& row : plan.alsoBack) {
                 if (coming.insert(row.item).second) {
-                    names.append(ShortLine(row.name, longestName));
+                    names.append(ShortLine(row.name, longestInQuestion));
                 }
             }
             if (!names.isEmpty()) {
@@ -302,7 +302,7 @@ void frmTrash::restore(const std::vector<Item>& items)
         const QString name = services_.messageBoxes->inputText(
             tr("Name Taken"),
             tr("Another assessment is called %1 now. Name for the one that comes back:")
-                .arg(ShortLine(result.obstacle->name, longestName)),
+                .arg(ShortLine(result.obstacle->name, longestInQuestion)),
             newNames[result.obstacle->item.key].isEmpty() ? result.obstacle->name
                                                           : newNames[result.obstacle->item.key]);
         if (name.isEmpty()) {

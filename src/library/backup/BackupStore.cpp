@@ -25,10 +25,11 @@ using State = BackupManifest::State;
 
 const QString manifestEnding = QStringLiteral(".manifest");
 
-QString tr(const char* text)
+/// For the translator.
+class Words
 {
-    return QCoreApplication::translate("BackupStore", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(BackupStore)
+};
 
 QString idOf(std::int64_t time, const Sha& librarySha)
 {
@@ -153,11 +154,13 @@ BackupInfo BackupStore::info(const QString& id, const std::vector<Sha>& pooled,
         }
     }
     if (info.state == State::Newer) {
-        info.reason = tr("This backup was made by a newer version of Varnholt (%1). Only that "
-                         "version can restore it.")
-                          .arg(manifest.program);
+        info.reason =
+            Words::tr("This backup was made by a newer version of Varnholt (%1). Only that "
+                      "version can restore it.")
+                .arg(manifest.program);
     } else if (info.state == State::Damaged) {
-        info.reason = tr("This backup is damaged: a part of it is missing or not as it was.");
+        info.reason =
+            Words::tr("This backup is damaged: a part of it is missing or not as it was.");
     }
     return info;
 }

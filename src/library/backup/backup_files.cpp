@@ -15,10 +15,11 @@ namespace fs = std::filesystem;
 
 namespace {
 
-QString tr(const char* text)
+/// For the translator.
+class Words
 {
-    return QCoreApplication::translate("BackupStore", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(BackupStore)
+};
 
 Sha digits(const QCryptographicHash& hash)
 {
@@ -92,16 +93,16 @@ void ThrowFileError(const std::error_code& error, const fs::path& path)
     const QString shown = Shown(path);
     if (error == std::errc::no_space_on_device) {
         throw Error(
-            tr("The disk is full. What was backed up earlier is as it was:\n%1").arg(shown));
+            Words::tr("The disk is full. What was backed up earlier is as it was:\n%1").arg(shown));
     }
     if (error == std::errc::permission_denied || error == std::errc::operation_not_permitted ||
         error == std::errc::read_only_file_system) {
-        throw Error(tr("You do not have the right to change this:\n%1").arg(shown));
+        throw Error(Words::tr("You do not have the right to change this:\n%1").arg(shown));
     }
     if (error == std::errc::no_such_file_or_directory) {
-        throw Error(tr("This is not there, or no longer:\n%1").arg(shown));
+        throw Error(Words::tr("This is not there, or no longer:\n%1").arg(shown));
     }
-    throw Error(tr("This could not be read or written:\n%1\n\n(%2)")
+    throw Error(Words::tr("This could not be read or written:\n%1\n\n(%2)")
                     .arg(shown, QString::fromStdString(error.message())));
 }
 

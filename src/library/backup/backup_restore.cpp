@@ -27,10 +27,11 @@ namespace {
 
 using State = BackupManifest::State;
 
-QString tr(const char* text)
+/// For the translator.
+class Words
 {
-    return QCoreApplication::translate("BackupStore", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(BackupStore)
+};
 
 /// The manifest of a backup that can be restored.
 BackupManifest wholeManifest(const BackupStore& store, const QString& id)
@@ -41,13 +42,14 @@ BackupManifest wholeManifest(const BackupStore& store, const QString& id)
         state = State::Newer;
     }
     if (state == State::Newer) {
-        throw Error(tr("This backup was made by a newer version of Varnholt (%1). Only that "
-                       "version can restore it.")
+        throw Error(Words::tr("This backup was made by a newer version of Varnholt (%1). Only that "
+                              "version can restore it.")
                         .arg(manifest.program));
     }
     if (state != State::Whole || ShaOfFile(store.libraryOf(id)) != manifest.librarySha) {
-        throw Error(tr("This backup is damaged and cannot be restored. Please choose another one. "
-                       "Nothing has been changed."));
+        throw Error(
+            Words::tr("This backup is damaged and cannot be restored. Please choose another one. "
+                      "Nothing has been changed."));
     }
     return manifest;
 }
@@ -256,7 +258,8 @@ BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupSto
     result.backupOfBefore = own.make(library, now, progress).backup.id;
     BackupManifest today;
     if (own.read(result.backupOfBefore, today) != State::Whole) {
-        throw Error(tr("Today's library could not be backed up, so nothing has been changed."));
+        throw Error(
+            Words::tr("Today's library could not be backed up, so nothing has been changed."));
     }
 
     const fs::path file = PathOf(own.folder() + QStringLiteral("/wanted.part"));
@@ -291,8 +294,9 @@ BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupSto
         writePending(own, store, id, wanted.fingerprint);
     }
     if (stateOf(library) != before) {
-        throw Error(tr("The question library was changed while the backup was being restored. "
-                       "Please try again."));
+        throw Error(
+            Words::tr("The question library was changed while the backup was being restored. "
+                      "Please try again."));
     }
     library.connection().replaceBy(QString::fromStdU16String(file.u16string()));
 

@@ -257,7 +257,7 @@ void OfficeConnection::close()
     css::uno::Reference<css::bridge::XBridge> bridge;
     {
         const std::lock_guard lock(mutex_);
-        bridge = std::move(bridge_);
+        bridge = bridge_;
         bridge_.clear();
         connection_.clear();
     }
