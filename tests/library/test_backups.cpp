@@ -1,3 +1,4 @@
+#include "library/backup/backup_files.h"
 #include "library/backup/retention.h"
 #include "library/backup_world.h"
 #include "support/file_size_limit.h"
@@ -6,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <functional>
 #include <random>
 #include <set>
@@ -187,6 +189,10 @@ TEST(Backups, Find_every_flipped_byte_and_never_offer_what_is_damaged_first)
         const auto at = static_cast<qsizetype>(random() % static_cast<unsigned>(bytes.size()));
         flipped[at] = static_cast<char>(flipped[at] ^ (1 << random() % 8));
         writeFile(path, flipped);
+        if (!path.endsWith(u".jpg")) {
+            ASSERT_THROW(RestoreBackup(world.library, world.store, world.store, id, start + 150),
+                         Error);
+        }
         ASSERT_FALSE(world.store.verify(id).whole) << path.toStdString() << " " << at;
         const std::vector<BackupInfo> list = world.store.list();
         ASSERT_EQ(list.back().state, State::Damaged);
@@ -196,9 +202,15 @@ TEST(Backups, Find_every_flipped_byte_and_never_offer_what_is_damaged_first)
         writeFile(path, bytes);
     }
     EXPECT_TRUE(world.store.verify(id).whole);
-    // One of a newer program is refused with its version.
+    // A damaged picture is not put back.
     BackupManifest manifest;
     ASSERT_EQ(world.store.read(id, manifest), State::Whole);
+    QFile::remove(world.files.picturePath(4));
+    writeFile(Shown(world.store.pictureOf(manifest.find(4)->sha)), "damaged");
+    EXPECT_EQ(RestoreBackup(world.library, world.store, world.store, id, start + 150).picturesLost,
+              std::vector{4});
+    EXPECT_FALSE(QFile::exists(world.files.picturePath(4)));
+    // One of a newer program is refused with its version.
     manifest.tables = 99;
     manifest.program = u"7.5"_s;
     writeFile(base + u".manifest"_s, manifest.text());
@@ -245,8 +257,11 @@ TEST(Backups, At_a_second_place_stay_whole_when_it_is_full_or_pulled_out)
         }
         ASSERT_LT(n, 199);
     }
-    // The library is restored from there as from its own.
+    // The library is restored from there as from its own, with which it shares no bytes.
     BackupStore there = BackupStore::storesAt(place).at(0);
+    BackupManifest manifest;
+    ASSERT_EQ(there.read(there.newestId(), manifest), State::Whole);
+    EXPECT_EQ(std::filesystem::hard_link_count(there.pictureOf(manifest.pictures.at(0).sha)), 1U);
     RestoreBackup(world.library, world.store, there, there.list().at(1).id, start + 200);
     EXPECT_EQ(readFile(world.files.picturePath(5)), "picture 5");
 }
@@ -285,6 +300,12 @@ TEST(Backups, Say_why_when_the_disk_is_full_and_change_nothing)
     const QString id = world.backUp().backup.id;
     world.change();
     const QStringList rows = world.rows();
+    // Nor over what another program does meanwhile.
+    EXPECT_THROW(RestoreBackup(world.library, world.store, world.store, id, start + 99,
+                               [&](std::size_t, std::size_t) {
+                                   world.files.sql(u"UPDATE History SET LastID = LastID + 1"_s);
+                               }),
+                 Error);
     for (int n = 1, failures = 0;; n += 3, ++failures) {
         setFileSteps(AtStep::DiskFull, n);
         try {

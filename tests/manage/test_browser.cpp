@@ -66,9 +66,16 @@ TEST_F(Browser, TheStripOfPicturesShowsAndSteps)
 {
     browse(0, 1);
     auto* strip = control<PictureStrip>(window.get(), "lstPictures");
-    EXPECT_TRUE(QTest::qWaitFor([&] {
-        return !strip->currentIndex().data(Qt::DecorationRole).value<QPixmap>().toImage().allGray();
-    })) << "its picture comes";
+    const auto thumbnail = [&] {
+        return strip->currentIndex().data(Qt::DecorationRole).value<QPixmap>().toImage();
+    };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !thumbnail().allGray(); })) << "its picture comes";
+    const QImage before = thumbnail();
+    owner.replacePicture(4, [](const QString& path) {
+        testPicture({60, 40}, 77).save(path, "JPG");
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !thumbnail().allGray() && thumbnail() != before; }))
+        << "and the new one";
     QTest::mouseClick(strip->viewport(), Qt::LeftButton, {},
                       strip->visualRect(strip->model()->index(2, 0)).center());
     EXPECT_EQ(place(), u"3 of 3 <-"_s);
@@ -124,6 +131,7 @@ TEST_F(Editor, RefilesAndSavesByKeyboard)
                   control<QWidget>(window.get(), "imgQuestion")->mapToGlobal(QPoint()).x());
     });
     EXPECT_EQ(row(), u"5|2|3|9.81 \"m\"|1|1"_s);
+    EXPECT_EQ(place(), u"2 of 2 <-"_s);
     EXPECT_EQ(focus(), u"cmdEditQuestion"_s);
     // Leaving by Escape changes nothing.
     edit([&] { typed(Qt::Key_Escape); });

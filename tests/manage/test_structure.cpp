@@ -153,7 +153,10 @@ TEST_F(Structure, NamesAreChangedByF2WithTheRulesOfNewOnes)
     EXPECT_EQ(focus(), u"lstTopics"_s);
     undo();
     // The same name is no change, and Esc leaves.
-    rename([&] { typed(Qt::Key_Return); });
+    rename([&] {
+        EXPECT_EQ(hint(), QString());
+        typed(Qt::Key_Return);
+    });
     rename([&] { typed(Qt::Key_Escape); });
     EXPECT_TRUE(shown("cmdRedo"));
     subtopics().setListIndex(-1);
