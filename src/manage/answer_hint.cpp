@@ -48,6 +48,7 @@ QString AnswerHint(const QString& answer)
 
 void WatchAnswer(HintLabel* hint, QLineEdit* field)
 {
+    hint->offerTypographic(field);
     const auto look = [hint](const QString& answer) { hint->say(AnswerHint(answer)); };
     QObject::connect(field, &QLineEdit::textChanged, hint, look);
     look(field->text());

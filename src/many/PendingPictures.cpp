@@ -58,6 +58,30 @@ QString PendingPictures::path(int number) const
     return place(QString::number(number) + QStringLiteral(".jpg"));
 }
 
+QString PendingPictures::answerPath(int number) const
+{
+    return place(QString::number(number) + QStringLiteral(".txt"));
+}
+
+void PendingPictures::keepAnswer(int number, const QString& answer)
+{
+    const QString written = place(QString::number(number) + QStringLiteral(".typed"));
+    QFile file(written);
+    const QByteArray bytes = answer.toUtf8();
+    if (QFileInfo::exists(path(number)) && file.open(QIODevice::WriteOnly) &&
+        file.write(bytes) == bytes.size() && file.flush()) {
+        file.close();
+        (void)MoveFile(QFileInfo(written).filesystemFilePath(),
+                       QFileInfo(answerPath(number)).filesystemFilePath());
+    }
+}
+
+QString PendingPictures::keptAnswer(int number) const
+{
+    QFile file(answerPath(number));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
 bool PendingPictures::isQuestion(std::int32_t key)
 {
     Statement row(library_.connection(),
@@ -110,20 +134,23 @@ int PendingPictures::next()
         throw Error(tr("Pictures cannot wait here, because no folder can be made: %1")
                         .arg(QDir::toNativeSeparators(folder_)));
     }
-    return ++newest_;
+    ++newest_;
+    // Of a picture that has gone.
+    QFile::remove(answerPath(newest_));
+    return newest_;
 }
 
-int PendingPictures::add(const QString& file, Margins margins)
+int PendingPictures::add(const QString& file, Margins margins, int quality)
 {
     const int number = next();
-    WriteNormalPicture(file, path(number), margins);
+    WriteNormalPicture(file, path(number), margins, quality);
     return number;
 }
 
-int PendingPictures::add(const QImage& picture, Margins margins)
+int PendingPictures::add(const QImage& picture, Margins margins, int quality)
 {
     const int number = next();
-    WriteNormalPicture(picture, path(number), margins);
+    WriteNormalPicture(picture, path(number), margins, quality);
     return number;
 }
 
@@ -147,8 +174,13 @@ void PendingPictures::putBack(int number)
 
 void PendingPictures::forgetTakenOut()
 {
-    for (const QString& name : QDir(folder_).entryList({QStringLiteral("*.out")}, QDir::Files)) {
-        QFile::remove(place(name));
+    for (const QString& name : QDir(folder_).entryList(
+             {QStringLiteral("*.out"), QStringLiteral("*.txt"), QStringLiteral("*.typed")},
+             QDir::Files)) {
+        if (!name.endsWith(QStringLiteral(".txt")) ||
+            !QFileInfo::exists(path(QFileInfo(name).baseName().toInt()))) {
+            QFile::remove(place(name));
+        }
     }
     QDir().rmdir(folder_);
 }
@@ -174,6 +206,7 @@ std::int32_t PendingPictures::save(int number, const Filing& filing, const QStri
                 }
             });
         QFile::remove(waiting);
+        QFile::remove(answerPath(number));
         return key;
     } catch (const std::exception&) {
         if (waiting != path(number)) {

@@ -29,9 +29,13 @@ public:
     [[nodiscard]] std::vector<int> resume();
 
     /// Take a picture in, as `WriteNormalPicture` makes it; its number.
-    int add(const QString& file, Margins margins);
-    int add(const QImage& picture, Margins margins);
+    int add(const QString& file, Margins margins, int quality = usualQuality);
+    int add(const QImage& picture, Margins margins, int quality = usualQuality);
     [[nodiscard]] QString path(int number) const;
+    /// What has been typed for a picture so far, for who comes after a crash. Where it cannot be
+    /// written nothing is said: it is only in the window then.
+    void keepAnswer(int number, const QString& answer);
+    [[nodiscard]] QString keptAnswer(int number) const;
     void replace(int number, const QImage& picture);
     /// A picture taken out is no longer there, but can be put back.
     void takeOut(int number);
@@ -45,6 +49,7 @@ public:
 private:
     int next();
     [[nodiscard]] QString place(const QString& name) const;
+    [[nodiscard]] QString answerPath(int number) const;
     [[nodiscard]] bool isQuestion(std::int32_t key);
 
     Library& library_;

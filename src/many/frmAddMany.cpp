@@ -25,6 +25,7 @@ namespace {
 constexpr int numberRole = Qt::UserRole;
 constexpr int answerRole = Qt::UserRole + 1;
 constexpr int thumbnailSide = 320;
+constexpr int keepTypedMs = 600;
 
 } // namespace
 
@@ -41,11 +42,15 @@ frmAddMany::frmAddMany(Services& services, ProgramState& state, Library& library
     setWindowTitle(tr("Add Many Questions"));
     buildControls();
     connectControls();
+    typed_.setSingleShot(true);
+    typed_.setInterval(keepTypedMs);
+    connect(&typed_, &QTimer::timeout, this, &frmAddMany::keepTyped);
     Form_Load(preselection);
 }
 
 frmAddMany::~frmAddMany()
 {
+    keepTyped();
     pending_.forgetTakenOut();
 }
 
@@ -101,6 +106,32 @@ Margins frmAddMany::margins() const
     return chkTrim_->isChecked() ? Margins::Trim : Margins::Keep;
 }
 
+int frmAddMany::quality() const
+{
+    return chkFine_->isChecked() ? fineQuality : usualQuality;
+}
+
+void frmAddMany::txtAnswer_Change(const QString& answer)
+{
+    if (QListWidgetItem* item = lstPictures_->currentItem()) {
+        item->setData(answerRole, answer);
+        item->setText(answer);
+        typedFor_ = item->data(numberRole).toInt();
+        typed_.start();
+    }
+    lblHint_->say({});
+}
+
+void frmAddMany::keepTyped()
+{
+    typed_.stop();
+    for (int row = 0; row < lstPictures_->count(); ++row) {
+        if (lstPictures_->item(row)->data(numberRole).toInt() == typedFor_) {
+            pending_.keepAnswer(std::exchange(typedFor_, 0), answerOf(row));
+        }
+    }
+}
+
 bool frmAddMany::attempt(const std::function<void()>& work)
 {
     try {
@@ -119,6 +150,9 @@ void frmAddMany::addRow(int number)
     auto* item = new QListWidgetItem;
     item->setData(numberRole, number);
     item->setData(Qt::AccessibleTextRole, tr("Picture %1").arg(number));
+    const QString answer = pending_.keptAnswer(number);
+    item->setData(answerRole, answer);
+    item->setText(answer);
     item->setSizeHint(lstPictures_->iconSize() + QSize(0, fontMetrics().height()));
     lstPictures_->addItem(item);
     loadThumbnail(number);
@@ -132,6 +166,7 @@ void frmAddMany::loadThumbnail(int number)
 void frmAddMany::lstPictures_Click()
 {
     const int row = current();
+    keepTyped();
     imgPicture_->setVisible(row >= 0);
     lblNone_->setVisible(row < 0);
     lblHint_->say({});

@@ -5,6 +5,7 @@
 #include "many/PendingPictures.h"
 #include "pictures/ThumbnailLoader.h"
 
+#include <QTimer>
 #include <QWidget>
 
 #include <functional>
@@ -83,6 +84,10 @@ private:
     void chkCatch_Click(bool on);
 
     [[nodiscard]] Margins margins() const;
+    [[nodiscard]] int quality() const;
+    void txtAnswer_Change(const QString& answer);
+    /// Writes down what has been typed last.
+    void keepTyped();
     void addRow(int number);
     void addImage(const QImage& picture);
     /// Takes files in that are pictures, on another thread.
@@ -112,6 +117,9 @@ private:
     int savedCount_ = 0;
     /// What was taken out last, and its answer.
     std::optional<std::pair<int, QString>> takenOut_;
+    /// Runs from a letter until it is written down, for this picture.
+    QTimer typed_;
+    int typedFor_ = 0;
     QStringList knownScreenshots_;
     QFileSystemWatcher* screenshots_ = nullptr;
 
@@ -119,6 +127,7 @@ private:
     QLabel* lblNone_ = nullptr;
     PictureView* imgPicture_ = nullptr;
     QCheckBox* chkTrim_ = nullptr;
+    QCheckBox* chkFine_ = nullptr;
     QCheckBox* chkCatch_ = nullptr;
     QPushButton* cmdAddFiles_ = nullptr;
     QPushButton* cmdFromPdf_ = nullptr;

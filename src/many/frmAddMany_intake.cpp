@@ -97,7 +97,9 @@ void frmAddMany::addPdfs(const QStringList& files)
         try {
             frmFromPdf dialog(
                 services_,
-                [this](const QImage& picture) { addRow(pending_.add(picture, margins())); },
+                [this](const QImage& picture) {
+                    addRow(pending_.add(picture, margins(), quality()));
+                },
                 window());
             if (!dialog.open(file) || dialog.exec() == QDialog::Rejected) {
                 break;
@@ -117,6 +119,7 @@ void frmAddMany::addPdfs(const QStringList& files)
 void frmAddMany::addPictureFiles(const QStringList& files)
 {
     const Margins wanted = margins();
+    const int fine = quality();
     std::vector<int> taken;
     QStringList failures;
     try {
@@ -126,7 +129,7 @@ void frmAddMany::addPictureFiles(const QStringList& files)
                             for (const QString& file : files) {
                                 progress(done++, static_cast<std::size_t>(files.size()));
                                 try {
-                                    taken.push_back(pending_.add(file, wanted));
+                                    taken.push_back(pending_.add(file, wanted, fine));
                                 } catch (const Error& error) {
                                     failures.append(error.message());
                                 }
@@ -155,7 +158,7 @@ void frmAddMany::addPictureFiles(const QStringList& files)
 void frmAddMany::addImage(const QImage& picture)
 {
     attempt([&] {
-        addRow(pending_.add(picture, margins()));
+        addRow(pending_.add(picture, margins(), quality()));
         lblHint_->say({});
         if (lstPictures_->count() == 1) {
             lstPictures_->setCurrentRow(0);
@@ -188,10 +191,10 @@ void frmAddMany::cmdPaste_Click()
 
 void frmAddMany::cmdAddFiles_Click()
 {
-    const std::optional<QString> file = services_.fileDialogs->openFile(
+    const QStringList files = services_.fileDialogs->openFiles(
         tr("Pictures (*.png *.jpg *.jpeg *.gif *.bmp *.webp *.tif)"));
-    if (file) {
-        addFiles({*file});
+    if (!files.isEmpty()) {
+        addFiles(files);
     }
 }
 

@@ -16,7 +16,6 @@ namespace varnholt {
 
 namespace {
 
-constexpr int newPictureQuality = 75;
 /// Darker than that in any colour is ink; scanners and JPEG leave paper a little grey.
 constexpr int paper = 245;
 /// A narrower margin is not worth a JPEG's being compressed a second time.
@@ -147,7 +146,7 @@ QRect InkArea(const QImage& picture)
     return {QPoint(left, top), QPoint(right, bottom)};
 }
 
-void WriteNormalPicture(const QImage& picture, const QString& to, Margins margins)
+void WriteNormalPicture(const QImage& picture, const QString& to, Margins margins, int quality)
 {
     const QImage opaque = OpaqueImage(picture);
     const QRect part = margins == Margins::Trim ? InkArea(opaque) : opaque.rect();
@@ -155,12 +154,11 @@ void WriteNormalPicture(const QImage& picture, const QString& to, Margins margin
         isLarge(part.size())
             ? part.size().scaled(largestQuestionPicture, Qt::KeepAspectRatio).expandedTo({1, 1})
             : part.size();
-    WriteQuestionPicture(to,
-                         size == part.size() ? opaque.copy(part) : ScaledByArea(opaque, part, size),
-                         newPictureQuality);
+    WriteQuestionPicture(
+        to, size == part.size() ? opaque.copy(part) : ScaledByArea(opaque, part, size), quality);
 }
 
-void WriteNormalPicture(const QString& from, const QString& to, Margins margins)
+void WriteNormalPicture(const QString& from, const QString& to, Margins margins, int quality)
 {
     QImage picture;
     try {
@@ -183,7 +181,7 @@ void WriteNormalPicture(const QString& from, const QString& to, Margins margins)
             throw;
         }
     }
-    WriteNormalPicture(picture, to, margins);
+    WriteNormalPicture(picture, to, margins, quality);
 }
 
 } // namespace varnholt

@@ -14,6 +14,10 @@ enum class Margins
     Keep
 };
 
+/// JPEG qualities of pictures that are encoded anew: as everywhere in the program, and a finer one.
+inline constexpr int usualQuality = 75;
+inline constexpr int fineQuality = 90;
+
 /// No question's picture taken from a file is larger.
 inline constexpr QSize largestQuestionPicture{1920, 1080};
 
@@ -28,7 +32,9 @@ inline constexpr QSize largestQuestionPicture{1920, 1080};
 /// white, without a white margin if wished, shrunk to `largestQuestionPicture` where it is larger,
 /// as a JPEG without metadata. A JPEG that is so already keeps its picture to the last bit. Throws
 /// `Error`, a `PictureError` where the file holds no picture.
-void WriteNormalPicture(const QString& from, const QString& to, Margins margins);
-void WriteNormalPicture(const QImage& picture, const QString& to, Margins margins);
+void WriteNormalPicture(const QString& from, const QString& to, Margins margins,
+                        int quality = usualQuality);
+void WriteNormalPicture(const QImage& picture, const QString& to, Margins margins,
+                        int quality = usualQuality);
 
 } // namespace varnholt

@@ -63,6 +63,12 @@ public:
 
     virtual std::optional<QString> saveFile(const QString& filter, const QString& initialName) = 0;
     virtual std::optional<QString> openFile(const QString& filter) = 0;
+    /// One or several files; none when the user cancels.
+    virtual QStringList openFiles(const QString& filter)
+    {
+        const std::optional<QString> file = openFile(filter);
+        return file ? QStringList(*file) : QStringList();
+    }
     /// A folder that is there; it starts at `initialFolder`.
     virtual std::optional<QString> openFolder(const QString& title,
                                               const QString& initialFolder) = 0;

@@ -3,6 +3,7 @@
 #include <QLabel>
 
 class QLineEdit;
+class QToolButton;
 
 namespace varnholt {
 
@@ -27,9 +28,19 @@ public:
 
     /// Speaks up while the field holds text that cannot stand in a statement.
     void watchForApostrophes(QLineEdit* field);
+    /// Has a button beside what is said while the field holds such text, which puts the letters in
+    /// that can be saved.
+    void offerTypographic(QLineEdit* field);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void placeButton();
+
     QWidget* field_;
+    QLineEdit* replaceIn_ = nullptr;
+    QToolButton* cmdReplace_ = nullptr;
 };
 
 /// What to say about a text that cannot stand in a statement; empty when it can.

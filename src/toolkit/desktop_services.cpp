@@ -172,6 +172,15 @@ std::optional<QString> DesktopFileDialogs::openFile(const QString& filter)
                                                lastFolder(), filter));
 }
 
+QStringList DesktopFileDialogs::openFiles(const QString& filter)
+{
+    const QStringList files = QFileDialog::getOpenFileNames(QApplication::activeWindow(), QString(),
+                                                            lastFolder(), filter);
+    // Remembers the folder.
+    (void)chosen(files.value(0));
+    return files;
+}
+
 std::optional<QString> DesktopFileDialogs::openFolder(const QString& title,
                                                       const QString& initialFolder)
 {

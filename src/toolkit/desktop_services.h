@@ -24,6 +24,7 @@ class DesktopFileDialogs : public FileDialogs
 public:
     std::optional<QString> saveFile(const QString& filter, const QString& initialName) override;
     std::optional<QString> openFile(const QString& filter) override;
+    QStringList openFiles(const QString& filter) override;
     std::optional<QString> openFolder(const QString& title, const QString& initialFolder) override;
 };
 
