@@ -111,6 +111,11 @@ void frmShow::cmdScreens_Click()
 void frmShow::refresh()
 {
     const PupilsView view = show_.pupilsView();
+    pupils_->setView(view, pictures_.find(view.picture).picture);
+    if (pupils_->isVisible()) {
+        pupils_->repaint();
+    }
+    // Decoding ahead takes the processor from the painting.
     QStringList wanted;
     if (const auto position = show_.position()) {
         for (const int i : {*position, *position + 1, *position - 1}) {
@@ -120,10 +125,6 @@ void frmShow::refresh()
         }
     }
     pictures_.want(wanted);
-    pupils_->setView(view, pictures_.find(view.picture).picture);
-    if (pupils_->isVisible()) {
-        pupils_->repaint();
-    }
     later_.start(0);
 }
 

@@ -50,7 +50,7 @@ void frmShow::buildControls()
     lblTopic_->setWordWrap(true);
     lblClock_ = new FittedLabel("lblClock", 1.2);
     lblClock_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    lblAnswer_ = new FittedLabel("lblAnswer", 3);
+    lblAnswer_ = new FittedLabel("lblAnswer", 1.5);
     lblAnswer_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     lblShown_ = makeLabel("lblShown");
     lblShown_->setWordWrap(true);
@@ -76,28 +76,34 @@ void frmShow::buildControls()
                                         &frmShow::cmdEnd_Click);
     cmdClock_ = makeKeyButton("cmdClock", tr("&Clock"), tr("Switches the clock on or off."),
                               QStringLiteral("T"), &frmShow::cmdClock_Click);
-    cmdLess_ = makeKeyButton("cmdLess", tr("15 s less"), tr("Takes 15 seconds away."),
+    cmdLess_ = makeKeyButton("cmdLess", tr("15 s"), tr("Takes 15 seconds away."),
                              QStringLiteral("−"), &frmShow::cmdLess_Click);
-    QPushButton* cmdMore = makeKeyButton("cmdMore", tr("15 s more"), tr("Gives 15 seconds more."),
+    QPushButton* cmdMore = makeKeyButton("cmdMore", tr("15 s"), tr("Gives 15 seconds more."),
                                          QStringLiteral("+"), &frmShow::cmdMore_Click);
     cmdBlack_ = makeKeyButton("cmdBlack", tr("&Black"), tr("Makes the pupils' screen black."),
                               QStringLiteral("B"), &frmShow::cmdBlack_Click);
     cmdWhite_ = makeKeyButton("cmdWhite", tr("&White"), tr("Makes the pupils' screen white."),
                               QStringLiteral("W"), &frmShow::cmdWhite_Click);
-    cmdScreens_ = makeKeyButton("cmdScreens", tr("Swap Screens"),
+    cmdScreens_ = makeKeyButton("cmdScreens", tr("Screens"),
                                 tr("Puts the pupils' window on the other screen."),
                                 QStringLiteral("F"), &frmShow::cmdScreens_Click);
     const QString marks = tr("Notes it for this question and goes on.");
-    outcomes_ = {makeKeyButton("cmdFew", tr("Few Knew It"), marks, QStringLiteral("1"),
-                               &frmShow::cmdFew_Click),
-                 makeKeyButton("cmdHalf", tr("Half Knew It"), marks, QStringLiteral("2"),
-                               &frmShow::cmdHalf_Click),
-                 makeKeyButton("cmdMost", tr("Most Knew It"), marks, QStringLiteral("3"),
-                               &frmShow::cmdMost_Click)};
+    outcomes_ = {
+        makeKeyButton("cmdFew", tr("Few"), marks, QStringLiteral("1"), &frmShow::cmdFew_Click),
+        makeKeyButton("cmdHalf", tr("Half"), marks, QStringLiteral("2"), &frmShow::cmdHalf_Click),
+        makeKeyButton("cmdMost", tr("Most"), marks, QStringLiteral("3"), &frmShow::cmdMost_Click)};
     for (QPushButton* button :
          {cmdAnswer_, cmdClock_, cmdBlack_, cmdWhite_, outcomes_[0], outcomes_[1], outcomes_[2]}) {
         button->setCheckable(true);
     }
+
+    cmdLess_->setAccessibleName(tr("15 seconds less"));
+    cmdMore->setAccessibleName(tr("15 seconds more"));
+    outcomes_[0]->setAccessibleName(tr("Few knew it"));
+    outcomes_[1]->setAccessibleName(tr("Half of the class knew it"));
+    outcomes_[2]->setAccessibleName(tr("Most knew it"));
+    auto* lblKnew = makeLabel("lblKnew", tr("Knew it:"));
+    lblKnew->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
     auto* heading = new QHBoxLayout;
     heading->addWidget(lblCount_);
@@ -116,10 +122,11 @@ void frmShow::buildControls()
     auto* buttons = new QGridLayout;
     constexpr int perRow = 5;
     int cell = 0;
-    for (QPushButton* button :
-         {cmdBack_, cmdNext_, cmdAnswer_, cmdSwap_, cmdEnd, cmdClock_, cmdLess_, cmdMore, cmdBlack_,
-          cmdWhite_, outcomes_[0], outcomes_[1], outcomes_[2], cmdScreens_}) {
-        buttons->addWidget(button, cell / perRow, cell % perRow);
+    for (QWidget* widget : std::initializer_list<QWidget*>{
+             cmdBack_, cmdNext_, cmdAnswer_, cmdSwap_, cmdEnd, cmdClock_, cmdLess_, cmdMore,
+             cmdBlack_, cmdWhite_, lblKnew, outcomes_[0], outcomes_[1], outcomes_[2],
+             cmdScreens_}) {
+        buttons->addWidget(widget, cell / perRow, cell % perRow);
         ++cell;
     }
     auto* column = new QVBoxLayout(this);
