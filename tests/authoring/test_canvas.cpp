@@ -94,6 +94,20 @@ TEST_F(Canvas, HandlesMoveTheirSidesAloneAndStepsRememberTheirFrames)
     EXPECT_EQ(frame(), sized);
 }
 
+TEST_F(Canvas, ThirtyLargeStepsCanBeTakenBack)
+{
+    int steps = 0;
+    for (; steps < 40; ++steps) {
+        QImage other = plain({1200, 600});
+        other.fill(steps);
+        canvas.Paste(other);
+    }
+    for (; canvas.canUndo(); --steps) {
+        canvas.Undo();
+    }
+    EXPECT_EQ(steps, 10);
+}
+
 TEST_F(Canvas, TextIsBlackOnWhatIsThereFromTheCornerOn)
 {
     canvas.MouseDown(100, 80);

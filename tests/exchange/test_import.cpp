@@ -220,67 +220,64 @@ TEST_F(Import, PackagesAreImportedOrRefusedWhole)
         Quiet,
         Failed
     };
-    constexpr std::array<int, 3> all{1, 1, 2};
     struct Case
     {
         const char* name;
         std::map<QByteArray, QByteArray> changes;
         Result result;
+        /// Of the archive.
+        QByteArray comment = {};
+        /// Of the last question: topic and subtopic.
+        const char* places = "|T|S|";
         /// Topics, subtopics and questions imported.
         std::array<int, 3> counts{1, 1, 2};
-        /// Of the last question: topic and subtopic.
-        const char* references = "|T|S|";
-        /// What stands before all names, and the archive's comment.
+        /// What stands before all names.
         QByteArray folder = {};
-        QByteArray comment = {};
     };
+    const std::array one{1, 1, 1};
+    const std::array two{1, 1, 2};
     const std::vector<Case> cases{
-        Case{"Sound", {}, Imported},
-        Case{"NoInfo", {{"AssessmentInfo.txt", "none"}}, NotAPackage},
-        Case{"EmptyInfo", {{"AssessmentInfo.txt", ""}}, NotAPackage},
-        Case{"EmptyName", {{"AssessmentInfo.txt", "\"\"\r\n"}}, Quiet},
-        Case{"NoTopics", {{"topics.txt", "none"}}, Failed},
-        Case{"MalformedNumber", {{"subtopics.txt", "7,\"S\",x\r\n"}}, Failed},
-        Case{"Apostrophe", {{"questions.txt", "3,7,\"it's\",70\r\n"}}, Failed},
-        Case{"MissingPicture", {{"4.jpg", "none"}}, Failed},
-        Case{"EmptyPicture", {{"4.jpg", ""}}, Imported},
-        Case{"NegativeKeys",
-             {{"questions.txt", "-3,-7,\"A\",-70\r\n"},
-              {"-3.jpg", "x"},
-              {"topics.txt", "-7,\"T\"\r\n"},
-              {"subtopics.txt", "-7,\"S\",-70\r\n"}},
-             Imported,
-             {1, 1, 1}},
-        Case{"UnknownReferences",
-             {{"questions.txt", "3,8,\"A\",80\r\n"}},
-             Imported,
-             {1, 1, 1},
-             "|||"},
-        Case{"LastOfTwinsWins",
-             {{"topics.txt", "7,\"T\"\r\n7,\"U\"\r\n"},
-              {"subtopics.txt", "7,\"S\",70\r\n7,\"V\",70\r\n"}},
-             Imported,
-             {2, 2, 2},
-             "|U|V|"},
-        Case{"MostRecords",
-             {{"topics.txt", records(32767)}, {"subtopics.txt", ""}, {"questions.txt", ""}},
-             Imported,
-             {32767, 0, 0}},
-        Case{"OneRecordTooMany", {{"topics.txt", records(32768)}}, Failed},
-        Case{"InAFolder", {}, Imported, all, "|T|S|", "Algebra (1)/"},
-        Case{"WithDots", {}, Imported, all, "|T|S|", "./"},
-        Case{"OutsideItsFolder", {}, NotAPackage, all, "", "../"},
-        Case{"AnotherBelowIt", {{"b/AssessmentInfo.txt", "\"B\"\r\n"}}, Imported},
-        Case{"TwoInFolders", {{"b/AssessmentInfo.txt", "\"B\"\r\n"}}, NotUnpacked, all, "", "a/"},
-        Case{"NoUtf8", {{"topics.txt", "7,\"\xe9\"\r\n"}}, Imported, all, "|é|S|", "", "Not UTF-8"},
-        Case{"Utf8",
-             {{"topics.txt", "7,\"π\"\r\n"}},
-             Imported,
-             all,
-             "|π|S|",
-             "",
-             "Text files: UTF-8"},
-        Case{"Utf8Mark", {{"topics.txt", "\ufeff7,\"π\"\r\n"}}, Imported, all, "|π|S|"}};
+        {"Sound", {}, Imported},
+        {"NoInfo", {{"AssessmentInfo.txt", "none"}}, NotAPackage},
+        {"EmptyInfo", {{"AssessmentInfo.txt", ""}}, NotAPackage},
+        {"EmptyName", {{"AssessmentInfo.txt", "\"\"\r\n"}}, Quiet},
+        {"NoTopics", {{"topics.txt", "none"}}, Failed},
+        {"MalformedNumber", {{"subtopics.txt", "7,\"S\",x\r\n"}}, Failed},
+        {"Apostrophe", {{"questions.txt", "3,7,\"it's\",70\r\n"}}, Failed},
+        {"MissingPicture", {{"4.jpg", "none"}}, Failed},
+        {"EmptyPicture", {{"4.jpg", ""}}, Imported},
+        {"NoPlace", {{"questions.txt", "3,8,\"A\",80\r\n"}}, Imported, "", "|||", one},
+        {"NegativeKeys",
+         {{"questions.txt", "-3,-7,\"A\",-70\r\n"},
+          {"-3.jpg", "x"},
+          {"topics.txt", "-7,\"T\"\r\n"},
+          {"subtopics.txt", "-7,\"S\",-70\r\n"}},
+         Imported,
+         "",
+         "|T|S|",
+         one},
+        {"LastOfTwinsWins",
+         {{"topics.txt", "7,\"T\"\r\n7,\"U\"\r\n"},
+          {"subtopics.txt", "7,\"S\",70\r\n7,\"V\",70\r\n"}},
+         Imported,
+         "",
+         "|U|V|",
+         {2, 2, 2}},
+        {"MostRecords",
+         {{"topics.txt", records(32767)}, {"subtopics.txt", ""}, {"questions.txt", ""}},
+         Imported,
+         "",
+         "",
+         {32767, 0, 0}},
+        {"OneRecordTooMany", {{"topics.txt", records(32768)}}, Failed},
+        {"InAFolder", {}, Imported, "", "|T|S|", two, "Algebra (1)/"},
+        {"WithDots", {}, Imported, "", "|T|S|", two, "./"},
+        {"OutsideItsFolder", {}, NotAPackage, "", "", two, "../"},
+        {"AnotherBelowIt", {{"b/AssessmentInfo.txt", "\"B\"\r\n"}}, Imported},
+        {"TwoInFolders", {{"b/AssessmentInfo.txt", ""}}, NotUnpacked, "", "", two, "a/"},
+        {"NoUtf8", {{"topics.txt", "7,\"\xe9\"\r\n"}}, Imported, "Not UTF-8", "|é|S|"},
+        {"Utf8", {{"topics.txt", "7,\"π\"\r\n"}}, Imported, "Text files: UTF-8", "|π|S|"},
+        {"Utf8Mark", {{"topics.txt", "\ufeff7,\"π\"\r\n"}}, Imported, "", "|π|S|"}};
     library.addGenerated(u"Mine"_s, 1, 1, 1, true);
     const QStringList mine = content(u"Mine"_s);
     for (const Case& c : cases) {
@@ -311,7 +308,7 @@ TEST_F(Import, PackagesAreImportedOrRefusedWhole)
         EXPECT_EQ(in("Import") == "", c.result != Failed);
         EXPECT_EQ(reason.isEmpty(), c.result != Failed && c.result != NotUnpacked);
         if (c.result == Imported && c.counts[2] > 0) {
-            EXPECT_TRUE(content(name).last().contains(QString::fromUtf8(c.references)));
+            EXPECT_TRUE(content(name).last().contains(QString::fromUtf8(c.places)));
         }
     }
 }

@@ -74,10 +74,11 @@ TEST(Backups, A_killed_program_leaves_the_library_of_today_or_the_chosen_one)
     const int runs = fromEnvironment("VARNHOLT_BACKUP_KILLS", 40);
     for (int i = 0; i < runs + 4; ++i) {
         const int work = i % 4;
-        // The first ones tell how many steps there are. Most happens in the last of them.
-        const int steps = i % 3 ? std::min(length[work], 12) : length[work];
-        const int killAt =
-            i < 4 ? 0 : length[work] - static_cast<int>(random() % static_cast<unsigned>(steps));
+        // The first ones tell how many steps there are, the others go from the last, where most
+        // happens, to the first.
+        const int stride = work < Replace ? 5 : 2;
+        const int back = stride * (i / 4 - 1) + static_cast<int>(random() % 2);
+        const int killAt = i < 4 ? 0 : length[work] - back % length[work];
         SCOPED_TRACE(testing::Message() << "work " << work << " killed at " << killAt);
         if (work == ReplaceTorn) {
             writeFile(path, "torn");

@@ -103,6 +103,7 @@ TEST_F(Pptx, PackageKeepsTheRules)
     EXPECT_EQ(all(first, "a:off", "y"), u"0 0 508000 889000");
     EXPECT_EQ(all(first, "a:ext", "cx"), u"0 12700000 1270000 5715000");
     EXPECT_EQ(all(first, "a:ext", "cy"), u"0 1270000 1270000 3333750");
+    EXPECT_EQ(all(PackageReader::slideName(5), "a:bodyPr", "wrap"), u"square none none none none");
     EXPECT_EQ(all(first, "a:t"), u"O'Brien & Söhne <x> - \U0001F600 #1");
     EXPECT_EQ(all(PackageReader::slideName(5), "a:t"),
               u"Answer Key 1) \"A\" & <B> \u2264 \u03C0 2) first second third\uFFFD! 3) "_s +
