@@ -349,7 +349,7 @@ bool frmAddMany::eventFilter(QObject* watched, QEvent* event)
         const int step = key->key() == Qt::Key_Down ? 1 : key->key() == Qt::Key_Up ? -1 : 0;
         if (step != 0) {
             lstPictures_->setCurrentRow(
-                std::clamp(current() + step, -1, lstPictures_->count() - 1));
+                std::min(std::max(current() + step, 0), lstPictures_->count() - 1));
             return true;
         }
         if (key->matches(QKeySequence::Paste) && services_.clipboard->answers() &&
