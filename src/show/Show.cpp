@@ -174,9 +174,8 @@ void Show::swap()
     }
     ShowItem& item = test_.items[static_cast<std::size_t>(at_)];
     const auto nearest = NearestQuestion(test_.spares.begin(), test_.spares.end(), item.question);
-    const QuestionRecord chosen = *nearest;
+    item = test_.take(*nearest);
     test_.spares.erase(nearest);
-    test_.spares.push_back(std::exchange(item, test_.take(chosen)).question);
     outcomes_[static_cast<std::size_t>(at_)] = Outcome::Unknown;
     show(at_);
 }

@@ -112,8 +112,7 @@ public:
     void zoomTo(const QRectF& part);
     /// Makes what is seen larger (above 1) or smaller, with the point staying where it is.
     void zoomAt(const QPointF& point, double factor);
-    /// Another question in the place of this one: the nearest of the spares, among which this one
-    /// becomes the last.
+    /// Another question in the place of this one, which is left out: the nearest of the spares.
     void swap();
     /// Says how many knew this question, and moves on to the next.
     void mark(Outcome outcome);

@@ -201,12 +201,12 @@ TEST(Show, KeysDoWhatATeacherExpects)
         {{6, WhenAsked, true}, "_____2_", "#2 6s 2----------------------"},
         {{6, AfterEach, true}, "______", "#1 answer 1"},
         {{6, WhenAsked, true}, "E_______", "#23 0s."},
-        // Another question: of the subtopic, of the topic, any; what went comes at the very end.
+        // Another question: of the subtopic, of the topic, any; what went does not come again.
         {{}, "S", "#24"},
         {{}, "22^S", "#26"},
         {{}, "2_<SS", "#25"},
-        {{}, "22^SS", "#22"},
-        {{}, "22^S23^S", "#22"},
+        {{}, "22^SS", "#24"},
+        {{}, "SSSS", "#26 no other"},
         {{8}, "_S", "#24 8s"},
         {{}, "AS", "#24"},
         // What is for the windows.

@@ -2,6 +2,7 @@
 
 #include "library/Library.h"
 #include "selection/frmMain.h"
+#include "selection/past_build.h"
 #include "show/ShowDesktop.h"
 #include "show/ShowMemory.h"
 #include "show/ShowPictures.h"
@@ -168,6 +169,11 @@ TEST_F(ShowWindows, TheLibraryKnowsOfEachUseAndOutcomeBeforeTheNextKey)
         type(window, u"S"_s);
         EXPECT_EQ(uses(), u"1:2 2:3 5:-"_s);
         EXPECT_TRUE(note->text().isEmpty());
+        // A key that is held runs through nothing.
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier, {}, true);
+        QApplication::sendEvent(&window, &held);
+        settle();
+        EXPECT_EQ(uses(), u"1:2 2:3 5:-"_s);
         // Back and once more is no other use, and she may think better of it.
         QTest::keyClick(&window, Qt::Key_Left);
         type(window, u"1 "_s);
@@ -292,6 +298,8 @@ TEST_F(ShowWindows, TheSelectionWindowShowsWhatWasDrawnAndReviewed)
     messages.expectInform(u"No Questions"_s, u"There are no questions selected."_s);
     click(review, "cmdCreate");
     EXPECT_TRUE(review->isVisible());
+    settle();
+    const QString excluded = control<QLabel>(review, "lblAnswer")->text().section(u' ', 1);
     judge("cmdExclude");
     judge("cmdInclude");
     QString shown;
@@ -299,12 +307,34 @@ TEST_F(ShowWindows, TheSelectionWindowShowsWhatWasDrawnAndReviewed)
         QWidget* pupilsWindow = QApplication::activeModalWidget();
         ASSERT_TRUE(pupilsWindow);
         shown = pupilsWindow->objectName();
+        for (int i = 0; i < 20; ++i) {
+            QTest::keyClick(pupilsWindow, Qt::Key_S);
+            QTest::qWait(20);
+        }
         QTest::keyClick(pupilsWindow, Qt::Key_Escape);
     });
     click(review, "cmdCreate");
     EXPECT_EQ(shown, u"frmShowPupils"_s);
     EXPECT_TRUE(window.isEnabled());
-    EXPECT_EQ(library.value(u"SELECT count(*) FROM PlusUses"_s), u"1"_s);
+    // Whatever came in its place, what the review left out did not.
+    EXPECT_EQ(library.value(u"SELECT count(DISTINCT SOLIndex) || total(Answer = '%1') FROM "
+                            "PlusUses JOIN Questions USING (SOLIndex)"_s.arg(excluded)),
+              u"70.0"_s);
+}
+
+TEST_F(ShowWindows, ADrawThatWasKeptIsShownAndIsATestFromThenOn)
+{
+    const std::int32_t kept = owner.keepTest(recordOf(makeTest(3)));
+    library.sql(u"UPDATE Questions SET Answer = 'new' WHERE SOLIndex = 2"_s);
+    messages.expectYesNo(u"Past Tests"_s, u"3 answers have changed since. Use the new ones?"_s,
+                         false, MessageBoxes::Answer::Yes);
+    messages.expectYesNo(u"Show in Class"_s, u"End the show?"_s, true, MessageBoxes::Answer::Yes);
+    QTimer::singleShot(400, qApp,
+                       [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
+    ShowTestAgain(nullptr, services, owner, owner.pastTests().list().front());
+    EXPECT_EQ(library.sql(u"SELECT TestID || ' ' || Kind FROM PlusTests"_s).join(u','),
+              u"%1 2"_s.arg(kept));
+    EXPECT_EQ(uses(), u"1:-"_s);
 }
 
 TEST_F(ShowWindows, ALibraryThatRemembersNothingIsShownFromAndSaidOnce)
