@@ -124,14 +124,17 @@ TEST_F(Import, RoundTripOfFiveThousandQuestions)
         "UPDATE Questions SET Answer = 'two' || char(13,10) || 'lines' WHERE SOLIndex = 5;"
         "UPDATE Questions SET TopicID = 999 WHERE SOLIndex = 6;"
         "UPDATE Questions SET Available = 0 WHERE SOLIndex = 7;"_s);
-    frmExport form(source.services, source.state, source.opened);
+    ExchangeWorld small;
+    small.library.addGenerated(name, 1, 1, 1, true);
     for (const mode_t bad : badDisks) {
         // Neither the bytes of the package nor its name may be lost with the power.
         badDisk = bad;
-        source.files.answers.emplace_back(package());
-        bad ? source.expect("Export Error",
-                            "There is a problem creating this export file.  Please try again.")
-            : source.expect("Export Complete", "Export was successful.");
+        ExchangeWorld& world = bad ? small : source;
+        frmExport form(world.services, world.state, world.opened);
+        world.files.answers.emplace_back(package());
+        bad ? world.expect("Export Error",
+                           "There is a problem creating this export file.  Please try again.")
+            : world.expect("Export Complete", "Export was successful.");
         form.cmdExport_Click();
         EXPECT_EQ(control<QLabel>(&form, "lblReason")->text().contains(u"(Input/output error)"_s),
                   bad != 0);
