@@ -22,6 +22,11 @@ void frmAddMany::buildControls()
     lstPictures_->setIconSize(QSize(letter * 16, letter * 10));
     lstPictures_->setFixedWidth(letter * 23);
     lstPictures_->setUniformItemSizes(true);
+    // Answers stand below their pictures.
+    lstPictures_->setViewMode(QListView::IconMode);
+    lstPictures_->setFlow(QListView::TopToBottom);
+    lstPictures_->setWrapping(false);
+    lstPictures_->setMovement(QListView::Static);
     lstPictures_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     cmdAddFiles_ = makeButton("cmdAddFiles", tr("Add &File…"));
     cmdFromPdf_ = makeButton("cmdFromPdf", tr("From P&DF…"));

@@ -53,7 +53,6 @@ void frmFromPdf::buildControls()
         tools->addWidget(each);
     }
     tools->addStretch();
-    tools->addWidget(lblPage_);
 
     lblKeys_ = makeLabel("lblKeys",
                          tr("Draw frames with the mouse. Keys: N and B choose the next frame and "
@@ -74,17 +73,21 @@ void frmFromPdf::buildControls()
     cmdAdd_ = makeButton("cmdAdd", tr("&Add Pictures"));
     cmdAdd_->setDefault(true);
     cmdCancel_ = makeButton("cmdCancel", tr("&Cancel"));
+    auto* state = new QHBoxLayout;
+    state->addWidget(lblPage_);
+    state->addStretch();
+    state->addWidget(lblState_);
     auto* end = new QHBoxLayout;
     end->addWidget(lblResolution);
     end->addWidget(txtResolution_);
     end->addStretch();
-    end->addWidget(lblState_);
     end->addWidget(cmdAdd_);
     end->addWidget(cmdCancel_);
 
     auto* column = new QVBoxLayout(this);
     column->addLayout(tools);
     column->addWidget(pages_, 1);
+    column->addLayout(state);
     column->addWidget(lblHint_);
     column->addWidget(lblKeys_);
     column->addLayout(end);
