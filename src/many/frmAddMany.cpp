@@ -344,6 +344,14 @@ void frmAddMany::cmdEditPicture_Click()
 
 bool frmAddMany::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == txtAnswer_ && event->type() == QEvent::ShortcutOverride) {
+        // Some desktops have a field go to its end by these keys.
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->keyCombination() == (Qt::CTRL | Qt::Key_E)) {
+            event->ignore();
+            return true;
+        }
+    }
     if (watched == txtAnswer_ && event->type() == QEvent::KeyPress) {
         auto* key = static_cast<QKeyEvent*>(event);
         const int step = key->key() == Qt::Key_Down ? 1 : key->key() == Qt::Key_Up ? -1 : 0;

@@ -113,6 +113,8 @@ void frmAddMany::addPdfs(const QStringList& files)
     }
     lblHint_->say(failures.join(u' '));
     showState();
+    // Desktops do not always give it back when a progress bar and a window close in one go.
+    window()->activateWindow();
     txtAnswer_->setFocus();
 }
 

@@ -281,6 +281,13 @@ TEST_F(Many, PicturesComeByPasting)
     clipboard.picture = QImage();
     key(list(), Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(said("lblHint"), u"There is no picture to paste. Copy one first."_s);
+    bool opened = false;
+    QTimer::singleShot(0, window.get(), [&] {
+        opened = QApplication::activeModalWidget()->objectName() == u"frmEditPicture"_s;
+        QApplication::activeModalWidget()->close();
+    });
+    key(answerField(), Qt::Key_E, Qt::ControlModifier);
+    EXPECT_TRUE(opened) << "the keys for the canvas do nothing where the answer is typed";
 }
 
 } // namespace varnholt::test
