@@ -4,6 +4,7 @@
 #include "selection/frmMain.h"
 #include "selection/past_build.h"
 #include "show/ShowDesktop.h"
+#include "show/ShowGroup.h"
 #include "show/ShowMemory.h"
 #include "show/ShowPictures.h"
 #include "show/ShowView.h"
@@ -101,14 +102,20 @@ protected:
     {
         return *control<ShowView>(&window, "frmShowPupils");
     }
-    /// Until pictures, the teacher's window and the library have followed.
-    static void settle() { QTest::qWait(80); }
+    /// Until pictures, the teacher's window and the library have followed. A picture that is
+    /// missing is waited for in vain.
+    static void settle(frmShow& window)
+    {
+        static_cast<void>(
+            QTest::qWaitFor([&] { return !pupils(window).pictureSize().isEmpty(); }, 1000));
+        QTest::qWait(60);
+    }
     static void type(frmShow& window, const QString& keys)
     {
         for (const QChar key : keys) {
             QTest::keyClick(&pupils(window), static_cast<Qt::Key>(key.toUpper().unicode()));
         }
-        settle();
+        settle(window);
     }
     QString uses()
     {
@@ -127,7 +134,7 @@ TEST_F(ShowWindows, NoPixelOfThePupilsWindowDependsOnTheAnswerBeforeItIsAskedFor
         std::vector<QImage> pictures;
         clock.now = 0;
         const auto work = [&](frmShow& window) {
-            settle();
+            settle(window);
             for (const QChar key : u" "_s + keys) {
                 type(window, key == u' ' ? QString() : QString(key));
                 pictures.push_back(pupils(window).grab().toImage());
@@ -152,7 +159,7 @@ TEST_F(ShowWindows, TheLibraryKnowsOfEachUseAndOutcomeBeforeTheNextKey)
 {
     QFile::remove(library.picturePath(3));
     show(makeTest(4), [&](frmShow& window) {
-        settle();
+        settle(window);
         EXPECT_EQ(library.value(u"SELECT Kind || TestName FROM PlusTests"_s), u"2Test"_s);
         EXPECT_EQ(uses(), u"1:-"_s);
         type(window, u"2"_s);
@@ -172,7 +179,7 @@ TEST_F(ShowWindows, TheLibraryKnowsOfEachUseAndOutcomeBeforeTheNextKey)
         // A key that is held runs through nothing.
         QKeyEvent held(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier, {}, true);
         QApplication::sendEvent(&window, &held);
-        settle();
+        settle(window);
         EXPECT_EQ(uses(), u"1:2 2:3 5:-"_s);
         // Back and once more is no other use, and she may think better of it.
         QTest::keyClick(&window, Qt::Key_Left);
@@ -190,7 +197,7 @@ TEST_F(ShowWindows, TheWindowsFollowTheScreens)
         const auto place = [](QWidget& w) {
             return w.isVisible() ? QString::number(w.geometry().width()) : u"-"_s;
         };
-        settle();
+        settle(window);
         return place(window) + u' ' + place(pupils(window));
     };
     const auto change = [&](const std::vector<ShowScreen>& screens) {
@@ -225,14 +232,14 @@ TEST_F(ShowWindows, TheWindowsFollowTheScreens)
 TEST_F(ShowWindows, AFrameOrTheWheelLooksCloserAndButtonsDoWhatTheirKeysDo)
 {
     show(makeTest(3), [&](frmShow& window) {
-        settle();
+        settle(window);
         auto& now = *control<ShowView>(&window, "viewNow");
         const QImage whole = pupils(window).grab().toImage();
         const QPoint middle(now.width() / 2, now.width() * 9 / 32);
         QTest::mousePress(&now, Qt::LeftButton, {}, middle - QPoint(60, 40));
         QTest::mouseMove(&now, middle);
         QTest::mouseRelease(&now, Qt::LeftButton, {}, middle);
-        settle();
+        settle(window);
         const QImage closer = pupils(window).grab().toImage();
         EXPECT_NE(whole, closer);
         QTest::keyClick(&window, Qt::Key_Escape);
@@ -243,7 +250,7 @@ TEST_F(ShowWindows, AFrameOrTheWheelLooksCloserAndButtonsDoWhatTheirKeysDo)
                                           {"cmdMore", u"+"_s},
                                           {"cmdClock", u"T"_s}}) {
             click(&window, button);
-            settle();
+            settle(window);
             const QImage clicked = pupils(window).grab().toImage();
             EXPECT_NE(clicked, whole) << button;
             click(&window, button == std::string("cmdMore") ? "cmdClock" : button);
@@ -290,7 +297,7 @@ TEST_F(ShowWindows, TheSelectionWindowShowsWhatWasDrawnAndReviewed)
     }
     ASSERT_TRUE(review);
     const auto judge = [&](const char* button) {
-        settle();
+        QTest::qWait(80);
         static_cast<void>(review->grab());
         click(review, button);
     };
@@ -298,7 +305,7 @@ TEST_F(ShowWindows, TheSelectionWindowShowsWhatWasDrawnAndReviewed)
     messages.expectInform(u"No Questions"_s, u"There are no questions selected."_s);
     click(review, "cmdCreate");
     EXPECT_TRUE(review->isVisible());
-    settle();
+    QTest::qWait(80);
     const QString excluded = control<QLabel>(review, "lblAnswer")->text().section(u' ', 1);
     judge("cmdExclude");
     judge("cmdInclude");
@@ -307,9 +314,10 @@ TEST_F(ShowWindows, TheSelectionWindowShowsWhatWasDrawnAndReviewed)
         QWidget* pupilsWindow = QApplication::activeModalWidget();
         ASSERT_TRUE(pupilsWindow);
         shown = pupilsWindow->objectName();
-        for (int i = 0; i < 20; ++i) {
+        const auto used = [&] { return library.value(u"SELECT count(*) FROM PlusUses"_s).toInt(); };
+        for (int i = 1; i <= 8; ++i) {
+            static_cast<void>(QTest::qWaitFor([&] { return used() == i; }, i < 8 ? 5000 : 100));
             QTest::keyClick(pupilsWindow, Qt::Key_S);
-            QTest::qWait(20);
         }
         QTest::keyClick(pupilsWindow, Qt::Key_Escape);
     });
@@ -335,6 +343,22 @@ TEST_F(ShowWindows, ADrawThatWasKeptIsShownAndIsATestFromThenOn)
     EXPECT_EQ(library.sql(u"SELECT TestID || ' ' || Kind FROM PlusTests"_s).join(u','),
               u"%1 2"_s.arg(kept));
     EXPECT_EQ(uses(), u"1:-"_s);
+}
+
+TEST_F(ShowWindows, WhatIsAskedOfAShowIsKeptForEachLibraryAndNonsenseIsNoClock)
+{
+    EXPECT_EQ(LoadShowWishes(library.folder()), ShowWishes());
+    const ShowWishes wishes{45, ShowAnswers::AtTheEnd, true};
+    ShowGroup group;
+    group.setWishes(wishes);
+    SaveShowWishes(library.folder(), group.wishes());
+    EXPECT_EQ(LoadShowWishes(library.folder()), wishes);
+    EXPECT_EQ(LoadShowWishes(u"/elsewhere"_s), ShowWishes());
+    for (const auto& [text, seconds] :
+         {std::pair(u""_s, 0), {u"0"_s, 0}, {u"5000"_s, 0}, {u"30"_s, 30}}) {
+        control<QLineEdit>(&group, "txtShowSeconds")->setText(text);
+        EXPECT_EQ(group.wishes().seconds, seconds);
+    }
 }
 
 TEST_F(ShowWindows, ALibraryThatRemembersNothingIsShownFromAndSaidOnce)
