@@ -4,6 +4,7 @@
 #include "authoring/frmEditPicture.h"
 #include "backups/frmBackups.h"
 #include "check/frmCheck.h"
+#include "class_results/frmResults.h"
 #include "exchange/frmExport.h"
 #include "exchange/frmImport.h"
 #include "info/InfoWindow.h"
@@ -140,6 +141,7 @@ void frmAssessment::buildMenu()
         ->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_N);
     addMore("mnuTests", tr("P&ast Tests…"), &frmAssessment::mnuTests_Click)
         ->setShortcut(Qt::CTRL | Qt::Key_H);
+    addMore("mnuResults", tr("How C&lasses Did…"), &frmAssessment::mnuResults_Click);
     addMore("mnuTrash", tr("&Trash…"), &frmAssessment::mnuTrash_Click);
     addMore("mnuBackups", tr("&Backups…"), &frmAssessment::mnuBackups_Click);
     addMore("mnuCheck", tr("&Check Library…"), &frmAssessment::mnuCheck_Click);
@@ -331,7 +333,23 @@ void frmAssessment::mnuPaper_Click()
 
 void frmAssessment::mnuTests_Click()
 {
-    openChild([this] { return new frmTests(services_, library_); });
+    openChild([this] {
+        auto* window = new frmTests(services_, library_);
+        // It takes the window away that asks.
+        connect(window, &frmTests::resultsWanted, this, &frmAssessment::showResults,
+                Qt::QueuedConnection);
+        return window;
+    });
+}
+
+void frmAssessment::mnuResults_Click()
+{
+    showResults(state_.CurrentAssessmentNum);
+}
+
+void frmAssessment::showResults(std::int32_t assessmentNum)
+{
+    openChild([this, assessmentNum] { return new frmResults(services_, library_, assessmentNum); });
 }
 
 void frmAssessment::mnuTrash_Click()

@@ -56,6 +56,8 @@ public Q_SLOTS:
     void mnuPaper_Click();
     void mnuTrash_Click();
     void mnuTests_Click();
+    void mnuResults_Click();
+    void showResults(std::int32_t assessmentNum);
     void mnuBackups_Click();
     void mnuCheck_Click();
     void mnuAddMany_Click();

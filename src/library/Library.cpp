@@ -236,6 +236,9 @@ void Library::rename(Item item, const QString& name)
         throw Error(tr("A name cannot hold an apostrophe (')."));
     }
     Change change(*this);
+    if (item.kind == ItemKind::Class) {
+        requireFreeClass(stored, item.key);
+    }
     change.touch(item);
     Statement(connection_, sql::UpdateName(static_cast<int>(item.kind)))
         .bind(1, std::int64_t{item.key})
@@ -269,6 +272,9 @@ QString Library::freeName(const NamedItem& taken, const std::map<std::int32_t, Q
 
 void Library::bringBack(Change& change, const NamedItem& row, const QString& newName)
 {
+    if (row.item.kind == ItemKind::Class) {
+        requireFreeClass(row.name, row.item.key);
+    }
     change.touch(row.item);
     const int kind = static_cast<int>(row.item.kind);
     Statement(connection_, sql::UpdateAvailable(kind)).bind(1, std::int64_t{row.item.key}).run();

@@ -243,6 +243,8 @@ private:
     /// Runs a statement on a row of the program's own tables, as a step of the journal.
     void changeRow(Item item, Statement& statement);
     std::int32_t classKey(Change& change, const QString& name);
+    /// Classes are told apart by their names. Throws `Error` when another one has this one.
+    void requireFreeClass(const QString& name, std::int32_t except);
     std::int32_t insertTest(const NewTest& test, TestKind kind);
     void addImportedRows(const ImportPlan& plan, const ImportSteps& steps,
                          std::int32_t assessmentNum);

@@ -106,6 +106,16 @@ std::map<std::int32_t, TestUse> PastTests::uses(std::int32_t testId) const
     return uses;
 }
 
+std::int64_t PastTests::newestUse(std::int32_t solIndex, std::int32_t classId) const
+{
+    if (!recorded_) {
+        return 0;
+    }
+    Statement row(connection_, sql::SelectNewestUse);
+    row.bind(1, std::int64_t{solIndex}).bind(2, std::int64_t{classId});
+    return row.next() ? row.integer(0) : 0;
+}
+
 std::vector<ClassRecord> PastTests::classes() const
 {
     std::vector<ClassRecord> classes;

@@ -125,6 +125,8 @@ public:
     [[nodiscard]] std::vector<TestItem> items(std::int32_t testId) const;
     /// Its questions that were used, by their keys. None of a draw that was kept.
     [[nodiscard]] std::map<std::int32_t, TestUse> uses(std::int32_t testId) const;
+    /// The newest use of a question with a class that counts; 0 for none.
+    [[nodiscard]] std::int64_t newestUse(std::int32_t solIndex, std::int32_t classId) const;
     /// By their names.
     [[nodiscard]] std::vector<ClassRecord> classes() const;
     /// The key of the class of that name, in any case; 0 for none.

@@ -45,6 +45,15 @@ std::int32_t Library::classKey(Change& change, const QString& name)
     return key;
 }
 
+void Library::requireFreeClass(const QString& name, std::int32_t except)
+{
+    const std::int32_t taken = PastTests(connection_, true).classNamed(name);
+    if (taken != 0 && taken != except) {
+        throw Error(
+            tr("There is a class “%1” already. Give that one another name first.").arg(name));
+    }
+}
+
 std::int32_t Library::addClass(const QString& name)
 {
     requireFeatures();

@@ -1,5 +1,7 @@
 #include "manage/undo_words.h"
 
+#include "library/Library.h"
+
 #include <QCoreApplication>
 #include <QStringList>
 
@@ -15,6 +17,7 @@ public:
     static QString done(const StepInfo& step);
     static QString undone(const StepInfo& step);
     static QString changedSince(const std::vector<NamedItem>& inTheWay, bool undo);
+    static QString memoryUndone(Library& library);
 
 private:
     /// What is said of a question or several, of one row with a name, or of one and the others of
@@ -105,6 +108,17 @@ QString UndoWords::changedSince(const std::vector<NamedItem>& inTheWay, bool und
         .arg(rows.join(QStringLiteral(", ")));
 }
 
+QString UndoWords::memoryUndone(Library& library)
+{
+    const std::optional<StepInfo> step = library.undoStep();
+    if (!step || step->subject.item.kind < ItemKind::Class) {
+        return tr("There is nothing to undo here.");
+    }
+    const UndoOutcome outcome = library.undo();
+    return outcome.result == UndoOutcome::Result::Done ? undone(*step)
+                                                       : changedSince(outcome.inTheWay, true);
+}
+
 } // namespace
 
 QString DoneSentence(const StepInfo& step)
@@ -120,6 +134,11 @@ QString UndoneSentence(const StepInfo& step)
 QString ChangedSinceSentence(const std::vector<NamedItem>& inTheWay, bool undo)
 {
     return UndoWords::changedSince(inTheWay, undo);
+}
+
+QString UndoMemoryStep(Library& library)
+{
+    return UndoWords::memoryUndone(library);
 }
 
 } // namespace varnholt

@@ -2,13 +2,10 @@
 
 #include "library/Library.h"
 #include "library/test_pictures.h"
-#include "library/test_versions.h"
 #include "selection/QuestionStrip.h"
-#include "selection/build_run.h"
+#include "selection/draw_wishes.h"
 #include "selection/frmSelect.h"
 #include "selection/past_build.h"
-#include "selection/test_record.h"
-#include "store/catalogue.h"
 #include "store/services.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/controls.h"
@@ -26,12 +23,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <unordered_map>
 #include <utility>
-
-#ifdef VARNHOLT_PAPER
-#include "paper/frmPaper.h"
-#endif
 
 namespace varnholt {
 
@@ -94,6 +86,7 @@ void frmTests::buildControls()
         lstTests_->header()->resizeSection(column, letter * letters);
     }
     lstQuestions_ = named(new QuestionStrip, "lstQuestions", tr("Questions of the test"));
+    lstQuestions_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     lblEmpty_ = makeLabel("lblEmpty", tr("There are no past tests yet. Every presentation that you "
                                          "make is remembered here."));
     lblEmpty_->setAlignment(Qt::AlignCenter);
@@ -117,6 +110,9 @@ void frmTests::buildControls()
     cmdDelete_ = makeButton("cmdDelete", tr("&Delete"));
     cmdDelete_->setToolTip(tr("Puts this test into the trash (Del)."));
 
+    cmdResults_ = makeButton("cmdResults", tr("How C&lasses Did…"));
+    cmdResults_->setToolTip(tr("Shows what each class has seen and how it went."));
+
     auto* splitter = new QSplitter(Qt::Vertical);
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(lstTests_);
@@ -129,21 +125,52 @@ void frmTests::buildControls()
         buttons->addWidget(button);
     }
     buttons->insertStretch(5);
+    auto* outcomes = new QHBoxLayout;
+    auto* lblOutcome = makeLabel("lblOutcome", tr("How many knew the chosen questions:"));
+    outcomes->addWidget(lblOutcome);
+    for (const auto& [name, caption, key, outcome] :
+         {std::tuple("cmdFew", tr("&1 Few"), Qt::Key_1, Outcome::Few),
+          std::tuple("cmdHalf", tr("&2 Half"), Qt::Key_2, Outcome::Half),
+          std::tuple("cmdMost", tr("&3 Most"), Qt::Key_3, Outcome::Most),
+          std::tuple("cmdUnknown", tr("&0 Not Noted"), Qt::Key_0, Outcome::Unknown)}) {
+        QPushButton* button = makeButton(name, caption);
+        button->setAutoDefault(true);
+        outcomes->addWidget(button);
+        outcomeButtons_.push_back(button);
+        const auto note = [this, outcome = outcome] { noteOutcome(outcome); };
+        connect(button, &QPushButton::clicked, this, note);
+        onKey(lstQuestions_, key, note);
+    }
+    onKey(lstQuestions_, QKeySequence::Delete, [this] { noteOutcome(Outcome::Unknown); });
+    outcomes->addStretch();
+    outcomes->addWidget(cmdResults_);
+    cmdResults_->setAutoDefault(true);
 #ifndef VARNHOLT_PAPER
     cmdPaper_->hide();
 #endif
     auto* column = new QVBoxLayout(this);
     column->addWidget(splitter, 1);
     column->addWidget(lblEmpty_, 1);
+    column->addLayout(outcomes);
     column->addWidget(lblNote_);
     column->addLayout(buttons);
     QWidget* previous = lstTests_;
-    for (QWidget* next :
-         std::initializer_list<QWidget*>{lstQuestions_, cmdOpenAgain_, cmdNewVersion_, cmdChange_,
-                                         cmdShow_, cmdPaper_, cmdUnused_, cmdDelete_}) {
+    std::vector<QWidget*> order{lstQuestions_};
+    order.insert(order.end(), outcomeButtons_.begin(), outcomeButtons_.end());
+    for (QPushButton* button : {cmdResults_, cmdOpenAgain_, cmdNewVersion_, cmdChange_, cmdShow_,
+                                cmdPaper_, cmdUnused_, cmdDelete_}) {
+        order.push_back(button);
+    }
+    for (QWidget* next : order) {
         setTabOrder(previous, next);
         previous = next;
     }
+}
+
+void frmTests::onKey(QWidget* list, const QKeySequence& key, const std::function<void()>& action)
+{
+    connect(new QShortcut(key, list, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated,
+            this, action);
 }
 
 void frmTests::connectControls()
@@ -159,19 +186,20 @@ void frmTests::connectControls()
     connect(lstTests_, &QTreeWidget::itemDoubleClicked, this, &frmTests::cmdOpenAgain_Click);
     connect(lstTests_, &QTreeWidget::itemChanged, this,
             [this](QTreeWidgetItem* item) { rename(lstTests_->indexOfTopLevelItem(item)); });
-    const auto key = [this](const QKeySequence& sequence, auto action) {
-        connect(new QShortcut(sequence, lstTests_, nullptr, nullptr, Qt::WidgetShortcut),
-                &QShortcut::activated, this, action);
-    };
-    key(Qt::Key_F2, [this] {
+    connect(cmdResults_, &QPushButton::clicked, this, [this] {
+        const PastTest* test = current();
+        Q_EMIT resultsWanted(test ? test->AssessmentNum : 0);
+    });
+    connect(lstQuestions_, &QListWidget::itemSelectionChanged, this, &frmTests::showButtons);
+    onKey(lstTests_, Qt::Key_F2, [this] {
         if (current() && library_.features().on) {
             lstTests_->editItem(lstTests_->currentItem(), Name);
         }
     });
-    key(Qt::Key_Return, &frmTests::cmdOpenAgain_Click);
-    key(Qt::Key_Enter, &frmTests::cmdOpenAgain_Click);
-    key(Qt::Key_F5, [this] { cmdShow_->click(); });
-    key(QKeySequence::Delete, [this] { cmdDelete_->click(); });
+    onKey(lstTests_, Qt::Key_Return, [this] { cmdOpenAgain_Click(); });
+    onKey(lstTests_, Qt::Key_Enter, [this] { cmdOpenAgain_Click(); });
+    onKey(lstTests_, Qt::Key_F5, [this] { cmdShow_->click(); });
+    onKey(lstTests_, QKeySequence::Delete, [this] { cmdDelete_->click(); });
     connect(
         new QShortcut(QKeySequence::Undo, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
         &QShortcut::activated, this, &frmTests::undo);
@@ -188,16 +216,6 @@ void frmTests::focusInEvent(QFocusEvent* event)
 void frmTests::closeEvent(QCloseEvent* event)
 {
     event->setAccepted(!review_ || review_->close());
-}
-
-template <typename Work>
-void frmTests::tryTo(Work work)
-{
-    try {
-        work();
-    } catch (const Error& error) {
-        services_.messageBoxes->inform(tr("Past Tests"), error.message());
-    }
 }
 
 void frmTests::reload()
@@ -248,15 +266,28 @@ void frmTests::showTest()
         return;
     }
     std::vector<StripEntry> entries;
-    if (const PastTest* test = current()) {
+    uses_.clear();
+    const PastTest* test = current();
+    if (test) {
         tryTo([&] {
+            uses_ = library_.pastTests().uses(test->TestID);
             for (const TestItem& item : library_.pastTests().items(test->TestID)) {
-                entries.push_back({item.position, FindTestPicture(library_.programFolder(), item),
-                                   item.answer, item.topicText});
+                const auto use = uses_.find(item.SOLIndex);
+                const QString outcome =
+                    use == uses_.end() ? QString() : OutcomeInWords(use->second.outcome);
+                entries.push_back(
+                    {item.SOLIndex, FindTestPicture(library_.programFolder(), item),
+                     outcome.isEmpty() ? item.answer : tr("%1 – %2").arg(item.answer, outcome),
+                     item.topicText});
             }
         });
     }
-    lstQuestions_->setEntries(std::move(entries));
+    const bool same = test && shownTest_ == test->TestID;
+    const std::vector<std::int32_t> selected =
+        same ? lstQuestions_->selectedKeys() : std::vector<std::int32_t>();
+    lstQuestions_->setEntries(std::move(entries), same ? lstQuestions_->currentKey() : 0);
+    lstQuestions_->selectKeys(selected);
+    shownTest_ = test ? test->TestID : 0;
     showButtons();
 }
 
@@ -274,172 +305,15 @@ void frmTests::showButtons()
     cmdUnused_->setText(test && test->options.unused ? tr("&Used After All")
                                                      : tr("Not &Used After All"));
     cmdDelete_->setEnabled(changeable);
+    const bool noted = changeable && !uses_.empty() && !lstQuestions_->selectedItems().isEmpty();
+    for (QPushButton* button : outcomeButtons_) {
+        button->setEnabled(noted);
+        button->setToolTip(!features.on    ? features.reason
+                           : uses_.empty() ? tr("The questions of this test have not been used.")
+                                           : tr("Press the key in the list of questions."));
+    }
     if (!features.on) {
         lblNote_->say(features.reason);
-    }
-}
-
-void frmTests::cmdOpenAgain_Click()
-{
-    if (const PastTest* test = current()) {
-        const PastTest copy = *test;
-        tryTo([&] { MakeTestAgain(window(), services_, library_, copy); });
-    }
-}
-
-void frmTests::cmdNewVersion_Click()
-{
-    if (const PastTest* test = current()) {
-        const PastTest copy = *test;
-        const std::vector<PastTest> all = tests_;
-        tryTo([&] { MakeNewVersion(window(), services_, library_, all, copy); });
-    }
-}
-
-void frmTests::cmdChange_Click()
-{
-    const PastTest* chosen = current();
-    if (!chosen || review_) {
-        return;
-    }
-    const PastTest test = *chosen;
-    tryTo([&] {
-        state_ = {};
-        state_.CurrentAssessmentNum = test.AssessmentNum;
-        services_.messageBoxes->informEach(tr("Database Error"),
-                                           LoadStructure(state_, library_.connection()));
-        LoadQuestions(state_, library_.connection());
-        // Its questions in their order, and behind them what can come in their place.
-        std::unordered_map<std::int32_t, const QuestionRecord*> records;
-        for (const QuestionRecord& question : state_.QuestionList) {
-            records.emplace(question.SOLIndex, &question);
-        }
-        Draw draw;
-        for (const TestItem& item : library_.pastTests().items(test.TestID)) {
-            if (const auto found = records.find(item.SOLIndex); found != records.end()) {
-                draw.DrawPool.append({*found->second});
-                records.erase(found);
-            }
-        }
-        if (draw.DrawPool.isEmpty()) {
-            throw Error(tr("None of the questions of this test is in the library any more."));
-        }
-        draw.RequestedQuestionCount = draw.DrawPool.upperBound();
-        draw.seed = test.seed;
-        List1<DrawnQuestion> others;
-        for (const QuestionRecord& question : state_.QuestionList) {
-            if (records.contains(question.SOLIndex)) {
-                others.append({question});
-            }
-        }
-        ShuffleDrawPool(others, *services_.random);
-        for (const DrawnQuestion& question : others) {
-            draw.DrawPool.append(question);
-        }
-        const auto newTest = [this, test](const Draw& judged) {
-            NewTest changed{
-                NameOfTest(state_, judged), test.AssessmentNum, test.className, judged.seed, {},
-                ItemsOf(state_, judged)};
-            changed.options.topicLine = test.options.topicLine;
-            changed.options.answerKey = test.options.answerKey;
-            return changed;
-        };
-        const auto build = [this, test, newTest](QWidget* over, const Draw& judged) {
-            TestRecord record(library_, newTest(judged));
-            const BuildOutcome outcome = RunBuild(over, services_, state_, judged,
-                                                  {test.options.topicLine, test.options.answerKey});
-            FinishTest(services_, record, outcome);
-            return outcome;
-        };
-        setEnabled(false);
-        review_ =
-            new frmSelect(services_, state_, Review(std::move(draw)), {build, {}, {}}, window());
-        connect(review_, &frmSelect::unloaded, this, [this] {
-            setEnabled(true);
-            lstTests_->setFocus();
-        });
-        review_->Form_Load();
-    });
-}
-
-void frmTests::cmdShow_Click()
-{
-    if (const PastTest* test = current()) {
-        const PastTest copy = *test;
-        tryTo([&] { ShowTestAgain(window(), services_, library_, copy); });
-    }
-}
-
-void frmTests::cmdPaper_Click()
-{
-#ifdef VARNHOLT_PAPER
-    const PastTest* test = current();
-    if (!test) {
-        return;
-    }
-    PaperTest paper;
-    paper.title = test->name;
-    paper.className = test->className;
-    tryTo([&] {
-        for (const TestItem& item : library_.pastTests().items(test->TestID)) {
-            paper.questions.push_back(
-                {item.answer, item.topicText, FindTestPicture(library_.programFolder(), item)});
-        }
-    });
-    if (!paper.questions.empty()) {
-        frmPaper(services_, std::move(paper), window()).exec();
-    }
-#endif
-}
-
-void frmTests::cmdUnused_Click()
-{
-    if (const PastTest* test = current()) {
-        const bool used = test->options.unused;
-        tryTo([&] {
-            library_.setTestUsed(test->TestID, used);
-            lblNote_->say(used ? tr("The questions of this test count as used again.")
-                               : tr("The questions of this test do not count as used. Ctrl+Z "
-                                    "takes that back."));
-        });
-    }
-}
-
-void frmTests::cmdDelete_Click()
-{
-    if (const PastTest* test = current(); test && cmdDelete_->isEnabled()) {
-        const QString name = test->name;
-        tryTo([&] {
-            library_.deleteTest(test->TestID);
-            lblNote_->say(tr("“%1” is in the trash. Ctrl+Z brings it back.").arg(name));
-        });
-    }
-}
-
-void frmTests::undo()
-{
-    tryTo([this] {
-        const std::optional<StepInfo> step = library_.undoStep();
-        if (step && step->subject.item.kind == ItemKind::Test) {
-            lblNote_->say(library_.undo().result == UndoOutcome::Result::Done
-                              ? tr("Undone: “%1” is as it was.").arg(step->subject.name)
-                              : tr("It cannot be undone: the test has changed since."));
-        } else {
-            lblNote_->say(tr("There is nothing to undo here."));
-        }
-    });
-}
-
-void frmTests::rename(int row)
-{
-    if (filling_ || row < 0 || row >= static_cast<int>(tests_.size())) {
-        return;
-    }
-    const PastTest& test = tests_[static_cast<std::size_t>(row)];
-    const QString name = lstTests_->topLevelItem(row)->text(Name);
-    if (name != test.name) {
-        tryTo([&] { library_.rename({ItemKind::Test, test.TestID}, name); });
-        QMetaObject::invokeMethod(this, &frmTests::reload, Qt::QueuedConnection);
     }
 }
 

@@ -1,11 +1,15 @@
 #pragma once
 
 #include "library/PastTests.h"
+#include "store/errors.h"
 #include "store/modMain.h"
+#include "store/services.h"
 
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
+#include <map>
 #include <vector>
 
 class QLabel;
@@ -18,10 +22,9 @@ class HintLabel;
 class Library;
 class QuestionStrip;
 class frmSelect;
-struct Services;
 
-/// The tests that were made: what each was made of, and ways to make it again, in another order or
-/// with other questions. F2 renames.
+/// The tests that were made: what each was made of, how its questions went, and ways to make it
+/// again, in another order or with other questions. F2 renames.
 class frmTests : public QWidget
 {
     Q_OBJECT
@@ -29,6 +32,10 @@ class frmTests : public QWidget
 public:
     frmTests(Services& services, Library& library, QWidget* parent = nullptr);
     ~frmTests() override;
+
+Q_SIGNALS:
+    /// She wants to see how classes did; 0 for no assessment in particular.
+    void resultsWanted(std::int32_t assessmentNum);
 
 protected:
     void focusInEvent(QFocusEvent* event) override;
@@ -46,6 +53,7 @@ private:
 
     void buildControls();
     void connectControls();
+    void onKey(QWidget* list, const QKeySequence& key, const std::function<void()>& action);
     void cmdOpenAgain_Click();
     void cmdNewVersion_Click();
     void cmdChange_Click();
@@ -53,6 +61,7 @@ private:
     void cmdPaper_Click();
     void cmdUnused_Click();
     void cmdDelete_Click();
+    void noteOutcome(Outcome outcome);
     void undo();
     void rename(int row);
 
@@ -63,11 +72,21 @@ private:
     void showButtons();
     /// Runs what may fail, and tells of the failure.
     template <typename Work>
-    void tryTo(Work work);
+    void tryTo(Work work)
+    {
+        try {
+            work();
+        } catch (const Error& error) {
+            services_.messageBoxes->inform(tr("Past Tests"), error.message());
+        }
+    }
 
     Services& services_;
     Library& library_;
     std::vector<PastTest> tests_;
+    /// Of the test on show.
+    std::map<std::int32_t, TestUse> uses_;
+    std::int32_t shownTest_ = 0;
     /// The rows are being filled, so that their changes are not hers.
     bool filling_ = false;
     /// The assessment of the test whose questions are being changed.
@@ -85,6 +104,9 @@ private:
     QPushButton* cmdPaper_ = nullptr;
     QPushButton* cmdUnused_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;
+    QPushButton* cmdResults_ = nullptr;
+    /// Few, half, most, not noted.
+    std::vector<QPushButton*> outcomeButtons_;
 };
 
 } // namespace varnholt

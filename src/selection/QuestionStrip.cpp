@@ -98,7 +98,7 @@ void QuestionStrip::setEntries(std::vector<StripEntry> entries, std::int32_t cur
         addItem(new Item(*this, std::move(entry)));
     }
     number();
-    setCurrentRow(current);
+    setCurrentRow(current, QItemSelectionModel::ClearAndSelect);
 }
 
 void QuestionStrip::setMovable(bool movable)
@@ -120,6 +120,27 @@ std::vector<std::int32_t> QuestionStrip::keys() const
 std::int32_t QuestionStrip::currentKey() const
 {
     return currentItem() ? static_cast<const Item*>(currentItem())->entry().key : 0;
+}
+
+std::vector<std::int32_t> QuestionStrip::selectedKeys() const
+{
+    std::vector<std::int32_t> result;
+    for (int row = 0; row < count(); ++row) {
+        if (item(row)->isSelected()) {
+            result.push_back(static_cast<const Item*>(item(row))->entry().key);
+        }
+    }
+    return result;
+}
+
+void QuestionStrip::selectKeys(const std::vector<std::int32_t>& wanted)
+{
+    for (int row = 0; row < count(); ++row) {
+        const std::int32_t key = static_cast<const Item*>(item(row))->entry().key;
+        if (std::find(wanted.begin(), wanted.end(), key) != wanted.end()) {
+            item(row)->setSelected(true);
+        }
+    }
 }
 
 void QuestionStrip::number()

@@ -40,6 +40,10 @@ public:
     [[nodiscard]] std::vector<std::int32_t> keys() const;
     /// 0 for none.
     [[nodiscard]] std::int32_t currentKey() const;
+    /// In their order.
+    [[nodiscard]] std::vector<std::int32_t> selectedKeys() const;
+    /// Selects these besides the current one.
+    void selectKeys(const std::vector<std::int32_t>& keys);
 
 Q_SIGNALS:
     /// She has moved an entry.

@@ -126,4 +126,19 @@ QString UseInWords(const UseSummary& use, const QString& className, std::int64_t
                      .arg(date, className);
 }
 
+QString OutcomeInWords(Outcome outcome)
+{
+    switch (outcome) {
+    case Outcome::Few:
+        return Words::tr("few knew it");
+    case Outcome::Half:
+        return Words::tr("half knew it");
+    case Outcome::Most:
+        return Words::tr("most knew it");
+    case Outcome::Unknown:
+        break;
+    }
+    return {};
+}
+
 } // namespace varnholt

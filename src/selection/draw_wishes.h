@@ -28,4 +28,7 @@ void SaveQuotas(const QString& programFolder, std::int32_t assessmentNum, const 
 /// "Used twice, last on 3 March with 10A." `className` is that of the last use, empty for none.
 [[nodiscard]] QString UseInWords(const UseSummary& use, const QString& className, std::int64_t now);
 
+/// "few knew it"; empty for what is not known.
+[[nodiscard]] QString OutcomeInWords(Outcome outcome);
+
 } // namespace varnholt

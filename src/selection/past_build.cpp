@@ -74,14 +74,20 @@ std::int32_t rootOf(const PastTest& test)
     return test.options.version > 0 ? test.options.versionOf : test.TestID;
 }
 
+NewTest sameTest(const PastTest& test, std::vector<TestItem> items)
+{
+    NewTest same{test.name, test.AssessmentNum, test.className,
+                 test.seed, test.options,       std::move(items)};
+    same.options.unused = false;
+    return same;
+}
+
 } // namespace
 
 BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library,
                            const PastTest& test)
 {
-    NewTest again{test.name, test.AssessmentNum, test.className,
-                  test.seed, test.options,       itemsToday(services, library, test.TestID)};
-    again.options.unused = false;
+    const NewTest again = sameTest(test, itemsToday(services, library, test.TestID));
     TestRecord record =
         test.kind == TestKind::Kept ? TestRecord(library, test.TestID) : TestRecord(library, again);
     return make(window, services, library, record, again);
@@ -168,6 +174,17 @@ BuildOutcome MakeNewVersion(QWidget* window, Services& services, Library& librar
     }
     TestRecord record(library, made);
     return make(window, services, library, record, made);
+}
+
+void RecordPaper(Library& library, const PastTest& test)
+{
+    if (library.features().on) {
+        const std::int32_t testId =
+            test.kind == TestKind::Kept
+                ? test.TestID
+                : library.beginTest(sameTest(test, library.pastTests().items(test.TestID)));
+        library.completeTest(testId, TestKind::Paper);
+    }
 }
 
 void FinishTest(Services& services, TestRecord& record, const BuildOutcome& outcome)

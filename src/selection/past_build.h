@@ -35,6 +35,10 @@ void ShowTestAgain(QWidget* window, Services& services, Library& library, const 
 BuildOutcome MakeNewVersion(QWidget* window, Services& services, Library& library,
                             const std::vector<PastTest>& tests, const PastTest& test);
 
+/// A past test has been put on paper: its questions count as used once more. Throws `Error` when
+/// the library cannot remember it.
+void RecordPaper(Library& library, const PastTest& test);
+
 /// A build has ended: its test is complete when it is, and when the test could not be remembered
 /// she is told.
 void FinishTest(Services& services, TestRecord& record, const BuildOutcome& outcome);

@@ -160,6 +160,10 @@ inline constexpr char UpdateOutcome[] =
 /// ?1 test: UseID, SOLIndex and Outcome of its uses in the order in which they were recorded.
 inline constexpr char SelectTestUses[] =
     "SELECT UseID, SOLIndex, Outcome FROM PlusUses WHERE TestID = ?1 ORDER BY UseID";
+/// ?1 question, ?2 class: the newest of its uses that count, NULL for none.
+inline constexpr char SelectNewestUse[] =
+    "SELECT max(UseID) FROM PlusUses WHERE ClassID = ?2 AND SOLIndex = ?1 AND TestID NOT IN "
+    "(SELECT TestID FROM PlusTests WHERE Options ->> 'unused' = 1)";
 /// ?1 test, ?2 1 for one whose questions do not count as used.
 inline constexpr char UpdateTestUnused[] =
     "UPDATE PlusTests SET Options = json_set(Options, '$.unused', ?2) WHERE TestID = ?1";

@@ -159,6 +159,13 @@ TEST_F(PastTestsTest, WhatATeacherDoesToThemCanBeUndone)
     EXPECT_EQ(states.front(), state());
     EXPECT_THROW(library.rename(tenA, u"  "_s), Error);
     EXPECT_THROW(library.addClass({}), Error);
+    library.deleteClass(tenA.key);
+    const Item other{ItemKind::Class, library.addClass(u"10a"_s)};
+    EXPECT_THROW(library.restore(tenA), Error);
+    library.rename(other, u"10B"_s);
+    library.restore(tenA);
+    EXPECT_THROW(library.rename(other, u" 10A"_s), Error);
+    library.rename(tenA, u"10a"_s);
     library.deleteTest(first.key);
     EXPECT_EQ(library.trash().texts(first).placeText(), u"Maths"_s);
     EXPECT_EQ(library.trash().matching(u"first maths"_s).size(), 1U);
@@ -166,7 +173,7 @@ TEST_F(PastTestsTest, WhatATeacherDoesToThemCanBeUndone)
 
     library.close();
     library.open(Connection::Access::ReadOnly);
-    EXPECT_EQ(library.pastTests().classes().size(), 1U);
+    EXPECT_EQ(library.pastTests().classes().size(), 2U);
     EXPECT_EQ(uses(1), u"1100"_s);
     EXPECT_THROW(library.beginTest(test(u"x"_s, {}, {1})), Error);
 }

@@ -1,3 +1,5 @@
+#include "class_results/frmResults.h"
+#include "class_results/results_csv.h"
 #include "library/Library.h"
 #include "library/test_pictures.h"
 #include "past_tests/frmTests.h"
@@ -12,7 +14,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
+#include <QTabWidget>
+#include <QTableView>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -90,8 +95,7 @@ protected:
     {
         for (int i = 0; i < changes; ++i) {
             const int key = 1 + upTo(29);
-            const QString picture = library.picturePath(key);
-            switch (upTo(3)) {
+            switch (upTo(4)) {
             case 0:
                 memory.editQuestion(key, 1, 1, u"new %1"_s.arg(upTo(99)));
                 break;
@@ -101,10 +105,13 @@ protected:
             case 2:
                 memory.deleteQuestion(key);
                 break;
+            case 3:
+                memory.rename({ItemKind::Topic, 1 + upTo(2)}, u"Topic %1"_s.arg(upTo(99)));
+                break;
             default:
-                QDir().mkpath(library.folder() + u"/Files/Old"_s);
-                QFile::rename(picture, KeptPictureFile(library.folder(), key, PictureSha(picture)));
-                testPicture({40, 30}, upTo(9999)).save(picture);
+                memory.replacePicture(key, [this](const QString& path) {
+                    testPicture({40, 30}, upTo(9999)).save(path);
+                });
             }
         }
     }
@@ -157,12 +164,14 @@ TEST_F(PastTestsWindow, WorksByKeyboard)
         }
         return rows.join(u'/');
     };
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window, 60'000));
     list->setFocus();
     EXPECT_EQ(shown(), first.name + u"|Slides"_s);
     QTest::keyClick(list, Qt::Key_Return);
     EXPECT_EQ(shown(), u"%1|Slides/%1|Slides"_s.arg(first.name));
     list->setCurrentItem(list->topLevelItem(1));
     click(&window, "cmdNewVersion");
+    EXPECT_TRUE(shown().contains(u" – version B"_s));
     list->setCurrentItem(list->topLevelItem(2));
     click(&window, "cmdNewVersion");
     EXPECT_TRUE(shown().contains(u" – version C"_s));
@@ -181,7 +190,32 @@ TEST_F(PastTestsWindow, WorksByKeyboard)
     EXPECT_TRUE(std::is_permutation(versionC.begin(), versionC.end(), drawn.begin(), drawn.end()));
 
     list->setCurrentItem(list->topLevelItem(0));
+    auto* questions = control<QListWidget>(&window, "lstQuestions");
+    const auto outcomes = [&] {
+        QString result;
+        for (const TestItem& item : memory.pastTests().items(newest().TestID)) {
+            const auto uses = memory.pastTests().uses(newest().TestID);
+            result += QString::number(static_cast<int>(uses.at(item.SOLIndex).outcome));
+        }
+        return result.left(4);
+    };
+    questions->setFocus();
+    for (const char key : {'1', '3', '2', '2'}) {
+        QTest::keyClick(questions, key);
+        shown();
+    }
+    EXPECT_EQ(outcomes(), u"1322"_s) << "each key goes on to the next question";
+    EXPECT_TRUE(questions->item(1)->text().endsWith(u"most knew it"_s));
+    questions->setCurrentRow(0);
+    QTest::keyClick(questions, Qt::Key_Right, Qt::ShiftModifier);
+    QTest::keyClick(questions, Qt::Key_Delete);
+    EXPECT_EQ(outcomes(), u"0022"_s);
+    QTest::keyClick(questions, Qt::Key_Z, Qt::ControlModifier);
+    shown();
+    EXPECT_EQ(outcomes(), u"1322"_s);
+
     click(&window, "cmdUnused");
+    list->setFocus();
     EXPECT_TRUE(shown().contains(u"Slides, not used"_s));
     QTest::keyClick(list, Qt::Key_Delete);
     EXPECT_FALSE(shown().contains(u"version C"_s));
@@ -193,7 +227,77 @@ TEST_F(PastTestsWindow, WorksByKeyboard)
     ASSERT_NE(editor, nullptr);
     QTest::keyClicks(editor, u"Rosa's"_s);
     QTest::keyClick(editor, Qt::Key_Return);
-    EXPECT_TRUE(shown().startsWith(u"Rosa's|"_s));
+    EXPECT_TRUE(shown().contains(u"Rosa's|"_s));
+}
+
+TEST_F(PastTestsWindow, ShowsHowClassesDid)
+{
+    // Classes A, B, C; questions 1 to 4, with how many knew them at each use.
+    const struct
+    {
+        QString className;
+        std::int32_t key;
+        Outcome outcome;
+    } uses[] = {{u"A"_s, 1, Outcome::Most},   {u"A"_s, 1, Outcome::Few},
+                {u"B"_s, 1, Outcome::Few},    {u"A"_s, 2, Outcome::Few},
+                {u"B"_s, 2, Outcome::Half},   {u"C"_s, 3, Outcome::Unknown},
+                {QString(), 30, Outcome::Few}};
+    for (const auto& use : uses) {
+        clock.now += 60'000;
+        const std::int32_t show = memory.beginShow({u"test"_s, 1, use.className, 1, {}, {}});
+        memory.recordOutcome({memory.recordUse(show, use.key)}, use.outcome);
+    }
+    const ClassResults results = ClassResults::read(memory, 1, clock.now / 1000);
+    EXPECT_EQ(results.hardForAll(), 1);
+    EXPECT_TRUE(results.questions[0].hardForAll);
+    EXPECT_EQ(results.subtopics.front().used, (std::vector{3, 2, 2, 1}));
+    EXPECT_EQ(results.subtopics.back().used, (std::vector{1, 0, 0, 0}));
+    EXPECT_EQ(results.subtopics.back().questions, 5);
+    const QByteArray csv = Csv({{u"=1+1"_s, u"-2"_s, u"a\"b,c"_s, u"x;y"_s}}, u',');
+    EXPECT_EQ(csv, "\xEF\xBB\xBF'=1+1,-2,\"a\"\"b,c\",x;y\r\n");
+    EXPECT_EQ(QuestionRows(results)[2].mid(6, 4).join(u'|').left(18), u"1|few knew it|2023"_s);
+
+    frmResults window(services, memory, 1);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window, 60'000));
+    window.setFocus();
+    auto* table = control<QTableView>(&window, "tblQuestions");
+    const auto shown = [&](int row, int column) {
+        QApplication::processEvents();
+        return table->model()->index(row, column).data().toString().section(u" · "_s, 0, 1);
+    };
+    EXPECT_EQ(shown(0, 2) + u'/' + shown(0, 3), u"few knew it · 3 ×/few knew it · 2 ×"_s);
+    table->setCurrentIndex(table->model()->index(0, 4));
+    QTest::keyClick(table, Qt::Key_F3);
+    EXPECT_EQ(shown(0, 0) + shown(1, 0) + shown(2, 0), u"A1A2A3"_s);
+    QTest::keyClick(table, Qt::Key_F3);
+    table->setCurrentIndex(table->model()->index(28, 4));
+    EXPECT_EQ(shown(28, 0) + shown(28, 4), u"A2half knew it · 1 ×"_s);
+    QTest::keyClick(table, Qt::Key_3);
+    EXPECT_EQ(shown(28, 4), u"most knew it · 1 ×"_s) << "and it stays where it is";
+    EXPECT_EQ(table->currentIndex().row(), 29);
+    QTest::keyClick(table, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(shown(28, 4), u"half knew it · 1 ×"_s);
+
+    control<QTabWidget>(&window, "tabs")->setCurrentIndex(2);
+    auto* classes = control<QTreeWidget>(&window, "lstClasses");
+    classes->setFocus();
+    EXPECT_EQ(classes->topLevelItem(0)->text(1), u"2 of 30"_s);
+    QTest::keyClick(classes, Qt::Key_Delete);
+    QApplication::processEvents();
+    EXPECT_EQ(classes->topLevelItemCount(), 2);
+    EXPECT_EQ(shown(29, 2), u"few knew it · 3 ×"_s) << "its uses go on counting";
+    QTest::keyClick(classes, Qt::Key_Z, Qt::ControlModifier);
+    QApplication::processEvents();
+    EXPECT_EQ(classes->topLevelItemCount(), 3);
+    const QString path = library.folder() + u"/out.csv"_s;
+    control<QTabWidget>(&window, "tabs")->setCurrentIndex(1);
+    files.answers = {path};
+    click(&window, "cmdCsv");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("Topic 1,Subtopic 1.1,5,3,2,2,1\r\n"));
 }
 
 } // namespace
