@@ -103,7 +103,7 @@ protected:
 
 } // namespace
 
-TEST_F(Authoring, OffersTopicsWithSubtopicsAndStartsWhereTheManagerStood)
+TEST_F(Authoring, OffersTopicsWithSubtopicsStartsWhereTheManagerStoodAndTakesNewOnes)
 {
     open();
     EXPECT_EQ(combo("cboTopics")->count(), 2);
@@ -115,10 +115,8 @@ TEST_F(Authoring, OffersTopicsWithSubtopicsAndStartsWhereTheManagerStood)
     // What is not offered gives the first.
     open({algebra + 1, 4711});
     EXPECT_EQ(filing(), u"Algebra/Linear"_s);
-}
 
-TEST_F(Authoring, TakesOverWhatTheNewInfoDialogSaved)
-{
+    // What the dialog for new ones saved is chosen.
     open({geometry, std::nullopt});
     newInfo = [&](frmNewInfo::Mode mode, std::optional<NamedTopic> chosen) {
         EXPECT_EQ(mode, frmNewInfo::Mode::SubtopicOnly);

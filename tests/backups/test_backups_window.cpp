@@ -42,6 +42,12 @@ protected:
         window->setFocus();
         list = control<QTreeWidget>(window.get(), "lstBackups");
     }
+    /// In the list, also after a progress bar has taken the window's place.
+    void press(Qt::Key key)
+    {
+        present(*window);
+        QTest::keyClick(list, key);
+    }
     std::string rows() const
     {
         QStringList lines;
@@ -106,11 +112,11 @@ TEST_F(BackupsWindow, BacksUpAndRestoresByTheKeyboard)
     const QString does = u"2 questions come back.\n1 answer changes.\n1 newer question goes to the "
                          "trash."_s;
     expectRestore(made, does, false);
-    QTest::keyClick(list, Qt::Key_Return);
+    press(Qt::Key_Return);
     EXPECT_EQ(questions(), changed);
     EXPECT_TRUE(told.isEmpty());
     expectRestore(made, does, true);
-    QTest::keyClick(list, Qt::Key_Return);
+    press(Qt::Key_Return);
     EXPECT_EQ(questions().left(before.size()), before);
     EXPECT_EQ(library.value(u"SELECT Available FROM Questions WHERE SOLIndex = %1"_s.arg(added)),
               u"0");
@@ -194,11 +200,11 @@ TEST_F(BackupsWindow, MarksWhatIsDamagedAndOffersTheNewestGoodOne)
     EXPECT_EQ(rows(), "8// //Damaged");
     EXPECT_EQ(text("lblNote"), "1 file of this backup is damaged; the next backup puts a good one "
                                "there if the library has it.");
-    QTest::keyClick(list, Qt::Key_Up);
+    press(Qt::Key_Up);
     EXPECT_TRUE(enabled("cmdRestore"));
-    QTest::keyClick(list, Qt::Key_Down);
+    press(Qt::Key_Down);
     EXPECT_FALSE(enabled("cmdRestore"));
-    QTest::keyClick(list, Qt::Key_Return);
+    press(Qt::Key_Return);
     EXPECT_EQ(text("lblNote"), "This backup is damaged: a part of it is missing or not as it was.");
 }
 
