@@ -29,14 +29,7 @@ QString markOf(const QString& path)
     if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file)) {
         fail(QT_TRANSLATE_NOOP("Library", "The picture cannot be read: %1"), path);
     }
-    return QString::fromLatin1(hash.result().toHex().first(markLength));
-}
-
-QString oldFile(const QString& programFolder, std::int32_t key, const QString& mark)
-{
-    const QFileInfo place(NewPictureFile(programFolder, key));
-    return place.path() + QStringLiteral("/Old/") + place.completeBaseName() + u'-' + mark +
-           QStringLiteral(".jpg");
+    return MarkOfSha(hash.result());
 }
 
 void put(const QString& from, const QString& to, Placing placing)
@@ -50,13 +43,25 @@ void put(const QString& from, const QString& to, Placing placing)
 
 void keep(const QString& programFolder, std::int32_t key, const QString& present)
 {
-    const QString kept = oldFile(programFolder, key, markOf(present));
+    const QString kept = OldPictureFile(programFolder, key, markOf(present));
     if (!QFileInfo::exists(kept)) {
         put(present, kept, Placing::MayShare);
     }
 }
 
 } // namespace
+
+QString MarkOfSha(const QByteArray& sha)
+{
+    return QString::fromLatin1(sha.toHex().first(markLength));
+}
+
+QString OldPictureFile(const QString& programFolder, std::int32_t key, const QString& mark)
+{
+    const QFileInfo place(NewPictureFile(programFolder, key));
+    return place.path() + QStringLiteral("/Old/") + place.completeBaseName() + u'-' + mark +
+           QStringLiteral(".jpg");
+}
 
 QString PictureMark(const QString& programFolder, std::int32_t key)
 {
@@ -65,7 +70,7 @@ QString PictureMark(const QString& programFolder, std::int32_t key)
 
 QString NextPictureFile(const QString& programFolder, std::int32_t key)
 {
-    const QString next = oldFile(programFolder, key, QStringLiteral("next"));
+    const QString next = OldPictureFile(programFolder, key, QStringLiteral("next"));
     QDir().mkpath(QFileInfo(next).path());
     // Left by a program that was killed.
     QFile::remove(next);
@@ -75,7 +80,7 @@ QString NextPictureFile(const QString& programFolder, std::int32_t key)
 void PutNextPicture(const QString& programFolder, std::int32_t key)
 {
     const QString present = FindPictureFile(programFolder, key);
-    const QString next = oldFile(programFolder, key, QStringLiteral("next"));
+    const QString next = OldPictureFile(programFolder, key, QStringLiteral("next"));
     keep(programFolder, key, present);
     if (MoveFile(QFileInfo(next).filesystemFilePath(), QFileInfo(present).filesystemFilePath())) {
         fail(QT_TRANSLATE_NOOP("Library", "The picture cannot be put in its place: %1"), present);
@@ -85,7 +90,7 @@ void PutNextPicture(const QString& programFolder, std::int32_t key)
 void PutOldPicture(const QString& programFolder, std::int32_t key, const QString& mark)
 {
     const QString present = FindPictureFile(programFolder, key);
-    const QString wanted = oldFile(programFolder, key, mark);
+    const QString wanted = OldPictureFile(programFolder, key, mark);
     if (!QFileInfo::exists(wanted)) {
         fail(QT_TRANSLATE_NOOP("Library", "The old picture is no longer there: %1"), wanted);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstdint>
@@ -7,9 +8,16 @@
 namespace varnholt {
 
 // Pictures that others have replaced. They lie in "Files/Old", where nobody looks for a question's
-// picture, as "<key>-<mark>.jpg". All throw `Error`.
+// picture, as "<key>-<mark>.jpg". What touches files throws `Error`.
 
-/// What tells a question's pictures apart: the first digits of the checksum of the present one.
+/// The mark in a name: the first digits of the SHA-256 of a picture.
+[[nodiscard]] QString MarkOfSha(const QByteArray& sha);
+
+/// Where the picture of a question with that mark is kept when it is replaced.
+[[nodiscard]] QString OldPictureFile(const QString& programFolder, std::int32_t key,
+                                     const QString& mark);
+
+/// What tells a question's pictures apart: the mark of the present one.
 [[nodiscard]] QString PictureMark(const QString& programFolder, std::int32_t key);
 
 /// Where a new picture may be written before it gets its place. There is no file yet.

@@ -1,22 +1,15 @@
 #include "library/test_pictures.h"
 
 #include "library/items.h"
+#include "library/old_pictures.h"
 #include "pictures/picture_files.h"
 #include "store/plus_statements.h"
 #include "store/statement.h"
 
 #include <QCryptographicHash>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 
 namespace varnholt {
-
-namespace {
-
-constexpr qsizetype digitsInName = 8;
-
-} // namespace
 
 QByteArray PictureSha(const QString& path)
 {
@@ -29,21 +22,13 @@ QByteArray PictureSha(const QString& path)
     return hash.result();
 }
 
-QString KeptPictureFile(const QString& programFolder, std::int32_t solIndex, const QByteArray& sha)
-{
-    return QFileInfo(NewPictureFile(programFolder, solIndex)).path() +
-           QStringLiteral("/Old/%1-%2.jpg")
-               .arg(solIndex)
-               .arg(QLatin1String(sha.toHex().left(digitsInName)));
-}
-
 QString FindTestPicture(const QString& programFolder, const TestItem& item)
 {
     const QString own = FindPictureFile(programFolder, item.SOLIndex);
     if (item.pictureSha.isNull() || PictureSha(own) == item.pictureSha) {
         return own;
     }
-    const QString kept = KeptPictureFile(programFolder, item.SOLIndex, item.pictureSha);
+    const QString kept = OldPictureFile(programFolder, item.SOLIndex, MarkOfSha(item.pictureSha));
     for (const QString& path :
          {kept, programFolder + QStringLiteral("/Backups/Pictures/") +
                     QString::fromLatin1(item.pictureSha.toHex()) + QStringLiteral(".jpg")}) {

@@ -12,14 +12,9 @@ class Connection;
 [[nodiscard]] QByteArray PictureSha(const QString& path);
 
 /// Where the picture of a past test's question is as it was then: the question's own, or a version
-/// of it that was kept when it was replaced ("Files/Old/<key>-<first 8 digits of its SHA-256>.jpg",
-/// or in the backups). When it is nowhere any more, the path where its kept version would be: a
-/// missing file.
+/// of it that was kept when it was replaced (`OldPictureFile`, or in the backups). When it is
+/// nowhere any more, the path where its kept version would be: a missing file.
 [[nodiscard]] QString FindTestPicture(const QString& programFolder, const TestItem& item);
-
-/// Where the version of a picture with this SHA-256 is kept when it is replaced.
-[[nodiscard]] QString KeptPictureFile(const QString& programFolder, std::int32_t solIndex,
-                                      const QByteArray& sha);
 
 /// The present answers of those items whose answer is not what it was, by position.
 struct ChangedAnswer

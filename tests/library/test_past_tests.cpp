@@ -1,4 +1,5 @@
 #include "library/Library.h"
+#include "library/old_pictures.h"
 #include "library/test_pictures.h"
 #include "library/test_versions.h"
 #include "support/fakes.h"
@@ -211,7 +212,7 @@ TEST_F(PastTestsTest, FindsThePictureThatTheClassSaw)
     const TestItem item = test({}, {}, {2}).items.front();
     const QString own = files.picturePath(2);
     EXPECT_EQ(FindTestPicture(files.folder(), item), own);
-    const QString kept = KeptPictureFile(files.folder(), 2, item.pictureSha);
+    const QString kept = OldPictureFile(files.folder(), 2, MarkOfSha(item.pictureSha));
     EXPECT_EQ(kept, files.folder() + u"/Files/Old/2-"_s +
                         QString::fromLatin1(item.pictureSha.toHex().left(8)) + u".jpg"_s);
     const QString backup = files.folder() + u"/Backups/Pictures/"_s +
