@@ -102,7 +102,7 @@ void Show::goTo(int number)
 void Show::goToEnd()
 {
     begin();
-    show(questions() + pages() - 1);
+    show(questions() - 1);
 }
 
 void Show::answer()

@@ -101,6 +101,7 @@ public:
     void back();
     /// The question of a number from 1.
     void goTo(int number);
+    /// The last question: not the answers behind it.
     void goToEnd();
     /// Shows the answer, or hides it again.
     void answer();
