@@ -87,12 +87,14 @@ void frmTests::cmdChange_Click()
                 ItemsOf(state_, judged)};
             changed.options.topicLine = test.options.topicLine;
             changed.options.answerKey = test.options.answerKey;
+            changed.options.slides = test.options.slides;
             return changed;
         };
         const auto build = [this, test, newTest](QWidget* over, const Draw& judged) {
             TestRecord record(library_, newTest(judged));
-            const BuildOutcome outcome = RunBuild(over, services_, state_, judged,
-                                                  {test.options.topicLine, test.options.answerKey});
+            const BuildOutcome outcome = RunBuild(
+                over, services_, state_, judged,
+                {test.options.topicLine, test.options.answerKey, test.options.slides, test.name});
             FinishTest(services_, record, outcome);
             return outcome;
         };

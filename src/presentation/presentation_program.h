@@ -8,6 +8,8 @@
 
 namespace varnholt {
 
+class PresentationExtras;
+
 /// The presentation program has gone, its presentation was closed, or it takes no more calls, in
 /// the middle of a build: what it was asked for last is not the reason.
 class ProgramGone : public Error
@@ -39,6 +41,9 @@ public:
     static constexpr double ownSize = -1;
 
     virtual ~PresentationProgram() = default;
+
+    /// What the back end can do beyond this port; null when that is nothing.
+    [[nodiscard]] virtual PresentationExtras* extras() { return nullptr; }
 
     /// A new, empty presentation in a window; it becomes the active one. 960 x 540 points.
     virtual void addPresentation() = 0;

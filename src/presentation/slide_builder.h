@@ -3,6 +3,7 @@
 #include "presentation/presentation_program.h"
 #include "store/list1.h"
 #include "store/modMain.h"
+#include "store/slide_wishes.h"
 
 #include <QString>
 
@@ -19,11 +20,15 @@ struct BuildInput
     bool topicLine = false;
     /// Answer key slides after the questions.
     bool answerKey = false;
-    /// The topic line of a question; called only when `topicLine` is set.
+    /// The topic line of a question; called only when `topicLine` or `wishes.titles` is set.
     std::function<QString(const QuestionRecord&)> topicText;
     /// Where the picture of a question is or ought to be. A path that leads nowhere (or an
     /// empty one) becomes a failure of `PresentationProgram::addPicture`, not of this call.
     std::function<QString(const QuestionRecord&)> picturePath;
+    SlideWishes wishes{};
+    /// What the presentation is called, its date included (`PresentationName`); empty for a name of
+    /// the back end's own.
+    QString name{};
 };
 
 /// What came of a build. The texts are whole sentences for the user.
@@ -55,13 +60,16 @@ struct BuildOutcome
     QString notice;
 };
 
-/// Builds the presentation: one slide per selected record, then the answer key.
+/// Builds the presentation of the deck that `MakeDeck` makes of `input`: with nothing wished for
+/// one slide per selected record, then the answer key.
 ///
 /// A failure before the first picture step (the program does not start, the first slide
 /// cannot be added, there is no slide to show at the end) reaches the caller as it is, as does
 /// an `Error` of `PresentationProgram::finish` (a full disk) after a whole build. From the
 /// first picture on any failure ends the build as aborted. `finish` is called in every case
 /// but a cancelled build.
+///
+/// What is wished for and takes `PresentationExtras` is left out where the program lacks them.
 ///
 /// `progress` may be empty; it is called before each slide is added and may throw `Cancelled`.
 [[nodiscard]] BuildOutcome BuildPresentation(PresentationProgram& program, const BuildInput& input,

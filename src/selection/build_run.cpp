@@ -2,6 +2,7 @@
 
 #include "log/ProgramLog.h"
 #include "pictures/picture_files.h"
+#include "presentation/presentation_name.h"
 #include "selection/question_draw.h"
 #include "store/catalogue.h"
 #include "store/errors.h"
@@ -9,6 +10,7 @@
 #include "toolkit/LongWork.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QElapsedTimer>
 
 namespace varnholt {
@@ -115,11 +117,16 @@ BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& s
                      [&](const QuestionRecord& question) { return GetTopicText(state, question); },
                      [&](const QuestionRecord& question) {
                          return FindPictureFile(services.programFolder, question.PictureIndex);
-                     }});
+                     },
+                     options.wishes, options.name});
 }
 
-BuildOutcome RunBuild(QWidget* window, Services& services, const BuildInput& input)
+BuildOutcome RunBuild(QWidget* window, Services& services, const BuildInput& unnamed)
 {
+    BuildInput input = unnamed;
+    input.name = PresentationName(
+        unnamed.name,
+        QDateTime::fromMSecsSinceEpoch(services.clock->millisecondsSinceEpoch()).date());
     bool silent = false;
     BuildOutcome outcome = build(SlidesInto::Program, window, services, input, silent);
     if (outcome.end == BuildOutcome::End::Cancelled && silent &&

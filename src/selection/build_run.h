@@ -15,6 +15,9 @@ struct SlideOptions
 {
     bool topicLine = true;
     bool answerKey = true;
+    SlideWishes wishes{};
+    /// What the presentation is called after: the assessment or the test. The date is added.
+    QString name{};
 };
 
 /// Builds the presentation of the marked questions of a draw with a busy pointer and,
@@ -23,7 +26,7 @@ struct SlideOptions
 /// Throws nothing that the build threw.
 BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& state,
                       const Draw& draw, const SlideOptions& options);
-/// The same of a pool whose topics and pictures the caller knows.
+/// The same of a pool whose topics and pictures the caller knows. The date is added to its name.
 BuildOutcome RunBuild(QWidget* window, Services& services, const BuildInput& input);
 
 } // namespace varnholt

@@ -2,6 +2,7 @@
 
 #include "library/Library.h"
 #include "selection/build_run.h"
+#include "selection/draw_wishes.h"
 #include "selection/frmSelect.h"
 #include "selection/paper_draw.h"
 #include "selection/show_draw.h"
@@ -142,7 +143,9 @@ void frmMain::UpdateSelectionCounts()
 
 void frmMain::cmdCreate_Click()
 {
-    const SlideOptions options{optTopicYes_->isChecked(), optKeyYes_->isChecked()};
+    const SlideOptions options{optTopicYes_->isChecked(), optKeyYes_->isChecked(),
+                               LoadSlideWishes(services_.programFolder),
+                               cboAssessment_->currentText()};
     drawFor([this, options](QWidget* over, const Draw& draw) {
         return buildSlides(over, draw, options);
     });

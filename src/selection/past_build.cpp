@@ -63,7 +63,8 @@ BuildOutcome make(QWidget* window, Services& services, Library& library, TestRec
          [&](const QuestionRecord& question) { return itemOf.at(question.SOLIndex)->topicText; },
          [&](const QuestionRecord& question) {
              return FindTestPicture(library.programFolder(), *itemOf.at(question.SOLIndex));
-         }});
+         },
+         test.options.slides, test.name});
     FinishTest(services, record, outcome);
     return outcome;
 }

@@ -15,6 +15,12 @@ using namespace Qt::StringLiterals;
 
 using End = BuildOutcome::End;
 
+/// A JPEG of 8 by 8 pixels that is the same wherever a test runs.
+inline constexpr char smallPicture[] =
+    "/9j/4AAQSkZJRgABAQAAAQABAAD/2wBDABALDA4MChAODQ4SERATGCgaGBYWGDEjJR0oOjM9PDkzODdASFxOQERX"
+    "RTc4UG1RV19iZ2hnPk1xeXBkeFxlZ2P/wAALCAAIAAgBAREA/8QAFAABAAAAAAAAAAAAAAAAAAAABv/EABQQAQAA"
+    "AAAAAAAAAAAAAAAAAAD/2gAIAQEAAD8ATP/Z";
+
 /// A picture; no density is written when `dotsPerInch` is 0.
 inline QString writePicture(const QString& path, QSize size, double dotsPerInch,
                             const char* format = "jpeg")
@@ -53,15 +59,21 @@ protected:
                        const BuildProgress& progress = {})
     {
         const BuildInput input{
-            pool_, topicLine, answerKey,
+            pool_,
+            topicLine,
+            answerKey,
             [this](const QuestionRecord& q) { return topics_.at(q.SOLIndex - 1); },
-            [this](const QuestionRecord& q) { return picture(q.PictureIndex); }};
+            [this](const QuestionRecord& q) { return picture(q.PictureIndex); },
+            wishes_,
+            name_};
         return BuildPresentation(program, input, progress);
     }
 
     QTemporaryDir folder_;
     List1<DrawnQuestion> pool_;
     QStringList topics_;
+    SlideWishes wishes_;
+    QString name_;
 };
 
 } // namespace varnholt::test

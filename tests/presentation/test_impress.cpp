@@ -86,7 +86,7 @@ TEST_F(Impress, HoldsTheSameShapesAsItReadsFromThePptxFile)
         QStringList built = held();
         // Three slides, the first on show, changed, without a file, in a visible window.
         EXPECT_EQ(built.takeFirst(), u"document;3;1;True;False;True");
-        EXPECT_EQ(built.first(), u"slide;33867;19050;20");
+        EXPECT_EQ(built.first(), u"slide;33867;19050;20;0;0;");
         EXPECT_TRUE(built.at(topic ? 3 : 2).endsWith(u";Question 1;"));
         EXPECT_TRUE(built.last().endsWith(u";2) two|lines\tand a tab"));
 
@@ -98,6 +98,30 @@ TEST_F(Impress, HoldsTheSameShapesAsItReadsFromThePptxFile)
         expectLongAnswerOnOneLine();
         expectSame(built, held().mid(1));
     }
+}
+
+TEST_F(Impress, HoldsWhatIsWishedForAsItReadsItFromThePptxFile)
+{
+    wishes_ = {true, true, true, true, 30, true};
+    name_ = u"Physics 2026-11-21"_s;
+    topics_ = {u"Ümlaut & O'Brien"_s, u"Second"_s};
+    EXPECT_EQ(build(*start(), true, true).end, End::Complete);
+    const QString pdf = host_->runMacro(u"StorePdf"_s, {host_->filePath(u"twins.pdf"_s)});
+    const QByteArray pages = output(u"pdftotext"_s, {pdf, u"-"_s});
+    EXPECT_EQ(pages.count('\f'), 5);
+    EXPECT_FALSE(pages.left(pages.indexOf('\f')).contains("a<b"));
+    EXPECT_TRUE(pages.mid(pages.indexOf('\f')).contains("Answer: a<b"));
+    QStringList built = held();
+    EXPECT_EQ(built.takeFirst(), u"document;5;1;True;False;True");
+    EXPECT_EQ(built.first(), u"slide;33867;19050;19;1;30;Answer: "_s + longAnswer);
+    EXPECT_TRUE(built.at(1).endsWith(u";Question 1, Ümlaut & O'Brien"));
+    EXPECT_TRUE(built.at(2).contains(u";Question 1, Ümlaut & O'Brien;"));
+    PptxSettings settings;
+    settings.programFolder = folder_.path();
+    PptxProgram pptx(settings);
+    EXPECT_EQ(build(pptx, true, true).end, End::Complete);
+    host_->runMacro(u"OpenFile"_s, {pptx.writtenPath()});
+    expectSame(built, held().mid(1));
 }
 
 TEST_F(Impress, AMissingPictureAClosedAndAKilledOfficeAbort)

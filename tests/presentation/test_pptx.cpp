@@ -8,7 +8,9 @@
 #include "support/file_size_limit.h"
 #include "support/test_files.h"
 
+#include <QCryptographicHash>
 #include <QDir>
+#include <QRegularExpression>
 
 #include <set>
 
@@ -37,6 +39,57 @@ void expectUnique(QStringList values)
     EXPECT_EQ(values.removeDuplicates(), 0) << qPrintable(values.join(u' '));
 }
 
+/// What holds for every package: each part has a type and is reached, relationships that a part
+/// names are there, identifiers are unique. Returns the parts.
+QStringList expectRules(const QString& path)
+{
+    const PackageReader package(path);
+    // Every part has a type of its own or by its extension, and a relationship leads to it.
+    const QString contentTypes = u"[Content_Types].xml"_s;
+    const QStringList parts =
+        QString::fromUtf8(output(u"unzip"_s, {u"-Z1"_s, path})).split(u'\n', Qt::SkipEmptyParts);
+    const QStringList typed = package.values(contentTypes, "Override"_L1, "PartName"_L1);
+    const QStringList extensions = package.values(contentTypes, "Default"_L1, "Extension"_L1);
+    expectUnique(parts);
+    expectUnique(typed + extensions);
+    std::set<QString> reached{contentTypes};
+    for (const QString& part : parts) {
+        const QString extension = part.section(u'.', -1);
+        EXPECT_TRUE(extension == u"xml" ? typed.contains(u'/' + part) || part == contentTypes
+                                        : extensions.contains(extension))
+            << qPrintable(part);
+        if (extension == u"rels") {
+            reached.insert(part);
+            for (const QString& target : package.values(part, "Relationship"_L1, "Target"_L1)) {
+                reached.insert(
+                    QDir::cleanPath(u'/' + part.section(u'/', 0, -3) + u'/' + target).mid(1));
+            }
+            QStringList known = package.values(part, "Relationship"_L1, "Id"_L1);
+            expectUnique(known);
+            const QString owner = QString(part).remove(u"_rels/"_s).chopped(5);
+            if (owner.isEmpty()) {
+                continue; // the package itself names none
+            }
+            QStringList named = package.values(owner, "a:blip"_L1, "r:embed"_L1);
+            for (const auto element :
+                 {"p:sldId"_L1, "p:sldMasterId"_L1, "p:notesMasterId"_L1, "p:sldLayoutId"_L1}) {
+                named += package.values(owner, element, "r:id"_L1);
+            }
+            for (const QString& id : named) {
+                EXPECT_TRUE(known.contains(id)) << qPrintable(owner + u' ' + id);
+            }
+        }
+    }
+    EXPECT_EQ(reached, std::set<QString>(parts.begin(), parts.end()));
+    for (const QString& part : typed) {
+        EXPECT_TRUE(parts.contains(part.mid(1))) << qPrintable(part);
+    }
+    for (const QString& part : parts.filter(QRegularExpression(u"lides/[a-zA-Z0-9]+.xml$"_s))) {
+        expectUnique(package.values(part, "p:cNvPr"_L1, "id"_L1));
+    }
+    return parts;
+}
+
 TEST_F(Pptx, PackageKeepsTheRules)
 {
     VARNHOLT_SKIP_ON_WINDOWS("there is no unzip");
@@ -52,37 +105,7 @@ TEST_F(Pptx, PackageKeepsTheRules)
     ASSERT_EQ(build(program, true, true).end, End::Complete);
     const PackageReader package(program.writtenPath());
 
-    // Every part has a type of its own or by its extension, and a relationship leads to it.
-    const QString contentTypes = u"[Content_Types].xml"_s;
-    const QStringList parts =
-        QString::fromUtf8(output(u"unzip"_s, {u"-Z1"_s, program.writtenPath()}))
-            .split(u'\n', Qt::SkipEmptyParts);
-    const QStringList typed = package.values(contentTypes, "Override"_L1, "PartName"_L1);
-    const QStringList extensions = package.values(contentTypes, "Default"_L1, "Extension"_L1);
-    expectUnique(parts);
-    expectUnique(typed + extensions);
-    std::set<QString> reached{contentTypes};
-    for (const QString& part : parts) {
-        const QString extension = part.section(u'.', -1);
-        EXPECT_TRUE(extension == u"xml" ? typed.contains(u'/' + part) || part == contentTypes
-                                        : extensions.contains(extension))
-            << qPrintable(part);
-        if (extension == u"rels") {
-            reached.insert(part);
-            expectUnique(package.values(part, "Relationship"_L1, "Id"_L1));
-            for (const QString& target : package.values(part, "Relationship"_L1, "Target"_L1)) {
-                reached.insert(
-                    QDir::cleanPath(u'/' + part.section(u'/', 0, -3) + u'/' + target).mid(1));
-            }
-        }
-    }
-    EXPECT_EQ(reached, std::set<QString>(parts.begin(), parts.end()));
-    for (const QString& part : typed) {
-        EXPECT_TRUE(parts.contains(part.mid(1))) << qPrintable(part);
-    }
-    for (int slide = 1; slide <= 5; ++slide) {
-        expectUnique(package.values(PackageReader::slideName(slide), "p:cNvPr"_L1, "id"_L1));
-    }
+    const QStringList parts = expectRules(program.writtenPath());
     const auto all = [&](const QString& part, const char* element, const char* attribute = "") {
         return package.values(part, QLatin1String(element), QLatin1String(attribute)).join(u' ');
     };
@@ -108,6 +131,94 @@ TEST_F(Pptx, PackageKeepsTheRules)
     EXPECT_EQ(all(PackageReader::slideName(5), "a:t"),
               u"Answer Key 1) \"A\" & <B> \u2264 \u03C0 2) first second third\uFFFD! 3) "_s +
                   QString(10'000, u'w') + u" 4) D"_s);
+}
+
+TEST_F(Pptx, EveryWishGivesAPackageThatKeepsTheRules)
+{
+    VARNHOLT_SKIP_ON_WINDOWS("there is no unzip");
+    writePicture(picture(1), {600, 350}, 96);
+    writePicture(picture(2), {10, 3000}, 96);
+    addQuestion(u"one & <only>"_s);
+    addQuestion(u"of several\nlines, "_s.repeated(20));
+    name_ = u"../a:b? Größe "_s + QString(300, u'\u4E2D') + u" 2026-11-21"_s;
+    const auto texts = [](const PackageReader& package, int slide) {
+        return package.values(PackageReader::slideName(slide), "a:t"_L1).join(u' ');
+    };
+    for (int mask = 1; mask < 64; ++mask) {
+        SCOPED_TRACE(mask);
+        const auto on = [mask](int bit) { return (mask >> bit & 1) != 0; };
+        wishes_ = {on(0), on(1), on(2), on(3), on(4) ? 30 : 0, on(5)};
+        PptxProgram program(settings_);
+        ASSERT_EQ(build(program, on(0) != on(3), true).end, End::Complete);
+        const QStringList parts = expectRules(program.writtenPath());
+        const PackageReader package(program.writtenPath());
+        EXPECT_EQ(parts.filter(u"media"_s).size(), 2) << "a picture is stored once";
+        const int twins = on(1) ? 2 : 1;
+        ASSERT_EQ(parts.filter(u"slides/slide"_s).size(), 2 * twins + 1);
+        EXPECT_EQ(parts.filter(u"notesSlides/n"_s).size(), on(3) ? 2 * twins : 0);
+        EXPECT_FALSE(texts(package, 1).contains(u"one & <only>"_s));
+        EXPECT_EQ(texts(package, 2).contains(u"Answer: one & <only>"_s), on(1));
+        for (int slide = 1; slide <= 2 * twins; ++slide) {
+            const QString name = PackageReader::slideName(slide);
+            EXPECT_EQ(package.values(name, "p:ph"_L1, "type"_L1).join(u' '),
+                      on(2) ? u"title"_s : QString());
+            EXPECT_EQ(package.values(name, "p:transition"_L1, "advTm"_L1).join(u' '),
+                      on(4) ? u"30000"_s : QString());
+            const QString described =
+                package.values(name, "p:cNvPr"_L1, "descr"_L1).join(QString());
+            EXPECT_EQ(described, u"Question %1"_s.arg((slide + twins - 1) / twins) +
+                                     (on(2) ? u", Algebra - Roots"_s : QString()));
+            if (!on(0)) {
+                continue;
+            }
+            // 600 pixels are 450 points; the other is 7.5 x 2,250.
+            const int top = on(3) ? 50 : 70;
+            const bool answer = on(1) && slide % 2 == 0;
+            const bool second = slide > twins;
+            const int pictureShape = on(2) ? 2 : top == 70 ? 3 : 2;
+            const auto number = [&](const char* element, const char* attribute) {
+                return package.values(name, QLatin1String(element), QLatin1String(attribute))
+                           .at(pictureShape)
+                           .toDouble() /
+                       12'700;
+            };
+            EXPECT_NEAR(number("a:off", "y"), top, 0.01);
+            const double bottom = top + number("a:ext", "cy");
+            if (second && !answer) {
+                EXPECT_NEAR(bottom, 538, 0.01);
+            }
+            EXPECT_LE(bottom, answer ? 534 : 538.01);
+            EXPECT_NEAR(number("a:ext", "cx") / number("a:ext", "cy"),
+                        second ? 10.0 / 3000 : 600.0 / 350, 0.01);
+            EXPECT_LE(number("a:ext", "cx"), 900.01) << "at most twice its own size";
+        }
+    }
+    for (const QString& file : written()) {
+        EXPECT_TRUE(file.startsWith(u"_.-a-b- Größe"_s) && file.contains(u" 2026-11-21"_s) &&
+                    file.toUtf8().size() < 255)
+            << qPrintable(file);
+    }
+}
+
+TEST_F(Pptx, ThePlainPackageIsByteForByteWhatItAlwaysWas)
+{
+    QFile jpeg(picture(1));
+    ASSERT_TRUE(jpeg.open(QIODevice::WriteOnly));
+    jpeg.write(QByteArray::fromBase64(smallPicture));
+    jpeg.close();
+    for (int i = 1; i <= 26; ++i) {
+        addQuestion(u"<%1> & π"_s.arg(i), u"Größe %1 - O'Brien"_s.arg(i));
+        pool_(i).PictureIndex = 1;
+    }
+    settings_.now = [] { return QDateTime({2026, 11, 21}, {14, 5}, Qt::UTC); };
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    for (const bool on : {true, false}) {
+        PptxProgram program(settings_);
+        ASSERT_EQ(build(program, on, on).end, End::Complete);
+        QFile file(program.writtenPath());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly) && hash.addData(&file));
+    }
+    EXPECT_EQ(hash.result().toHex().left(32).toStdString(), "f367a0568ca6edd9986e91fae7fbbaca");
 }
 
 TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)

@@ -6,10 +6,13 @@
 #include <QCoreApplication>
 #include <QUrl>
 
+#include <com/sun/star/awt/FontWeight.hpp>
 #include <com/sun/star/awt/XTopWindow.hpp>
 #include <com/sun/star/awt/XWindow2.hpp>
+#include <com/sun/star/document/XDocumentPropertiesSupplier.hpp>
 #include <com/sun/star/drawing/FillStyle.hpp>
 #include <com/sun/star/drawing/LineStyle.hpp>
+#include <com/sun/star/drawing/TextFitToSizeType.hpp>
 #include <com/sun/star/drawing/TextHorizontalAdjust.hpp>
 #include <com/sun/star/drawing/TextVerticalAdjust.hpp>
 #include <com/sun/star/drawing/XDrawPagesSupplier.hpp>
@@ -18,6 +21,9 @@
 #include <com/sun/star/graphic/GraphicProvider.hpp>
 #include <com/sun/star/graphic/GraphicType.hpp>
 #include <com/sun/star/lang/DisposedException.hpp>
+#include <com/sun/star/lang/XServiceInfo.hpp>
+#include <com/sun/star/presentation/XPresentationPage.hpp>
+#include <com/sun/star/style/ParagraphAdjust.hpp>
 #include <com/sun/star/text/XText.hpp>
 #include <com/sun/star/view/DocumentZoomType.hpp>
 
@@ -45,6 +51,7 @@ constexpr sal_Int32 pageHeight = 19'050;
 constexpr sal_Int32 marginAtSides = 254;
 constexpr sal_Int32 marginAboveAndBelow = 127;
 constexpr sal_Int16 blankLayout = 20;
+constexpr sal_Int16 titleLayout = 19;
 
 sal_Int16 layoutOf(const Reference<css::drawing::XDrawPage>& page)
 {
@@ -61,13 +68,14 @@ void ImpressDocument::close()
     shapes_.clear();
     page_.clear();
     pages_.clear();
+    lastGraphic_.clear();
     graphics_.clear();
     factory_.clear();
     model_.clear();
     connection_.close();
 }
 
-void ImpressDocument::create()
+void ImpressDocument::create(const QString& name, const QString& language)
 {
     const auto& context = connection_.context();
     const Reference<css::frame::XDesktop2> desktop = css::frame::Desktop::create(context);
@@ -79,6 +87,12 @@ void ImpressDocument::create()
     const Reference<css::beans::XPropertySet> first(pages_->getByIndex(0), UNO_QUERY_THROW);
     first->setPropertyValue("Width", Any(pageWidth));
     first->setPropertyValue("Height", Any(pageHeight));
+    if (!name.isEmpty()) {
+        Reference<css::document::XDocumentPropertiesSupplier>(model_, UNO_QUERY_THROW)
+            ->getDocumentProperties()
+            ->setTitle(toUno(name));
+    }
+    locale_ = {toUno(language.section(u'-', 0, 0)), toUno(language.section(u'-', 1, 1)), {}};
 }
 
 Reference<css::frame::XController> ImpressDocument::controller()
@@ -179,22 +193,94 @@ void ImpressDocument::setText(int shape, const QString& text)
 {
     Reference<css::text::XText>(shapeAt(shape).shape, UNO_QUERY_THROW)
         ->setString(toUno(slideParagraphs(text).join(u'\n')));
+    if (!locale_.Language.isEmpty()) {
+        Reference<css::beans::XPropertySet>(shapeAt(shape).shape, UNO_QUERY_THROW)
+            ->setPropertyValue("CharLocale", Any(locale_));
+    }
+}
+
+void ImpressDocument::addTitle(const HundredthMm& box, double textSize, const QString& text)
+{
+    if (!page_.is()) {
+        throw Error(Words::tr("The presentation has no slide yet."));
+    }
+    Reference<css::beans::XPropertySet>(page_, UNO_QUERY_THROW)
+        ->setPropertyValue("Layout", Any(titleLayout));
+    // The layout has brought its placeholder along.
+    const Reference<css::drawing::XShape> title(page_->getByIndex(0), UNO_QUERY_THROW);
+    const css::awt::Size size(box.width, box.height);
+    shapes_.push_back({title, size, size});
+    setText(static_cast<int>(shapes_.size()), text);
+    Reference<css::beans::XMultiPropertySet>(title, UNO_QUERY_THROW)
+        ->setPropertyValues(
+            unoSequence<rtl::OUString>({"CharHeight", "ParaAdjust", "TextAutoGrowHeight",
+                                        "TextFitToSize", "TextLeftDistance", "TextLowerDistance",
+                                        "TextRightDistance", "TextUpperDistance",
+                                        "TextVerticalAdjust"}),
+            unoSequence({Any(static_cast<float>(textSize)),
+                         Any(static_cast<sal_Int16>(css::style::ParagraphAdjust_LEFT)), Any(false),
+                         Any(css::drawing::TextFitToSizeType_NONE), Any(marginAtSides),
+                         Any(marginAboveAndBelow), Any(marginAtSides), Any(marginAboveAndBelow),
+                         Any(css::drawing::TextVerticalAdjust_CENTER)}));
+    title->setPosition({box.left, box.top});
+    title->setSize(size);
+}
+
+void ImpressDocument::emphasise(int shape, double textSize)
+{
+    constexpr sal_Int32 white = 0xFFFFFF;
+    constexpr sal_Int32 blue = 0x2F6DA8;
+    constexpr sal_Int32 lineWidth = 53;
+    Reference<css::beans::XMultiPropertySet>(shapeAt(shape).shape, UNO_QUERY_THROW)
+        ->setPropertyValues(
+            unoSequence<rtl::OUString>({"CharHeight", "CharWeight", "FillColor", "FillStyle",
+                                        "LineColor", "LineStyle", "LineWidth",
+                                        "TextVerticalAdjust"}),
+            unoSequence({Any(static_cast<float>(textSize)), Any(css::awt::FontWeight::BOLD),
+                         Any(white), Any(css::drawing::FillStyle_SOLID), Any(blue),
+                         Any(css::drawing::LineStyle_SOLID), Any(lineWidth),
+                         Any(css::drawing::TextVerticalAdjust_CENTER)}));
+}
+
+void ImpressDocument::setNotes(const QString& text)
+{
+    const Reference<css::drawing::XDrawPage> notes =
+        Reference<css::presentation::XPresentationPage>(page_, UNO_QUERY_THROW)->getNotesPage();
+    for (sal_Int32 i = 0; i < notes->getCount(); ++i) {
+        const Reference<css::lang::XServiceInfo> shape(notes->getByIndex(i), UNO_QUERY_THROW);
+        if (shape->supportsService("com.sun.star.presentation.NotesShape")) {
+            Reference<css::text::XText>(shape, UNO_QUERY_THROW)
+                ->setString(toUno(slideParagraphs(text).join(u'\n')));
+        }
+    }
+}
+
+void ImpressDocument::setAdvance(int seconds)
+{
+    constexpr sal_Int32 byItself = 1;
+    const Reference<css::beans::XPropertySet> page(page_, UNO_QUERY_THROW);
+    page->setPropertyValue("Change", Any(byItself));
+    page->setPropertyValue("Duration", Any(sal_Int32(seconds)));
 }
 
 void ImpressDocument::addPicture(const QString& path, const HundredthMm& box,
                                  const QString& description)
 {
-    const auto url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
-    const auto source = unoSequence<css::beans::PropertyValue>(
-        {{"URL", -1, Any(toUno(url)), css::beans::PropertyState_DIRECT_VALUE}});
-    const Reference<css::graphic::XGraphic> graphic = graphics_->queryGraphic(source);
+    if (!lastGraphic_.is() || path != lastPath_) {
+        const auto url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
+        const auto source = unoSequence<css::beans::PropertyValue>(
+            {{"URL", -1, Any(toUno(url)), css::beans::PropertyState_DIRECT_VALUE}});
+        lastGraphic_ = graphics_->queryGraphic(source);
+        lastPath_ = path;
+    }
     // What cannot be read comes back as nothing or as an empty picture.
-    if (!graphic.is() || graphic->getType() == css::graphic::GraphicType::EMPTY) {
+    if (!lastGraphic_.is() || lastGraphic_->getType() == css::graphic::GraphicType::EMPTY) {
+        lastGraphic_.clear();
         throw Error(Words::tr("Impress cannot read the picture \"%1\".").arg(path));
     }
     addShape("com.sun.star.drawing.GraphicObjectShape", box,
              unoSequence<rtl::OUString>({"Description", "Graphic"}),
-             unoSequence({Any(toUno(description)), Any(graphic)}));
+             unoSequence({Any(toUno(description)), Any(lastGraphic_)}));
 }
 
 void ImpressDocument::resize(Shape& shape, const css::awt::Size& size)

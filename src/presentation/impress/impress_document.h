@@ -8,7 +8,9 @@
 #include <com/sun/star/drawing/XDrawPages.hpp>
 #include <com/sun/star/drawing/XShape.hpp>
 #include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/graphic/XGraphic.hpp>
 #include <com/sun/star/graphic/XGraphicProvider.hpp>
+#include <com/sun/star/lang/Locale.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 
 #include <vector>
@@ -33,13 +35,19 @@ public:
     void close();
     void breakOff() { connection_.breakOff(); }
 
-    void create();
+    /// `name` and `language` (such as "en-GB") may be empty.
+    void create(const QString& name, const QString& language);
     /// Throws `Error` when there is no screen the window could be on.
     void show();
     void appendBlankSlide();
     void addTextBox(const HundredthMm& box, LongLines longLines);
     void setText(int shape, const QString& text);
     void addPicture(const QString& path, const HundredthMm& box, const QString& description);
+    /// The slide's title placeholder; before all other shapes.
+    void addTitle(const HundredthMm& box, double textSize, const QString& text);
+    void emphasise(int shape, double textSize);
+    void setNotes(const QString& text);
+    void setAdvance(int seconds);
     /// Scales relative to the size the shape was made with.
     void scaleHeight(int shape, double factor);
     void scaleWidth(int shape, double factor);
@@ -76,6 +84,10 @@ private:
     /// Of the current slide, by position.
     std::vector<Shape> shapes_;
     int slideCount_ = 0;
+    /// No country and no language where texts are to have none.
+    css::lang::Locale locale_;
+    QString lastPath_;
+    css::uno::Reference<css::graphic::XGraphic> lastGraphic_;
     /// Whether new slides come with a layout other than the blank one.
     bool setsLayout_ = false;
 };

@@ -60,7 +60,9 @@ ImpressProgram::~ImpressProgram()
 
 void ImpressProgram::addPresentation()
 {
-    call([](ImpressDocument& document) { document.create(); });
+    call([facts = facts_](ImpressDocument& document) {
+        document.create(facts.name, facts.language);
+    });
 }
 
 void ImpressProgram::setVisible()
@@ -86,11 +88,52 @@ void ImpressProgram::setShapeText(int shape, const QString& text)
     call([shape, text](ImpressDocument& document) { document.setText(shape, text); });
 }
 
+const PictureInfo& ImpressProgram::infoOf(const QString& path)
+{
+    if (lastFile_.isEmpty() || path != lastPath_) {
+        lastFile_.clear();
+        lastInfo_ = readPictureInfo(path);
+        lastFile_ = pictures_.file(path, lastInfo_);
+        lastPath_ = path;
+    }
+    return lastInfo_;
+}
+
+QSizeF ImpressProgram::pictureSize(const QString& path)
+{
+    return infoOf(path).points;
+}
+
+void ImpressProgram::addTitle(double left, double top, double width, double height, double textSize,
+                              const QString& text)
+{
+    const HundredthMm box{hundredthMm(left), hundredthMm(top), hundredthMm(width),
+                          hundredthMm(height)};
+    call([box, textSize, text](ImpressDocument& document) {
+        document.addTitle(box, textSize, text);
+    });
+}
+
+void ImpressProgram::emphasise(int shape, double textSize)
+{
+    call([shape, textSize](ImpressDocument& document) { document.emphasise(shape, textSize); });
+}
+
+void ImpressProgram::setNotes(const QString& text)
+{
+    call([text](ImpressDocument& document) { document.setNotes(text); });
+}
+
+void ImpressProgram::setAdvance(int seconds)
+{
+    call([seconds](ImpressDocument& document) { document.setAdvance(seconds); });
+}
+
 void ImpressProgram::addPicture(const QString& path, double left, double top, double width,
                                 double height, const QString& description)
 {
-    const PictureInfo info = readPictureInfo(path);
-    const QString file = pictures_.file(path, info);
+    const PictureInfo& info = infoOf(path);
+    const QString& file = lastFile_;
     const HundredthMm box{hundredthMm(left), hundredthMm(top),
                           hundredthMm(width == ownSize ? info.points.width() : width),
                           hundredthMm(height == ownSize ? info.points.height() : height)};

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "pictures/picture_info.h"
 #include "presentation/impress/impress_document.h"
 #include "presentation/office_worker.h"
+#include "presentation/presentation_extras.h"
 #include "presentation/presentation_program.h"
 #include "presentation/upright_pictures.h"
 
@@ -12,7 +14,7 @@ namespace varnholt {
 
 /// The presentation port on top of Impress. The document is in Impress from the first call
 /// on; it stays open, unsaved and visible when this object goes.
-class ImpressProgram final : public PresentationProgram
+class ImpressProgram final : public PresentationProgram, private PresentationExtras
 {
 public:
     /// Starts or finds the office. Throws `Error` when it cannot be reached, `Cancelled` when
@@ -20,6 +22,7 @@ public:
     explicit ImpressProgram(const ImpressSettings& settings);
     ~ImpressProgram() override;
 
+    [[nodiscard]] PresentationExtras* extras() override { return this; }
     void addPresentation() override;
     void setVisible() override;
     void appendBlankSlide() override;
@@ -34,6 +37,17 @@ public:
     void finish() override;
 
 private:
+    void announce(const DeckFacts& facts) override { facts_ = facts; }
+    void addTitle(double left, double top, double width, double height, double textSize,
+                  const QString& text) override;
+    void emphasise(int shape, double textSize) override;
+    void setNotes(const QString& text) override;
+    void setAdvance(int seconds) override;
+    [[nodiscard]] QSizeF pictureSize(const QString& path) override;
+
+    /// Of the last picture: a question and its answer show the same.
+    const PictureInfo& infoOf(const QString& path);
+
     /// Runs on the worker with what UNO throws made an `Error`.
     template <typename Task>
     void call(Task task);
@@ -44,6 +58,10 @@ private:
     std::shared_ptr<std::atomic<bool>> gone_ = std::make_shared<std::atomic<bool>>(false);
     OfficeWorker worker_;
     UprightPictures pictures_;
+    DeckFacts facts_;
+    QString lastPath_;
+    PictureInfo lastInfo_;
+    QString lastFile_;
 };
 
 } // namespace varnholt

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -45,18 +46,42 @@ struct PptxShape
     int media = 0;
     /// Alternative text of a picture.
     QString description;
+    /// The slide's title, a placeholder.
+    bool title = false;
+    /// Bold on white in a frame.
+    bool framed = false;
+    /// In points; 0 for the size that text has by itself.
+    double textSize = 0;
 };
 
 struct PptxSlide
 {
     std::vector<PptxShape> shapes;
+    /// Empty for a slide without notes.
+    QString notes;
+    /// Seconds after which the next slide comes; 0 for never.
+    int advance = 0;
 };
 
 struct PptxDocument
 {
     QString title;
+    /// Of all texts, such as "en-GB"; empty when it is not told.
+    QString language;
     std::vector<PptxSlide> slides;
     std::vector<PptxMedia> media;
+
+    [[nodiscard]] bool hasTitles() const
+    {
+        return std::any_of(slides.begin(), slides.end(), [](const PptxSlide& slide) {
+            return !slide.shapes.empty() && slide.shapes.front().title;
+        });
+    }
+    [[nodiscard]] bool hasNotes() const
+    {
+        return std::any_of(slides.begin(), slides.end(),
+                           [](const PptxSlide& slide) { return !slide.notes.isEmpty(); });
+    }
 };
 
 } // namespace varnholt

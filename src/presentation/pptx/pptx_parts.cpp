@@ -1,124 +1,12 @@
 #include "presentation/pptx/pptx_parts.h"
 
-#include "presentation/slide_text.h"
+#include "presentation/pptx/pptx_xml.h"
 
 #include <set>
 
 namespace varnholt {
 
-namespace {
-
-constexpr char declaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
-
-constexpr char relationTypes[] =
-    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
-
-#define NAMESPACES                                                                                 \
-    " xmlns:a=\"http://schemas.openxmlformats.org/drawingml/2006/main\""                           \
-    " xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\""             \
-    " xmlns:p=\"http://schemas.openxmlformats.org/presentationml/2006/main\""
-
-constexpr char emptyShapeTree[] =
-    "<p:nvGrpSpPr><p:cNvPr id=\"1\" name=\"\"/><p:cNvGrpSpPr/><p:nvPr/></p:nvGrpSpPr>"
-    "<p:grpSpPr><a:xfrm><a:off x=\"0\" y=\"0\"/><a:ext cx=\"0\" cy=\"0\"/>"
-    "<a:chOff x=\"0\" y=\"0\"/><a:chExt cx=\"0\" cy=\"0\"/></a:xfrm></p:grpSpPr>";
-
-QByteArray number(qint64 value)
-{
-    return QByteArray::number(value);
-}
-
-/// Text for element content and for attributes between double quotes.
-QByteArray escaped(const QString& text)
-{
-    return text.toHtmlEscaped().toUtf8();
-}
-
-/// One line of text for an attribute: attributes know no line breaks.
-QByteArray escapedLine(const QString& text)
-{
-    return escaped(slideParagraphs(text).join(u' '));
-}
-
-/// A relationship part, its identifiers rId1, rId2, ... in the order of adding.
-class Relations
-{
-public:
-    Relations()
-    {
-        xml_ = QByteArray(declaration) + "<Relationships xmlns=\"http://schemas."
-                                         "openxmlformats.org/package/2006/relationships\">";
-    }
-
-    Relations& add(const QByteArray& type, const QByteArray& target)
-    {
-        return addOfType(relationTypes + type, target);
-    }
-    Relations& addOfType(const QByteArray& type, const QByteArray& target)
-    {
-        xml_ += "<Relationship Id=\"rId" + number(++count_) + "\" Type=\"" + type + "\" Target=\"" +
-                target + "\"/>";
-        return *this;
-    }
-    [[nodiscard]] QByteArray xml() const { return xml_ + "</Relationships>"; }
-
-private:
-    QByteArray xml_;
-    int count_ = 0;
-};
-
-QByteArray transform(const PptxShape& shape)
-{
-    return "<a:xfrm><a:off x=\"" + number(shape.left) + "\" y=\"" + number(shape.top) +
-           "\"/><a:ext cx=\"" + number(shape.width) + "\" cy=\"" + number(shape.height) +
-           "\"/></a:xfrm><a:prstGeom prst=\"rect\"><a:avLst/></a:prstGeom>";
-}
-
-QByteArray textBox(const PptxShape& shape, int id)
-{
-    QByteArray xml = "<p:sp><p:nvSpPr><p:cNvPr id=\"" + number(id) + "\" name=\"TextBox " +
-                     number(id - 1) + "\"/><p:cNvSpPr txBox=\"1\"/><p:nvPr/></p:nvSpPr><p:spPr>" +
-                     transform(shape) + "<a:noFill/></p:spPr><p:txBody><a:bodyPr wrap=\"" +
-                     (shape.longLines == LongLines::Wrap ? "square" : "none") +
-                     "\" rtlCol=\"0\"><a:noAutofit/></a:bodyPr><a:lstStyle/>";
-    for (const QString& paragraph : slideParagraphs(shape.text)) {
-        xml += paragraph.isEmpty() ? QByteArrayLiteral("<a:p/>")
-                                   : "<a:p><a:r><a:t>" + escaped(paragraph) + "</a:t></a:r></a:p>";
-    }
-    return xml + "</p:txBody></p:sp>";
-}
-
-QByteArray picture(const PptxShape& shape, int id, int relation)
-{
-    return "<p:pic><p:nvPicPr><p:cNvPr id=\"" + number(id) + "\" name=\"Picture " + number(id - 1) +
-           "\" descr=\"" + escapedLine(shape.description) +
-           "\"/><p:cNvPicPr><a:picLocks noChangeAspect=\"1\"/></p:cNvPicPr><p:nvPr/>"
-           "</p:nvPicPr><p:blipFill><a:blip r:embed=\"rId" +
-           number(relation) + "\"/><a:stretch><a:fillRect/></a:stretch></p:blipFill><p:spPr>" +
-           transform(shape) + "</p:spPr></p:pic>";
-}
-
-/// One level of the text of a text box, as presentation programs have it by default.
-QByteArray levelProperties(int level)
-{
-    return "<a:lvl" + number(level) + "pPr marL=\"" + number((level - 1) * 457200) +
-           "\" algn=\"l\" defTabSz=\"914400\" rtl=\"0\" eaLnBrk=\"1\" latinLnBrk=\"0\" "
-           "hangingPunct=\"1\"><a:defRPr sz=\"1800\" kern=\"1200\"><a:solidFill>"
-           "<a:schemeClr val=\"tx1\"/></a:solidFill><a:latin typeface=\"+mn-lt\"/>"
-           "<a:ea typeface=\"+mn-ea\"/><a:cs typeface=\"+mn-cs\"/></a:defRPr></a:lvl" +
-           number(level) + "pPr>";
-}
-
-QByteArray textLevels()
-{
-    QByteArray xml = "<a:defPPr><a:defRPr lang=\"en-US\"/></a:defPPr>";
-    for (int level = 1; level <= 9; ++level) {
-        xml += levelProperties(level);
-    }
-    return xml;
-}
-
-} // namespace
+using namespace pptx_xml;
 
 QByteArray pptxMediaName(const PptxDocument& document, int media)
 {
@@ -151,8 +39,19 @@ QByteArray pptxContentTypes(const PptxDocument& document)
     part("ppt/slideMasters/slideMaster1.xml", slides + "slideMaster");
     part("ppt/slideLayouts/slideLayout1.xml", slides + "slideLayout");
     part("ppt/theme/theme1.xml", office + "theme");
+    if (document.hasTitles()) {
+        part("ppt/slideLayouts/slideLayout2.xml", slides + "slideLayout");
+    }
+    if (document.hasNotes()) {
+        part("ppt/notesMasters/notesMaster1.xml", slides + "notesMaster");
+        part("ppt/theme/theme2.xml", office + "theme");
+    }
     for (size_t slide = 1; slide <= document.slides.size(); ++slide) {
         part("ppt/slides/slide" + number(qint64(slide)) + ".xml", slides + "slide");
+        if (!document.slides[slide - 1].notes.isEmpty()) {
+            part("ppt/notesSlides/notesSlide" + number(qint64(slide)) + ".xml",
+                 slides + "notesSlide");
+        }
     }
     return xml + "</Types>";
 }
@@ -180,8 +79,11 @@ QByteArray pptxCoreProperties(const PptxDocument& document, const QDateTime& now
            "core-properties\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
            "xmlns:dcterms=\"http://purl.org/dc/terms/\" "
            "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><dc:title>" +
-           escapedLine(document.title) + "</dc:title>" + stamp("created") + stamp("modified") +
-           "</cp:coreProperties>";
+           escapedLine(document.title) + "</dc:title>" +
+           (document.language.isEmpty()
+                ? QByteArray()
+                : "<dc:language>" + escapedLine(document.language) + "</dc:language>") +
+           stamp("created") + stamp("modified") + "</cp:coreProperties>";
 }
 
 QByteArray pptxAppProperties(const PptxDocument& document)
@@ -196,7 +98,12 @@ QByteArray pptxPresentation(const PptxDocument& document)
 {
     QByteArray xml = QByteArray(declaration) +
                      "<p:presentation" NAMESPACES "><p:sldMasterIdLst><p:sldMasterId "
-                     "id=\"2147483648\" r:id=\"rId1\"/></p:sldMasterIdLst><p:sldIdLst>";
+                     "id=\"2147483648\" r:id=\"rId1\"/></p:sldMasterIdLst>";
+    if (document.hasNotes()) {
+        xml += "<p:notesMasterIdLst><p:notesMasterId r:id=\"rId" +
+               number(qint64(3 + document.slides.size())) + "\"/></p:notesMasterIdLst>";
+    }
+    xml += "<p:sldIdLst>";
     for (size_t slide = 0; slide < document.slides.size(); ++slide) {
         xml += "<p:sldId id=\"" + number(qint64(256 + slide)) + "\" r:id=\"rId" +
                number(qint64(3 + slide)) + "\"/>";
@@ -214,62 +121,38 @@ QByteArray pptxPresentationRelations(const PptxDocument& document)
     for (size_t slide = 1; slide <= document.slides.size(); ++slide) {
         relations.add("slide", "slides/slide" + number(qint64(slide)) + ".xml");
     }
-    return relations.xml();
-}
-
-QByteArray pptxSlide(const PptxSlide& slide)
-{
-    QByteArray xml;
-    xml.reserve(4096);
-    xml += declaration;
-    xml += "<p:sld" NAMESPACES "><p:cSld><p:spTree>";
-    xml += emptyShapeTree;
-    // Identifier 1 is the shape tree's, relationship 1 the layout's.
-    int id = 1;
-    int relation = 1;
-    for (const PptxShape& shape : slide.shapes) {
-        ++id;
-        xml += shape.media == 0 ? textBox(shape, id) : picture(shape, id, ++relation);
-    }
-    xml += "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr></p:sld>";
-    return xml;
-}
-
-QByteArray pptxSlideRelations(const PptxDocument& document, const PptxSlide& slide)
-{
-    Relations relations;
-    relations.add("slideLayout", "../slideLayouts/slideLayout1.xml");
-    for (const PptxShape& shape : slide.shapes) {
-        if (shape.media != 0) {
-            relations.add("image", pptxMediaName(document, shape.media).replace("ppt/", "../"));
-        }
+    if (document.hasNotes()) {
+        relations.add("notesMaster", "notesMasters/notesMaster1.xml");
     }
     return relations.xml();
 }
 
-QByteArray pptxMaster()
+QByteArray pptxMaster(const PptxDocument& document)
 {
     return QByteArray(declaration) +
            "<p:sldMaster" NAMESPACES
            "><p:cSld><p:bg><p:bgRef idx=\"1001\"><a:schemeClr val=\"bg1\"/></p:bgRef></p:bg>"
            "<p:spTree>" +
-           emptyShapeTree +
+           emptyShapeTree + (document.hasTitles() ? masterTitle() : QByteArray()) +
            "</p:spTree></p:cSld><p:clrMap bg1=\"lt1\" tx1=\"dk1\" bg2=\"lt2\" tx2=\"dk2\" "
            "accent1=\"accent1\" accent2=\"accent2\" accent3=\"accent3\" accent4=\"accent4\" "
            "accent5=\"accent5\" accent6=\"accent6\" hlink=\"hlink\" folHlink=\"folHlink\"/>"
-           "<p:sldLayoutIdLst><p:sldLayoutId id=\"2147483649\" r:id=\"rId1\"/>"
-           "</p:sldLayoutIdLst><p:txStyles><p:titleStyle>" +
-           levelProperties(1) + "</p:titleStyle><p:bodyStyle>" + levelProperties(1) +
-           "</p:bodyStyle><p:otherStyle>" + textLevels() +
-           "</p:otherStyle></p:txStyles></p:sldMaster>";
+           "<p:sldLayoutIdLst><p:sldLayoutId id=\"2147483649\" r:id=\"rId1\"/>" +
+           (document.hasTitles() ? "<p:sldLayoutId id=\"2147483650\" r:id=\"rId3\"/>" : "") +
+           "</p:sldLayoutIdLst><p:txStyles><p:titleStyle>" + levelProperties(1) +
+           "</p:titleStyle><p:bodyStyle>" + levelProperties(1) + "</p:bodyStyle><p:otherStyle>" +
+           textLevels() + "</p:otherStyle></p:txStyles></p:sldMaster>";
 }
 
-QByteArray pptxMasterRelations()
+QByteArray pptxMasterRelations(const PptxDocument& document)
 {
-    return Relations()
-        .add("slideLayout", "../slideLayouts/slideLayout1.xml")
-        .add("theme", "../theme/theme1.xml")
-        .xml();
+    Relations relations;
+    relations.add("slideLayout", "../slideLayouts/slideLayout1.xml")
+        .add("theme", "../theme/theme1.xml");
+    if (document.hasTitles()) {
+        relations.add("slideLayout", "../slideLayouts/slideLayout2.xml");
+    }
+    return relations.xml();
 }
 
 QByteArray pptxBlankLayout()

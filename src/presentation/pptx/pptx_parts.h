@@ -17,13 +17,22 @@ namespace varnholt {
 [[nodiscard]] QByteArray pptxAppProperties(const PptxDocument& document);
 [[nodiscard]] QByteArray pptxPresentation(const PptxDocument& document);
 [[nodiscard]] QByteArray pptxPresentationRelations(const PptxDocument& document);
-[[nodiscard]] QByteArray pptxSlide(const PptxSlide& slide);
-[[nodiscard]] QByteArray pptxSlideRelations(const PptxDocument& document, const PptxSlide& slide);
-[[nodiscard]] QByteArray pptxMaster();
-[[nodiscard]] QByteArray pptxMasterRelations();
+[[nodiscard]] QByteArray pptxSlide(const PptxDocument& document, const PptxSlide& slide);
+/// `number` is the slide's own.
+[[nodiscard]] QByteArray pptxSlideRelations(const PptxDocument& document, const PptxSlide& slide,
+                                            int number);
+[[nodiscard]] QByteArray pptxMaster(const PptxDocument& document);
+[[nodiscard]] QByteArray pptxMasterRelations(const PptxDocument& document);
 [[nodiscard]] QByteArray pptxBlankLayout();
 [[nodiscard]] QByteArray pptxBlankLayoutRelations();
 [[nodiscard]] QByteArray pptxTheme();
+/// Of a document with titles.
+[[nodiscard]] QByteArray pptxTitleLayout();
+/// Of a document with notes.
+[[nodiscard]] QByteArray pptxNotesMaster();
+[[nodiscard]] QByteArray pptxNotesMasterRelations();
+[[nodiscard]] QByteArray pptxNotes(const PptxDocument& document, const PptxSlide& slide);
+[[nodiscard]] QByteArray pptxNotesRelations(int number);
 
 /// The name inside the package, for example "ppt/media/image3.jpeg".
 [[nodiscard]] QByteArray pptxMediaName(const PptxDocument& document, int media);

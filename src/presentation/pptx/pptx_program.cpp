@@ -3,6 +3,7 @@
 #include "files/sync.h"
 #include "pictures/picture_info.h"
 #include "presentation/pptx/pptx_writer.h"
+#include "presentation/presentation_name.h"
 #include "store/errors.h"
 
 #include <QCoreApplication>
@@ -175,6 +176,44 @@ void PptxProgram::addPicture(const QString& path, double left, double top, doubl
     slide.shapes.push_back(std::move(picture));
 }
 
+void PptxProgram::announce(const DeckFacts& facts)
+{
+    document_.title = facts.name;
+    document_.language = facts.language;
+}
+
+void PptxProgram::addTitle(double left, double top, double width, double height, double textSize,
+                           const QString& text)
+{
+    addTextBox(left, top, width, height, LongLines::Wrap);
+    PptxShape& shape = currentSlide().shapes.back();
+    shape.title = true;
+    shape.textSize = textSize;
+    shape.text = text;
+}
+
+void PptxProgram::emphasise(int shape, double textSize)
+{
+    shapeAt(shape).framed = true;
+    shapeAt(shape).textSize = textSize;
+}
+
+void PptxProgram::setNotes(const QString& text)
+{
+    currentSlide().notes = text;
+}
+
+void PptxProgram::setAdvance(int seconds)
+{
+    currentSlide().advance = seconds;
+}
+
+QSizeF PptxProgram::pictureSize(const QString& path)
+{
+    const PptxMedia& media = document_.media[size_t(mediaFor(path)) - 1];
+    return {double(media.width) / double(emuPerPoint), double(media.height) / double(emuPerPoint)};
+}
+
 void PptxProgram::scaleHeight(int shape, double factor)
 {
     PptxShape& target = shapeAt(shape);
@@ -200,7 +239,7 @@ void PptxProgram::showSlide(int index)
 
 QString PptxProgram::giveFinalName()
 {
-    const QString name = document_.title;
+    const QString name = FileNameOf(document_.title);
     for (int copy = 1; copy <= 1000; ++copy) {
         const QString path = folder_ + u'/' + name +
                              (copy == 1 ? QString() : QStringLiteral(" (%1)").arg(copy)) +
@@ -222,7 +261,9 @@ void PptxProgram::finish()
         return;
     }
     const QDateTime time = now();
-    document_.title = QStringLiteral("Varnholt ") + time.toString(u"yyyy-MM-dd HH.mm");
+    if (document_.title.isEmpty()) {
+        document_.title = QStringLiteral("Varnholt ") + time.toString(u"yyyy-MM-dd HH.mm");
+    }
     writePptx(partPath_, document_, time, settings_.keepGoing);
     writtenPath_ = giveFinalName();
     const bool opened = !settings_.open || settings_.open(writtenPath_);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "presentation/pptx/pptx_document.h"
+#include "presentation/presentation_extras.h"
 #include "presentation/presentation_program.h"
 #include "store/services.h"
 
@@ -26,14 +27,15 @@ struct PptxSettings
 };
 
 /// The back end that needs no presentation program: a document in memory which `finish`
-/// writes as "Varnholt <date> <time>.pptx", under a temporary name until it is whole, and
-/// opens. A presentation without slides is not written.
-class PptxProgram final : public PresentationProgram
+/// writes as "<name>.pptx", or "Varnholt <date> <time>.pptx" where it has no name, under a
+/// temporary name until it is whole, and opens. A presentation without slides is not written.
+class PptxProgram final : public PresentationProgram, private PresentationExtras
 {
 public:
     explicit PptxProgram(PptxSettings settings);
     ~PptxProgram() override;
 
+    [[nodiscard]] PresentationExtras* extras() override { return this; }
     /// Throws when nothing can be written to the folder, before any work is done.
     void addPresentation() override;
     void setVisible() override;
@@ -54,6 +56,14 @@ public:
     [[nodiscard]] QString writtenPath() const { return writtenPath_; }
 
 private:
+    void announce(const DeckFacts& facts) override;
+    void addTitle(double left, double top, double width, double height, double textSize,
+                  const QString& text) override;
+    void emphasise(int shape, double textSize) override;
+    void setNotes(const QString& text) override;
+    void setAdvance(int seconds) override;
+    [[nodiscard]] QSizeF pictureSize(const QString& path) override;
+
     PptxSlide& currentSlide();
     PptxShape& shapeAt(int shape);
     int mediaFor(const QString& path);

@@ -17,16 +17,31 @@ void writePptx(const QString& path, const PptxDocument& document, const QDateTim
     archive.add("docProps/app.xml", pptxAppProperties(document));
     archive.add("ppt/presentation.xml", pptxPresentation(document));
     archive.add("ppt/_rels/presentation.xml.rels", pptxPresentationRelations(document));
-    archive.add("ppt/slideMasters/slideMaster1.xml", pptxMaster());
-    archive.add("ppt/slideMasters/_rels/slideMaster1.xml.rels", pptxMasterRelations());
+    archive.add("ppt/slideMasters/slideMaster1.xml", pptxMaster(document));
+    archive.add("ppt/slideMasters/_rels/slideMaster1.xml.rels", pptxMasterRelations(document));
     archive.add("ppt/slideLayouts/slideLayout1.xml", pptxBlankLayout());
     archive.add("ppt/slideLayouts/_rels/slideLayout1.xml.rels", pptxBlankLayoutRelations());
     archive.add("ppt/theme/theme1.xml", pptxTheme());
+    if (document.hasTitles()) {
+        archive.add("ppt/slideLayouts/slideLayout2.xml", pptxTitleLayout());
+        archive.add("ppt/slideLayouts/_rels/slideLayout2.xml.rels", pptxBlankLayoutRelations());
+    }
+    if (document.hasNotes()) {
+        archive.add("ppt/notesMasters/notesMaster1.xml", pptxNotesMaster());
+        archive.add("ppt/notesMasters/_rels/notesMaster1.xml.rels", pptxNotesMasterRelations());
+        archive.add("ppt/theme/theme2.xml", pptxTheme());
+    }
     int number = 0;
     for (const PptxSlide& slide : document.slides) {
         const QByteArray name = "slide" + QByteArray::number(++number) + ".xml";
-        archive.add("ppt/slides/" + name, pptxSlide(slide));
-        archive.add("ppt/slides/_rels/" + name + ".rels", pptxSlideRelations(document, slide));
+        archive.add("ppt/slides/" + name, pptxSlide(document, slide));
+        archive.add("ppt/slides/_rels/" + name + ".rels",
+                    pptxSlideRelations(document, slide, number));
+        if (!slide.notes.isEmpty()) {
+            const QByteArray notes = "notesSlide" + QByteArray::number(number) + ".xml";
+            archive.add("ppt/notesSlides/" + notes, pptxNotes(document, slide));
+            archive.add("ppt/notesSlides/_rels/" + notes + ".rels", pptxNotesRelations(number));
+        }
     }
     for (int media = 1; media <= int(document.media.size()); ++media) {
         const PptxMedia& picture = document.media[size_t(media) - 1];
