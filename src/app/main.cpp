@@ -69,6 +69,11 @@ bool asksForWords(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+#ifdef Q_OS_WIN
+    // Compiled regular expressions keep a stack for each thread, and MinGW takes its place away
+    // before it is freed: a thread that used one could crash the program by ending.
+    qputenv("QT_ENABLE_REGEXP_JIT", "0");
+#endif
     // These answers need no display.
     if (argc > 1 && asksForWords(argc, argv)) {
         const QCoreApplication application(argc, argv);

@@ -3,6 +3,8 @@
 #include "presentation/powerpoint/powerpoint_document.h"
 #include "presentation/presentation_program.h"
 
+#include <QCoreApplication>
+
 #include <objbase.h>
 
 #include <thread>
@@ -11,6 +13,12 @@ namespace varnholt {
 
 namespace {
 
+/// For the translator.
+class Words
+{
+    Q_DECLARE_TR_FUNCTIONS(Presentation)
+};
+
 constexpr int farewellMs = 3000;
 constexpr std::chrono::milliseconds betweenTries(50);
 
@@ -18,15 +26,14 @@ constexpr std::chrono::milliseconds betweenTries(50);
 [[noreturn]] void raise(const automation::Failure& failure, const QString& reporter)
 {
     if (failure.isGone()) {
-        throw ProgramGone(QStringLiteral("PowerPoint, or the presentation in it, was closed."));
+        throw ProgramGone(Words::tr("PowerPoint, or the presentation in it, was closed."));
     }
     if (failure.isBusy()) {
-        throw ProgramGone(
-            QStringLiteral("PowerPoint is busy. Please look whether one of its windows waits for "
-                           "an answer, and try again."));
+        throw ProgramGone(Words::tr("PowerPoint is busy. Please look whether one of its windows "
+                                    "waits for an answer, and try again."));
     }
-    throw Error(QStringLiteral("%1 reported: %2")
-                    .arg(reporter, QString::fromStdWString(failure.description())));
+    throw Error(
+        Words::tr("%1 reported: %2").arg(reporter, QString::fromStdWString(failure.description())));
 }
 
 } // namespace
