@@ -147,7 +147,7 @@ Drawn draw(const QStringList& rows, bool scanned)
         if (whole.isEmpty()) {
             continue;
         }
-        result.ink.emplace(rows[row][0].toLatin1(), whole);
+        result.ink.emplace(rows[row][0].toLatin1(), whole.adjusted(1, 1, -1, -1));
         if (!scanned) {
             result.seen.starts.push_back({text.trimmed().left(16), whole});
         }
@@ -192,6 +192,9 @@ TEST(SuggestedFrames, HoldOneWholeQuestionEach)
              {"a picture and a heading",
               {rows("a|1. aaa aaaaa/a|   ####/a|   ####/a|   aaa//b|2. bbbb/b|   bbb//-|Section "
                     "B//c|3. ccc/c|   ccccc")},
+              false},
+             {"a picture that touches the next question",
+              {rows("a|1. aaa aaaaa/a|   ####/b|2. bbbb bbbbbb/b|bbb")},
               false},
              {"numbers alone",
               {rows("a|8   aaa aaaa/a|    (a) aa//b|9   bbbb/b|    bbb//c|10  cccc/c|    cc//d|11  "
