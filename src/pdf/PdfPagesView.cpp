@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QPainter>
 #include <QScrollBar>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>

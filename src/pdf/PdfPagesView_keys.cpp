@@ -3,10 +3,12 @@
 #include "pdf/PdfReader.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QMouseEvent>
 #include <QScrollBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace varnholt {
 
