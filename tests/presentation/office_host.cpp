@@ -30,14 +30,6 @@ Function Presentation()
   Loop
 End Function
 
-Function Notes(page)
-  Dim k, s
-  For k = 0 To page.NotesPage.Count - 1
-    s = page.NotesPage.getByIndex(k)
-    If s.supportsService("com.sun.star.presentation.NotesShape") Then Notes = s.String
-  Next k
-End Function
-
 REM One line for the document, then one for each slide and each shape.
 Function Dump
   Dim doc, page, s, i, k, text
@@ -48,7 +40,7 @@ Function Dump
   For i = 0 To doc.DrawPages.Count - 1
     page = doc.DrawPages.getByIndex(i)
     text = text & "slide;" & page.Width & ";" & page.Height & ";" & page.Layout & ";" & _
-      page.Change & ";" & page.Duration * page.Change & ";" & Notes(page) & Chr(10)
+      page.Change & ";" & page.Duration * page.Change & ";" & page.NotesPage.getByIndex(1).String & Chr(10)
     For k = 0 To page.Count - 1
       s = page.getByIndex(k)
       text = text & "shape;" & s.Position.X & ";" & s.Position.Y & ";" & s.Size.Width & ";" & _

@@ -21,7 +21,6 @@
 #include <com/sun/star/graphic/GraphicProvider.hpp>
 #include <com/sun/star/graphic/GraphicType.hpp>
 #include <com/sun/star/lang/DisposedException.hpp>
-#include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/presentation/XPresentationPage.hpp>
 #include <com/sun/star/style/ParagraphAdjust.hpp>
 #include <com/sun/star/text/XText.hpp>
@@ -246,13 +245,9 @@ void ImpressDocument::setNotes(const QString& text)
 {
     const Reference<css::drawing::XDrawPage> notes =
         Reference<css::presentation::XPresentationPage>(page_, UNO_QUERY_THROW)->getNotesPage();
-    for (sal_Int32 i = 0; i < notes->getCount(); ++i) {
-        const Reference<css::lang::XServiceInfo> shape(notes->getByIndex(i), UNO_QUERY_THROW);
-        if (shape->supportsService("com.sun.star.presentation.NotesShape")) {
-            Reference<css::text::XText>(shape, UNO_QUERY_THROW)
-                ->setString(toUno(slideParagraphs(text).join(u'\n')));
-        }
-    }
+    // The slide's image comes first, the text second.
+    Reference<css::text::XText>(notes->getByIndex(1), UNO_QUERY_THROW)
+        ->setString(toUno(slideParagraphs(text).join(u'\n')));
 }
 
 void ImpressDocument::setAdvance(int seconds)
