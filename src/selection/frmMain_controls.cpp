@@ -139,15 +139,21 @@ void frmMain::buildControls()
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(fraAssessment, 0, 0, 1, 3);
-    grid->addWidget(fraTopics, 1, 0, 7, 1);
-    grid->addWidget(fraSubtopics, 1, 1, 6, 1);
-    grid->addWidget(fraRecent_, 7, 1);
-    grid->addWidget(fraSelect, 1, 2);
-    grid->addWidget(fraIncludeTopic, 2, 2);
-    grid->addWidget(fraAnswerKey, 3, 2);
-    grid->addWidget(fraOrder, 4, 2);
-    grid->addWidget(fraMore_, 5, 2);
-    grid->setRowStretch(6, 1);
+    // Columns of their own: the last tests take room from the list above them, not from the window.
+    auto* subtopicColumn = new QVBoxLayout;
+    subtopicColumn->addWidget(fraSubtopics, 1);
+    subtopicColumn->addWidget(fraRecent_);
+    auto* orderColumn = new QVBoxLayout;
+    for (QWidget* group : {static_cast<QWidget*>(fraSelect), static_cast<QWidget*>(fraIncludeTopic),
+                           static_cast<QWidget*>(fraAnswerKey), static_cast<QWidget*>(fraOrder),
+                           static_cast<QWidget*>(fraMore_)}) {
+        orderColumn->addWidget(group);
+    }
+    orderColumn->addStretch(1);
+    grid->addWidget(fraTopics, 1, 0);
+    grid->addLayout(subtopicColumn, 1, 1);
+    grid->addLayout(orderColumn, 1, 2);
+    grid->setRowStretch(1, 1);
     grid->setColumnStretch(0, 3);
     grid->setColumnStretch(1, 3);
     grid->setColumnStretch(2, 1);
