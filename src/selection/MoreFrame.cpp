@@ -49,6 +49,10 @@ MoreFrame::MoreFrame(QWidget* parent)
     lblSlides_->hide();
 
     auto* grid = new QGridLayout(this);
+    // Close together: with both sentences the column must fit a screen of 768 lines.
+    const QMargins usual = grid->contentsMargins();
+    grid->setContentsMargins(usual.left(), 4, usual.right(), 4);
+    grid->setVerticalSpacing(4);
     grid->addWidget(lblClass, 0, 0);
     grid->addWidget(cboClass_, 0, 1);
     grid->addWidget(lblDraw, 1, 0);

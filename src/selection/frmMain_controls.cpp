@@ -144,6 +144,7 @@ void frmMain::buildControls()
     subtopicColumn->addWidget(fraSubtopics, 1);
     subtopicColumn->addWidget(fraRecent_);
     auto* orderColumn = new QVBoxLayout;
+    orderColumn->setSpacing(3);
     for (QWidget* group : {static_cast<QWidget*>(fraSelect), static_cast<QWidget*>(fraIncludeTopic),
                            static_cast<QWidget*>(fraAnswerKey), static_cast<QWidget*>(fraOrder),
                            static_cast<QWidget*>(fraMore_)}) {
