@@ -4,6 +4,7 @@
 #include "pictures/picture_files.h"
 #include "presentation/presentation_name.h"
 #include "selection/question_draw.h"
+#include "selection/test_record.h"
 #include "store/catalogue.h"
 #include "store/errors.h"
 #include "store/services.h"
@@ -118,7 +119,7 @@ BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& s
                      [&](const QuestionRecord& question) {
                          return FindPictureFile(services.programFolder, question.PictureIndex);
                      },
-                     options.wishes, options.name});
+                     options.wishes, NameOfTest(state, draw)});
 }
 
 BuildOutcome RunBuild(QWidget* window, Services& services, const BuildInput& unnamed)

@@ -16,14 +16,13 @@ struct SlideOptions
     bool topicLine = true;
     bool answerKey = true;
     SlideWishes wishes{};
-    /// What the presentation is called after: the assessment or the test. The date is added.
-    QString name{};
 };
 
 /// Builds the presentation of the marked questions of a draw with a busy pointer and,
 /// on long builds, a progress bar over `window`. When all that has gone the user is told what
 /// there is to tell, so the caller says nothing more; the slides built until then stay open.
-/// Throws nothing that the build threw.
+/// The presentation is called as the test is at first (`NameOfTest`), so that it is the same again
+/// when that is made again. Throws nothing that the build threw.
 BuildOutcome RunBuild(QWidget* window, Services& services, const ProgramState& state,
                       const Draw& draw, const SlideOptions& options);
 /// The same of a pool whose topics and pictures the caller knows. The date is added to its name.

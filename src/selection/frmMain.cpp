@@ -144,8 +144,7 @@ void frmMain::UpdateSelectionCounts()
 void frmMain::cmdCreate_Click()
 {
     const SlideOptions options{optTopicYes_->isChecked(), optKeyYes_->isChecked(),
-                               LoadSlideWishes(services_.programFolder),
-                               cboAssessment_->currentText()};
+                               LoadSlideWishes(services_.programFolder)};
     drawFor([this, options](QWidget* over, const Draw& draw) {
         return buildSlides(over, draw, options);
     });
