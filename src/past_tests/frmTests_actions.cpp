@@ -92,9 +92,9 @@ void frmTests::cmdChange_Click()
         };
         const auto build = [this, test, newTest](QWidget* over, const Draw& judged) {
             TestRecord record(library_, newTest(judged));
-            const BuildOutcome outcome = RunBuild(
-                over, services_, state_, judged,
-                {test.options.topicLine, test.options.answerKey, test.options.slides, test.name});
+            const BuildOutcome outcome =
+                RunBuild(over, services_, state_, judged,
+                         {test.options.topicLine, test.options.answerKey, test.options.slides});
             FinishTest(services_, record, outcome);
             return outcome;
         };

@@ -110,7 +110,8 @@ void paintAnswers(QPainter& painter, const QSizeF& size, const PupilsView& view)
     const QSizeF cell((size.width() - gap) / used - gap, (size.height() - title - 3 * gap) / rows);
     int index = 0;
     for (const PupilsView::Answer& answer : view.answers) {
-        const QRectF row(gap + (cell.width() + gap) * (index / rows),
+        const int column = index / rows;
+        const QRectF row(gap + (cell.width() + gap) * column,
                          title + 2 * gap + cell.height() * (index % rows), cell.width(),
                          cell.height());
         ++index;
