@@ -13,6 +13,22 @@ Item useItem(std::int64_t useId)
     return {ItemKind::Use, static_cast<std::int32_t>(useId)};
 }
 
+/// `statement` takes the test, the position and what stands there.
+void writeItems(Connection& connection, const char* statement, std::int32_t testId,
+                const std::vector<TestItem>& items)
+{
+    Statement write(connection, statement);
+    write.bind(1, std::int64_t{testId});
+    for (const TestItem& item : items) {
+        write.bind(2, std::int64_t{item.position})
+            .bind(3, std::int64_t{item.SOLIndex})
+            .bind(4, item.answer)
+            .bind(5, item.topicText)
+            .bindBlob(6, item.pictureSha)
+            .run();
+    }
+}
+
 } // namespace
 
 UseBook Library::useBook(std::int32_t assessmentNum)
@@ -89,16 +105,7 @@ std::int32_t Library::insertTest(const NewTest& test, TestKind kind)
         .next();
     const auto key = static_cast<std::int32_t>(insert.integer(0));
     insert.reset();
-    Statement insertItem(connection_, sql::InsertTestItem);
-    insertItem.bind(1, std::int64_t{key});
-    for (const TestItem& item : test.items) {
-        insertItem.bind(2, std::int64_t{item.position})
-            .bind(3, std::int64_t{item.SOLIndex})
-            .bind(4, item.answer)
-            .bind(5, item.topicText)
-            .bindBlob(6, item.pictureSha)
-            .run();
-    }
+    writeItems(connection_, sql::InsertTestItem, key, test.items);
     change.add({ItemKind::Test, key});
     change.commitUnrecorded();
     return key;
@@ -165,16 +172,7 @@ void Library::setTestItems(std::int32_t testId, const std::vector<TestItem>& ite
 {
     requireFeatures();
     Change change(*this);
-    Statement update(connection_, sql::UpdateTestItem);
-    update.bind(1, std::int64_t{testId});
-    for (const TestItem& item : items) {
-        update.bind(2, std::int64_t{item.position})
-            .bind(3, std::int64_t{item.SOLIndex})
-            .bind(4, item.answer)
-            .bind(5, item.topicText)
-            .bindBlob(6, item.pictureSha)
-            .run();
-    }
+    writeItems(connection_, sql::UpdateTestItem, testId, items);
     change.add({ItemKind::Test, testId});
     change.commitUnrecorded();
 }
