@@ -168,7 +168,7 @@ TEST_F(FromPdf, AReaderThatDiesTalksNonsenseOrHangsDoesNoHarm)
         EXPECT_THROW(reader.open(paper(1), {}, goOn), Error);
     }
     EXPECT_THROW(PdfReader(u"/nothing"_s).open(paper(1), {}, goOn), Error);
-    PdfReader hanging(script("sleep 100"));
+    PdfReader hanging(script("exec sleep 100"));
     int asked = 0;
     EXPECT_THROW(hanging.open(paper(1), {}, [&] { return ++asked < 3; }), Cancelled);
     // One that dies at each second request is started again for the next.
