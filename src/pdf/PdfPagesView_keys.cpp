@@ -1,6 +1,7 @@
 // Frames on the pages by mouse and keys.
 #include "pdf/PdfPagesView.h"
 #include "pdf/PdfReader.h"
+#include "toolkit/latin_key.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -293,7 +294,7 @@ void PdfPagesView::keyPressEvent(QKeyEvent* event)
         return;
     }
     const bool control = event->modifiers() & Qt::ControlModifier;
-    switch (event->key()) {
+    switch (LatinKey(*event)) {
     case Qt::Key_PageDown:
         return turnPage(1);
     case Qt::Key_PageUp:

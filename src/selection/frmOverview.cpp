@@ -2,6 +2,7 @@
 
 #include "toolkit/HintLabel.h"
 #include "toolkit/controls.h"
+#include "toolkit/latin_key.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -78,7 +79,7 @@ void frmOverview::cmdSwap_Click()
 
 void frmOverview::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_S && event->modifiers() == Qt::NoModifier &&
+    if (LatinKey(*event) == Qt::Key_S && event->modifiers() == Qt::NoModifier &&
         !event->isAutoRepeat() && cmdSwap_->isEnabled()) {
         cmdSwap_Click();
         return;

@@ -69,6 +69,8 @@ struct PupilsView
     std::optional<ClockFace> clock;
     /// What of the picture is to be seen, as parts of its width and height; null for all of it.
     QRectF zoom;
+    /// Words for the teacher where this window is hers as well; else empty.
+    QString note;
 
     friend bool operator==(const PupilsView&, const PupilsView&) = default;
 };

@@ -44,7 +44,7 @@ QString ShowView::pictureDescription() const
     if (view_.cover != PupilsView::Cover::None) {
         text = tr("The screen is covered.");
     }
-    return QStringLiteral("%1 %2").arg(text, view_.answer).trimmed();
+    return QStringLiteral("%1 %2 %3").arg(text, view_.answer, view_.note).simplified();
 }
 
 QSize ShowView::minimumSizeHint() const

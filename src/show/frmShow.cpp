@@ -7,6 +7,7 @@
 #include "show/ShowView.h"
 #include "show/show_keys.h"
 #include "store/services.h"
+#include "toolkit/latin_key.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -110,8 +111,13 @@ void frmShow::cmdScreens_Click()
 
 void frmShow::refresh()
 {
-    const PupilsView view = show_.pupilsView();
-    pupils_->setView(view, pictures_.find(view.picture).picture);
+    PupilsView view = show_.pupilsView();
+    const ShowPictures::Loaded picture = pictures_.find(view.picture);
+    const bool covered = view.cover != PupilsView::Cover::None;
+    if (!isVisible() && (!covered || !show_.typed().isEmpty())) {
+        view.note = note(picture);
+    }
+    pupils_->setView(view, picture.picture);
     if (pupils_->isVisible()) {
         pupils_->repaint();
     }
@@ -187,10 +193,25 @@ QString frmShow::note(const ShowPictures::Loaded& picture) const
     case Show::Note::None:
         break;
     }
-    if (picture.fault != PictureFault::None) {
-        const QString fault = tr("The picture file is missing from this picture.  Please delete "
-                                 "this question.");
-        return show_.canSwap() ? fault + u' ' + tr("S puts another one in its place.") : fault;
+    const QString fault = faultWords(picture.fault);
+    return !fault.isEmpty() && show_.canSwap()
+               ? fault + u' ' + tr("S puts another one in its place.")
+               : fault;
+}
+
+QString frmShow::faultWords(PictureFault fault)
+{
+    switch (fault) {
+    case PictureFault::None:
+        break;
+    case PictureFault::Missing:
+        return tr("The picture file is missing from this picture.  Please delete this question.");
+    case PictureFault::Unreadable:
+        return tr("The picture file of this question is there, but cannot be read.");
+    case PictureFault::Damaged:
+        return tr("The picture file of this question is damaged or is not a picture.");
+    case PictureFault::TooLarge:
+        return tr("The picture of this question is too large to be shown.");
     }
     return {};
 }
@@ -201,7 +222,7 @@ void frmShow::press(QKeyEvent* event)
     if (event->isAutoRepeat()) {
         return;
     }
-    switch (PressShowKey(show_, event->key(), event->modifiers())) {
+    switch (PressShowKey(show_, LatinKey(*event), event->modifiers())) {
     case ShowKey::Unknown:
         event->ignore();
         break;

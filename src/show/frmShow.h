@@ -21,8 +21,8 @@ struct Services;
 
 /// Shows a test in class: the pupils' window on the second screen and this one, the teacher's, with
 /// the answer, what comes next and the buttons, on the first. With one screen the pupils' window
-/// stands alone and takes all keys. Where a screen goes in the middle of a show this window takes
-/// over, and when it comes back the pupils' window returns to it.
+/// stands alone, takes all keys and says what they wait for. Where a screen goes in the middle of a
+/// show this window takes over, and when it comes back the pupils' window returns to it.
 class frmShow : public QWidget
 {
     Q_OBJECT
@@ -71,6 +71,7 @@ private:
     void showTeacher();
     void showButtons();
     [[nodiscard]] QString note(const ShowPictures::Loaded& picture) const;
+    [[nodiscard]] static QString faultWords(PictureFault fault);
     void restPointer();
 
     Services& services_;

@@ -24,6 +24,7 @@ constexpr qreal margin = 0.012;
 
 const QColor ink(Qt::black);
 const QColor lastSecondsColour(0xc6, 0x10, 0x10);
+const QColor noteColour(0xff, 0xf4, 0xc2);
 
 QFont sized(QFont font, qreal pixels, bool bold = false)
 {
@@ -96,6 +97,43 @@ void paintPicture(QPainter& painter, const QSizeF& size, const PupilsView& view,
     painter.restore();
 }
 
+/// At the foot, and as far up as the picture leaves room.
+void paintAnswer(QPainter& painter, const QSizeF& size, const PupilsView& view,
+                 const ShowPicture& picture)
+{
+    if (view.answer.isEmpty()) {
+        return;
+    }
+    const qreal gap = size.height() * margin;
+    const qreal least = size.height() * answerBelow;
+    const qreal above = view.zoom.isNull() && !picture.whole.isNull()
+                            ? PupilsPictureRect(size, picture.whole.size(), {}).bottom()
+                            : size.height() - least;
+    const QRectF room = QRectF(QPointF(0, above), QPointF(size.width(), size.height()))
+                            .adjusted(gap, gap / 2, -gap, -gap / 2);
+    painter.setPen(ink);
+    painter.setFont(sized(painter.font(), 1, true));
+    DrawFittedText(painter, room, Qt::AlignHCenter | Qt::AlignVCenter, view.answer,
+                   {std::min(room.height(), least * 1.4) * 0.7, least * 0.28});
+}
+
+/// On a plate at the foot of the picture's room, over whatever is there.
+void paintNote(QPainter& painter, const QSizeF& size, const QString& note)
+{
+    const QRectF room = PupilsPictureRoom(size);
+    const qreal margins = size.height() * margin;
+    painter.setFont(sized(painter.font(), size.height() * 0.035));
+    const QRectF words = QFontMetricsF(painter.font())
+                             .boundingRect(room.adjusted(2 * margins, 0, -2 * margins, 0),
+                                           Qt::AlignHCenter | Qt::TextWordWrap, note);
+    QRectF plate = words.adjusted(-margins, -margins, margins, margins);
+    plate.moveBottom(room.bottom());
+    painter.setPen(ink);
+    painter.setBrush(noteColour);
+    painter.drawRect(plate);
+    painter.drawText(plate, Qt::AlignCenter | Qt::TextWordWrap, note);
+}
+
 void paintAnswers(QPainter& painter, const QSizeF& size, const PupilsView& view)
 {
     constexpr int columns = 2;
@@ -159,26 +197,18 @@ void PaintPupilsView(QPainter& painter, const QSizeF& size, const PupilsView& vi
 {
     const bool black = view.cover == PupilsView::Cover::Black;
     painter.fillRect(QRectF({}, size), black ? Qt::black : Qt::white);
-    if (view.cover != PupilsView::Cover::None) {
-        return;
-    }
     painter.setRenderHint(QPainter::Antialiasing);
-    if (view.number == 0) {
-        paintAnswers(painter, size, view);
-        return;
+    if (view.cover == PupilsView::Cover::None) {
+        if (view.number == 0) {
+            paintAnswers(painter, size, view);
+        } else {
+            paintLineAbove(painter, size, view);
+            paintPicture(painter, size, view, picture);
+            paintAnswer(painter, size, view, picture);
+        }
     }
-    paintLineAbove(painter, size, view);
-    paintPicture(painter, size, view, picture);
-    if (!view.answer.isEmpty()) {
-        const qreal gap = size.height() * margin;
-        const qreal height = size.height() * answerBelow;
-        painter.setPen(ink);
-        painter.setFont(sized(painter.font(), 1, true));
-        DrawFittedText(painter,
-                       QRectF(0, size.height() - height, size.width(), height)
-                           .adjusted(gap, gap / 2, -gap, -gap / 2),
-                       Qt::AlignHCenter | Qt::AlignVCenter, view.answer,
-                       {height * 0.68, height * 0.28});
+    if (!view.note.isEmpty()) {
+        paintNote(painter, size, view.note);
     }
 }
 

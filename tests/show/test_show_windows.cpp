@@ -229,6 +229,61 @@ TEST_F(ShowWindows, TheWindowsFollowTheScreens)
     });
 }
 
+TEST_F(ShowWindows, WhereThePupilsWindowStandsAloneItSaysWhatTheTeacherMustKnow)
+{
+    QFile(library.picturePath(2)).resize(700);
+    QFile::remove(library.picturePath(3));
+    const QString first = u"Question 1. Topic"_s;
+    const QString covered = u"The screen is covered."_s;
+    struct Row
+    {
+        std::vector<int> keys;
+        QString seen;
+        QString said;
+    };
+    const Row rows[] = {
+        {{Qt::Key_1}, first, u"Few knew it. (Enter goes to question 1 instead.)"_s},
+        {{Qt::Key_2}, first, u"Enter goes to question 12."_s},
+        {{Qt::Key_Return}, first, u"There is no question of that number."_s},
+        {{Qt::Key_B}, covered, {}},
+        {{Qt::Key_9}, covered, u"Enter goes to question 9."_s},
+        {{Qt::Key_Home}, first, {}},
+        {{Qt::Key_2, Qt::Key_Return},
+         u"Question 2. Topic"_s,
+         u"The picture file of this question is damaged or is not a picture. S puts another one in "
+         "its place."_s},
+        {{Qt::Key_B}, covered, {}},
+        {{Qt::Key_End},
+         u"Question 3. Topic"_s,
+         u"The picture file is missing from this picture.  Please delete this question. S puts "
+         "another one in its place."_s},
+        {{Qt::Key_Space}, u"Question 3. Topic"_s, u"That was the last one. Esc ends the show."_s},
+        {{Qt::Key_S}, u"Question 3. Topic"_s, {}}};
+    const auto check = [&](frmShow& window) {
+        settle(window);
+        const bool alone = !window.isVisible();
+        for (const auto& [keys, seen, said] : rows) {
+            for (const int key : keys) {
+                QTest::keyClick(&pupils(window), static_cast<Qt::Key>(key));
+            }
+            const QString all = alone ? seen + u' ' + said : seen;
+            EXPECT_TRUE(QTest::qWaitFor([&] {
+                return pupils(window).pictureDescription() == all.simplified();
+            })) << qPrintable(pupils(window).pictureDescription() + u" is not "_s + all);
+        }
+        // The letters of other scripts are the keys that lie there.
+        QKeyEvent greek(QEvent::KeyPress, 0x391, Qt::NoModifier, 38, 'A', 0, u"α"_s);
+        QApplication::sendEvent(&pupils(window), &greek);
+        EXPECT_TRUE(pupils(window).pictureDescription().endsWith(u" A"_s));
+        QTest::keyClick(&pupils(window), Qt::Key_Home);
+    };
+    ShowTest test = makeTest(3);
+    test.spares.resize(1);
+    show(test, check);
+    desktop.list.pop_back();
+    show(test, check);
+}
+
 TEST_F(ShowWindows, AFrameOrTheWheelLooksCloserAndButtonsDoWhatTheirKeysDo)
 {
     show(makeTest(3), [&](frmShow& window) {
