@@ -1,11 +1,12 @@
 #include "presentation/deck.h"
 
 #include "presentation/slide_builder.h"
+#include "presentation/slide_space.h"
+#include "presentation/slide_text.h"
 
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <cmath>
 
 namespace varnholt {
 
@@ -20,14 +21,11 @@ class Words
 constexpr int answersPerSlide = 25;
 constexpr double answerLineHeight = 20;
 
-constexpr double slideWidth = 960;
+constexpr double columnTextSize = 18;
 constexpr double firstColumnLine = 44;
 constexpr double columnLineHeight = 24;
-constexpr int linesInColumn = 20;
+constexpr std::size_t linesInColumn = 20;
 constexpr int mostColumns = 6;
-/// A guess on the generous side for text of 18 points: nobody here knows the fonts.
-constexpr double characterWidth = 10.5;
-constexpr double columnMargins = 18;
 
 DeckSlide keySlide(const QString& heading)
 {
@@ -116,39 +114,47 @@ private:
 
     void addKeyInColumns()
     {
-        std::vector<KeyLine> lines;
-        double widest = 0;
-        int number = 0;
+        QStringList answers;
+        double widest = 1;
         for (const DrawnQuestion& record : input_.drawPool) {
             if (record.Selected) {
-                lines.emplace_back().text = keyText(++number, record.Answer);
-                widest = std::max(widest, characterWidth * double(lines.back().text.size()));
+                const QStringList lines =
+                    slideParagraphs(keyText(static_cast<int>(answers.size()) + 1, record.Answer));
+                for (const QString& line : lines) {
+                    widest = std::max(widest, GuessedWidth(line, columnTextSize));
+                }
+                answers.append(lines.join(u'\n'));
             }
         }
-        const int columns = std::clamp(int(slideWidth / (widest + columnMargins)), 1, mostColumns);
+        const int columns = std::clamp(int(slideWidth / (widest + boxMargins)), 1, mostColumns);
         const double width = slideWidth / columns;
         deck_.slides.push_back(keySlide(Words::tr("Answer Key")));
         int page = 1;
         int column = 0;
-        int row = 0;
-        for (KeyLine& line : lines) {
-            const double needed = characterWidth * double(line.text.size());
-            const int rows =
-                std::clamp(int(std::ceil(needed / (width - columnMargins))), 1, linesInColumn);
-            if (row + rows > linesInColumn) {
-                row = 0;
-                if (++column == columns) {
-                    column = 0;
-                    deck_.slides.push_back(keySlide(continued(++page)));
+        std::size_t row = 0;
+        for (const QString& answer : answers) {
+            const std::vector<QStringView> lines = GuessedLines(answer, columnTextSize, width);
+            // What is longer than a column goes on in the next one.
+            for (std::size_t first = 0; first < lines.size(); first += linesInColumn) {
+                const std::size_t rows = std::min(lines.size() - first, linesInColumn);
+                if (row + rows > linesInColumn) {
+                    row = 0;
+                    if (++column == columns) {
+                        column = 0;
+                        deck_.slides.push_back(keySlide(continued(++page)));
+                    }
                 }
+                KeyLine& line = deck_.slides.back().lines.emplace_back();
+                line.text = QStringView(lines[first].begin(), lines[first + rows - 1].end())
+                                .trimmed()
+                                .toString();
+                line.left = column * width;
+                line.top = firstColumnLine + columnLineHeight * static_cast<double>(row);
+                line.width = width;
+                line.height = columnLineHeight * static_cast<double>(rows);
+                line.wraps = rows > 1;
+                row += rows;
             }
-            line.left = column * width;
-            line.top = firstColumnLine + columnLineHeight * row;
-            line.width = width;
-            line.height = columnLineHeight * rows;
-            line.wraps = rows > 1;
-            row += rows;
-            deck_.slides.back().lines.push_back(std::move(line));
         }
     }
 

@@ -1,5 +1,7 @@
 #include "presentation/deck_build.h"
 #include "presentation/presentation_extras.h"
+#include "presentation/slide_space.h"
+#include "presentation/slide_text.h"
 
 #include "pictures/picture_info.h"
 
@@ -8,8 +10,8 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <cmath>
 #include <optional>
+#include <span>
 
 namespace varnholt {
 
@@ -23,46 +25,49 @@ class Words
 
 // Where pictures may stand, in points.
 constexpr double pictureLeft = 2;
-constexpr double pictureRight = 958;
-constexpr double pictureBottom = 538;
-constexpr double slideWidth = 960;
+constexpr double pictureRight = slideWidth - 2;
+constexpr double pictureBottom = slideHeight - 2;
 /// Pictures larger than that show their pixels.
 constexpr double mostEnlarged = 2;
-
-constexpr double titleSize = 24;
-constexpr double smallTitleSize = 18;
-constexpr qsizetype longTitle = 65;
 /// Between a picture and the answer under it.
 constexpr double gap = 4;
-constexpr double boxMargins = 12;
+
+/// A size of an answer's text, and how high its box may become for it.
+struct AnswerStep
+{
+    double textSize;
+    double highest;
+};
+
+/// As large as the text can be read across a room. A long one is smaller, and then takes more of
+/// the picture's room.
+constexpr AnswerStep answerSteps[] = {{32, 110}, {24, 110}, {18, 110}, {14, 110},
+                                      {14, 200}, {12, 260}, {10, 300}};
+/// Where nothing but the usual size is to be had.
+constexpr AnswerStep plainAnswerStep[] = {{18, 300}};
 
 struct AnswerBox
 {
+    QString text;
     double textSize = 0;
     double height = 0;
 };
 
-/// As large as the text can be read across a room, and smaller for long ones: a guess on the
-/// generous side, since nobody here knows the fonts.
-AnswerBox answerBox(const QString& text)
+/// What no slide could show is cut.
+AnswerBox answerBox(const QString& answer, std::span<const AnswerStep> steps)
 {
-    constexpr double highest = 110;
-    constexpr double widthOfSize = 0.58;
-    constexpr double lineOfSize = 1.2;
+    const QString text = slideParagraphs(answer).join(u'\n');
     AnswerBox box;
-    for (const double size : {32.0, 24.0, 18.0, 14.0}) {
-        double lines = 0;
-        for (const QString& line : text.split(u'\n')) {
-            const double width = double(line.size()) * size * widthOfSize;
-            lines +=
-                std::max(1.0, std::ceil(width / (pictureRight - pictureLeft - 2 * boxMargins)));
-        }
-        box = {size, lines * size * lineOfSize + boxMargins};
-        if (box.height <= highest) {
+    for (const AnswerStep& step : steps) {
+        const auto lines = GuessedLines(text, step.textSize, pictureRight - pictureLeft);
+        box = {text, step.textSize, BoxHeight(lines.size(), step.textSize)};
+        if (box.height <= step.highest) {
             return box;
         }
+        const auto most = std::size_t((step.highest - boxMargins) / (step.textSize * lineOfSize));
+        box.text = text.left(lines[most - 1].end() - 1 - text.cbegin()).trimmed() + u'…';
+        box.height = step.highest;
     }
-    box.height = highest;
     return box;
 }
 
@@ -114,7 +119,8 @@ private:
             // A topic that the class is not to see stays in the picture's description.
             const QString title =
                 deck().topicLine ? longName(slide) : Words::tr("Question %1").arg(slide.number);
-            addTitle(pictureTop_, title.size() > longTitle ? smallTitleSize : titleSize, title);
+            addTitle(pictureTop_, FittingSize(title, {24, 18, 14, 12}, {slideWidth, pictureTop_}),
+                     title);
         } else {
             if (deck().topicLine) {
                 addText({0, 0, 1000, 100}, LongLines::Wrap, slide.topic);
@@ -123,12 +129,16 @@ private:
                     u'#' + QString::number(slide.number));
         }
         const bool answers = slide.kind == DeckSlide::Kind::Answer;
-        const AnswerBox box = answerBox(answerText(slide));
+        const AnswerBox box =
+            answers
+                ? answerBox(answerText(slide),
+                            extras() ? std::span<const AnswerStep>(answerSteps) : plainAnswerStep)
+                : AnswerBox();
         addPicture(slide, answers ? pictureBottom - box.height - gap : pictureBottom, answers);
         if (answers) {
             addText(
                 {pictureLeft, pictureBottom - box.height, pictureRight - pictureLeft, box.height},
-                LongLines::Wrap, answerText(slide));
+                LongLines::Wrap, box.text);
             if (extras()) {
                 extras()->emphasise(shapes_, box.textSize);
             }
@@ -188,7 +198,7 @@ private:
     {
         const bool columns = deck().wishes.keyColumns;
         if (titles_) {
-            addTitle(columns ? 40 : 24, columns ? titleSize : smallTitleSize, slide.heading);
+            addTitle(columns ? 40 : 24, columns ? 24 : 18, slide.heading);
         } else if (!slide.heading.isEmpty()) {
             addText({0, 0, 300, 100}, LongLines::Wrap, slide.heading);
         }
