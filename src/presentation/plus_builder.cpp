@@ -122,11 +122,7 @@ private:
             addTitle(pictureTop_, FittingSize(title, {24, 18, 14, 12}, {slideWidth, pictureTop_}),
                      title);
         } else {
-            if (deck().topicLine) {
-                addText({0, 0, 1000, 100}, LongLines::Wrap, slide.topic);
-            }
-            addText({0, deck().topicLine ? 40.0 : 0.0, 100, 100}, LongLines::Wrap,
-                    u'#' + QString::number(slide.number));
+            addNumber(slide);
         }
         const bool answers = slide.kind == DeckSlide::Kind::Answer;
         const AnswerBox box =
@@ -148,6 +144,28 @@ private:
         }
         if (extras() && deck().wishes.moveOnSeconds > 0) {
             extras()->setAdvance(deck().wishes.moveOnSeconds);
+        }
+    }
+
+    /// Where pictures are to be seen from afar the number is, too: on a plate, with the topic
+    /// beside it.
+    void addNumber(const DeckSlide& slide)
+    {
+        constexpr double textSize = 28;
+        constexpr double plateHeight = 46;
+        const QString number = u'#' + QString::number(slide.number);
+        const bool large = extras() && deck().wishes.fitPictures;
+        const double width = GuessedWidth(number, textSize) + boxMargins;
+        if (deck().topicLine) {
+            const double left = large ? pictureLeft + width + gap : 0;
+            addText({left, large ? 8.0 : 0.0, large ? slideWidth - left : 1000, 100},
+                    LongLines::Wrap, slide.topic);
+        }
+        if (large) {
+            addText({pictureLeft, 2, width, plateHeight}, LongLines::Wrap, number);
+            extras()->emphasise(shapes_, textSize);
+        } else {
+            addText({0, deck().topicLine ? 40.0 : 0.0, 100, 100}, LongLines::Wrap, number);
         }
     }
 

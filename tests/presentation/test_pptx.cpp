@@ -162,6 +162,9 @@ TEST_F(Pptx, EveryWishGivesAPackageThatKeepsTheRules)
             const QString name = PackageReader::slideName(slide);
             EXPECT_EQ(package.values(name, "p:ph"_L1, "type"_L1).join(u' '),
                       on(2) ? u"title"_s : QString());
+            EXPECT_EQ(package.values(name, "a:rPr"_L1, "sz"_L1).contains(u"2800"_s),
+                      on(0) && !on(2))
+                << "the number is large where pictures are";
             EXPECT_EQ(package.values(name, "p:transition"_L1, "advTm"_L1).join(u' '),
                       on(4) ? u"30000"_s : QString());
             const QString described =
