@@ -114,8 +114,8 @@ void frmShow::refresh()
     PupilsView view = show_.pupilsView();
     const ShowPictures::Loaded picture = pictures_.find(view.picture);
     const bool covered = view.cover != PupilsView::Cover::None;
-    if (!isVisible() && (!covered || !show_.typed().isEmpty())) {
-        view.note = note(picture);
+    if (!isVisible()) {
+        view.note = note(covered ? PictureFault::None : picture.fault);
     }
     pupils_->setView(view, picture.picture);
     if (pupils_->isVisible()) {
@@ -142,7 +142,7 @@ void frmShow::showTeacher()
         viewNow_->setView(view, picture.picture);
         showButtons();
         const auto position = show_.position();
-        lblNote_->setText(note(picture));
+        lblNote_->setText(note(picture.fault));
         lblCount_->setText(position
                                ? tr("%1 of %2").arg(*position).arg(show_.questions())
                                : tr("Answers, page %1 of %2").arg(show_.page()).arg(show_.pages()));
@@ -167,7 +167,7 @@ void frmShow::showTeacher()
                               view.cover == PupilsView::Cover::None);
 }
 
-QString frmShow::note(const ShowPictures::Loaded& picture) const
+QString frmShow::note(PictureFault pictureFault) const
 {
     if (const QString& typed = show_.typed(); !typed.isEmpty()) {
         switch (typed.toInt()) {
@@ -193,7 +193,7 @@ QString frmShow::note(const ShowPictures::Loaded& picture) const
     case Show::Note::None:
         break;
     }
-    const QString fault = faultWords(picture.fault);
+    const QString fault = faultWords(pictureFault);
     return !fault.isEmpty() && show_.canSwap()
                ? fault + u' ' + tr("S puts another one in its place.")
                : fault;

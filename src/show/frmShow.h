@@ -70,7 +70,7 @@ private:
     void refresh();
     void showTeacher();
     void showButtons();
-    [[nodiscard]] QString note(const ShowPictures::Loaded& picture) const;
+    [[nodiscard]] QString note(PictureFault pictureFault) const;
     [[nodiscard]] static QString faultWords(PictureFault fault);
     void restPointer();
 
