@@ -83,7 +83,8 @@ double trashMilliseconds()
     return bench::median(times);
 }
 
-/// Recording a test before it is made, and the same rows written by hand in one transaction.
+/// Recording a test with the uses of its questions, and the same rows written by hand in one
+/// transaction.
 double recordRatio()
 {
     constexpr int questions = 100;
@@ -94,17 +95,16 @@ double recordRatio()
         test.items.push_back({i, i, QStringLiteral("A"), QStringLiteral("Topic - Subtopic"),
                               QByteArray(32, static_cast<char>(i))});
     }
-    const std::int32_t first = own.library.beginTest(test);
-    own.library.completeTest(first, TestKind::Slides);
-    peer.library.beginTest(test);
+    own.library.recordTest(test, TestKind::Slides);
+    peer.library.recordTest(test, TestKind::Slides);
     return bench::ratio(
-        41, [&] { own.library.beginTest(test); },
+        41, [&] { own.library.recordTest(test, TestKind::Slides); },
         [&] {
             Connection& connection = peer.library.connection();
             Transaction transaction(connection);
             Statement insertTest(connection, plus_statements::InsertTest);
             insertTest.bind(1, test.name).bind(2, std::int64_t{1}).bind(3, std::int64_t{1});
-            insertTest.bind(4, std::int64_t{1}).bind(5, std::int64_t{0}).bind(6, std::int64_t{1});
+            insertTest.bind(4, std::int64_t{1}).bind(5, std::int64_t{1}).bind(6, std::int64_t{1});
             insertTest.bind(7, test.options.toJson()).next();
             const std::int64_t key = insertTest.integer(0);
             insertTest.reset();
@@ -114,6 +114,10 @@ double recordRatio()
                 insertItem.bind(3, std::int64_t{item.SOLIndex}).bind(4, item.answer);
                 insertItem.bind(5, item.topicText).bindBlob(6, item.pictureSha).run();
             }
+            Statement(connection, plus_statements::InsertTestUses)
+                .bind(1, key)
+                .bind(2, std::int64_t{1})
+                .run();
             transaction.commit();
         });
 }

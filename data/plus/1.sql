@@ -30,7 +30,7 @@ CREATE TABLE PlusClasses (
     Available INTEGER NOT NULL DEFAULT 1
 );
 
--- Kind: 0 not complete, 1 slides, 2 shown, 3 paper, 4 kept for later. Options is a JSON object.
+-- Kind: 1 slides, 2 shown, 3 paper, 4 kept for later; 0 never came to its end. Options is a JSON object.
 CREATE TABLE PlusTests (
     TestID        INTEGER PRIMARY KEY AUTOINCREMENT,
     TestName      TEXT    NOT NULL,

@@ -12,6 +12,7 @@
 #include "many/frmAddMany.h"
 #include "past_tests/frmTests.h"
 #include "selection/frmMain.h"
+#include "selection/paper_run.h"
 #include "store/services.h"
 #include "toolkit/controls.h"
 #include "trash/frmTrash.h"
@@ -27,10 +28,6 @@
 #include <QSettings>
 #include <QToolButton>
 #include <QVBoxLayout>
-
-#ifdef VARNHOLT_PAPER
-#include "paper/frmPaper.h"
-#endif
 
 namespace varnholt {
 
@@ -238,7 +235,7 @@ void frmAssessment::mnuCreate_Click()
     openChild([this] {
         auto* selection = new frmMain(services_, state_, library_);
         connect(selection, &frmMain::testMade, this,
-                [this](const PaperTest& test) { lastTest_ = test; });
+                [this](const DrawnTest& test) { lastTest_ = test; });
         return selection;
     });
 }
@@ -314,9 +311,12 @@ void frmAssessment::mnAbout_Click()
 
 void frmAssessment::mnuPaper_Click()
 {
-#ifdef VARNHOLT_PAPER
+    if (auto* tests = qobject_cast<frmTests*>(child_); tests && tests->hasTest()) {
+        tests->cmdPaper_Click();
+        return;
+    }
     if (lastTest_) {
-        frmPaper(services_, *lastTest_, this).exec();
+        RunPaper(this, services_, library_, *lastTest_);
         return;
     }
     if (auto* selection = qobject_cast<frmMain*>(child_)) {
@@ -328,7 +328,6 @@ void frmAssessment::mnuPaper_Click()
         tr("Print or Save as PDF"),
         tr("No test has been made yet. Choose topics and the number of questions here, then press "
            "\"Print or Save as PDF…\" below \"Create PowerPoint\"."));
-#endif
 }
 
 void frmAssessment::mnuTests_Click()

@@ -4,7 +4,7 @@
 #include "backups/LibraryBackups.h"
 #include "library/Library.h"
 #include "manage/filing_preselection.h"
-#include "paper/paper_test.h"
+#include "selection/paper_draw.h"
 #include "store/modMain.h"
 
 #include <QMainWindow>
@@ -103,7 +103,7 @@ private:
     QLabel* lblEmpty_ = nullptr;
     QPointer<QWidget> child_;
     /// Made last since the program started.
-    std::optional<PaperTest> lastTest_;
+    std::optional<DrawnTest> lastTest_;
     /// Makes the child on show anew.
     Maker childMaker_;
     /// Where the last question since the program started was filed; nothing before the first.

@@ -7,6 +7,8 @@
 #include "store/catalogue.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
+#include "toolkit/OutcomeRow.h"
+#include "toolkit/keys.h"
 
 #include <QCheckBox>
 #include <QDateTime>
@@ -52,6 +54,8 @@ void frmResults::connectControls()
         questions_->showHardOnly(hardOnly);
         tblQuestions_->setCurrentIndex(questions_->index(0, ResultsModel::fixedColumns));
     });
+    connect(outcomes_, &OutcomeRow::noted, this,
+            [this](int outcome) { noteOutcome(static_cast<Outcome>(outcome)); });
     connect(tabs_, &QTabWidget::currentChanged, this, &frmResults::showButtons);
     connect(tblQuestions_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &frmResults::showButtons);
@@ -185,12 +189,10 @@ void frmResults::showButtons()
     const bool ofClass = std::any_of(cells.begin(), cells.end(), [this](const QModelIndex& cell) {
         return cell.column() > ResultsModel::fixedColumns && !cell.data().toString().isEmpty();
     });
-    for (QPushButton* button : outcomeButtons_) {
-        button->setEnabled(features.on && ofClass);
-        button->setToolTip(!features.on ? features.reason
-                           : ofClass    ? tr("Says it of the last use. Press the key in the table.")
-                                     : tr("Choose the cell of a class that has had the question."));
-    }
+    outcomes_->offer(features.on && ofClass,
+                     !features.on ? features.reason
+                     : ofClass    ? tr("Says it of the last use. Press the key in the table.")
+                                  : tr("Choose the cell of a class that has had the question."));
     for (QPushButton* button : {cmdRename_, cmdDelete_}) {
         button->setEnabled(features.on && currentClass());
     }
@@ -210,9 +212,6 @@ void frmResults::cboAssessment_Click()
 
 void frmResults::noteOutcome(Outcome outcome)
 {
-    if (!outcomeButtons_.front()->isEnabled()) {
-        return;
-    }
     const QModelIndexList cells = tblQuestions_->selectionModel()->selectedIndexes();
     tryTo([&] {
         const PastTests past = library_.pastTests();

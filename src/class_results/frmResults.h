@@ -6,9 +6,6 @@
 
 #include <QWidget>
 
-#include <functional>
-#include <vector>
-
 class QCheckBox;
 class QLabel;
 class QPushButton;
@@ -21,6 +18,7 @@ namespace varnholt {
 class ComboBox;
 class HintLabel;
 class Library;
+class OutcomeRow;
 class ResultsModel;
 
 /// How the classes did with the questions of an assessment: which were used when and how many knew
@@ -46,7 +44,6 @@ private:
     [[nodiscard]] QTableView* makeTable(const char* name, const QString& accessibleName,
                                         ResultsModel* model);
     void connectControls();
-    void onKey(QWidget* widget, const QKeySequence& key, const std::function<void()>& action);
 
     void cboAssessment_Click();
     void cmdCsv_Click();
@@ -95,8 +92,7 @@ private:
     QTreeWidget* lstClasses_ = nullptr;
     QPushButton* cmdRename_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;
-    /// Few, half, most, not noted.
-    std::vector<QPushButton*> outcomeButtons_;
+    OutcomeRow* outcomes_ = nullptr;
     HintLabel* lblNote_ = nullptr;
 };
 

@@ -3,28 +3,19 @@
 #include "class_results/frmResults.h"
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
+#include "toolkit/OutcomeRow.h"
 #include "toolkit/controls.h"
+#include "toolkit/keys.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QShortcut>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
-#include <tuple>
-#include <utility>
-
 namespace varnholt {
-
-void frmResults::onKey(QWidget* widget, const QKeySequence& key,
-                       const std::function<void()>& action)
-{
-    connect(new QShortcut(key, widget, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated,
-            this, action);
-}
 
 QTableView* frmResults::makeTable(const char* name, const QString& accessibleName,
                                   ResultsModel* model)
@@ -71,21 +62,8 @@ QWidget* frmResults::buildQuestions()
     chkHard_->setToolTip(tr("Shows only what few knew in every class that it is noted of."));
 
     auto* row = new QHBoxLayout;
-    row->addWidget(makeLabel("lblOutcome", tr("How many knew it:")));
-    for (const auto& [name, caption, key, outcome] :
-         {std::tuple("cmdFew", tr("&1 Few"), Qt::Key_1, Outcome::Few),
-          std::tuple("cmdHalf", tr("&2 Half"), Qt::Key_2, Outcome::Half),
-          std::tuple("cmdMost", tr("&3 Most"), Qt::Key_3, Outcome::Most),
-          std::tuple("cmdUnknown", tr("&0 Not Noted"), Qt::Key_0, Outcome::Unknown)}) {
-        QPushButton* button = makeButton(name, caption);
-        button->setAutoDefault(true);
-        row->addWidget(button);
-        outcomeButtons_.push_back(button);
-        const auto note = [this, outcome = outcome] { noteOutcome(outcome); };
-        connect(button, &QPushButton::clicked, this, note);
-        onKey(tblQuestions_, key, note);
-    }
-    onKey(tblQuestions_, QKeySequence::Delete, [this] { noteOutcome(Outcome::Unknown); });
+    outcomes_ = new OutcomeRow(tr("How many knew it:"), tblQuestions_);
+    row->addWidget(outcomes_);
     row->addStretch();
     row->addWidget(chkHard_);
     auto* page = new QWidget;

@@ -247,6 +247,12 @@ UndoOutcome Journal::turn(std::optional<StepInfo> step, std::int64_t recordedSte
         addRows(outcome.inTheWay, sql::SelectGoneParents, recordedStep);
     }
     if (outcome.inTheWay.empty()) {
+        addRows(outcome.inTheWay, sql::SelectSameNames, recordedStep);
+        if (!outcome.inTheWay.empty()) {
+            outcome.result = UndoOutcome::Result::NameTaken;
+        }
+    }
+    if (outcome.inTheWay.empty()) {
         ready(sql::TurnStep).bind(1, recordedStep).bind(2, now).run();
         outcome.result = UndoOutcome::Result::Done;
     } else {

@@ -55,6 +55,8 @@ struct UndoOutcome
         NothingToDo,
         /// Rows are not as the step left them; nothing has been changed.
         ChangedSince,
+        /// Another class has the name that one of the step would have; nothing has been changed.
+        NameTaken,
         /// The library takes no such change; `FeatureState` says why.
         Off
     };
@@ -62,7 +64,8 @@ struct UndoOutcome
     /// The step it was about.
     std::optional<StepInfo> step;
     /// With `ChangedSince` the rows that stand in the way: those that were changed, those that now
-    /// stand under what would go, and what has gone above what would come back.
+    /// stand under what would go, and what has gone above what would come back. With `NameTaken`
+    /// the other class.
     std::vector<NamedItem> inTheWay;
     /// With `Done` the rows that are not as before.
     std::vector<Item> changed;

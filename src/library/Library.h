@@ -184,20 +184,18 @@ public:
     std::int32_t addClass(const QString& name);
     void deleteClass(std::int32_t classId);
 
-    /// Records a test before it is made. It appears in no list, and its questions do not count as
-    /// used, until `completeTest`. The key is returned.
-    std::int32_t beginTest(const NewTest& test);
+    /// Records a test that slides or paper were made of, whole: it is listed, and its questions
+    /// count as used, from now on. The key is returned.
+    std::int32_t recordTest(const NewTest& test, TestKind kind);
+    /// The same of a draw that was kept: it becomes that test, with these items at their positions.
+    void recordTest(std::int32_t keptTestId, TestKind kind, const std::vector<TestItem>& items);
     /// Records a draw that nothing is made of yet.
     std::int32_t keepTest(const NewTest& test);
-    /// What was made of a test is complete: its questions count as used from now on. `pictures`
-    /// are the SHA-256 of the pictures of its items in their order, or empty when they are known.
-    void completeTest(std::int32_t testId, TestKind kind,
-                      const std::vector<QByteArray>& pictures = {});
     /// Records a test whose questions are shown in class one by one. It is listed at once; each of
     /// its questions counts as used from its `recordUse` on.
     std::int32_t beginShow(const NewTest& test);
-    /// The same for a draw that was kept: it becomes that test.
-    void beginShow(std::int32_t keptTestId);
+    /// The same of a draw that was kept: it becomes that test, with these items at their positions.
+    void beginShow(std::int32_t keptTestId, const std::vector<TestItem>& items);
     /// What stands at positions of a test: other questions in the place of those that were there,
     /// or pictures whose SHA-256 is known by now.
     void setTestItems(std::int32_t testId, const std::vector<TestItem>& items);
@@ -245,7 +243,10 @@ private:
     std::int32_t classKey(Change& change, const QString& name);
     /// Classes are told apart by their names. Throws `Error` when another one has this one.
     void requireFreeClass(const QString& name, std::int32_t except);
-    std::int32_t insertTest(const NewTest& test, TestKind kind);
+    std::int32_t insertTest(Change& change, const NewTest& test, TestKind kind);
+    void turnKept(Change& change, std::int32_t keptTestId, TestKind kind,
+                  const std::vector<TestItem>& items);
+    void insertUses(std::int32_t testId);
     void addImportedRows(const ImportPlan& plan, const ImportSteps& steps,
                          std::int32_t assessmentNum);
     UndoOutcome turn(UndoOutcome (Journal::*direction)(std::int64_t));

@@ -17,8 +17,6 @@ class Connection;
 /// What was made of a test. The numbers stand in the library.
 enum class TestKind : std::int8_t
 {
-    /// Recorded, but what was to be made of it never came to its end. In no list.
-    Unfinished = 0,
     Slides = 1,
     Shown = 2,
     Paper = 3,
@@ -61,7 +59,7 @@ struct TestItem
     friend bool operator==(const TestItem&, const TestItem&) = default;
 };
 
-/// A test about to be recorded.
+/// A test that is to be recorded.
 struct NewTest
 {
     QString name;

@@ -89,10 +89,8 @@ void Library::deleteClass(std::int32_t classId)
     changeRow({ItemKind::Class, classId}, statement);
 }
 
-std::int32_t Library::insertTest(const NewTest& test, TestKind kind)
+std::int32_t Library::insertTest(Change& change, const NewTest& test, TestKind kind)
 {
-    requireFeatures();
-    Change change(*this);
     const std::int32_t classId = classKey(change, test.className);
     Statement insert(connection_, sql::InsertTest);
     insert.bind(1, test.name)
@@ -107,64 +105,68 @@ std::int32_t Library::insertTest(const NewTest& test, TestKind kind)
     insert.reset();
     writeItems(connection_, sql::InsertTestItem, key, test.items);
     change.add({ItemKind::Test, key});
+    return key;
+}
+
+void Library::turnKept(Change& change, std::int32_t keptTestId, TestKind kind,
+                       const std::vector<TestItem>& items)
+{
+    Statement(connection_, sql::TurnKeptTest)
+        .bind(1, std::int64_t{keptTestId})
+        .bind(2, std::int64_t{static_cast<int>(kind)})
+        .bind(3, now())
+        .run();
+    writeItems(connection_, sql::UpdateTestItem, keptTestId, items);
+    change.add({ItemKind::Test, keptTestId});
+}
+
+void Library::insertUses(std::int32_t testId)
+{
+    Statement(connection_, sql::InsertTestUses).bind(1, std::int64_t{testId}).bind(2, now()).run();
+}
+
+std::int32_t Library::recordTest(const NewTest& test, TestKind kind)
+{
+    requireFeatures();
+    Change change(*this);
+    const std::int32_t key = insertTest(change, test, kind);
+    insertUses(key);
     change.commitUnrecorded();
     return key;
 }
 
-std::int32_t Library::beginTest(const NewTest& test)
+void Library::recordTest(std::int32_t keptTestId, TestKind kind, const std::vector<TestItem>& items)
 {
-    return insertTest(test, TestKind::Unfinished);
+    requireFeatures();
+    Change change(*this);
+    turnKept(change, keptTestId, kind, items);
+    insertUses(keptTestId);
+    change.commitUnrecorded();
 }
 
 std::int32_t Library::keepTest(const NewTest& test)
 {
-    return insertTest(test, TestKind::Kept);
-}
-
-void Library::completeTest(std::int32_t testId, TestKind kind,
-                           const std::vector<QByteArray>& pictures)
-{
     requireFeatures();
     Change change(*this);
-    const std::int64_t time = now();
-    Statement(connection_, sql::CompleteTest)
-        .bind(1, std::int64_t{testId})
-        .bind(2, std::int64_t{static_cast<int>(kind)})
-        .bind(3, time)
-        .run();
-    if (!pictures.empty()) {
-        const std::vector<TestItem> items = PastTests(connection_, true).items(testId);
-        Statement update(connection_, sql::UpdateItemPicture);
-        update.bind(1, std::int64_t{testId});
-        for (std::size_t i = 0; i < items.size() && i < pictures.size(); ++i) {
-            update.bind(2, std::int64_t{items[i].position}).bindBlob(3, pictures[i]).run();
-        }
-    }
-    if (kind != TestKind::Kept) {
-        Statement(connection_, sql::InsertTestUses)
-            .bind(1, std::int64_t{testId})
-            .bind(2, time)
-            .run();
-    }
-    change.add({ItemKind::Test, testId});
+    const std::int32_t key = insertTest(change, test, TestKind::Kept);
     change.commitUnrecorded();
+    return key;
 }
 
 std::int32_t Library::beginShow(const NewTest& test)
 {
-    return insertTest(test, TestKind::Shown);
+    requireFeatures();
+    Change change(*this);
+    const std::int32_t key = insertTest(change, test, TestKind::Shown);
+    change.commitUnrecorded();
+    return key;
 }
 
-void Library::beginShow(std::int32_t keptTestId)
+void Library::beginShow(std::int32_t keptTestId, const std::vector<TestItem>& items)
 {
     requireFeatures();
     Change change(*this);
-    Statement(connection_, sql::CompleteTest)
-        .bind(1, std::int64_t{keptTestId})
-        .bind(2, std::int64_t{static_cast<int>(TestKind::Shown)})
-        .bind(3, now())
-        .run();
-    change.add({ItemKind::Test, keptTestId});
+    turnKept(change, keptTestId, TestKind::Shown, items);
     change.commitUnrecorded();
 }
 

@@ -122,7 +122,8 @@ void frmManage::turn(bool undo)
         say(undo ? tr("There is nothing to undo.") : tr("There is nothing to do again."));
         break;
     case UndoOutcome::Result::ChangedSince:
-        say(ChangedSinceSentence(outcome.inTheWay, undo));
+    case UndoOutcome::Result::NameTaken:
+        say(InTheWaySentence(outcome, undo));
         break;
     case UndoOutcome::Result::Off:
         say(library_.features().reason);

@@ -16,7 +16,7 @@ class UndoWords
 public:
     static QString done(const StepInfo& step);
     static QString undone(const StepInfo& step);
-    static QString changedSince(const std::vector<NamedItem>& inTheWay, bool undo);
+    static QString inTheWay(const UndoOutcome& outcome, bool undo);
     static QString memoryUndone(Library& library);
 
 private:
@@ -90,8 +90,19 @@ QString UndoWords::undone(const StepInfo& step)
                  tr("Undone: “%1” and %n more are as before.", nullptr, n - 1));
 }
 
-QString UndoWords::changedSince(const std::vector<NamedItem>& inTheWay, bool undo)
+QString UndoWords::inTheWay(const UndoOutcome& outcome, bool undo)
 {
+    const std::vector<NamedItem>& inTheWay = outcome.inTheWay;
+    if (outcome.result == UndoOutcome::Result::NameTaken) {
+        return (undo && outcome.step->kind == StepKind::Delete
+                    ? tr("The class cannot come back, because there is another class “%1” now. "
+                         "Give that one another name, then bring this one back from the trash.")
+                : undo ? tr("The last change cannot be undone, because there is another class "
+                            "“%1” now.")
+                       : tr("The change cannot be made again, because there is another class "
+                            "“%1” now."))
+            .arg(inTheWay.front().name);
+    }
     constexpr std::size_t shown = 3;
     QStringList rows;
     for (const NamedItem& row : inTheWay) {
@@ -115,8 +126,7 @@ QString UndoWords::memoryUndone(Library& library)
         return tr("There is nothing to undo here.");
     }
     const UndoOutcome outcome = library.undo();
-    return outcome.result == UndoOutcome::Result::Done ? undone(*step)
-                                                       : changedSince(outcome.inTheWay, true);
+    return outcome.result == UndoOutcome::Result::Done ? undone(*step) : inTheWay(outcome, true);
 }
 
 } // namespace
@@ -131,9 +141,9 @@ QString UndoneSentence(const StepInfo& step)
     return UndoWords::undone(step);
 }
 
-QString ChangedSinceSentence(const std::vector<NamedItem>& inTheWay, bool undo)
+QString InTheWaySentence(const UndoOutcome& outcome, bool undo)
 {
-    return UndoWords::changedSince(inTheWay, undo);
+    return UndoWords::inTheWay(outcome, undo);
 }
 
 QString UndoMemoryStep(Library& library)

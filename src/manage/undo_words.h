@@ -12,8 +12,8 @@ class Library;
 [[nodiscard]] QString DoneSentence(const StepInfo& step);
 [[nodiscard]] QString UndoneSentence(const StepInfo& step);
 
-/// Which rows stand in the way of a step's undoing, or of its being done again.
-[[nodiscard]] QString ChangedSinceSentence(const std::vector<NamedItem>& inTheWay, bool undo);
+/// What stands in the way of a step's undoing, or of its being done again.
+[[nodiscard]] QString InTheWaySentence(const UndoOutcome& outcome, bool undo);
 
 /// Undoes the newest step if it is about a class, a test or a use of a question, and tells what
 /// came of it in a sentence. Throws as `Library::undo`.

@@ -8,7 +8,9 @@
 #include "selection/past_build.h"
 #include "store/services.h"
 #include "toolkit/HintLabel.h"
+#include "toolkit/OutcomeRow.h"
 #include "toolkit/controls.h"
+#include "toolkit/keys.h"
 
 #include <QCloseEvent>
 #include <QDateTime>
@@ -97,8 +99,6 @@ void frmTests::buildControls()
     cmdOpenAgain_ = makeButton("cmdOpenAgain", tr("&Open Again"));
     cmdOpenAgain_->setToolTip(tr("Makes the slides of this test as they were (Enter)."));
     cmdNewVersion_ = makeButton("cmdNewVersion", tr("&New Version"));
-    cmdNewVersion_->setToolTip(tr("Makes slides of the same questions in another order. The "
-                                  "choices inside a picture stay in their order."));
     cmdChange_ = makeButton("cmdChange", tr("C&hange Questions…"));
     cmdChange_->setToolTip(tr("Reviews these questions and makes a new test."));
     cmdShow_ = makeButton("cmdShow", tr("&Show in Class"));
@@ -106,9 +106,7 @@ void frmTests::buildControls()
     cmdPaper_ = makeButton("cmdPaper", tr("&Print or Save as PDF…"));
     cmdPaper_->setToolTip(tr("Puts the questions of this test on paper."));
     cmdUnused_ = makeButton("cmdUnused", tr("Not &Used After All"));
-    cmdUnused_->setToolTip(tr("Says whether the questions of this test count as used."));
     cmdDelete_ = makeButton("cmdDelete", tr("&Delete"));
-    cmdDelete_->setToolTip(tr("Puts this test into the trash (Del)."));
 
     cmdResults_ = makeButton("cmdResults", tr("How C&lasses Did…"));
     cmdResults_->setToolTip(tr("Shows what each class has seen and how it went."));
@@ -125,23 +123,9 @@ void frmTests::buildControls()
         buttons->addWidget(button);
     }
     buttons->insertStretch(5);
+    outcomes_ = new OutcomeRow(tr("How many knew the chosen questions:"), lstQuestions_);
     auto* outcomes = new QHBoxLayout;
-    auto* lblOutcome = makeLabel("lblOutcome", tr("How many knew the chosen questions:"));
-    outcomes->addWidget(lblOutcome);
-    for (const auto& [name, caption, key, outcome] :
-         {std::tuple("cmdFew", tr("&1 Few"), Qt::Key_1, Outcome::Few),
-          std::tuple("cmdHalf", tr("&2 Half"), Qt::Key_2, Outcome::Half),
-          std::tuple("cmdMost", tr("&3 Most"), Qt::Key_3, Outcome::Most),
-          std::tuple("cmdUnknown", tr("&0 Not Noted"), Qt::Key_0, Outcome::Unknown)}) {
-        QPushButton* button = makeButton(name, caption);
-        button->setAutoDefault(true);
-        outcomes->addWidget(button);
-        outcomeButtons_.push_back(button);
-        const auto note = [this, outcome = outcome] { noteOutcome(outcome); };
-        connect(button, &QPushButton::clicked, this, note);
-        onKey(lstQuestions_, key, note);
-    }
-    onKey(lstQuestions_, QKeySequence::Delete, [this] { noteOutcome(Outcome::Unknown); });
+    outcomes->addWidget(outcomes_);
     outcomes->addStretch();
     outcomes->addWidget(cmdResults_);
     cmdResults_->setAutoDefault(true);
@@ -156,7 +140,7 @@ void frmTests::buildControls()
     column->addLayout(buttons);
     QWidget* previous = lstTests_;
     std::vector<QWidget*> order{lstQuestions_};
-    order.insert(order.end(), outcomeButtons_.begin(), outcomeButtons_.end());
+    order.insert(order.end(), outcomes_->buttons().begin(), outcomes_->buttons().end());
     for (QPushButton* button : {cmdResults_, cmdOpenAgain_, cmdNewVersion_, cmdChange_, cmdShow_,
                                 cmdPaper_, cmdUnused_, cmdDelete_}) {
         order.push_back(button);
@@ -165,12 +149,6 @@ void frmTests::buildControls()
         setTabOrder(previous, next);
         previous = next;
     }
-}
-
-void frmTests::onKey(QWidget* list, const QKeySequence& key, const std::function<void()>& action)
-{
-    connect(new QShortcut(key, list, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated,
-            this, action);
 }
 
 void frmTests::connectControls()
@@ -190,6 +168,8 @@ void frmTests::connectControls()
         const PastTest* test = current();
         Q_EMIT resultsWanted(test ? test->AssessmentNum : 0);
     });
+    connect(outcomes_, &OutcomeRow::noted, this,
+            [this](int outcome) { noteOutcome(static_cast<Outcome>(outcome)); });
     connect(lstQuestions_, &QListWidget::itemSelectionChanged, this, &frmTests::showButtons);
     onKey(lstTests_, Qt::Key_F2, [this] {
         if (current() && library_.features().on) {
@@ -300,18 +280,28 @@ void frmTests::showButtons()
     cmdChange_->setEnabled(test);
     cmdShow_->setEnabled(test);
     cmdPaper_->setEnabled(test);
-    cmdNewVersion_->setEnabled(test && NextVersion(tests_, *test).has_value());
+    const bool another = test && NextVersion(tests_, *test);
+    cmdNewVersion_->setEnabled(another);
+    cmdNewVersion_->setToolTip(test && !another
+                                   ? tr("There is no other order of these questions left.")
+                                   : tr("Makes slides of the same questions in another order. The "
+                                        "choices inside a picture stay in their order."));
     cmdUnused_->setEnabled(changeable && test->kind != TestKind::Kept);
     cmdUnused_->setText(test && test->options.unused ? tr("&Used After All")
                                                      : tr("Not &Used After All"));
+    cmdUnused_->setToolTip(!features.on ? features.reason
+                           : test && test->kind == TestKind::Kept
+                               ? tr("Nothing has been made of this draw yet.")
+                               : tr("Says whether the questions of this test count as used."));
     cmdDelete_->setEnabled(changeable);
-    const bool noted = changeable && !uses_.empty() && !lstQuestions_->selectedItems().isEmpty();
-    for (QPushButton* button : outcomeButtons_) {
-        button->setEnabled(noted);
-        button->setToolTip(!features.on    ? features.reason
-                           : uses_.empty() ? tr("The questions of this test have not been used.")
-                                           : tr("Press the key in the list of questions."));
-    }
+    cmdDelete_->setToolTip(features.on ? tr("Puts this test into the trash (Del).")
+                                       : features.reason);
+    lstTests_->setToolTip(features.on ? tr("Press F2 to give a test another name.")
+                                      : features.reason);
+    outcomes_->offer(changeable && !uses_.empty() && !lstQuestions_->selectedItems().isEmpty(),
+                     !features.on    ? features.reason
+                     : uses_.empty() ? tr("The questions of this test have not been used.")
+                                     : tr("Press the key in the list of questions."));
     if (!features.on) {
         lblNote_->say(features.reason);
     }

@@ -8,7 +8,6 @@
 #include <QPointer>
 #include <QWidget>
 
-#include <functional>
 #include <map>
 #include <vector>
 
@@ -20,6 +19,7 @@ namespace varnholt {
 
 class HintLabel;
 class Library;
+class OutcomeRow;
 class QuestionStrip;
 class frmSelect;
 
@@ -32,6 +32,10 @@ class frmTests : public QWidget
 public:
     frmTests(Services& services, Library& library, QWidget* parent = nullptr);
     ~frmTests() override;
+
+    /// A test is chosen, and nothing else is going on with it.
+    [[nodiscard]] bool hasTest() const { return isEnabled() && current(); }
+    void cmdPaper_Click();
 
 Q_SIGNALS:
     /// She wants to see how classes did; 0 for no assessment in particular.
@@ -53,12 +57,10 @@ private:
 
     void buildControls();
     void connectControls();
-    void onKey(QWidget* list, const QKeySequence& key, const std::function<void()>& action);
     void cmdOpenAgain_Click();
     void cmdNewVersion_Click();
     void cmdChange_Click();
     void cmdShow_Click();
-    void cmdPaper_Click();
     void cmdUnused_Click();
     void cmdDelete_Click();
     void noteOutcome(Outcome outcome);
@@ -105,8 +107,7 @@ private:
     QPushButton* cmdUnused_ = nullptr;
     QPushButton* cmdDelete_ = nullptr;
     QPushButton* cmdResults_ = nullptr;
-    /// Few, half, most, not noted.
-    std::vector<QPushButton*> outcomeButtons_;
+    OutcomeRow* outcomes_ = nullptr;
 };
 
 } // namespace varnholt

@@ -15,12 +15,9 @@
 #include <QPushButton>
 #include <QTreeWidget>
 
+#include <algorithm>
 #include <unordered_map>
 #include <utility>
-
-#ifdef VARNHOLT_PAPER
-#include "paper/frmPaper.h"
-#endif
 
 namespace varnholt {
 
@@ -69,7 +66,7 @@ void frmTests::cmdChange_Click()
         if (draw.DrawPool.isEmpty()) {
             throw Error(tr("None of the questions of this test is in the library any more."));
         }
-        draw.RequestedQuestionCount = draw.DrawPool.upperBound();
+        const std::int32_t taken = draw.DrawPool.upperBound();
         draw.seed = test.seed;
         List1<DrawnQuestion> others;
         for (const QuestionRecord& question : state_.QuestionList) {
@@ -81,6 +78,10 @@ void frmTests::cmdChange_Click()
         for (const DrawnQuestion& question : others) {
             draw.DrawPool.append(question);
         }
+        // Of a draw that was kept in the middle of its review the others are still to come.
+        draw.RequestedQuestionCount =
+            std::clamp(test.kind == TestKind::Kept ? test.options.asked : taken, taken,
+                       draw.DrawPool.upperBound());
         const auto newTest = [this, test](const Draw& judged) {
             NewTest changed{
                 NameOfTest(state_, judged), test.AssessmentNum, test.className, judged.seed, {},
@@ -119,31 +120,10 @@ void frmTests::cmdShow_Click()
 
 void frmTests::cmdPaper_Click()
 {
-#ifdef VARNHOLT_PAPER
-    const PastTest* test = current();
-    if (!test) {
-        return;
+    if (const PastTest* test = current()) {
+        const PastTest copy = *test;
+        tryTo([&] { PrintTestAgain(window(), services_, library_, copy); });
     }
-    PaperTest paper;
-    paper.title = test->name;
-    paper.className = test->className;
-    tryTo([&] {
-        for (const TestItem& item : library_.pastTests().items(test->TestID)) {
-            paper.questions.push_back(
-                {item.answer, item.topicText, FindTestPicture(library_.programFolder(), item)});
-        }
-    });
-    if (!paper.questions.empty()) {
-        frmPaper dialog(services_, std::move(paper), window());
-        const PastTest made = *test;
-        dialog.onDone = [this, made, done = false](const PaperTest&) mutable {
-            if (!std::exchange(done, true)) {
-                tryTo([&] { RecordPaper(library_, made); });
-            }
-        };
-        dialog.exec();
-    }
-#endif
 }
 
 void frmTests::cmdUnused_Click()
@@ -172,9 +152,6 @@ void frmTests::cmdDelete_Click()
 
 void frmTests::noteOutcome(Outcome outcome)
 {
-    if (!outcomeButtons_.front()->isEnabled()) {
-        return;
-    }
     std::vector<std::int64_t> useIds;
     const std::vector<std::int32_t> keys = lstQuestions_->selectedKeys();
     for (const std::int32_t key : keys) {

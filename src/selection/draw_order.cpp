@@ -3,7 +3,7 @@
 #include "store/nearest.h"
 
 #include <algorithm>
-#include <iterator>
+#include <functional>
 #include <utility>
 
 namespace varnholt {
@@ -19,6 +19,25 @@ void rearrange(List1<DrawnQuestion>& pool, int from, const Order& order)
     records.reserve(order.size());
     for (const int position : order) {
         records.push_back(std::move(pool(position)));
+    }
+    std::move(records.begin(), records.end(), pool.begin() + (from - 1));
+}
+
+/// Moves the questions at these positions, from `from` on, there in this order; the others follow
+/// in theirs.
+void moveToFront(List1<DrawnQuestion>& pool, int from, const Order& order)
+{
+    std::vector<DrawnQuestion> records;
+    records.reserve(order.size());
+    for (const int position : order) {
+        records.push_back(std::move(pool(position)));
+    }
+    Order gaps = order;
+    std::sort(gaps.begin(), gaps.end(), std::greater<>());
+    gaps.push_back(from - 1);
+    for (std::size_t i = 0; i + 1 < gaps.size(); ++i) {
+        std::move_backward(pool.begin() + gaps[i + 1], pool.begin() + (gaps[i] - 1),
+                           pool.begin() + (gaps[i] + static_cast<int>(i)));
     }
     std::move(records.begin(), records.end(), pool.begin() + (from - 1));
 }
@@ -105,14 +124,20 @@ QuotaOrder::QuotaOrder(Quotas quotas, List1<DrawnQuestion>& pool, std::int32_t a
     if (quotas_.empty()) {
         return;
     }
-    std::vector<Place> all;
-    all.reserve(static_cast<std::size_t>(pool.upperBound()));
-    drawnKeys_.reserve(all.capacity());
-    for (int i = 1; i <= pool.upperBound(); ++i) {
-        all.push_back({i, i});
-        drawnKeys_.push_back(pool(i).SOLIndex);
+    drawnKeys_.reserve(static_cast<std::size_t>(pool.upperBound()));
+    for (const DrawnQuestion& question : pool) {
+        drawnKeys_.push_back(question.SOLIndex);
     }
-    merge(pool, 1, asked, all);
+    place(pool, 1, asked);
+}
+
+void QuotaOrder::readDraw()
+{
+    if (drawn_.empty()) {
+        for (std::size_t i = 0; i < drawnKeys_.size(); ++i) {
+            drawn_.emplace(drawnKeys_[i], static_cast<int>(i) + 1);
+        }
+    }
 }
 
 void QuotaOrder::arrange(List1<DrawnQuestion>& pool, int from, std::int32_t asked)
@@ -120,75 +145,92 @@ void QuotaOrder::arrange(List1<DrawnQuestion>& pool, int from, std::int32_t aske
     if (quotas_.empty() || from > pool.upperBound()) {
         return;
     }
-    if (drawn_.empty()) {
-        for (std::size_t i = 0; i < drawnKeys_.size(); ++i) {
-            drawn_.emplace(drawnKeys_[i], static_cast<int>(i) + 1);
-        }
-    }
-    std::vector<Place> rest;
+    readDraw();
+    std::vector<std::pair<int, int>> rest;
     for (int i = from; i <= pool.upperBound(); ++i) {
-        rest.push_back({drawn_.at(pool(i).SOLIndex), i});
+        rest.emplace_back(drawn_.at(pool(i).SOLIndex), i);
     }
-    std::sort(rest.begin(), rest.end(),
-              [](const Place& a, const Place& b) { return a.drawn < b.drawn; });
-    merge(pool, from, asked, rest);
+    std::sort(rest.begin(), rest.end());
+    Order order;
+    order.reserve(rest.size());
+    for (const auto& [drawn, position] : rest) {
+        order.push_back(position);
+    }
+    rearrange(pool, from, order);
+    place(pool, from, asked);
 }
 
-void QuotaOrder::merge(List1<DrawnQuestion>& pool, int from, std::int32_t asked,
-                       const std::vector<Place>& rest) const
+void QuotaOrder::putLast(std::int32_t solIndex)
 {
-    /// Questions of a topic still to be placed, or those that chance places.
+    if (!quotas_.empty()) {
+        readDraw();
+        drawnKeys_.push_back(solIndex);
+        drawn_[solIndex] = static_cast<int>(drawnKeys_.size());
+    }
+}
+
+void QuotaOrder::place(List1<DrawnQuestion>& pool, int from, std::int32_t asked) const
+{
+    /// What a topic is still to give, or chance.
     struct Share
     {
         int wanted = 0;
         int lacking = 0;
-        /// In the order of the draw.
-        std::vector<Place> questions;
+        /// Of its questions that are to come, in the order of the draw.
+        Order positions;
         std::size_t next = 0;
 
         [[nodiscard]] double part() const { return static_cast<double>(lacking) / wanted; }
-        [[nodiscard]] int front() const { return questions[next].drawn; }
+        [[nodiscard]] int front() const { return positions[next]; }
     };
-    std::map<std::int32_t, Share> shares;
+    std::unordered_map<std::int32_t, Share> shares;
     for (const auto& [topic, wanted] : quotas_) {
-        shares[topic] = {std::max(wanted, 1), wanted, {}};
+        shares[topic] = {wanted, wanted, {}};
     }
     Share chance{0, asked, {}};
     for (int i = 1; i < from; ++i) {
         if (pool(i).Selected) {
             --chance.lacking;
-            if (const auto share = shares.find(pool(i).TopicID); share != shares.end()) {
+            const auto share = shares.find(pool(i).TopicID);
+            if (share == shares.end() || share->second.lacking == 0) {
+                ++chance.wanted;
+            } else {
                 --share->second.lacking;
             }
         }
     }
     // A topic gets its first questions; all others are chance's.
-    std::vector<Place> leftOver;
-    std::map<std::int32_t, int> still;
-    for (auto& [topic, share] : shares) {
-        still[topic] = std::max(share.lacking, 0);
+    const int most = chance.lacking;
+    int open = 0;
+    for (const auto& [topic, share] : shares) {
+        open += share.lacking;
     }
-    for (const Place place : rest) {
-        const auto share = shares.find(pool(place.position).TopicID);
+    chance.lacking -= open;
+    Order leftOver;
+    for (int i = from; i <= pool.upperBound(); ++i) {
+        if (open == 0 && static_cast<int>(chance.positions.size()) >= chance.lacking) {
+            break;
+        }
+        const auto share = shares.find(pool(i).TopicID);
         if (share == shares.end()) {
-            chance.questions.push_back(place);
-        } else if (still[share->first] > 0) {
-            --still[share->first];
-            share->second.questions.push_back(place);
-        } else {
-            leftOver.push_back(place);
+            chance.positions.push_back(i);
+        } else if (share->second.lacking > static_cast<int>(share->second.positions.size())) {
+            share->second.positions.push_back(i);
+            --open;
+        } else if (static_cast<int>(leftOver.size()) < most) {
+            leftOver.push_back(i);
         }
     }
+    // Where topics ran dry, their places are for all.
+    chance.lacking += open;
     for (auto& [topic, share] : shares) {
-        share.lacking = static_cast<int>(share.questions.size());
-        chance.lacking -= share.lacking;
+        share.lacking = static_cast<int>(share.positions.size());
     }
-    chance.questions.insert(chance.questions.end(), leftOver.begin(), leftOver.end());
-    chance.lacking = std::clamp(chance.lacking, 0, static_cast<int>(chance.questions.size()));
-    chance.wanted = std::max(chance.lacking, 1);
+    chance.positions.insert(chance.positions.end(), leftOver.begin(), leftOver.end());
+    chance.lacking = std::clamp(chance.lacking, 0, static_cast<int>(chance.positions.size()));
+    chance.wanted += chance.lacking;
 
     Order order;
-    order.reserve(rest.size());
     for (;;) {
         Share* largest = chance.lacking > 0 ? &chance : nullptr;
         for (auto& [topic, share] : shares) {
@@ -201,15 +243,25 @@ void QuotaOrder::merge(List1<DrawnQuestion>& pool, int from, std::int32_t asked,
         if (!largest) {
             break;
         }
-        order.push_back(largest->questions[largest->next++].position);
+        order.push_back(largest->front());
+        ++largest->next;
         --largest->lacking;
     }
-    const auto remainder = chance.questions.begin() + static_cast<std::ptrdiff_t>(chance.next);
-    std::sort(remainder, chance.questions.end(),
-              [](const Place& a, const Place& b) { return a.drawn < b.drawn; });
-    std::transform(remainder, chance.questions.end(), std::back_inserter(order),
-                   [](const Place& place) { return place.position; });
-    rearrange(pool, from, order);
+    moveToFront(pool, from, order);
+}
+
+std::vector<ShortTopic> QuotaOrder::shortTopics(const List1<DrawnQuestion>& pool, int from) const
+{
+    if (quotas_.empty()) {
+        return {};
+    }
+    Quotas available;
+    for (int i = 1; i <= pool.upperBound(); ++i) {
+        if (i >= from || pool(i).Selected) {
+            ++available[pool(i).TopicID];
+        }
+    }
+    return ShortTopics(quotas_, available);
 }
 
 std::vector<ShortTopic> ShortTopics(const Quotas& quotas, const Quotas& available)

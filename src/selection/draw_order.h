@@ -31,6 +31,16 @@ using Quotas = std::map<std::int32_t, int>;
 void PreferFresh(List1<DrawnQuestion>& pool, const FreshRanks& ranks, DrawRule rule,
                  std::int32_t asked);
 
+/// A topic that has fewer questions than it is to give.
+struct ShortTopic
+{
+    std::int32_t TopicID = 0;
+    int wanted = 0;
+    int available = 0;
+};
+/// `available` are the questions that each topic has.
+[[nodiscard]] std::vector<ShortTopic> ShortTopics(const Quotas& quotas, const Quotas& available);
+
 /// Lets each topic have its number of questions among the next places of a pool: what is to come
 /// is merged so that the topic with the largest part of its number still to come goes first, and
 /// places that are nobody's count as a topic of their own. They go to topics without a number
@@ -46,32 +56,24 @@ public:
     /// Arranges the rest of the pool, from `from` (to one past its end) on, by what each topic
     /// still lacks: questions with `Selected` before it count for their topics and for `asked`.
     void arrange(List1<DrawnQuestion>& pool, int from, std::int32_t asked);
+    /// Makes a question the last one of the draw.
+    void putLast(std::int32_t solIndex);
+
+    /// The topics that lack questions: with those that have `Selected` before `from` and all from
+    /// there on they cannot have their numbers.
+    [[nodiscard]] std::vector<ShortTopic> shortTopics(const List1<DrawnQuestion>& pool,
+                                                      int from) const;
 
 private:
-    /// A place in the draw and the position where its question is now.
-    struct Place
-    {
-        int drawn;
-        int position;
-    };
-    void merge(List1<DrawnQuestion>& pool, int from, std::int32_t asked,
-               const std::vector<Place>& rest) const;
+    void readDraw();
+    /// Arranges the rest of a pool, which is in the order of the draw.
+    void place(List1<DrawnQuestion>& pool, int from, std::int32_t asked) const;
 
     Quotas quotas_;
     /// The questions in the order of the draw, and from the second arrangement on their places.
     std::vector<std::int32_t> drawnKeys_;
     std::unordered_map<std::int32_t, int> drawn_;
 };
-
-/// A topic that has fewer questions than it is to give.
-struct ShortTopic
-{
-    std::int32_t TopicID = 0;
-    int wanted = 0;
-    int available = 0;
-};
-/// `available` are the questions that each topic has.
-[[nodiscard]] std::vector<ShortTopic> ShortTopics(const Quotas& quotas, const Quotas& available);
 
 /// The numbers that give each of the topics (with the questions that it has, in the order of the
 /// list) an equal part of `asked`: where it does not come out even, the first ones get one more;

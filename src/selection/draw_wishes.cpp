@@ -7,7 +7,6 @@
 #include <QJsonDocument>
 #include <QLocale>
 #include <QSettings>
-#include <QStringList>
 
 namespace varnholt {
 
@@ -124,6 +123,22 @@ QString UseInWords(const UseSummary& use, const QString& className, std::int64_t
                ? Words::tr("Used %n time(s), last on %1.", nullptr, use.uses).arg(date)
                : Words::tr("Used %n time(s), last on %1 with %2.", nullptr, use.uses)
                      .arg(date, className);
+}
+
+QStringList ShortTopicsInWords(const std::vector<ShortTopic>& shortTopics,
+                               const List1<TopicRecord>& topics)
+{
+    QStringList sentences;
+    for (const ShortTopic& topic : shortTopics) {
+        QString name;
+        for (const TopicRecord& record : topics) {
+            name = record.TopicID == topic.TopicID ? record.Topic : name;
+        }
+        sentences.append(
+            Words::tr("%1 has only %2: %n place(s) free.", nullptr, topic.wanted - topic.available)
+                .arg(name, QString::number(topic.available)));
+    }
+    return sentences;
 }
 
 QString OutcomeInWords(Outcome outcome)

@@ -3,7 +3,7 @@
 #include "selection/draw_order.h"
 #include "store/slide_wishes.h"
 
-#include <QString>
+#include <QStringList>
 
 namespace varnholt {
 
@@ -27,6 +27,10 @@ void SaveQuotas(const QString& programFolder, std::int32_t assessmentNum, const 
 
 /// "Used twice, last on 3 March with 10A." `className` is that of the last use, empty for none.
 [[nodiscard]] QString UseInWords(const UseSummary& use, const QString& className, std::int64_t now);
+
+/// "Algebra has only 3: one place is free." for each of them.
+[[nodiscard]] QStringList ShortTopicsInWords(const std::vector<ShortTopic>& shortTopics,
+                                             const List1<TopicRecord>& topics);
 
 /// "few knew it"; empty for what is not known.
 [[nodiscard]] QString OutcomeInWords(Outcome outcome);

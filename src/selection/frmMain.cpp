@@ -4,7 +4,7 @@
 #include "selection/build_run.h"
 #include "selection/draw_wishes.h"
 #include "selection/frmSelect.h"
-#include "selection/paper_draw.h"
+#include "selection/paper_run.h"
 #include "selection/show_draw.h"
 #include "selection/test_record.h"
 #include "show/show_run.h"
@@ -20,10 +20,6 @@
 #include <QRadioButton>
 
 #include <utility>
-
-#ifdef VARNHOLT_PAPER
-#include "paper/frmPaper.h"
-#endif
 
 namespace varnholt {
 
@@ -159,7 +155,7 @@ void frmMain::cmdShow_Click()
                     ShowTestOf(draw, state_, services_.programFolder, optTopicYes_->isChecked()),
                     testOf(draw))) {
             outcome.end = BuildOutcome::End::Complete;
-            Q_EMIT testMade(PaperTestOf(draw, state_, services_.programFolder));
+            Q_EMIT testMade(drawnTest(draw));
         }
         return outcome;
     });
@@ -167,24 +163,15 @@ void frmMain::cmdShow_Click()
 
 void frmMain::cmdPaper_Click()
 {
-#ifdef VARNHOLT_PAPER
     if (!isEnabled()) {
         return; // a review is open
     }
     drawFor([this](QWidget* over, const Draw& draw) {
-        const PaperTest test = PaperTestOf(draw, state_, services_.programFolder);
+        const DrawnTest test = drawnTest(draw);
         Q_EMIT testMade(test);
-        TestRecord record(library_, testOf(draw));
-        frmPaper paper(services_, test, over);
-        paper.onDone = [&record, done = false](const PaperTest&) mutable {
-            if (!std::exchange(done, true)) {
-                record.complete(TestKind::Paper);
-            }
-        };
-        paper.exec();
+        RunPaper(over, services_, library_, test);
         return BuildOutcome();
     });
-#endif
 }
 
 void frmMain::drawFor(const DrawUse& use)

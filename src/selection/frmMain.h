@@ -1,9 +1,9 @@
 #pragma once
 
-#include "paper/paper_test.h"
 #include "presentation/slide_builder.h"
 #include "selection/Selection.h"
 #include "selection/draw_order.h"
+#include "selection/paper_draw.h"
 #include "selection/question_draw.h"
 
 #include <QPointer>
@@ -28,7 +28,6 @@ class MoreFrame;
 class QuotaColumn;
 class RecentTests;
 class frmSelect;
-struct NewTest;
 struct PastTest;
 struct LibraryChange;
 struct Services;
@@ -51,7 +50,7 @@ public:
 
 Q_SIGNALS:
     /// The marked questions of a draw have become slides, been shown or gone to the paper window.
-    void testMade(const PaperTest& test);
+    void testMade(const DrawnTest& test);
 
 protected:
     /// Hands the focus to the control where work starts. Not a focus proxy: Tab would stop at
@@ -114,6 +113,7 @@ private:
     /// Remembers a draw unbuilt; false, after it was told, when that is not possible.
     bool keepForLater(const Draw& draw);
     [[nodiscard]] NewTest testOf(const Draw& draw) const;
+    [[nodiscard]] DrawnTest drawnTest(const Draw& draw) const;
     /// When a question was used; empty in a library that remembers nothing yet.
     [[nodiscard]] QString usesInWords(std::int32_t solIndex);
     [[nodiscard]] std::int64_t now() const;

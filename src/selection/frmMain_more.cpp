@@ -9,7 +9,6 @@
 #include "selection/RecentTests.h"
 #include "selection/build_run.h"
 #include "selection/frmSlides.h"
-#include "selection/paper_draw.h"
 #include "selection/past_build.h"
 #include "selection/test_record.h"
 #include "store/services.h"
@@ -200,15 +199,7 @@ void frmMain::showQuotas()
         fixed <= asked
             ? tr("%1 asked, %2 fixed").arg(asked).arg(fixed)
             : tr("%1 asked, but %2 fixed: not all of them can come.").arg(asked).arg(fixed)};
-    for (const ShortTopic& topic : ShortTopics(active, questionsOfTopics())) {
-        QString name;
-        for (const TopicRecord& record : state_.TopicList) {
-            name = record.TopicID == topic.TopicID ? record.Topic : name;
-        }
-        lines.append(
-            tr("%1 has only %2: %n place(s) free.", nullptr, topic.wanted - topic.available)
-                .arg(name, QString::number(topic.available)));
-    }
+    lines += ShortTopicsInWords(ShortTopics(active, questionsOfTopics()), state_.TopicList);
     constexpr qsizetype mostLines = 3;
     lblQuotas_->setText(lines.mid(0, mostLines).join(u'\n'));
     lblQuotas_->show();
@@ -264,15 +255,21 @@ BuildOutcome frmMain::buildSlides(QWidget* window, const Draw& draw, const Slide
     BuildOutcome outcome = RunBuild(window, services_, state_, draw, options);
     FinishTest(services_, record, outcome);
     if (outcome.end == BuildOutcome::End::Complete) {
-        Q_EMIT testMade(PaperTestOf(draw, state_, services_.programFolder));
+        Q_EMIT testMade(drawnTest(draw));
     }
     return outcome;
+}
+
+DrawnTest frmMain::drawnTest(const Draw& draw) const
+{
+    return {PaperTestOf(draw, state_, services_.programFolder), testOf(draw)};
 }
 
 bool frmMain::keepForLater(const Draw& draw)
 {
     try {
         NewTest test = testOf(draw);
+        test.options.asked = draw.RequestedQuestionCount;
         for (TestItem& item : test.items) {
             item.pictureSha = PictureSha(FindPictureFile(services_.programFolder, item.SOLIndex));
         }

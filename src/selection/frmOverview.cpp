@@ -2,6 +2,7 @@
 
 #include "toolkit/HintLabel.h"
 #include "toolkit/controls.h"
+#include "toolkit/key_icon.h"
 #include "toolkit/latin_key.h"
 
 #include <QHBoxLayout>
@@ -26,9 +27,11 @@ frmOverview::frmOverview(Handlers handlers, QWidget* parent)
     setWindowTitle(tr("Overview"));
     lstQuestions_ = named(new QuestionStrip, "lstQuestions", tr("Accepted questions"));
     lstQuestions_->setMovable(true);
+    lstQuestions_->installEventFilter(this);
     lblNote_ = new HintLabel("lblNote", lstQuestions_, HintLabel::Place::Kept);
     lblNote_->say(tr("Drag a question to another place, or move it with Ctrl and the arrow keys."));
     cmdSwap_ = makeButton("cmdSwap", tr("&Swap"));
+    cmdSwap_->setIcon(keyIcon(QStringLiteral("S")));
     cmdSwap_->setToolTip(tr("Puts another question in the place of this one (S)."));
     auto* cmdCreate = makeButton("cmdCreate", tr("&Create"));
     cmdCreate->setToolTip(tr("Makes the slides of these questions."));
@@ -79,12 +82,27 @@ void frmOverview::cmdSwap_Click()
 
 void frmOverview::keyPressEvent(QKeyEvent* event)
 {
-    if (LatinKey(*event) == Qt::Key_S && event->modifiers() == Qt::NoModifier &&
-        !event->isAutoRepeat() && cmdSwap_->isEnabled()) {
-        cmdSwap_Click();
-        return;
+    if (!takeKey(*event)) {
+        QDialog::keyPressEvent(event);
     }
-    QDialog::keyPressEvent(event);
+}
+
+bool frmOverview::eventFilter(QObject* watched, QEvent* event)
+{
+    // Before the list takes a letter for the beginning of a text to be looked for.
+    return (event->type() == QEvent::KeyPress && takeKey(*static_cast<QKeyEvent*>(event))) ||
+           QDialog::eventFilter(watched, event);
+}
+
+bool frmOverview::takeKey(const QKeyEvent& event)
+{
+    if (LatinKey(event) != Qt::Key_S || event.modifiers() != Qt::NoModifier) {
+        return false;
+    }
+    if (!event.isAutoRepeat()) {
+        cmdSwap_->click();
+    }
+    return true;
 }
 
 } // namespace varnholt

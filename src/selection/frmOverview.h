@@ -34,9 +34,12 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void cmdSwap_Click();
+    /// True for a key that is the window's own.
+    bool takeKey(const QKeyEvent& event);
     void refresh();
 
     Handlers handlers_;

@@ -1,9 +1,11 @@
 #include "selection/frmSelect.h"
 
 #include "pictures/picture_files.h"
+#include "selection/draw_wishes.h"
 #include "selection/frmOverview.h"
 #include "store/catalogue.h"
 #include "store/services.h"
+#include "toolkit/HintLabel.h"
 #include "toolkit/PictureView.h"
 #include "toolkit/controls.h"
 #include "toolkit/key_icon.h"
@@ -76,6 +78,7 @@ void frmSelect::buildControls()
     lblUses_ = makeLabel("lblUses");
     lblUses_->setWordWrap(true);
     lblUses_->setForegroundRole(QPalette::PlaceholderText);
+    lblShort_ = new HintLabel("lblShort", imgQuestion_, HintLabel::Place::Given);
     barAccepted_ = named(new QProgressBar, "barAccepted", tr("Questions accepted"));
     barAccepted_->setRange(0, draw().RequestedQuestionCount);
     barAccepted_->setFormat(tr("%1 of %2").arg(QStringLiteral("%v"), QStringLiteral("%m")));
@@ -120,6 +123,7 @@ void frmSelect::buildControls()
     buttons->addWidget(cmdCancel);
     auto* column = new QVBoxLayout(this);
     column->addLayout(heading);
+    column->addWidget(lblShort_);
     column->addWidget(barAccepted_);
     column->addWidget(imgQuestion_, 1);
     // A row of their own: in one with the others the window could not be made narrow.
@@ -274,6 +278,10 @@ void frmSelect::showCounts()
     barAccepted_->setValue(review_.acceptedCount());
     lblCount1_->setText(review_.selectedText());
     lblCount2_->setText(review_.leftText());
+    constexpr qsizetype mostSentences = 3;
+    lblShort_->say(ShortTopicsInWords(review_.shortTopics(), state_.TopicList)
+                       .mid(0, mostSentences)
+                       .join(u' '));
 }
 
 void frmSelect::cmdInclude_Click()

@@ -14,6 +14,7 @@ class QPushButton;
 
 namespace varnholt {
 
+class HintLabel;
 class PictureView;
 struct ProgramState;
 struct Services;
@@ -94,6 +95,8 @@ private:
     QLabel* lblTopicDescription_ = nullptr;
     QLabel* lblAnswer_ = nullptr;
     QLabel* lblUses_ = nullptr;
+    /// Which topics cannot have their numbers any more.
+    HintLabel* lblShort_ = nullptr;
     QProgressBar* barAccepted_ = nullptr;
     QPushButton* cmdSwap_ = nullptr;
     QPushButton* cmdBack_ = nullptr;

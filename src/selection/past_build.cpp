@@ -5,6 +5,7 @@
 #include "library/test_versions.h"
 #include "pictures/picture_files.h"
 #include "selection/build_run.h"
+#include "selection/paper_run.h"
 #include "selection/test_record.h"
 #include "show/show_run.h"
 #include "store/catalogue.h"
@@ -83,22 +84,25 @@ NewTest sameTest(const PastTest& test, std::vector<TestItem> items)
     return same;
 }
 
+/// Of a draw that was kept, else 0.
+std::int32_t keptKey(const PastTest& test)
+{
+    return test.kind == TestKind::Kept ? test.TestID : 0;
+}
+
 } // namespace
 
 BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library,
                            const PastTest& test)
 {
     const NewTest again = sameTest(test, itemsToday(services, library, test.TestID));
-    TestRecord record =
-        test.kind == TestKind::Kept ? TestRecord(library, test.TestID) : TestRecord(library, again);
+    TestRecord record(library, again, keptKey(test));
     return make(window, services, library, record, again);
 }
 
 void ShowTestAgain(QWidget* window, Services& services, Library& library, const PastTest& test)
 {
-    NewTest again{test.name, test.AssessmentNum, test.className,
-                  test.seed, test.options,       itemsToday(services, library, test.TestID)};
-    again.options.unused = false;
+    NewTest again = sameTest(test, itemsToday(services, library, test.TestID));
     ProgramState state;
     state.CurrentAssessmentNum = test.AssessmentNum;
     services.messageBoxes->informEach(Words::tr("Database Error"),
@@ -134,8 +138,18 @@ void ShowTestAgain(QWidget* window, Services& services, Library& library, const 
     }
     ShuffleDrawPool(others, *services.random);
     show.spares.assign(others.begin(), others.end());
-    RunShow(window, services, library, std::move(show), std::move(again),
-            test.kind == TestKind::Kept ? test.TestID : 0);
+    RunShow(window, services, library, std::move(show), std::move(again), keptKey(test));
+}
+
+void PrintTestAgain(QWidget* window, Services& services, Library& library, const PastTest& test)
+{
+    DrawnTest drawn{{}, sameTest(test, itemsToday(services, library, test.TestID))};
+    drawn.paper.title = test.name;
+    for (const TestItem& item : drawn.record.items) {
+        drawn.paper.questions.push_back(
+            {item.answer, item.topicText, FindTestPicture(library.programFolder(), item)});
+    }
+    RunPaper(window, services, library, std::move(drawn), keptKey(test));
 }
 
 std::optional<int> NextVersion(const std::vector<PastTest>& tests, const PastTest& test)
@@ -175,17 +189,6 @@ BuildOutcome MakeNewVersion(QWidget* window, Services& services, Library& librar
     }
     TestRecord record(library, made);
     return make(window, services, library, record, made);
-}
-
-void RecordPaper(Library& library, const PastTest& test)
-{
-    if (library.features().on) {
-        const std::int32_t testId =
-            test.kind == TestKind::Kept
-                ? test.TestID
-                : library.beginTest(sameTest(test, library.pastTests().items(test.TestID)));
-        library.completeTest(testId, TestKind::Paper);
-    }
 }
 
 void FinishTest(Services& services, TestRecord& record, const BuildOutcome& outcome)

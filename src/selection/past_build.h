@@ -27,6 +27,10 @@ BuildOutcome MakeTestAgain(QWidget* window, Services& services, Library& library
 /// `DatabaseError`.
 void ShowTestAgain(QWidget* window, Services& services, Library& library, const PastTest& test);
 
+/// Puts a past test, or a draw that was kept, on paper, out of what the library remembers of it. As
+/// `RunPaper`. Throws `DatabaseError`.
+void PrintTestAgain(QWidget* window, Services& services, Library& library, const PastTest& test);
+
 /// The number of the version that comes next of a test or of the test that it is a version of: 1
 /// (B) to 5 (F). None when there is no other order left.
 [[nodiscard]] std::optional<int> NextVersion(const std::vector<PastTest>& tests,
@@ -34,10 +38,6 @@ void ShowTestAgain(QWidget* window, Services& services, Library& library, const 
 /// Makes the slides of the next version of a test. `tests` are all that are listed.
 BuildOutcome MakeNewVersion(QWidget* window, Services& services, Library& library,
                             const std::vector<PastTest>& tests, const PastTest& test);
-
-/// A past test has been put on paper: its questions count as used once more. Throws `Error` when
-/// the library cannot remember it.
-void RecordPaper(Library& library, const PastTest& test);
 
 /// A build has ended: its test is complete when it is, and when the test could not be remembered
 /// she is told.

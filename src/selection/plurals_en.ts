@@ -4,6 +4,13 @@
 <context>
     <name>DrawWishes</name>
     <message numerus="yes">
+        <source>%1 has only %2: %n place(s) free.</source>
+        <translation>
+            <numerusform>%1 has only %2: one place is free.</numerusform>
+            <numerusform>%1 has only %2: %n places are free.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>Used %n time(s), last on %1.</source>
         <translation>
             <numerusform>Used %n time, last on %1.</numerusform>
@@ -35,16 +42,6 @@
         <translation>
             <numerusform>%1 – %n question</numerusform>
             <numerusform>%1 – %n questions</numerusform>
-        </translation>
-    </message>
-</context>
-<context>
-    <name>varnholt::frmMain</name>
-    <message numerus="yes">
-        <source>%1 has only %2: %n place(s) free.</source>
-        <translation>
-            <numerusform>%1 has only %2: one place is free.</numerusform>
-            <numerusform>%1 has only %2: %n places are free.</numerusform>
         </translation>
     </message>
 </context>

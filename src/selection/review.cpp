@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <optional>
-
 #include <utility>
 
 namespace varnholt {
@@ -37,6 +36,14 @@ void Review::swap()
     setPosition(ReviewPosition_ + 1);
     const auto next = pool.begin() + (ReviewPosition_ - 1);
     std::rotate(next, pool.begin() + (nearest - 1), pool.begin() + nearest);
+    arrangeBehind();
+}
+
+void Review::arrangeBehind()
+{
+    draw_.DrawPool(ReviewPosition_).Selected = true;
+    order_.arrange(draw_.DrawPool, ReviewPosition_ + 1, draw_.RequestedQuestionCount);
+    draw_.DrawPool(ReviewPosition_).Selected = false;
 }
 
 void Review::reorder(const std::vector<int>& positions)
@@ -52,13 +59,6 @@ void Review::reorder(const std::vector<int>& positions)
     }
 }
 
-void Review::takeOut(int position)
-{
-    DrawnQuestion& question = draw_.DrawPool(position);
-    AcceptedCount_ -= question.Selected ? 1 : 0;
-    question.Selected = false;
-}
-
 bool Review::swapIncluded(int position)
 {
     const std::optional<int> nearest = NearestAfter(draw_.DrawPool, position, ReviewPosition_);
@@ -71,6 +71,8 @@ bool Review::swapIncluded(int position)
     pool(position).Selected = true;
     pool(*nearest).Selected = false;
     std::rotate(pool.begin() + (*nearest - 1), pool.begin() + *nearest, pool.end());
+    order_.putLast(pool(pool.upperBound()).SOLIndex);
+    order_.arrange(pool, ReviewPosition_, draw_.RequestedQuestionCount);
     return true;
 }
 
@@ -100,9 +102,8 @@ void Review::excludeRest()
 void Review::reopenLast()
 {
     setPosition(ReviewPosition_ - 1);
-    DrawnQuestion& question = draw_.DrawPool(ReviewPosition_);
-    AcceptedCount_ -= question.Selected ? 1 : 0;
-    question.Selected = false;
+    AcceptedCount_ -= draw_.DrawPool(ReviewPosition_).Selected ? 1 : 0;
+    arrangeBehind();
 }
 
 QString Review::selectedText() const

@@ -21,7 +21,8 @@ public:
         Close
     };
 
-    /// With an order by topics' numbers the rest is arranged anew after each question left out.
+    /// With an order by topics' numbers the rest is arranged anew after each question that was left
+    /// out, swapped or taken back.
     explicit Review(Draw draw, QuotaOrder order = {});
 
     /// The draw as it has been judged so far.
@@ -49,11 +50,15 @@ public:
     [[nodiscard]] bool canReopen() const { return ReviewPosition_ > 1; }
     /// Changes the order of the questions included so far: `positions` are all of theirs.
     void reorder(const std::vector<int>& positions);
-    /// Takes back that the question at a position was included.
-    void takeOut(int position);
-    /// Puts the nearest question that is still to come in the place of one that was included; false
-    /// when none is.
+    /// Puts the nearest question that is still to come in the place of one that was included, which
+    /// is the last one to come then; false when none is.
     bool swapIncluded(int position);
+
+    /// The topics that can no longer have their numbers.
+    [[nodiscard]] std::vector<ShortTopic> shortTopics() const
+    {
+        return order_.shortTopics(draw_.DrawPool, ReviewPosition_);
+    }
 
     /// The two counters, for example "Questions Selected: 2" and "Questions Left to View: 8".
     /// The question on show counts as left.
@@ -63,6 +68,8 @@ public:
 private:
     Next moveOn();
     void setPosition(std::int32_t position);
+    /// Arranges what comes after the question on show, as if that one were included.
+    void arrangeBehind();
 
     Draw draw_;
     QuotaOrder order_;

@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <utility>
 
 namespace varnholt {
 
@@ -71,47 +72,41 @@ Draw DrawOf(const std::vector<TestItem>& items)
     return draw;
 }
 
-TestRecord::TestRecord(Library& library, const NewTest& test)
+TestRecord::TestRecord(Library& library, NewTest test, std::int32_t keptTestId)
     : library_(library)
+    , test_(std::move(test))
+    , keptTestId_(keptTestId)
+    , open_(!test_.items.empty() && library.features().on)
 {
-    if (test.items.empty() || !library_.features().on) {
-        return;
-    }
-    try {
-        testId_ = library_.beginTest(test);
-    } catch (const Error& error) {
-        failure_ = error.message();
-        return;
-    }
-    if (std::any_of(test.items.begin(), test.items.end(),
-                    [](const TestItem& item) { return item.pictureSha.isNull(); })) {
+    if (open_ && std::any_of(test_.items.begin(), test_.items.end(),
+                             [](const TestItem& item) { return item.pictureSha.isNull(); })) {
         // As many bytes as the slides take: while they are made, not before.
-        const auto read = [folder = library_.programFolder(), items = test.items] {
-            std::vector<QByteArray> pictures;
-            for (const TestItem& item : items) {
-                pictures.push_back(item.pictureSha.isNull()
-                                       ? PictureSha(FindPictureFile(folder, item.SOLIndex))
-                                       : item.pictureSha);
+        const auto read = [folder = library_.programFolder(), items = test_.items]() mutable {
+            for (TestItem& item : items) {
+                if (item.pictureSha.isNull()) {
+                    item.pictureSha = PictureSha(FindPictureFile(folder, item.SOLIndex));
+                }
             }
-            return pictures;
+            return std::move(items);
         };
-        pictures_ = std::async(std::launch::async, read);
+        items_ = std::async(std::launch::async, read);
     }
 }
 
-TestRecord::TestRecord(Library& library, std::int32_t testId)
-    : library_(library)
-    , testId_(library.features().on ? testId : 0)
-{}
-
 void TestRecord::complete(TestKind kind)
 {
-    if (testId_ == 0) {
+    if (!std::exchange(open_, false)) {
         return;
     }
+    if (items_.valid()) {
+        test_.items = items_.get();
+    }
     try {
-        library_.completeTest(testId_, kind,
-                              pictures_.valid() ? pictures_.get() : std::vector<QByteArray>());
+        if (keptTestId_ != 0) {
+            library_.recordTest(keptTestId_, kind, test_.items);
+        } else {
+            library_.recordTest(test_, kind);
+        }
     } catch (const Error& error) {
         failure_ = error.message();
     }

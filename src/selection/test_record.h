@@ -22,30 +22,30 @@ class Library;
 /// questions that are not marked in between.
 [[nodiscard]] Draw DrawOf(const std::vector<TestItem>& items);
 
-/// A test being made: recorded before, and complete when what is made of it is. A test that cannot
-/// be recorded is made all the same.
+/// A test being made, as it was before that began: recorded once what is made of it is complete, so
+/// that nothing is left of one that was cancelled or failed. A test that cannot be recorded is made
+/// all the same.
 class TestRecord
 {
 public:
-    /// Records it. Without items there is nothing to record. Reads the pictures on a thread of its
-    /// own where an item's SHA-256 is not known.
-    TestRecord(Library& library, const NewTest& test);
-    /// For a test that is recorded already, such as one that was kept for later.
-    TestRecord(Library& library, std::int32_t testId);
+    /// Without items there is nothing to record. Reads the pictures on a thread of its own where an
+    /// item's SHA-256 is not known. A draw that was kept, with its key, becomes the test.
+    TestRecord(Library& library, NewTest test, std::int32_t keptTestId = 0);
 
-    /// What was made of it is complete.
+    /// What was made of it is complete. Only the first time counts.
     void complete(TestKind kind);
 
-    /// 0 for none.
-    [[nodiscard]] std::int32_t testId() const { return testId_; }
     /// Why a library that takes changes could not remember it, in a whole sentence; empty when it
     /// does.
     [[nodiscard]] const QString& failure() const { return failure_; }
 
 private:
     Library& library_;
-    std::int32_t testId_ = 0;
-    std::future<std::vector<QByteArray>> pictures_;
+    NewTest test_;
+    std::int32_t keptTestId_;
+    bool open_;
+    /// The items with their pictures.
+    std::future<std::vector<TestItem>> items_;
     QString failure_;
 };
 

@@ -90,7 +90,7 @@ void ShowMemory::write(const Show& show, bool seen)
 void ShowMemory::begin()
 {
     if (testId_ == 0 && keptTestId_ != 0) {
-        library_.beginShow(keptTestId_);
+        library_.beginShow(keptTestId_, test_.items);
         testId_ = keptTestId_;
     } else if (testId_ == 0) {
         testId_ = library_.beginShow(test_);

@@ -98,6 +98,12 @@ inline constexpr char SelectGoneParents[] =
     "q.SOLIndex JOIN SubTopics s ON s.SubtopicNum = q.SubTopicNum WHERE q.Available = 1 AND "
     "s.Available IS NOT 1";
 
+/// As before: kind and key of the available classes that are called as one of the step is.
+inline constexpr char SelectSameNames[] =
+    "SELECT 5, o.ClassID FROM PlusChanges JOIN PlusClasses c ON c.ClassID = ItemKey JOIN "
+    "PlusClasses o ON o.ClassName = c.ClassName COLLATE NOCASE AND o.ClassID <> c.ClassID WHERE "
+    "ChangeID >= abs(?1) AND Step = ?1 AND Kind = 5 AND c.Available = 1 AND o.Available = 1";
+
 // The trash.
 
 /// The keys of the rows of a kind that are not available.
@@ -136,12 +142,9 @@ inline constexpr char InsertTest[] =
 inline constexpr char InsertTestItem[] =
     "INSERT INTO PlusTestItems (TestID, Position, SOLIndex, Answer, TopicText, PictureSha) VALUES "
     "(?1, ?2, ?3, ?4, ?5, ?6)";
-/// ?1 test, ?2 kind, ?3 time.
-inline constexpr char CompleteTest[] =
+/// ?1 test, ?2 kind, ?3 time: a draw that was kept is this from now on.
+inline constexpr char TurnKeptTest[] =
     "UPDATE PlusTests SET Kind = ?2, MadeAt = ?3 WHERE TestID = ?1";
-/// ?1 test, ?2 position, ?3 SHA-256.
-inline constexpr char UpdateItemPicture[] =
-    "UPDATE PlusTestItems SET PictureSha = ?3 WHERE TestID = ?1 AND Position = ?2";
 /// ?1 test, ?2 position, ?3 question, ?4 answer, ?5 topic text, ?6 SHA-256.
 inline constexpr char UpdateTestItem[] =
     "UPDATE PlusTestItems SET SOLIndex = ?3, Answer = ?4, TopicText = ?5, PictureSha = ?6 WHERE "
@@ -169,7 +172,8 @@ inline constexpr char UpdateTestUnused[] =
     "UPDATE PlusTests SET Options = json_set(Options, '$.unused', ?2) WHERE TestID = ?1";
 inline constexpr char DeleteTest[] = "UPDATE PlusTests SET Available = 0 WHERE TestID = ?1";
 /// ?1 the most wanted, -1 for all; the newest first: TestID, TestName, AssessmentNum, ClassID,
-/// ClassName, MadeAt, Kind, Seed, Options and the number of questions.
+/// ClassName, MadeAt, Kind, Seed, Options and the number of questions. Earlier programs left tests
+/// of the kind 0 that never came to their end.
 inline constexpr char SelectTests[] =
     "SELECT t.TestID, TestName, AssessmentNum, t.ClassID, ClassName, MadeAt, Kind, Seed, Options, "
     "(SELECT count(*) FROM PlusTestItems i WHERE i.TestID = t.TestID) FROM PlusTests t LEFT JOIN "

@@ -42,9 +42,7 @@ protected:
     std::int32_t made(const NewTest& test)
     {
         clock.now += 1000;
-        const std::int32_t key = library.beginTest(test);
-        library.completeTest(key, TestKind::Slides);
-        return key;
+        return library.recordTest(test, TestKind::Slides);
     }
     QString names()
     {
@@ -75,10 +73,7 @@ TEST_F(PastTestsTest, OnlyWhatIsCompleteIsListedAndCountsAsUsed)
     EXPECT_EQ(library.pastTests().classNamed(u"10B"_s), 0);
     NewTest first = test(u"Rosa's test"_s, u" 10B "_s, {3, 1});
     first.options = {false, true, 2, 9, true, 5, {true, true, false, true, 30, true}};
-    const std::int32_t key = library.beginTest(first);
-    EXPECT_EQ(names() + uses(0), u"0000"_s);
-    library.completeTest(key, TestKind::Slides,
-                         {first.items[0].pictureSha, first.items[1].pictureSha});
+    const std::int32_t key = made(first);
     EXPECT_EQ(library.pastTests().items(key), first.items);
     const PastTest listed = library.pastTests().list().front();
     EXPECT_EQ(listed.options, first.options);
@@ -89,12 +84,15 @@ TEST_F(PastTestsTest, OnlyWhatIsCompleteIsListedAndCountsAsUsed)
     library.setTestUsed(key, true);
 
     clock.now += 5000;
-    const std::int32_t kept = library.keepTest(test(u"kept"_s, u"10b"_s, {2}));
+    NewTest keptTest = test(u"kept"_s, u"10b"_s, {2});
+    const std::int32_t kept = library.keepTest(keptTest);
     EXPECT_EQ(names(), u"kept,Rosa's test"_s);
     EXPECT_EQ(library.pastTests().classes().size(), 1U) << "the same class in any case";
     EXPECT_EQ(uses(1), u"1010"_s);
-    library.completeTest(kept, TestKind::Slides, {QByteArray("sha")});
-    EXPECT_EQ(library.pastTests().items(kept).front().pictureSha, "sha");
+    keptTest.items.front().answer = u"corrected"_s;
+    library.recordTest(kept, TestKind::Paper, keptTest.items);
+    EXPECT_EQ(library.pastTests().items(kept), keptTest.items);
+    EXPECT_EQ(library.pastTests().list(1).front().kind, TestKind::Paper);
     made(test(u"nobody"_s, {}, {1}));
     EXPECT_EQ(uses(1) + u'/' + uses(0), u"1110/2110"_s);
     EXPECT_EQ(library.pastTests().list(1).front().name, u"nobody"_s);
@@ -111,13 +109,14 @@ TEST_F(PastTestsTest, OnlyWhatIsCompleteIsListedAndCountsAsUsed)
 
 TEST_F(PastTestsTest, AreRecordedWholeOrNotAtAll)
 {
-    const std::int32_t key = library.beginTest(test(u"begun"_s, {}, {1}));
-    files.sql(u"CREATE TRIGGER a BEFORE INSERT ON PlusTestItems BEGIN SELECT RAISE(ABORT, 'full');"
-              "END; CREATE TRIGGER b BEFORE INSERT ON PlusUses BEGIN SELECT RAISE(ABORT, 'full');"
-              "END"_s);
-    EXPECT_THROW(library.keepTest(test(u"kept"_s, {}, {1})), Error);
-    EXPECT_THROW(library.completeTest(key, TestKind::Slides), Error);
-    EXPECT_EQ(names(), QString());
+    const std::int32_t kept = library.keepTest(test(u"kept"_s, {}, {1}));
+    files.sql(
+        u"CREATE TRIGGER a BEFORE INSERT ON PlusUses BEGIN SELECT RAISE(ABORT, 'full'); END"_s);
+    EXPECT_THROW(library.recordTest(test(u"new"_s, u"10A"_s, {1}), TestKind::Slides), Error);
+    EXPECT_THROW(library.recordTest(kept, TestKind::Slides, test({}, {}, {1}).items), Error);
+    EXPECT_EQ(names() + files.value(u"SELECT count(*) FROM PlusTestItems"_s), u"kept1"_s);
+    EXPECT_EQ(library.pastTests().list().front().kind, TestKind::Kept);
+    EXPECT_TRUE(library.pastTests().classes().empty());
 }
 
 TEST_F(PastTestsTest, WhatATeacherDoesToThemCanBeUndone)
@@ -167,6 +166,14 @@ TEST_F(PastTestsTest, WhatATeacherDoesToThemCanBeUndone)
     library.restore(tenA);
     EXPECT_THROW(library.rename(other, u" 10A"_s), Error);
     library.rename(tenA, u"10a"_s);
+    // Somebody types the name of a class that has just been deleted.
+    library.deleteClass(other.key);
+    library.deleteTest(library.beginShow(test({}, u"10b"_s, {})));
+    library.undo();
+    const UndoOutcome refused = library.undo();
+    EXPECT_EQ(refused.result, UndoOutcome::Result::NameTaken);
+    EXPECT_EQ(refused.inTheWay.front().name, u"10b"_s);
+    EXPECT_EQ(library.pastTests().classes().size(), 2U);
     library.deleteTest(first.key);
     EXPECT_EQ(library.trash().texts(first).placeText(), u"Maths"_s);
     EXPECT_EQ(library.trash().matching(u"first maths"_s).size(), 1U);
@@ -176,7 +183,7 @@ TEST_F(PastTestsTest, WhatATeacherDoesToThemCanBeUndone)
     library.open(Connection::Access::ReadOnly);
     EXPECT_EQ(library.pastTests().classes().size(), 2U);
     EXPECT_EQ(uses(1), u"1100"_s);
-    EXPECT_THROW(library.beginTest(test(u"x"_s, {}, {1})), Error);
+    EXPECT_THROW(library.keepTest(test(u"x"_s, {}, {1})), Error);
 }
 
 TEST_F(PastTestsTest, OutcomesAreReplacedClearedAndUndone)

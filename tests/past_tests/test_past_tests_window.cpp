@@ -149,6 +149,45 @@ TEST_F(PastTestsWindow, MakesTheSameBytesWhateverBecameOfTheQuestions)
     EXPECT_EQ(memory.pastTests().list().size(), 400U);
 }
 
+TEST_F(PastTestsWindow, AKeptDrawBecomesTheTestThatIsMadeOfItWithItsNewAnswers)
+{
+    const QByteArray sha = PictureSha(library.picturePath(1));
+    NewTest kept{u"kept"_s, 1, u"10B"_s, 1, {}, {{1, 1, u"old"_s, u"T"_s, sha}}};
+    const std::int32_t key = memory.keepTest(kept);
+    for (const bool complete : {false, true}) {
+        presentations.cancelled = !complete;
+        messages.expectYesNo(u"Past Tests"_s, u"1 answer has changed since. Use the new one?"_s,
+                             true, MessageBoxes::Answer::Yes);
+        MakeTestAgain(nullptr, services, memory, newest());
+        kept.items.front().answer = complete ? u"A1"_s : u"old"_s;
+        EXPECT_EQ(memory.pastTests().items(key), kept.items);
+        EXPECT_EQ(memory.pastTests().uses(key).size(), complete ? 1U : 0U);
+    }
+    EXPECT_EQ(memory.pastTests().list().size(), 1U);
+}
+
+TEST_F(PastTestsWindow, PaperIsAUseWithTheClassThatStandsOnIt)
+{
+    memory.keepTest({u"kept"_s, 1, u"10B"_s, 1, {}, {{1, 1, u"A1"_s, u"T"_s, {}}}});
+    files.answers = {library.folder() + u"/1"_s, library.folder() + u"/2"_s,
+                     library.folder() + u"/3"_s};
+    QTimer::singleShot(0, qApp, [] {
+        auto* paper = QApplication::activeModalWidget();
+        click(paper, "cmdSavePdf");
+        click(paper, "cmdSavePdf");
+        control<QLineEdit>(paper, "txtClass")->setText(u"10C"_s);
+        click(paper, "cmdSavePdf");
+        click(paper, "cmdClose");
+    });
+    PrintTestAgain(nullptr, services, memory, newest());
+    EXPECT_EQ(library
+                  .sql(u"SELECT ClassName || Kind || ' ' || count(*) FROM PlusTests JOIN "
+                       "PlusClasses USING (ClassID) JOIN PlusUses USING (TestID) GROUP BY "
+                       "TestID"_s)
+                  .join(u','),
+              u"10B3 1,10C3 1"_s);
+}
+
 TEST_F(PastTestsWindow, WorksByKeyboard)
 {
     make({});

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <random>
 #include <set>
@@ -227,6 +228,19 @@ TEST_F(DrawOrder, QuotasAreMetWheneverPossibleAlsoAfterExcluding)
             }
         }
     }
+    // The largest part of what is still to come goes first: four, two, and three by chance.
+    for (int round = 0; round < 50; ++round) {
+        auto drawn = pool(30);
+        ShuffleDrawPool(drawn, random);
+        QuotaOrder({{0, 4}, {1, 2}}, drawn, 9);
+        const std::vector<double> wanted{4, 2, 3};
+        std::vector<double> parts{1, 1, 1};
+        for (int i = 1; i <= 9; ++i) {
+            const auto topic = static_cast<std::size_t>(drawn(i).TopicID);
+            EXPECT_EQ(parts[topic], *std::max_element(parts.begin(), parts.end()));
+            parts[topic] = std::round(parts[topic] * wanted[topic] - 1) / wanted[topic];
+        }
+    }
     const auto dry = ShortTopics({{0, 10}, {2, 7}, {3, 1}}, {{0, 10}, {2, 5}});
     ASSERT_EQ(dry.size(), 2U);
     EXPECT_EQ(std::tuple(dry[0].TopicID, dry[0].available, dry[1].available), std::tuple(2, 5, 0));
@@ -291,10 +305,42 @@ TEST_F(DrawOrder, AReviewKeepsCountWhateverIsSwappedTakenBackAndMoved)
         draw.DrawPool = pool(2 + upTo(20));
         draw.RequestedQuestionCount = 1 + upTo(draw.DrawPool.upperBound() - 1);
         ShuffleDrawPool(draw.DrawPool, random);
-        QuotaOrder order(upTo(1) ? Quotas{{0, 1 + upTo(3)}, {1, 1 + upTo(3)}} : Quotas(),
-                         draw.DrawPool, draw.RequestedQuestionCount);
+        const Quotas quotas = upTo(1) ? Quotas{{0, 1 + upTo(3)}, {1, 1 + upTo(3)}} : Quotas();
+        QuotaOrder order(quotas, draw.DrawPool, draw.RequestedQuestionCount);
         Review review(draw, order);
         const auto all = sorted(keys(draw.DrawPool));
+        // The question on show is what she asked for, and not what a topic needs.
+        bool given = false;
+        const auto topics = [](const Review& of, int from) {
+            Quotas number{{0, 0}, {1, 0}};
+            for (int i = 1; i <= of.draw().DrawPool.upperBound(); ++i) {
+                const DrawnQuestion& question = of.draw().DrawPool(i);
+                number[question.TopicID] += i >= from || question.Selected ? 1 : 0;
+            }
+            return number;
+        };
+        const auto expectQuotas = [&] {
+            Review later = review;
+            if (given && later.include() != Review::Next::Show) {
+                return;
+            }
+            Quotas most = topics(later, later.position());
+            const Quotas has = topics(later, 999);
+            int lacking = 0;
+            for (const auto& [topic, wanted] : quotas) {
+                most[topic] = std::min(most[topic], std::max(wanted, has.at(topic)));
+                lacking += most[topic] - has.at(topic);
+            }
+            if (lacking <= draw.RequestedQuestionCount - later.acceptedCount()) {
+                while (later.include() == Review::Next::Show) {
+                }
+                for (const auto& [topic, wanted] : quotas) {
+                    EXPECT_GE(topics(later, 999)[topic], most[topic]);
+                }
+            }
+            EXPECT_EQ(review.shortTopics().size(),
+                      ShortTopics(quotas, topics(review, review.position())).size());
+        };
         for (auto next = Review::Next::Show; next == Review::Next::Show;) {
             std::vector<int> marked;
             for (int i = 1; i <= review.draw().DrawPool.upperBound(); ++i) {
@@ -304,11 +350,14 @@ TEST_F(DrawOrder, AReviewKeepsCountWhateverIsSwappedTakenBackAndMoved)
             }
             ASSERT_EQ(static_cast<int>(marked.size()), review.acceptedCount());
             ASSERT_EQ(sorted(keys(review.draw().DrawPool)), all);
+            expectQuotas();
             const int action = upTo(6);
             if (action == 0 && review.canSwap()) {
                 review.swap();
+                given = true;
             } else if (action == 1 && review.canReopen() && upTo(2) == 0) {
                 review.reopenLast();
+                given = true;
             } else if (action == 2) {
                 std::shuffle(marked.begin(), marked.end(), engine);
                 review.reorder(marked);
@@ -316,7 +365,9 @@ TEST_F(DrawOrder, AReviewKeepsCountWhateverIsSwappedTakenBackAndMoved)
                 const auto gone = review.draw().DrawPool(marked.front()).SOLIndex;
                 EXPECT_TRUE(review.swapIncluded(marked.front()));
                 EXPECT_NE(review.draw().DrawPool(marked.front()).SOLIndex, gone);
+                given = false;
             } else {
+                given = false;
                 next = action < 5 ? review.exclude() : review.include();
             }
         }

@@ -1,4 +1,5 @@
 #include "library/Library.h"
+#include "selection/draw_wishes.h"
 #include "selection/frmMain.h"
 #include "selection/frmSelect.h"
 #include "support/gui.h"
@@ -10,9 +11,11 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -210,6 +213,59 @@ TEST_F(ReviewWindow, CancelEscapeClosingAndExcludingAllBuildNothing)
     create(3);
     selection->close();
     EXPECT_FALSE(review && review->isVisible());
+}
+
+TEST_F(ReviewWindow, SwapsTakesBackOrdersAndKeepsByKey)
+{
+    SaveQuotas(library.folder(), 1, {{1, 4}});
+    selection = std::make_unique<frmMain>(services, state, owner);
+    selection->show();
+    create(4);
+    const auto included = [&] {
+        std::vector<std::int32_t> keys;
+        for (const DrawnQuestion& question : review->draw().DrawPool) {
+            if (question.Selected) {
+                keys.push_back(question.SOLIndex);
+            }
+        }
+        return keys;
+    };
+    key(Qt::Key_S);
+    EXPECT_TRUE(shows(2));
+    EXPECT_EQ(counters(), u"Questions Selected: 0, Questions Left to View: 4"_s);
+    EXPECT_FALSE(control<QLabel>(review, "lblShort")->isVisible());
+    key(Qt::Key_E);
+    EXPECT_EQ(text("lblShort"), u"Topic 1 has only 3: one place is free."_s);
+    key(Qt::Key_Backspace);
+    EXPECT_TRUE(shows(2));
+    EXPECT_FALSE(control<QLabel>(review, "lblShort")->isVisible());
+    key(Qt::Key_I);
+    key(Qt::Key_I);
+    const auto before = included();
+    const std::int32_t third = review->draw().DrawPool(4).SOLIndex;
+    QApplication::processEvents();
+    QTimer::singleShot(0, qApp, [] {
+        auto* overview = QApplication::activeModalWidget();
+        present(*overview);
+        auto* list = control<QListWidget>(overview, "lstQuestions");
+        QTest::keyClick(list, Qt::Key_Home);
+        QTest::keyClick(list, Qt::Key_S);
+        QTest::keyClick(list, Qt::Key_Right, Qt::ControlModifier);
+        QTest::keyClick(overview, Qt::Key_Escape);
+    });
+    QTest::keyClick(review->focusWidget(), Qt::Key_O);
+    EXPECT_EQ(included(), (std::vector{before[1], third}));
+    EXPECT_EQ(counters(), u"Questions Selected: 2, Questions Left to View: 2"_s);
+    const auto kept = included();
+    click(review, "cmdKeep");
+    expectClosed(0);
+    const PastTest test = owner.pastTests().list().at(0);
+    EXPECT_EQ(std::tuple(test.kind, test.options.asked), std::tuple(TestKind::Kept, 4));
+    std::vector<std::int32_t> keys;
+    for (const TestItem& item : owner.pastTests().items(test.TestID)) {
+        keys.push_back(item.SOLIndex);
+    }
+    EXPECT_EQ(keys, kept);
 }
 
 TEST_F(ReviewWindow, AMissingPictureClosesTheReview)

@@ -1,6 +1,7 @@
 // The two windows of a show on screens that are not there, and what the library remembers.
 
 #include "library/Library.h"
+#include "library/test_pictures.h"
 #include "selection/frmMain.h"
 #include "selection/past_build.h"
 #include "show/ShowDesktop.h"
@@ -387,16 +388,23 @@ TEST_F(ShowWindows, TheSelectionWindowShowsWhatWasDrawnAndReviewed)
 
 TEST_F(ShowWindows, ADrawThatWasKeptIsShownAndIsATestFromThenOn)
 {
-    const std::int32_t kept = owner.keepTest(recordOf(makeTest(3)));
+    NewTest record = recordOf(makeTest(3));
+    for (TestItem& item : record.items) {
+        item.pictureSha = PictureSha(library.picturePath(item.SOLIndex));
+    }
+    const std::int32_t kept = owner.keepTest(record);
     library.sql(u"UPDATE Questions SET Answer = 'new' WHERE SOLIndex = 2"_s);
     messages.expectYesNo(u"Past Tests"_s, u"3 answers have changed since. Use the new ones?"_s,
-                         false, MessageBoxes::Answer::Yes);
+                         true, MessageBoxes::Answer::Yes);
     messages.expectYesNo(u"Show in Class"_s, u"End the show?"_s, true, MessageBoxes::Answer::Yes);
     QTimer::singleShot(400, qApp,
                        [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
     ShowTestAgain(nullptr, services, owner, owner.pastTests().list().front());
-    EXPECT_EQ(library.sql(u"SELECT TestID || ' ' || Kind FROM PlusTests"_s).join(u','),
-              u"%1 2"_s.arg(kept));
+    EXPECT_EQ(library
+                  .sql(u"SELECT TestID || Kind || total(i.Answer = q.Answer) FROM PlusTests "
+                       "JOIN PlusTestItems i USING (TestID) JOIN Questions q USING (SOLIndex)"_s)
+                  .join(u','),
+              QString::number(kept) + u"23.0"_s);
     EXPECT_EQ(uses(), u"1:-"_s);
 }
 
