@@ -128,7 +128,8 @@ void Connection::open(const QString& path, Access access)
         throw DatabaseError(tr("The question library should be a file, but this is a folder:\n%1")
                                 .arg(shown(path)));
     }
-    if (!QFile(path).open(QIODevice::ReadOnly)) {
+    // To open it for a look would end every lock that this process has on the file.
+    if (!file.isReadable()) {
         throw DatabaseError(
             tr("You do not have the right to read the question library:\n%1").arg(shown(path)));
     }
