@@ -5,6 +5,7 @@
 #include "authoring/CanvasView.h"
 #include "authoring/PictureCanvas.h"
 
+#include <QCoreApplication>
 #include <QMouseEvent>
 #include <QPainter>
 

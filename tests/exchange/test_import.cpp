@@ -16,7 +16,7 @@
 // Every request to put something on the disk, the database's own among them, passes here.
 static int syncs = 0;
 /// Those for a whole file system, as the pictures of an import have them.
-static int wideSyncs = 0;
+[[maybe_unused]] static int wideSyncs = 0;
 /// The kind of file (of its mode) whose requests fail.
 static mode_t badDisk = 0;
 

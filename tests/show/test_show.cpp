@@ -5,6 +5,8 @@
 #include "show/show_screens.h"
 #include "support/fakes.h"
 
+#include <QHash>
+
 #include <gtest/gtest.h>
 
 #include <random>
