@@ -17,7 +17,9 @@
 #include <QHash>
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
+#include <vector>
 
 namespace varnholt {
 
@@ -214,7 +216,7 @@ void PackageImport::placePicture(const Package& package, std::size_t question,
     const std::int32_t OldSOLIndex = oldKey(question);
     const QString source = workFolder_.file(pictureMember(OldSOLIndex));
     const QString target = inLibrary(SOLIndex);
-    const std::error_code error = MoveFile(native(source), native(target));
+    const std::error_code error = TakeFileTo(native(source), native(target));
     // It may have gone with an earlier question of that key: each gets its own bytes.
     std::size_t twin = error ? 0 : question;
     while (twin < question && oldKey(twin) != OldSOLIndex) {
@@ -249,10 +251,13 @@ void PackageImport::syncPictures()
     if (placed_.empty()) {
         return;
     }
-    const auto picture = [this](std::size_t i) { return native(inLibrary(placed_[i])); };
-    const std::error_code error =
-        InBackground([&] { return SyncFiles(placed_.size(), picture); },
-                     [this] { progress_(ExchangeWork::Importing, 1, 1); });
+    std::vector<std::filesystem::path> pictures;
+    pictures.reserve(placed_.size());
+    for (const auto& picture : placed_) {
+        pictures.push_back(native(inLibrary(picture)));
+    }
+    const std::error_code error = InBackground(
+        [&] { return SyncFiles(pictures); }, [this] { progress_(ExchangeWork::Importing, 1, 1); });
     if (error) {
         throw DiskError(Words::tr("The pictures could not be put on the disk (%1).")
                             .arg(QString::fromStdString(error.message())));
@@ -268,7 +273,7 @@ void PackageImport::returnPictures(const Package& package, bool libraryKeepsThem
         const auto placed = native(inLibrary(key));
         // Should that fail: it was on offer only, the package still has it.
         static_cast<void>(libraryKeepsThem ? PlaceFile(placed, picture, Placing::MayShare)
-                                           : MoveFile(placed, picture));
+                                           : TakeFileTo(placed, picture));
     }
     placed_.clear();
 }

@@ -1,6 +1,8 @@
 #include "files/placing.h"
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <cerrno>
 
 #include <unistd.h>
@@ -29,6 +31,29 @@ std::error_code checkReadable(const fs::path& file)
 
 } // namespace
 
+std::error_code RenameFile(const fs::path& from, const fs::path& to)
+{
+#ifdef _WIN32
+    constexpr int attempts = 12;
+    constexpr DWORD pauseMs = 50;
+    for (int i = 1;; ++i) {
+        if (::MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING)) {
+            return {};
+        }
+        const DWORD error = ::GetLastError();
+        // The second is what an open file that is to be replaced leads to.
+        if ((error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED) || i == attempts) {
+            return {static_cast<int>(error), std::system_category()};
+        }
+        ::Sleep(pauseMs);
+    }
+#else
+    std::error_code error;
+    fs::rename(from, to, error);
+    return error;
+#endif
+}
+
 std::error_code PlaceFile(const fs::path& from, const fs::path& to, Placing placing)
 {
     std::error_code error = checkReadable(from);
@@ -53,7 +78,7 @@ std::error_code PlaceFile(const fs::path& from, const fs::path& to, Placing plac
         fs::copy_file(original, part, error);
     }
     if (!error) {
-        fs::rename(part, to, error);
+        error = RenameFile(part, to);
     }
     // Renaming one link of a file onto another does nothing and leaves both.
     std::error_code ignored;
@@ -61,12 +86,12 @@ std::error_code PlaceFile(const fs::path& from, const fs::path& to, Placing plac
     return error;
 }
 
-std::error_code MoveFile(const fs::path& from, const fs::path& to)
+std::error_code TakeFileTo(const fs::path& from, const fs::path& to)
 {
     std::error_code error;
     const bool isFile = fs::is_regular_file(fs::symlink_status(from, error));
     if (isFile) {
-        fs::rename(from, to, error);
+        error = RenameFile(from, to);
     }
     return isFile && !error ? error : PlaceFile(from, to, Placing::Copy);
 }

@@ -21,9 +21,15 @@ enum class Placing
 [[nodiscard]] std::error_code PlaceFile(const std::filesystem::path& from,
                                         const std::filesystem::path& to, Placing placing);
 
+/// Gives the file `from` the name `to`, whose file it replaces in one step; both are on one file
+/// system. Windows refuses that while somebody has either open: who reads one for a moment, as a
+/// scanner for viruses does, is waited for.
+[[nodiscard]] std::error_code RenameFile(const std::filesystem::path& from,
+                                         const std::filesystem::path& to);
+
 /// Takes the file `from` to `to`, whose file it replaces in one step. Where the two are on
 /// different file systems `from` stays. Errors as `PlaceFile`'s.
-[[nodiscard]] std::error_code MoveFile(const std::filesystem::path& from,
-                                       const std::filesystem::path& to);
+[[nodiscard]] std::error_code TakeFileTo(const std::filesystem::path& from,
+                                         const std::filesystem::path& to);
 
 } // namespace varnholt

@@ -89,40 +89,25 @@ std::error_code SyncFolder([[maybe_unused]] const std::filesystem::path& folder)
 #endif
 }
 
-std::error_code SyncFiles(std::size_t count,
-                          const std::function<std::filesystem::path(std::size_t)>& file)
+std::error_code SyncFiles(std::span<const std::filesystem::path> files)
 {
     std::error_code error;
 #ifdef __linux__
-    if (count > 0) {
-        error = SyncFileSystem(file(0).parent_path());
+    if (!files.empty()) {
+        error = withOpen(files.front().parent_path(), &::syncfs);
     }
 #else
-    for (std::size_t i = 0; i < count && !error; ++i) {
-        const std::filesystem::path path = file(i);
-        error = withOpen(path, &sync);
+    for (const std::filesystem::path& file : files) {
+        error = withOpen(file, &sync);
         if (!error) {
-            error = SyncFolder(path.parent_path());
+            error = SyncFolder(file.parent_path());
+        }
+        if (error) {
+            break;
         }
     }
 #endif
     return error;
-}
-
-std::error_code SyncFileSystem(const std::filesystem::path& folder)
-{
-#ifdef __linux__
-    return withOpen(folder, &::syncfs);
-#else
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        if (entry->is_regular_file(error)) {
-            error = withOpen(entry->path(), &sync);
-        }
-    }
-    return error ? error : SyncFolder(folder);
-#endif
 }
 
 } // namespace varnholt

@@ -82,7 +82,7 @@ void PutNextPicture(const QString& programFolder, std::int32_t key)
     const QString present = FindPictureFile(programFolder, key);
     const QString next = OldPictureFile(programFolder, key, QStringLiteral("next"));
     keep(programFolder, key, present);
-    if (MoveFile(QFileInfo(next).filesystemFilePath(), QFileInfo(present).filesystemFilePath())) {
+    if (TakeFileTo(QFileInfo(next).filesystemFilePath(), QFileInfo(present).filesystemFilePath())) {
         fail(QT_TRANSLATE_NOOP("Library", "The picture cannot be put in its place: %1"), present);
     }
 }

@@ -27,7 +27,7 @@ QString tr(const char* sentence)
 
 void rename(const QString& from, const QString& to)
 {
-    if (MoveFile(QFileInfo(from).filesystemFilePath(), QFileInfo(to).filesystemFilePath())) {
+    if (TakeFileTo(QFileInfo(from).filesystemFilePath(), QFileInfo(to).filesystemFilePath())) {
         throw Error(
             tr("The waiting picture cannot be renamed: %1").arg(QDir::toNativeSeparators(from)));
     }
@@ -71,8 +71,8 @@ void PendingPictures::keepAnswer(int number, const QString& answer)
     if (QFileInfo::exists(path(number)) && file.open(QIODevice::WriteOnly) &&
         file.write(bytes) == bytes.size() && file.flush()) {
         file.close();
-        (void)MoveFile(QFileInfo(written).filesystemFilePath(),
-                       QFileInfo(answerPath(number)).filesystemFilePath());
+        (void)TakeFileTo(QFileInfo(written).filesystemFilePath(),
+                         QFileInfo(answerPath(number)).filesystemFilePath());
     }
 }
 

@@ -9,6 +9,9 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
+#include <filesystem>
+#include <vector>
+
 namespace varnholt {
 
 namespace {
@@ -43,8 +46,11 @@ void copyLibrary(const QString& from, const QString& to)
         throw Error(Words::tr("The folder for your question library could not be made:\n%1")
                         .arg(QDir::toNativeSeparators(to)));
     }
+    std::vector<std::filesystem::path> copied;
     for (const QString& name : pictures.entryList(QDir::Files)) {
-        copyFile(pictures.filePath(name), to + QStringLiteral("/Files/") + name);
+        const QString picture = to + QStringLiteral("/Files/") + name;
+        copyFile(pictures.filePath(name), picture);
+        copied.push_back(QFileInfo(picture).filesystemFilePath());
     }
     // Changes that were not brought into the file belong to it. What is on the disk before the
     // file itself cannot be missing from a library that is there.
@@ -53,10 +59,11 @@ void copyLibrary(const QString& from, const QString& to)
     for (const QString& ending : {QStringLiteral("-wal"), QStringLiteral("-journal"), QString()}) {
         QFile::remove(copy + ending);
         if (ending.isEmpty()) {
-            (void)SyncFileSystem(QFileInfo(to).filesystemFilePath());
+            (void)SyncFiles(copied);
         }
         if (QFileInfo::exists(original + ending)) {
             copyFile(original + ending, copy + ending);
+            copied.push_back(QFileInfo(copy + ending).filesystemFilePath());
         }
     }
 }

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <span>
 
 namespace varnholt {
 
@@ -253,20 +254,22 @@ void BackupStore::addToPool(const Path& from, const BackedPicture& picture, bool
     }
     Require(PlaceFile(from, to, share ? Placing::MayShare : Placing::Copy), to);
     written.files.push_back(to);
-    written.unsynced += fs::hard_link_count(to, error) > 1 ? 0 : picture.size;
-    if (written.unsynced > bytesAtOnce) {
-        Require(SyncFileSystem(pool()), pool());
-        written.unsynced = 0;
+    written.unsyncedBytes += fs::hard_link_count(to, error) > 1 ? 0 : picture.size;
+    if (written.unsyncedBytes > bytesAtOnce) {
+        Require(SyncFiles(std::span(written.files).subspan(written.synced)), pool());
+        written.synced = written.files.size();
+        written.unsyncedBytes = 0;
     }
 }
 
 void BackupStore::syncPool(const Written& written) const
 {
     constexpr std::size_t few = 32;
-    if (written.files.size() > few) {
-        Require(SyncFileSystem(pool()), pool());
+    const auto unsynced = std::span(written.files).subspan(written.synced);
+    if (unsynced.size() > few) {
+        Require(SyncFiles(unsynced), pool());
     } else {
-        std::for_each(written.files.begin(), written.files.end(), SyncOrThrow);
+        std::for_each(unsynced.begin(), unsynced.end(), SyncOrThrow);
     }
     Require(SyncFolder(pool()), pool());
 }
@@ -276,8 +279,7 @@ void BackupStore::publish(const QString& id, const Path& library,
 {
     std::error_code error;
     SyncOrThrow(library);
-    fs::rename(library, libraryOf(id), error);
-    Require(error, libraryOf(id));
+    Require(RenameFile(library, libraryOf(id)), libraryOf(id));
     Require(SyncFolder(PathOf(folder_)), PathOf(folder_));
 
     const Path last = manifestOf(id);

@@ -133,7 +133,9 @@ private:
     struct Written
     {
         std::vector<Path> files;
-        std::int64_t unsynced = 0;
+        /// The first so many of `files` are on the disk.
+        std::size_t synced = 0;
+        std::int64_t unsyncedBytes = 0;
     };
     /// Puts a picture of `size` bytes into the pool. Much at once would keep the disk busy beyond
     /// anybody's wish to stop it: it goes there in parts.

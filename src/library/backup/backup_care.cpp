@@ -1,3 +1,4 @@
+#include "files/placing.h"
 #include "files/sync.h"
 #include "library/backup/BackupStore.h"
 #include "library/backup/backup_files.h"
@@ -101,8 +102,7 @@ BackupCheck BackupStore::verify(const QString& id, const BackupProgress& progres
         if (found) {
             Path aside = file;
             aside += ".damaged";
-            std::error_code ignored;
-            fs::rename(file, aside, ignored);
+            static_cast<void>(RenameFile(file, aside));
         }
     };
     BackupManifest manifest;

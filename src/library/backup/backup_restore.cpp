@@ -18,6 +18,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
+#include <vector>
 
 namespace varnholt {
 
@@ -134,9 +136,7 @@ fs::path nameAside(const fs::path& file, const std::string& ending)
 /// Renames a file out of the way; it is never removed.
 void setAside(const fs::path& file, const std::string& ending)
 {
-    std::error_code error;
-    fs::rename(file, nameAside(file, ending), error);
-    Require(error, file);
+    Require(RenameFile(file, nameAside(file, ending)), file);
 }
 
 /// Keeps what a file holds that is about to be replaced.
@@ -155,41 +155,61 @@ bool isWhole(const fs::path& file, const BackedPicture& picture)
            ShaOfFile(file) == picture.sha;
 }
 
-/// Puts a picture where there is none. False when the backup has lost it or it cannot be written.
-bool putBack(const QString& programFolder, const BackupStore& store, const BackedPicture& picture)
+/// Pictures on their way back from a backup into a library.
+class PicturesBack
 {
-    const fs::path original = store.pictureOf(picture.sha);
-    return isWhole(original, picture) &&
-           !PlaceFile(original, PathOf(NewPictureFile(programFolder, picture.key)),
-                      Placing::MayShare);
-}
+public:
+    PicturesBack(const QString& programFolder, const BackupStore& store)
+        : programFolder_(programFolder)
+        , store_(store)
+    {}
 
-/// The same where there may be another one.
-bool putInPlace(const QString& programFolder, const BackupStore& store,
-                const BackedPicture& picture)
+    /// Puts a picture where there is none. False when the backup has lost it or it cannot be
+    /// written.
+    bool put(const BackedPicture& picture)
+    {
+        const fs::path original = store_.pictureOf(picture.sha);
+        const fs::path place = PathOf(NewPictureFile(programFolder_, picture.key));
+        if (!isWhole(original, picture) || PlaceFile(original, place, Placing::MayShare)) {
+            return false;
+        }
+        placed_.push_back(place);
+        return true;
+    }
+    /// The same where there may be another one, which is set aside.
+    bool replace(const BackedPicture& picture);
+    /// The same when it is too late to fail.
+    bool tryToReplace(const BackedPicture& picture)
+    {
+        try {
+            return replace(picture);
+        } catch (const Error&) {
+            return false;
+        }
+    }
+    /// Has on the disk what was put.
+    [[nodiscard]] std::error_code sync() { return SyncFiles(std::exchange(placed_, {})); }
+
+private:
+    QString programFolder_;
+    const BackupStore& store_;
+    std::vector<fs::path> placed_;
+};
+
+bool PicturesBack::replace(const BackedPicture& picture)
 {
-    const fs::path place = PathOf(FindPictureFile(programFolder, picture.key));
+    const fs::path place = PathOf(FindPictureFile(programFolder_, picture.key));
     std::error_code error;
     if (fs::exists(place, error)) {
         if (ShaOfFile(place) == picture.sha) {
             return true;
         }
-        if (!isWhole(store.pictureOf(picture.sha), picture)) {
+        if (!isWhole(store_.pictureOf(picture.sha), picture)) {
             return false;
         }
         setAside(place, ".bak");
     }
-    return putBack(programFolder, store, picture);
-}
-
-/// The same when it is too late to fail.
-bool placed(const QString& programFolder, const BackupStore& store, const BackedPicture& picture)
-{
-    try {
-        return putInPlace(programFolder, store, picture);
-    } catch (const Error&) {
-        return false;
-    }
+    return put(picture);
 }
 
 /// Where a restore says what is left to do once the rows are there.
@@ -279,17 +299,16 @@ BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupSto
     std::error_code error;
     fs::create_directories(picturesFolder(folder), error);
     Require(error, picturesFolder(folder));
+    PicturesBack back(folder, store);
     for (std::size_t i = 0; i < pictures.missing.size(); ++i) {
         if (progress) {
             progress(i, pictures.missing.size());
         }
-        if (!putBack(folder, store, *pictures.missing[i])) {
+        if (!back.put(*pictures.missing[i])) {
             result.picturesLost.push_back(pictures.missing[i]->key);
         }
     }
-    if (!pictures.missing.empty()) {
-        Require(SyncFileSystem(picturesFolder(folder)), picturesFolder(folder));
-    }
+    Require(back.sync(), picturesFolder(folder));
     if (!pictures.other.empty()) {
         writePending(own, store, id, wanted.fingerprint);
     }
@@ -303,12 +322,12 @@ BackupRestored RestoreBackup(Library& library, BackupStore& own, const BackupSto
     // From here on the backup is restored, and nothing may tell otherwise.
     library.refresh();
     for (const BackedPicture* picture : pictures.other) {
-        if (!placed(folder, store, *picture)) {
+        if (!back.tryToReplace(*picture)) {
             result.picturesLost.push_back(picture->key);
         }
     }
     if (!pictures.other.empty()) {
-        (void)SyncFileSystem(picturesFolder(folder));
+        (void)back.sync();
         fs::remove(pendingOf(own), error);
     }
     result.changed = wanted.changed;
@@ -351,15 +370,16 @@ BackupRestored ReplaceLibrary(const QString& programFolder, const BackupStore& s
     for (const BackedPicture& picture : manifest.pictures) {
         (there.find(picture.key) ? other : missing).push_back(&picture);
     }
+    PicturesBack back(programFolder, store);
     for (std::size_t i = 0; i < missing.size(); ++i) {
         if (progress) {
             progress(i, manifest.pictures.size());
         }
-        if (!putBack(programFolder, store, *missing[i])) {
+        if (!back.put(*missing[i])) {
             result.picturesLost.push_back(missing[i]->key);
         }
     }
-    Require(SyncFileSystem(picturesFolder(programFolder)), picturesFolder(programFolder));
+    Require(back.sync(), picturesFolder(programFolder));
     writePending(own, store, id, PrepareReplacement(Shown(file), largestKey));
     SyncOrThrow(file);
 
@@ -372,11 +392,10 @@ BackupRestored ReplaceLibrary(const QString& programFolder, const BackupStore& s
             *ending ? setAside(old, ".damaged") : keepAside(old, ".damaged");
         }
     }
-    fs::rename(file, library, error);
-    Require(error, library);
+    Require(RenameFile(file, library), library);
     Require(SyncFolder(library.parent_path()), library.parent_path());
     for (std::size_t i = 0; i < other.size(); ++i) {
-        if (!placed(programFolder, store, *other[i])) {
+        if (!back.tryToReplace(*other[i])) {
             result.picturesLost.push_back(other[i]->key);
         }
     }
@@ -396,10 +415,11 @@ void FinishRestore(Library& library, const BackupStore& own)
     // Otherwise the rows never came, or have changed since: the pictures are theirs.
     if (lines.size() == 3 && lines[0] == FingerprintOf(library.connection()) &&
         store.read(QString::fromUtf8(lines[1]), manifest) == State::Whole) {
+        PicturesBack back(library.programFolder(), store);
         for (const BackedPicture& picture : manifest.pictures) {
-            (void)putInPlace(library.programFolder(), store, picture);
+            (void)back.replace(picture);
         }
-        (void)SyncFileSystem(picturesFolder(library.programFolder()));
+        (void)back.sync();
     }
     std::error_code ignored;
     fs::remove(pendingOf(own), ignored);
