@@ -5,6 +5,7 @@
 #include "pictures/picture_files.h"
 #include "store/catalogue.h"
 #include "store/connection.h"
+#include "store/file_name.h"
 #include "store/library_file.h"
 #include "store/modMain.h"
 #include "store/statements.h"
@@ -203,8 +204,7 @@ bool PackageExport::collect()
 
 QString PackageExport::initialName() const
 {
-    QString name = assessmentName_;
-    return name.replace(u'/', u'-').replace(u'\\', u'-');
+    return FileNameHere(assessmentName_);
 }
 
 void PackageExport::requireOutsideLibrary(const QString& archivePath) const

@@ -5,6 +5,7 @@
 #include "paper/paper_pdf.h"
 #include "pictures/picture_info.h"
 #include "store/errors.h"
+#include "store/file_name.h"
 #include "store/services.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/LineEdit.h"
@@ -36,16 +37,10 @@ namespace {
 /// A printer has no use for more.
 constexpr int longestPrintedSide = 3000;
 
-/// A file system takes no such name.
-QString asFileName(QString title)
+QString asFileName(const QString& title)
 {
-    for (QChar& c : title) {
-        if (c < u' ' || QStringLiteral("/\\:*?\"<>|").contains(c)) {
-            c = u'-';
-        }
-    }
-    title = title.trimmed().left(100);
-    return title.isEmpty() ? QStringLiteral("Test") : title;
+    const QString name = title.trimmed();
+    return name.isEmpty() ? QStringLiteral("Test") : PortableFileName(name);
 }
 
 template <typename Value>

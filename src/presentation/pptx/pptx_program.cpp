@@ -3,8 +3,8 @@
 #include "files/sync.h"
 #include "pictures/picture_info.h"
 #include "presentation/pptx/pptx_writer.h"
-#include "presentation/presentation_name.h"
 #include "store/errors.h"
+#include "store/file_name.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -239,7 +239,9 @@ void PptxProgram::showSlide(int index)
 
 QString PptxProgram::giveFinalName()
 {
-    const QString name = FileNameOf(document_.title);
+    // Its end is the date, with a blank before it.
+    constexpr qsizetype dateLength = 11;
+    const QString name = PortableFileName(document_.title, dateLength);
     for (int copy = 1; copy <= 1000; ++copy) {
         const QString path = folder_ + u'/' + name +
                              (copy == 1 ? QString() : QStringLiteral(" (%1)").arg(copy)) +
