@@ -6,6 +6,10 @@
 #include <QFileInfo>
 #include <QSysInfo>
 
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
+
 namespace varnholt {
 
 namespace {
@@ -82,6 +86,10 @@ SingleInstance::Start SingleInstance::leaveNote()
         text = note.readAll();
         note.close();
     }
+#ifdef Q_OS_WIN
+    // Only who was started last may come to the front, or let others.
+    AllowSetForegroundWindow(ASFW_ANY);
+#endif
     if (text.startsWith(identity()) && note.open(QIODevice::Append) && note.write("show\n") > 0) {
         return Start::HandedOver;
     }
