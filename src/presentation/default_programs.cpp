@@ -172,13 +172,4 @@ bool DefaultPresentationPrograms::canWriteFileInstead() const
            (powerPoint_ || ImpressPlugin::instance().entry() != nullptr);
 }
 
-QString MissingExtras(const PresentationSettings& settings)
-{
-    const bool chosen = settings.program.isEmpty() || settings.program == u"powerpoint";
-    return chosen && FindPowerPoint()
-               ? Words::tr("PowerPoint is not given titles, notes and times; slides made there go "
-                           "without.")
-               : QString();
-}
-
 } // namespace varnholt

@@ -60,8 +60,4 @@ private:
     std::unique_ptr<PowerPoint> powerPoint_;
 };
 
-/// What the program that slides go to cannot be given (`PresentationExtras`), in a whole sentence;
-/// empty when it can be given everything.
-[[nodiscard]] QString MissingExtras(const PresentationSettings& settings = {});
-
 } // namespace varnholt

@@ -19,17 +19,26 @@ class Words
 
 } // namespace
 
-QString UprightPictures::file(const QString& path, const PictureInfo& info)
+const UprightPictures::Picture& UprightPictures::of(const QString& path)
 {
-    const QByteArray& bytes = info.uprightJpeg;
-    if (bytes.isEmpty()) {
-        return QFileInfo(path).absoluteFilePath();
+    if (lastPath_.isEmpty() || path != lastPath_) {
+        lastPath_.clear();
+        const PictureInfo info = readPictureInfo(path);
+        last_ = {info.uprightJpeg.isEmpty() ? QFileInfo(path).absoluteFilePath()
+                                            : turned(info.uprightJpeg),
+                 info.points};
+        lastPath_ = path;
     }
+    return last_;
+}
+
+QString UprightPictures::turned(const QByteArray& jpeg)
+{
     if (!folder_) {
         folder_ = std::make_unique<QTemporaryDir>();
     }
-    QFile file(folder_->filePath(Words::tr("%1.jpg").arg(++count_)));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
+    QFile file(folder_->filePath(QStringLiteral("%1.jpg").arg(++count_)));
+    if (!file.open(QIODevice::WriteOnly) || file.write(jpeg) != jpeg.size() || !file.flush()) {
         throw Error(Words::tr("A turned picture could not be written to \"%1\": %2.")
                         .arg(file.fileName(), file.errorString()));
     }

@@ -3,7 +3,6 @@
 #include "library/Library.h"
 #include "library/test_pictures.h"
 #include "pictures/picture_files.h"
-#include "presentation/default_programs.h"
 #include "selection/MoreFrame.h"
 #include "selection/QuotaColumn.h"
 #include "selection/RecentTests.h"
@@ -45,7 +44,6 @@ void frmMain::cmdSlides_Click()
 {
     frmSlides dialog(LoadSlideWishes(services_.programFolder),
                      LoadShowWishes(services_.programFolder), window());
-    dialog.say(MissingExtras());
     if (dialog.exec() == QDialog::Accepted) {
         SaveSlideWishes(services_.programFolder, dialog.wishes());
         SaveShowWishes(services_.programFolder, dialog.showWishes());

@@ -72,9 +72,6 @@ QGroupBox* frmSlides::buildSlides()
     auto* lblSeconds = makeLabel("lblSeconds", tr("seconds"));
     chkKeyColumns_ = makeCheckBox("chkKeyColumns", tr("&Key in columns"),
                                   tr("The answer key takes the whole width of its slides."));
-    lblHint_ = makeLabel("lblHint");
-    lblHint_->setWordWrap(true);
-    lblHint_->hide();
     connect(chkMoveOn_, &QCheckBox::toggled, txtSeconds_, &QWidget::setEnabled);
     connect(chkMoveOn_, &QCheckBox::toggled, lblSeconds, &QWidget::setEnabled);
     txtSeconds_->setEnabled(false);
@@ -96,7 +93,6 @@ QGroupBox* frmSlides::buildSlides()
     column->addWidget(chkNotes_);
     column->addLayout(moveOn);
     column->addWidget(chkKeyColumns_);
-    column->addWidget(lblHint_);
     return fraSlides;
 }
 
@@ -124,12 +120,6 @@ SlideWishes frmSlides::wishes() const
 ShowWishes frmSlides::showWishes() const
 {
     return fraShow_->wishes();
-}
-
-void frmSlides::say(const QString& hint)
-{
-    lblHint_->setText(hint);
-    lblHint_->setVisible(!hint.isEmpty());
 }
 
 } // namespace varnholt

@@ -8,7 +8,6 @@
 class QCheckBox;
 class QComboBox;
 class QGroupBox;
-class QLabel;
 class QSpinBox;
 
 namespace varnholt {
@@ -27,8 +26,6 @@ public:
 
     [[nodiscard]] SlideWishes wishes() const;
     [[nodiscard]] ShowWishes showWishes() const;
-    /// What the presentation program cannot be given, in a whole sentence.
-    void say(const QString& hint);
 
 private:
     QGroupBox* buildSlides();
@@ -41,7 +38,6 @@ private:
     QCheckBox* chkMoveOn_ = nullptr;
     QSpinBox* txtSeconds_ = nullptr;
     QCheckBox* chkKeyColumns_ = nullptr;
-    QLabel* lblHint_ = nullptr;
     ShowGroup* fraShow_ = nullptr;
 };
 

@@ -1,6 +1,5 @@
 #include "presentation/impress/impress_program.h"
 
-#include "pictures/picture_info.h"
 #include "store/errors.h"
 
 #include <QCoreApplication>
@@ -88,20 +87,9 @@ void ImpressProgram::setShapeText(int shape, const QString& text)
     call([shape, text](ImpressDocument& document) { document.setText(shape, text); });
 }
 
-const PictureInfo& ImpressProgram::infoOf(const QString& path)
-{
-    if (lastFile_.isEmpty() || path != lastPath_) {
-        lastFile_.clear();
-        lastInfo_ = readPictureInfo(path);
-        lastFile_ = pictures_.file(path, lastInfo_);
-        lastPath_ = path;
-    }
-    return lastInfo_;
-}
-
 QSizeF ImpressProgram::pictureSize(const QString& path)
 {
-    return infoOf(path).points;
+    return pictures_.of(path).points;
 }
 
 void ImpressProgram::addTitle(double left, double top, double width, double height, double textSize,
@@ -132,12 +120,11 @@ void ImpressProgram::setAdvance(int seconds)
 void ImpressProgram::addPicture(const QString& path, double left, double top, double width,
                                 double height, const QString& description)
 {
-    const PictureInfo& info = infoOf(path);
-    const QString& file = lastFile_;
+    const auto& [file, points] = pictures_.of(path);
     const HundredthMm box{hundredthMm(left), hundredthMm(top),
-                          hundredthMm(width == ownSize ? info.points.width() : width),
-                          hundredthMm(height == ownSize ? info.points.height() : height)};
-    call([file, box, description](ImpressDocument& document) {
+                          hundredthMm(width == ownSize ? points.width() : width),
+                          hundredthMm(height == ownSize ? points.height() : height)};
+    call([file = file, box, description](ImpressDocument& document) {
         document.addPicture(file, box, description);
     });
 }

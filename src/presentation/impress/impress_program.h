@@ -1,6 +1,5 @@
 #pragma once
 
-#include "pictures/picture_info.h"
 #include "presentation/impress/impress_document.h"
 #include "presentation/office_worker.h"
 #include "presentation/presentation_extras.h"
@@ -45,9 +44,6 @@ private:
     void setAdvance(int seconds) override;
     [[nodiscard]] QSizeF pictureSize(const QString& path) override;
 
-    /// Of the last picture: a question and its answer show the same.
-    const PictureInfo& infoOf(const QString& path);
-
     /// Runs on the worker with what UNO throws made an `Error`.
     template <typename Task>
     void call(Task task);
@@ -59,9 +55,6 @@ private:
     OfficeWorker worker_;
     UprightPictures pictures_;
     DeckFacts facts_;
-    QString lastPath_;
-    PictureInfo lastInfo_;
-    QString lastFile_;
 };
 
 } // namespace varnholt

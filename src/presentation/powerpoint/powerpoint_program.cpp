@@ -1,6 +1,5 @@
 #include "presentation/powerpoint/powerpoint_program.h"
 
-#include "pictures/picture_info.h"
 #include "presentation/powerpoint/powerpoint.h"
 #include "presentation/powerpoint/powerpoint_connection.h"
 #include "presentation/powerpoint/powerpoint_document.h"
@@ -11,6 +10,19 @@
 namespace varnholt {
 
 namespace {
+
+/// With carriage returns between paragraphs.
+std::wstring paragraphs(const QString& text)
+{
+    return slideParagraphs(text).join(u'\r').toStdWString();
+}
+
+/// The number that Windows has for a language such as "en-GB"; 0 where it has none.
+std::int32_t languageNumber(const QString& language)
+{
+    const LCID number = LocaleNameToLCID(language.toStdWString().c_str(), 0);
+    return number == LOCALE_CUSTOM_UNSPECIFIED ? 0 : static_cast<std::int32_t>(number);
+}
 
 class AutomatedPowerPoint final : public PowerPoint
 {
@@ -57,6 +69,11 @@ PowerPointProgram::~PowerPointProgram()
 void PowerPointProgram::addPresentation()
 {
     connection_->run([](PowerPointDocument& document) { document.addPresentation(); });
+    if (!facts_.language.isEmpty()) {
+        connection_->run(
+            [name = facts_.name.toStdWString(), language = languageNumber(facts_.language)](
+                PowerPointDocument& document) { document.describe(name, language); });
+    }
 }
 
 void PowerPointProgram::setVisible()
@@ -90,15 +107,16 @@ void PowerPointProgram::setFirstShapeText(const QString& text)
 template <typename Index>
 void PowerPointProgram::setText(Index shape, const QString& text)
 {
-    const std::wstring paragraphs = slideParagraphs(text).join(u'\r').toStdWString();
-    connection_->run([=](PowerPointDocument& document) { document.setText(shape, paragraphs); });
+    connection_->run([shape, words = paragraphs(text)](PowerPointDocument& document) {
+        document.setText(shape, words);
+    });
 }
 
 void PowerPointProgram::addPicture(const QString& path, double left, double top, double width,
                                    double height, const QString& description)
 {
-    const QString file = pictures_.file(path, readPictureInfo(path));
-    connection_->run([=, file = QDir::toNativeSeparators(file).toStdWString(),
+    const QString native = QDir::toNativeSeparators(pictures_.of(path).file);
+    connection_->run([=, file = native.toStdWString(),
                       words = description.toStdWString()](PowerPointDocument& document) {
         document.addPicture(file, float(left), float(top), float(width), float(height), words);
     });
@@ -119,6 +137,37 @@ void PowerPointProgram::scaleWidth(int shape, double factor)
 void PowerPointProgram::showSlide(int index)
 {
     connection_->run([=](PowerPointDocument& document) { document.selectSlide(index); });
+}
+
+void PowerPointProgram::addTitle(double left, double top, double width, double height,
+                                 double textSize, const QString& text)
+{
+    connection_->run([=, words = paragraphs(text)](PowerPointDocument& document) {
+        document.addTitle(float(left), float(top), float(width), float(height), float(textSize),
+                          words);
+    });
+}
+
+void PowerPointProgram::emphasise(int shape, double textSize)
+{
+    connection_->run(
+        [=](PowerPointDocument& document) { document.emphasise(shape, float(textSize)); });
+}
+
+void PowerPointProgram::setNotes(const QString& text)
+{
+    connection_->run(
+        [words = paragraphs(text)](PowerPointDocument& document) { document.setNotes(words); });
+}
+
+void PowerPointProgram::setAdvance(int seconds)
+{
+    connection_->run([=](PowerPointDocument& document) { document.setAdvance(float(seconds)); });
+}
+
+QSizeF PowerPointProgram::pictureSize(const QString& path)
+{
+    return pictures_.of(path).points;
 }
 
 } // namespace varnholt
