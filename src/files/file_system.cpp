@@ -1,6 +1,8 @@
 #include "files/file_system.h"
 
 #if defined(_WIN32)
+#include <string>
+
 #include <windows.h>
 #elif defined(__linux__)
 #include <algorithm>
@@ -13,11 +15,24 @@ namespace varnholt {
 
 #if defined(_WIN32)
 
+namespace {
+
+/// \\server\share, also as \\?\UNC\server\share
+bool isShare(std::filesystem::path path)
+{
+    const std::wstring name = path.make_preferred().native();
+    return name.starts_with(LR"(\\?\UNC\)") ||
+           (name.starts_with(LR"(\\)") && !name.starts_with(LR"(\\?\)") &&
+            !name.starts_with(LR"(\\.\)"));
+}
+
+} // namespace
+
 bool IsOnNetwork(const std::filesystem::path& path)
 {
     wchar_t volume[MAX_PATH + 1] = {};
-    return ::GetVolumePathNameW(path.c_str(), volume, MAX_PATH) &&
-           ::GetDriveTypeW(volume) == DRIVE_REMOTE;
+    return isShare(path) || (::GetVolumePathNameW(path.c_str(), volume, MAX_PATH) &&
+                             ::GetDriveTypeW(volume) == DRIVE_REMOTE);
 }
 
 #elif defined(__linux__)

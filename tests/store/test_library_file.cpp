@@ -1,5 +1,6 @@
 #include "pictures/picture_files.h"
 #include "store/connection.h"
+#include "store/file_name.h"
 #include "store/library_file.h"
 #include "store/statements.h"
 #include "support/file_size_limit.h"
@@ -237,6 +238,28 @@ TEST(PictureFiles, AreFoundWhateverTheCase)
     }
     EXPECT_EQ(NewPictureFile(root, 8), root + u"/FILES/8.jpg"_s);
     EXPECT_EQ(FindPictureFile(root, 70), root + u"/FILES/70.jpg"_s);
+}
+
+TEST(FileNames, AreTakenByEverySystem)
+{
+    for (const auto& [text, name] : {std::pair{u"Physics 2026-11-21", u"Physics 2026-11-21"},
+                                     {u"", u"-"},
+                                     {u"../a:b?\n<\"c\">|*\\", u"_.-a-b----c-----"},
+                                     {u"Test 1.", u"Test 1-"},
+                                     {u"CON", u"_CON"},
+                                     {u"nul.2nd", u"_nul.2nd"},
+                                     {u"Com\u00B9 .a", u"_Com\u00B9 .a"},
+                                     {u"COM10", u"COM10"},
+                                     {u"Console", u"Console"}}) {
+        EXPECT_EQ(PortableFileName(QString::fromUtf16(text)), QString::fromUtf16(name));
+    }
+    const QString date = u" 2026-11-21"_s;
+    for (const QString& letter : {u"\u00F6"_s, u"\U0001F600"_s}) {
+        const QString name = PortableFileName(letter.repeated(300) + date, date.size());
+        EXPECT_LE(name.toUtf8().size(), 200);
+        EXPECT_GT(name.toUtf8().size(), 190);
+        EXPECT_TRUE(name.endsWith(letter + date));
+    }
 }
 
 TEST(ProgramFolder, IsTheExecutablesOrACopyOfTheSuppliedLibrary)
