@@ -13,6 +13,8 @@ constexpr double margin = 45;
 constexpr double footerHeight = 22;
 constexpr double mostScale = 1.5;
 constexpr double textSize = 11;
+/// The number of a question is larger than its text.
+constexpr double numberFactor = 1.3;
 constexpr double gap = 10;
 constexpr int choices = 5;
 /// Narrower than this a column of the key could not show an answer.
@@ -35,8 +37,8 @@ public:
         const bool letter = options.paper == PaperOptions::Paper::Letter;
         layout_.width = letter ? 612 : 595.276;
         layout_.height = letter ? 792 : 841.89;
-        numberWidth_ = widthOf_(numbered(test.questions.size()), size(), true) +
-                       widthOf_(u" "_qs, size(), true);
+        numberWidth_ =
+            widthOf_(numbered(test.questions.size()) + u' ', size() * numberFactor, true);
     }
 
     PaperLayout run()
@@ -104,8 +106,12 @@ private:
             test_.versions.size() > 1 ? tr("Version %1").arg(letterOf(version)) : QString();
         const double letterWidth = widthOf_(letter, size() * 1.3, true);
         const double baseline = top_ + size() * 1.5;
-        addText(margin, baseline,
-                fitted(test_.title, right() - margin - letterWidth - gap, true, 1.5), true, 1.5);
+        const double titleWidth = right() - margin - letterWidth - gap;
+        double factor = 1.5;
+        while (factor > 1 && widthOf_(test_.title, size() * factor, true) > titleWidth) {
+            factor -= 0.25;
+        }
+        addText(margin, baseline, fitted(test_.title, titleWidth, true, factor), true, factor);
         if (!letter.isEmpty()) {
             addText(right() - letterWidth, baseline, letter, true, 1.3);
         }
@@ -116,12 +122,17 @@ private:
         if (!test_.date.isEmpty()) {
             facts.append(tr("Date: %1").arg(test_.date));
         }
-        const double line = baseline + lineHeight() * 1.8;
-        const double middle = margin + (right() - margin) * 0.5;
-        addText(margin, line, fitted(facts.join(u" · "_qs), middle - margin - gap));
+        double line = baseline + lineHeight() * 1.8;
+        const QString factLine = facts.join(u" · "_qs);
+        addText(margin, line, fitted(factLine, right() - margin));
+        double nameLeft = margin + (right() - margin) * 0.5;
+        if (widthOf_(factLine, size(), false) > nameLeft - margin - gap) {
+            nameLeft = margin;
+            line += lineHeight() * 1.5;
+        }
         const QString name = tr("Name:");
-        addText(middle, line, name);
-        const double nameEnd = middle + widthOf_(name, size(), false) + gap / 2;
+        addText(nameLeft, line, name);
+        const double nameEnd = nameLeft + widthOf_(name, size(), false) + gap / 2;
         page().outlines.push_back({nameEnd, line + 2, right() - nameEnd, 0});
         page().outlines.push_back({margin, line + lineHeight() * 0.8, right() - margin, 0});
         top_ = line + lineHeight() * 0.8 + gap;
@@ -208,7 +219,7 @@ private:
         const PaperTest::Question& asked = test_.questions.at(question);
         const double left = cell.left + numberWidth_;
         const double width = cell.width - numberWidth_;
-        addText(cell.left, cell.top + size(), numbered(number), true);
+        addText(cell.left, cell.top + size(), numbered(number), true, numberFactor);
         if (options_.topicLines) {
             addText(left, cell.top + size(), fitted(asked.topicText, width, false, 0.9), false,
                     0.9);
