@@ -18,11 +18,13 @@
 #include <QLocale>
 #include <QPushButton>
 #include <QShortcut>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTreeWidget>
 
 #include <algorithm>
+#include <array>
 
 namespace varnholt {
 
@@ -56,7 +58,14 @@ void frmResults::connectControls()
     });
     connect(outcomes_, &OutcomeRow::noted, this,
             [this](int outcome) { noteOutcome(static_cast<Outcome>(outcome)); });
-    connect(tabs_, &QTabWidget::currentChanged, this, &frmResults::showButtons);
+    connect(tabs_, &QTabWidget::currentChanged, this, [this](int tab) {
+        // Her key chose the tab: go on in it.
+        if (!tabs_->tabBar()->hasFocus()) {
+            const std::array<QWidget*, 3> lists{tblQuestions_, tblSubtopics_, lstClasses_};
+            lists.at(static_cast<std::size_t>(tab))->setFocus();
+        }
+        showButtons();
+    });
     connect(tblQuestions_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &frmResults::showButtons);
     connect(lstClasses_, &QTreeWidget::currentItemChanged, this, &frmResults::showButtons);
@@ -112,7 +121,7 @@ void frmResults::read(bool keepOrder)
     const int hard = results_.hardForAll();
     chkHard_->setText(tr("&Hard for all (%1)").arg(QLocale().toString(hard)));
     chkHard_->setEnabled(hard > 0 || chkHard_->isChecked());
-    tblQuestions_->horizontalHeader()->resizeSection(1, fontMetrics().averageCharWidth() * 32);
+    tblQuestions_->horizontalHeader()->resizeSection(1, fontMetrics().averageCharWidth() * 38);
     showClasses();
     const FeatureState features = library_.features();
     if (!features.on) {

@@ -35,7 +35,7 @@ QTableView* frmResults::makeTable(const char* name, const QString& accessibleNam
     header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     // As the catalogue has them until she asks for another order.
     header->setSortIndicator(-1, Qt::AscendingOrder);
-    header->setDefaultSectionSize(fontMetrics().averageCharWidth() * 30);
+    header->setDefaultSectionSize(fontMetrics().averageCharWidth() * 36);
     header->resizeSection(0, fontMetrics().averageCharWidth() * 16);
     // Keys that sort, for those without a mouse.
     const auto sortHere = [table] {
@@ -78,8 +78,8 @@ QWidget* frmResults::buildSubtopics()
     subtopics_ = new ResultsModel(results_, ResultsModel::Rows::Subtopics, this);
     tblSubtopics_ = makeTable("tblSubtopics", tr("Subtopics and classes"), subtopics_);
     tblSubtopics_->horizontalHeader()->setDefaultSectionSize(fontMetrics().averageCharWidth() * 14);
-    tblSubtopics_->horizontalHeader()->resizeSection(0, fontMetrics().averageCharWidth() * 24);
-    tblSubtopics_->horizontalHeader()->resizeSection(1, fontMetrics().averageCharWidth() * 30);
+    tblSubtopics_->horizontalHeader()->resizeSection(0, fontMetrics().averageCharWidth() * 30);
+    tblSubtopics_->horizontalHeader()->resizeSection(1, fontMetrics().averageCharWidth() * 36);
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
     column->addWidget(tblSubtopics_, 1);

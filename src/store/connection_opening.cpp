@@ -128,11 +128,6 @@ void Connection::open(const QString& path, Access access)
         throw DatabaseError(tr("The question library should be a file, but this is a folder:\n%1")
                                 .arg(shown(path)));
     }
-    // To open it for a look would end every lock that this process has on the file.
-    if (!file.isReadable()) {
-        throw DatabaseError(
-            tr("You do not have the right to read the question library:\n%1").arg(shown(path)));
-    }
 
     auto closeOnFailure = qScopeGuard([this] { close(); });
     path_ = path;
@@ -141,6 +136,11 @@ void Connection::open(const QString& path, Access access)
         if (result == SQLITE_BUSY) {
             throw LibraryBusy(
                 tr("Another program is using the question library just now:\n%1").arg(shown(path)));
+        }
+        // Not beforehand: closing the file would end every lock that this process has on it.
+        if (result != SQLITE_NOTADB && !QFile(path).open(QIODevice::ReadOnly)) {
+            throw DatabaseError(
+                tr("You do not have the right to read the question library:\n%1").arg(shown(path)));
         }
         throw DatabaseError(result == SQLITE_NOTADB
                                 ? tr("This file is not a question library:\n%1").arg(shown(path))

@@ -16,7 +16,9 @@
 #include <gtest/gtest.h>
 
 #ifndef Q_OS_WIN
+#include <fcntl.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 /// Every request of the database to put something on the disk passes here.
@@ -208,6 +210,27 @@ TEST_F(LibraryConnection, WaitsForOthersAndHasWhatItCommitsOnTheDisk)
     EXPECT_TRUE(other.waitForFinished());
     EXPECT_EQ(library.value(u"SELECT LastID FROM History"_s), u"3"_s);
 }
+
+#ifndef Q_OS_WIN
+TEST_F(LibraryConnection, KeepsItsLocksWhateverElseTheProgramOpens)
+{
+    const QByteArray path = library.databasePath().toUtf8();
+    connection.open(library.databasePath());
+    connection.execute(InsertAssessment(u"A"_s));
+    Connection().open(library.databasePath(), Connection::Access::ReadOnly);
+    // As the next program asks, which takes the log away when it believes to be alone.
+    const pid_t other = fork();
+    if (other == 0) {
+        struct flock lock = {};
+        lock.l_type = F_WRLCK;
+        const int file = open(path.constData(), O_RDWR);
+        _exit(file >= 0 && fcntl(file, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(other, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+#endif
 
 TEST_F(LibraryConnection, TransactionsAreSeenWholeOrNotAtAll)
 {
