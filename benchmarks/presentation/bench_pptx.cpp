@@ -1,5 +1,5 @@
 // Writing a .pptx of five hundred slides with pictures of 60 kB, against libzip storing the
-// same bytes, and the memory that takes.
+// same bytes, and the memory that takes; and with an answer slide after each, against without.
 
 #include "presentation/pptx/pptx_program.h"
 #include "presentation/slide_builder.h"
@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <zip.h>
@@ -46,22 +47,29 @@ void writePicture(const QString& path, std::mt19937& random)
     }
 }
 
-void buildPptx(const QString& folder, int count)
+/// The size of the file in bytes.
+qint64 buildPptx(const QString& folder, int count, const SlideWishes& wishes = {})
 {
     List1<DrawnQuestion> pool;
     for (int i = 1; i <= count; ++i) {
         pool.append({{i, i, 1, 1, QStringLiteral("A")}, true});
     }
     const BuildInput input{
-        pool, true, false, [](const QuestionRecord&) { return QStringLiteral("Algebra - Roots"); },
-        [&folder](const QuestionRecord& question) { return picture(folder, question.SOLIndex); }};
+        pool,
+        true,
+        false,
+        [](const QuestionRecord&) { return QStringLiteral("Algebra - Roots"); },
+        [&folder](const QuestionRecord& question) { return picture(folder, question.SOLIndex); },
+        wishes};
     PptxSettings settings;
     settings.programFolder = folder;
     PptxProgram program(settings);
     if (BuildPresentation(program, input).end != BuildOutcome::End::Complete) {
         qFatal("the build failed");
     }
+    const qint64 size = QFileInfo(program.writtenPath()).size();
     QFile::remove(program.writtenPath());
+    return size;
 }
 
 void storeWithLibzip(const QString& folder, int count)
@@ -111,11 +119,20 @@ int main(int argc, char** argv)
     const double ratio = bench::ratio(
         11, [&] { buildPptx(folder.path(), slides); },
         [&] { storeWithLibzip(folder.path(), slides); });
+    SlideWishes twins;
+    twins.answersAfterEach = true;
+    const double twinsCpu = bench::ratio(
+        11, [&] { buildPptx(folder.path(), slides, twins); },
+        [&] { buildPptx(folder.path(), slides); });
+    const double twinsBytes =
+        double(buildPptx(folder.path(), slides, twins)) / double(buildPptx(folder.path(), slides));
     std::printf(".pptx, %d slides: peak memory %.0f kB; with a fifth of them %.0f kB (the pictures "
                 "differ by %.0f kB)\n",
                 slides, many, few, double(pictureSize) * slides * 4 / 5 / 1000);
     return bench::report(
         {{"pptx.500", ratio, 2.0, 1.2, "x", "libzip storing the same bytes, CPU"},
+         {"pptx.500.twins", twinsCpu, 1.25, -1, "x", "the same without answer slides, CPU"},
+         {"pptx.500.bytes", twinsBytes, 1.02, -1, "x", "the same without answer slides, bytes"},
          {"pptx.memory", (many - few) * 1000 / (double(pictureSize) * slides * 0.8), 0.1, 0.05, "",
           "bytes of memory a byte of pictures more"}},
         argc, argv);

@@ -100,8 +100,10 @@ void frmTests::cmdChange_Click()
             return outcome;
         };
         setEnabled(false);
-        review_ =
-            new frmSelect(services_, state_, Review(std::move(draw)), {build, {}, {}}, window());
+        review_ = new frmSelect(
+            services_, state_, Review(std::move(draw)),
+            {build, {}, {}, [this] { return services_.presentationPrograms->prepare(); }},
+            window());
         connect(review_, &frmSelect::unloaded, this, [this] {
             setEnabled(true);
             lstTests_->setFocus();

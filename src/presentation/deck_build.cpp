@@ -29,20 +29,33 @@ QString languageTag()
 } // namespace
 
 DeckBuild::DeckBuild(PresentationProgram& program, const Deck& deck, const BuildProgress& progress)
-    : program_(program)
-    , extras_(program.extras())
+    : program_(program.forSlides(static_cast<int>(deck.slides.size())))
+    , extras_(program_.extras())
     , deck_(deck)
     , progress_(progress)
 {}
+
+void DeckBuild::report(int slide, bool collected) const
+{
+    if (!progress_) {
+        return;
+    }
+    const int slides = static_cast<int>(deck_.slides.size());
+    if (extras_ && extras_->collects()) {
+        // Collecting takes about so much of the time.
+        constexpr int part = 10;
+        progress_(collected ? slides + (part - 1) * slide : slide, part * slides);
+    } else {
+        progress_(slide, slides);
+    }
+}
 
 void DeckBuild::addSlides()
 {
     program_.setVisible();
     for (std::size_t i = 0; i < deck_.slides.size(); ++i) {
         slide_ = &deck_.slides[i];
-        if (progress_) {
-            progress_(static_cast<int>(i + 1), static_cast<int>(deck_.slides.size()));
-        }
+        report(static_cast<int>(i + 1), false);
         program_.appendBlankSlide();
         fill(*slide_);
     }
@@ -70,7 +83,8 @@ BuildOutcome DeckBuild::run()
     try {
         if (extras_) {
             extras_->announce({deck_.name, deck_.wishes.titles ? languageTag() : QString(),
-                               static_cast<int>(deck_.slides.size())});
+                               static_cast<int>(deck_.slides.size()),
+                               [this](int slide) { report(slide, true); }});
         }
         program_.addPresentation();
         try {

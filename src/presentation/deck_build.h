@@ -42,6 +42,8 @@ protected:
 
 private:
     void addSlides();
+    /// `collected` when the slide, made before, is on its way to the presentation program.
+    void report(int slide, bool collected) const;
     [[nodiscard]] BuildOutcome abortedBy(const std::exception& failure) const;
 
     PresentationProgram& program_;

@@ -2,6 +2,7 @@
 
 #include "desktop/desktop_programs.h"
 #include "presentation/impress/impress_plugin.h"
+#include "presentation/impress/office_ahead.h"
 #include "presentation/pptx/pptx_program.h"
 #include "store/errors.h"
 
@@ -11,6 +12,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QUrl>
+#include <QUuid>
 
 using namespace Qt::StringLiterals;
 
@@ -98,7 +100,12 @@ DefaultPresentationPrograms::DefaultPresentationPrograms(QString programFolder,
     : programFolder_(std::move(programFolder))
     , settings_(std::move(settings))
     , powerPoint_(FindPowerPoint())
-{}
+{
+    if (settings_.impress.pipe.isEmpty()) {
+        // None that anybody else could have taken first.
+        settings_.impress.pipe = u"varnholt"_s + QUuid::createUuid().toString(QUuid::Id128);
+    }
+}
 
 std::unique_ptr<PresentationProgram>
 DefaultPresentationPrograms::startPptx(const KeepGoing& keepGoing,
@@ -164,6 +171,17 @@ std::unique_ptr<PresentationProgram> DefaultPresentationPrograms::start(SlidesIn
                          Words::tr("%1 did not start: %2")
                              .arg(powerPoint_ ? u"PowerPoint"_s : u"Impress"_s, error.message()));
     }
+}
+
+std::shared_ptr<void> DefaultPresentationPrograms::prepare()
+{
+    const bool chosen = settings_.program.isEmpty() && !powerPoint_ && settings_.hasDisplay();
+    std::shared_ptr<void> prepared = prepared_.lock();
+    if (!prepared && (chosen || settings_.program == u"impress")) {
+        prepared = StartOfficeAhead(settings_.impress);
+        prepared_ = prepared;
+    }
+    return prepared;
 }
 
 bool DefaultPresentationPrograms::canWriteFileInstead() const

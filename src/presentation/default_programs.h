@@ -44,6 +44,9 @@ public:
 
     [[nodiscard]] std::unique_ptr<PresentationProgram> start(SlidesInto into,
                                                              const KeepGoing& keepGoing) override;
+    /// Has Impress ready. PowerPoint is not: one that was started and never told to quit would
+    /// stay behind.
+    [[nodiscard]] std::shared_ptr<void> prepare() override;
     [[nodiscard]] bool canWriteFileInstead() const override;
 
 private:
@@ -58,6 +61,8 @@ private:
     PresentationSettings settings_;
     /// Null where there is none; keeps its line to PowerPoint from one build to the next.
     std::unique_ptr<PowerPoint> powerPoint_;
+    /// What `prepare` gave out last.
+    std::weak_ptr<void> prepared_;
 };
 
 } // namespace varnholt

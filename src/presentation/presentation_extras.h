@@ -3,6 +3,8 @@
 #include <QSizeF>
 #include <QString>
 
+#include <functional>
+
 namespace varnholt {
 
 /// What a build says about itself before it begins.
@@ -14,6 +16,9 @@ struct DeckFacts
     QString language;
     /// How many slides there are going to be.
     int slides = 0;
+    /// For a program that only collects (`PresentationExtras::collects`): slide `slide` is on its
+    /// way to where it is seen. May throw `Cancelled`.
+    std::function<void(int slide)> report;
 };
 
 /// What a back end may be able to do beyond `PresentationProgram`. Positions and sizes are points;
@@ -23,6 +28,9 @@ class PresentationExtras
 public:
     virtual ~PresentationExtras() = default;
 
+    /// Whether slides are collected until `showSlide` or `finish`, so that these are what takes
+    /// time.
+    [[nodiscard]] virtual bool collects() const { return false; }
     /// Comes before everything else.
     virtual void announce(const DeckFacts& facts) = 0;
     /// The slide's title, a placeholder that outlines and screen readers know. It becomes shape 1,

@@ -42,6 +42,10 @@ public:
 
     virtual ~PresentationProgram() = default;
 
+    /// The object that a presentation of so many slides is best built with, this one or one that
+    /// belongs to it. Asked before everything else; nothing else is asked of this one then.
+    [[nodiscard]] virtual PresentationProgram& forSlides(int /*slides*/) { return *this; }
+
     /// What the back end can do beyond this port; null when that is nothing.
     [[nodiscard]] virtual PresentationExtras* extras() { return nullptr; }
 

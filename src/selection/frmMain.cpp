@@ -166,15 +166,16 @@ void frmMain::cmdPaper_Click()
     if (!isEnabled()) {
         return; // a review is open
     }
-    drawFor([this](QWidget* over, const Draw& draw) {
+    const auto toPaper = [this](QWidget* over, const Draw& draw) {
         const DrawnTest test = drawnTest(draw);
         Q_EMIT testMade(test);
         RunPaper(over, services_, library_, test);
         return BuildOutcome();
-    });
+    };
+    drawFor(toPaper, Slides::No);
 }
 
-void frmMain::drawFor(const DrawUse& use)
+void frmMain::drawFor(const DrawUse& use, Slides slides)
 {
     std::variant<Draw, DrawObstacle> drawn =
         DrawQuestions(state_.QuestionList, selection_, txtQuestions_->text(), *services_.random);
@@ -185,7 +186,7 @@ void frmMain::drawFor(const DrawUse& use)
     Draw draw = std::get<Draw>(std::move(drawn));
     QuotaOrder order = shape(draw);
     if (optSelectYes_->isChecked()) {
-        openReview(std::move(draw), std::move(order), use);
+        openReview(std::move(draw), std::move(order), use, slides);
         return;
     }
     MarkFirst(draw.DrawPool, draw.RequestedQuestionCount);
@@ -210,13 +211,17 @@ void frmMain::tell(DrawObstacle obstacle)
     txtQuestions_->selectAll();
 }
 
-void frmMain::openReview(Draw draw, QuotaOrder order, const DrawUse& use)
+void frmMain::openReview(Draw draw, QuotaOrder order, const DrawUse& use, Slides slides)
 {
     setEnabled(false);
+    std::function<std::shared_ptr<void>()> prepare;
+    if (slides == Slides::Yes) {
+        prepare = [this] { return services_.presentationPrograms->prepare(); };
+    }
     review_ = new frmSelect(
         services_, state_, Review(std::move(draw), std::move(order)),
         {use, [this](const QuestionRecord& question) { return usesInWords(question.SOLIndex); },
-         [this](const Draw& judged) { return keepForLater(judged); }},
+         [this](const Draw& judged) { return keepForLater(judged); }, prepare},
         window());
     connect(review_, &frmSelect::unloaded, this, [this] {
         setEnabled(true);

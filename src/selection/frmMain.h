@@ -77,10 +77,16 @@ private:
     void tell(DrawObstacle obstacle);
     /// What a draw is for; `over` is the window that it happens over.
     using DrawUse = std::function<BuildOutcome(QWidget* over, const Draw& draw)>;
+    /// Whether the presentation program may be wanted for it.
+    enum class Slides
+    {
+        No,
+        Yes
+    };
     /// Checks and draws, has the questions reviewed when that is on, and hands them on.
-    void drawFor(const DrawUse& use);
+    void drawFor(const DrawUse& use, Slides slides = Slides::Yes);
     /// Opens the review window; this window is switched off until it closes.
-    void openReview(Draw draw, QuotaOrder order, const DrawUse& use);
+    void openReview(Draw draw, QuotaOrder order, const DrawUse& use, Slides slides);
     /// Builds the marked questions of a draw with its progress over `window`. The one place that
     /// learns of every build, with and without a review, and of what came of it.
     BuildOutcome buildSlides(QWidget* window, const Draw& draw, const SlideOptions& options);

@@ -17,6 +17,7 @@
 #include <QSettings>
 #include <QShortcut>
 #include <QTextDocument>
+#include <QTimer>
 
 #include <utility>
 
@@ -359,6 +360,7 @@ void frmSelect::closeEvent(QCloseEvent* event)
     event->setAccepted(unloaded_ || mayLeave());
     if (!unloaded_ && event->isAccepted()) {
         unloaded_ = true;
+        prepared_.reset();
         imgQuestion_->forget();
         QSettings().setValue(geometryKey, saveGeometry());
         Q_EMIT unloaded();
@@ -372,7 +374,14 @@ void frmSelect::reject()
 
 bool frmSelect::eventFilter(QObject* watched, QEvent* event)
 {
-    seen_ = seen_ || (event->type() == QEvent::Paint && !imgQuestion_->isLoading());
+    if (!seen_ && event->type() == QEvent::Paint && !imgQuestion_->isLoading()) {
+        seen_ = true;
+        // The first question comes first.
+        if (const auto prepare = std::exchange(handlers_.prepare, {})) {
+            QTimer::singleShot(0, this,
+                               [this, prepare] { prepared_ = unloaded_ ? nullptr : prepare(); });
+        }
+    }
     return QDialog::eventFilter(watched, event);
 }
 

@@ -7,6 +7,7 @@
 #include <QDialog>
 
 #include <functional>
+#include <memory>
 
 class QLabel;
 class QProgressBar;
@@ -37,6 +38,9 @@ public:
         /// Remembers the marked questions of a draw unbuilt; false when that was not possible,
         /// after it was told. Empty where nothing can be remembered.
         std::function<bool(const Draw& draw)> keep;
+        /// Gets ready what `build` is going to need, which is held until the window closes. Empty
+        /// where there is nothing.
+        std::function<std::shared_ptr<void>()> prepare;
     };
     /// `parent` is the window it stays above.
     frmSelect(Services& services, const ProgramState& state, Review review, Handlers handlers,
@@ -90,6 +94,7 @@ private:
     /// What was included needs no more care: it is being built or was given up.
     bool settled_ = false;
     bool unloaded_ = false;
+    std::shared_ptr<void> prepared_;
 
     PictureView* imgQuestion_ = nullptr;
     QLabel* lblTopicDescription_ = nullptr;

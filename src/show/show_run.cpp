@@ -36,6 +36,8 @@ bool RunShow(QWidget* window, Services& services, Library& library, ShowTest tes
             Words::tr("Show in Class"),
             Words::tr("%1 The test can be shown, but it will not be remembered.").arg(obstacle));
     }
+    // What is shown is often wanted as slides, too.
+    const std::shared_ptr<void> prepared = services.presentationPrograms->prepare();
     ShowDesktop desktop;
     frmShow show(services, std::move(test), LoadShowWishes(services.programFolder), memory, desktop,
                  window);

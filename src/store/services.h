@@ -150,6 +150,10 @@ public:
     /// so; it serves the program for all of its life and may be empty.
     [[nodiscard]] virtual std::unique_ptr<PresentationProgram>
     start(SlidesInto into, const KeepGoing& keepGoing) = 0;
+    /// Slides are likely to be wanted soon. Starts the program in the background, unseen, where
+    /// that can be done, and returns at once; as long as the result lives it is kept ready. One
+    /// that was started so and that nobody uses is ended after that. May be null.
+    [[nodiscard]] virtual std::shared_ptr<void> prepare() { return nullptr; }
     /// Whether a file would be something else than what is chosen.
     [[nodiscard]] virtual bool canWriteFileInstead() const { return false; }
 };

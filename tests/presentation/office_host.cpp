@@ -50,6 +50,30 @@ Function Dump
   Dump = text
 End Function
 
+REM What the text of each shape looks like, and the names.
+Function Looks
+  Dim doc, page, s, c, i, k, text
+  doc = Presentation()
+  text = doc.Title & ";" & doc.DocumentProperties.Title & Chr(10)
+  For i = 0 To doc.DrawPages.Count - 1
+    page = doc.DrawPages.getByIndex(i)
+    For k = 0 To page.Count - 1
+      s = page.getByIndex(k)
+      text = text & page.Name & ";" & s.Name
+      If Not s.supportsService("com.sun.star.drawing.GraphicObjectShape") Then
+        c = s.createTextCursor()
+        c.gotoEnd(True)
+        text = text & ";" & c.CharFontName & ";" & c.CharHeight & ";" & c.CharWeight & ";" & _
+          c.CharLocale.Language & ";" & s.TextWordWrap & ";" & s.FillStyle & ";" & s.LineStyle & ";" & _
+          s.TextLeftDistance & ";" & s.TextUpperDistance & ";" & s.TextVerticalAdjust & ";" & _
+          s.TextHorizontalAdjust & ";" & s.FontIndependentLineSpacing
+      End If
+      text = text & Chr(10)
+    Next k
+  Next i
+  Looks = text
+End Function
+
 Function OpenFile(path)
   OpenFile = StarDesktop.loadComponentFromURL(ConvertToURL(path), "_blank", 0, Array()).Title
 End Function
@@ -89,9 +113,7 @@ OfficeHost::OfficeHost(const QString& moreMacros)
 OfficeHost::~OfficeHost()
 {
     signalOffice(SIGKILL);
-    for (int i = 0; i < 1000 && !processes().isEmpty(); ++i) {
-        QThread::msleep(20);
-    }
+    static_cast<void>(ends());
     display_.kill();
     display_.waitForFinished();
 }
@@ -162,16 +184,29 @@ QString OfficeHost::runMacro(const QString& name, const QStringList& arguments)
     return fromUno(result);
 }
 
-QList<qint64> OfficeHost::processes() const
+bool OfficeHost::ends(const QString& program) const
+{
+    for (int i = 0; i < 5000; ++i) {
+        if (processes(program).isEmpty()) {
+            return true;
+        }
+        QThread::msleep(20);
+    }
+    return false;
+}
+
+QList<qint64> OfficeHost::processes(const QString& program) const
 {
     QList<qint64> found;
     for (const QString& entry : QDir(u"/proc"_s).entryList(QDir::Dirs)) {
         bool isNumber = false;
         const qint64 pid = entry.toLongLong(&isNumber);
         QFile commandLine(u"/proc/%1/cmdline"_s.arg(entry));
-        if (isNumber && commandLine.open(QIODevice::ReadOnly) &&
-            commandLine.readAll().contains(folder_.path().toUtf8())) {
-            found.append(pid);
+        if (isNumber && commandLine.open(QIODevice::ReadOnly)) {
+            const QByteArray text = commandLine.readAll();
+            if (text.contains(folder_.path().toUtf8()) && text.contains(program.toUtf8())) {
+                found.append(pid);
+            }
         }
     }
     return found;

@@ -36,8 +36,12 @@ public:
     /// Sends a signal to the office's processes.
     void signalOffice(int signal) const;
 
+    /// What runs on this profile: the office, and programs that start it.
+    [[nodiscard]] QList<qint64> processes(const QString& program = QString()) const;
+    /// Whether within a minute or two there are none.
+    [[nodiscard]] bool ends(const QString& program = QString()) const;
+
 private:
-    [[nodiscard]] QList<qint64> processes() const;
     void startDisplay();
     void writeMacros(QString source);
 

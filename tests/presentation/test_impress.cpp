@@ -39,6 +39,41 @@ protected:
         return ImpressPlugin::instance().start(settings);
     }
 
+    /// Settings with which slides go there call by call, or in a file.
+    static ImpressSettings settings(bool file)
+    {
+        ImpressSettings settings = host_->settings();
+        settings.manySlides = file ? 1 : 1000;
+        return settings;
+    }
+
+    /// What Impress holds of a build; `look` is asked for before it closes. Both ways to it must
+    /// lead to the same.
+    QStringList built(bool topic, const std::function<void()>& look,
+                      const std::function<void()>& accident = {})
+    {
+        QStringList shapes[2];
+        std::string looks[2];
+        for (const bool file : {false, true}) {
+            int done = 0;
+            const auto progress = [&](int slide, int slides) {
+                EXPECT_GE(slide * 1000 / slides, done);
+                done = slide * 1000 / slides;
+                if (accident && slide == 1) {
+                    accident();
+                }
+            };
+            EXPECT_EQ(build(*start(settings(file)), topic, true, progress).end, End::Complete);
+            EXPECT_GT(done, 100);
+            look();
+            looks[file] = host_->runMacro(u"Looks"_s).toStdString();
+            shapes[file] = held();
+        }
+        EXPECT_EQ(shapes[0].join(u'\n').toStdString(), shapes[1].join(u'\n').toStdString());
+        EXPECT_EQ(looks[0], looks[1]);
+        return shapes[0];
+    }
+
     /// In the PDF of what Impress shows the long answer stands on one line.
     static void expectLongAnswerOnOneLine()
     {
@@ -81,9 +116,7 @@ void expectSame(const QStringList& built, const QStringList& read)
 TEST_F(Impress, HoldsTheSameShapesAsItReadsFromThePptxFile)
 {
     for (const bool topic : {false, true}) {
-        EXPECT_EQ(build(*start(), topic, true).end, End::Complete);
-        expectLongAnswerOnOneLine();
-        QStringList built = held();
+        QStringList built = Impress::built(topic, expectLongAnswerOnOneLine);
         // Three slides, the first on show, changed, without a file, in a visible window.
         EXPECT_EQ(built.takeFirst(), u"document;3;1;True;False;True");
         EXPECT_EQ(built.first(), u"slide;33867;19050;20;0;0;");
@@ -105,13 +138,19 @@ TEST_F(Impress, HoldsWhatIsWishedForAsItReadsItFromThePptxFile)
     wishes_ = {true, true, true, true, 30, true};
     name_ = u"Physics 2026-11-21"_s;
     topics_ = {u"Ümlaut & O'Brien"_s, u"Second"_s};
-    EXPECT_EQ(build(*start(), true, true).end, End::Complete);
-    const QString pdf = host_->runMacro(u"StorePdf"_s, {host_->filePath(u"twins.pdf"_s)});
-    const QByteArray pages = output(u"pdftotext"_s, {pdf, u"-"_s});
-    EXPECT_EQ(pages.count('\f'), 5);
-    EXPECT_FALSE(pages.left(pages.indexOf('\f')).contains("a<b"));
-    EXPECT_TRUE(pages.mid(pages.indexOf('\f')).contains("Answer: a<b"));
-    QStringList built = held();
+    QStringList built = Impress::built(true, [] {
+        const QString pdf = host_->runMacro(u"StorePdf"_s, {host_->filePath(u"twins.pdf"_s)});
+        const QByteArray pages = output(u"pdftotext"_s, {pdf, u"-"_s});
+        EXPECT_EQ(pages.count('\f'), 5);
+        EXPECT_FALSE(pages.left(pages.indexOf('\f')).contains("a<b"));
+        EXPECT_TRUE(pages.mid(pages.indexOf('\f')).contains("Answer: a<b"));
+    });
+    // Without a place for the file the calls are made.
+    const QByteArray temporary = qgetenv("TMPDIR");
+    EXPECT_EQ(Impress::built(
+                  true, [] {}, [] { qputenv("TMPDIR", "/no/such/folder"); }),
+              built);
+    qputenv("TMPDIR", temporary.isEmpty() ? "/tmp" : temporary);
     EXPECT_EQ(built.takeFirst(), u"document;5;1;True;False;True");
     EXPECT_EQ(built.first(), u"slide;33867;19050;19;1;30;Answer: "_s + longAnswer);
     EXPECT_TRUE(built.at(1).endsWith(u";Question 1, Ümlaut & O'Brien"));
@@ -129,15 +168,20 @@ TEST_F(Impress, AMissingPictureAClosedAndAKilledOfficeAbort)
     const QList<std::function<void()>> accidents{[this] { QFile::remove(picture(2)); },
                                                  [] { host_->runMacro(u"CloseAll"_s); },
                                                  [] { host_->signalOffice(SIGKILL); }};
-    for (const auto& happens : accidents) {
+    for (qsizetype i = 0; i < 2 * accidents.size(); ++i) {
+        const auto& happens = accidents.at(i / 2);
+        const bool file = i % 2 != 0;
+        if (file && i / 2 == 1) {
+            continue; // there is nothing yet to be closed
+        }
         const auto secondSlide = [&](int slide, int) {
             if (slide == 2) {
                 happens();
             }
         };
-        const BuildOutcome outcome = build(*start(), true, true, secondSlide);
+        const BuildOutcome outcome = build(*start(settings(file)), true, true, secondSlide);
         EXPECT_EQ(outcome.end, End::Aborted);
-        EXPECT_EQ(outcome.number, 2);
+        EXPECT_EQ(outcome.number, file && QFile::exists(picture(2)) ? 0 : 2);
         EXPECT_EQ(outcome.pictureIsBad, !QFile::exists(picture(2)));
         if (outcome.pictureIsBad) {
             const QStringList lines = held();
@@ -151,25 +195,76 @@ TEST_F(Impress, AMissingPictureAClosedAndAKilledOfficeAbort)
 
 TEST_F(Impress, AFrozenOfficeCanBeLeftAlone)
 {
-    ImpressSettings settings = host_->settings();
-    bool frozen = false;
-    int asked = 0;
-    settings.keepGoing = [&] { return !frozen || ++asked < 3; };
-    {
-        const auto program = start(settings);
-        const auto freezes = [&](int slide, int) {
-            if (slide == 2) {
-                host_->signalOffice(SIGSTOP);
-                frozen = true;
-            }
-        };
-        EXPECT_EQ(build(*program, true, true, freezes).end, End::Cancelled);
-        EXPECT_EQ(asked, 3);
-        EXPECT_THROW(program->appendBlankSlide(), Cancelled);
+    for (const bool file : {false, true}) {
+        ImpressSettings settings = Impress::settings(file);
+        bool frozen = false;
+        int asked = 0;
+        settings.keepGoing = [&] { return !frozen || ++asked < 3; };
+        {
+            const auto program = start(settings);
+            const auto freezes = [&](int slide, int) {
+                if (slide == 2) {
+                    host_->signalOffice(SIGSTOP);
+                    frozen = true;
+                }
+            };
+            EXPECT_EQ(build(*program, true, true, freezes).end, End::Cancelled);
+            EXPECT_EQ(asked, 3);
+            EXPECT_THROW(program->appendBlankSlide(), Cancelled);
+        }
+        EXPECT_THROW(start(settings), Cancelled);
+        host_->signalOffice(SIGCONT);
+        host_->signalOffice(SIGKILL);
+        EXPECT_TRUE(host_->ends());
     }
-    EXPECT_THROW(start(settings), Cancelled);
-    host_->signalOffice(SIGCONT);
-    host_->signalOffice(SIGKILL);
+}
+
+TEST_F(Impress, AnOfficeStartedAheadServesTheBuildAndStaysOnlyWhereItIsUsed)
+{
+    PresentationSettings settings;
+    settings.program = u"impress"_s;
+    settings.impress = host_->settings();
+    const QString starter = QLatin1String(officeStarterName);
+    const auto fresh = [] {
+        host_->signalOffice(SIGKILL);
+        ASSERT_TRUE(host_->ends());
+    };
+    const QList<std::pair<bool, std::function<void(PresentationPrograms&)>>> uses{
+        {false, [](PresentationPrograms&) {}},
+        {false,
+         [](PresentationPrograms&) {
+             while (host_->processes(u"soffice.bin"_s).isEmpty()) {
+             }
+         }},
+        {true,
+         [this](PresentationPrograms& programs) {
+             // Joins a start that is under way.
+             EXPECT_EQ(build(*programs.start(SlidesInto::Program, {}), true, true).end,
+                       End::Complete);
+         }},
+        {true, [this](PresentationPrograms&) { host_->runMacro(u"OpenFile"_s, {picture(1)}); }}};
+    for (const auto& [stays, use] : uses) {
+        fresh();
+        DefaultPresentationPrograms programs(folder_.path(), settings);
+        std::shared_ptr<void> ready = programs.prepare();
+        ASSERT_NE(ready, nullptr);
+        EXPECT_EQ(programs.prepare(), ready) << "one start for all who want it";
+        while (host_->processes(starter).isEmpty()) {
+        }
+        use(programs);
+        ready.reset();
+        EXPECT_TRUE(host_->ends(starter));
+        EXPECT_EQ(!host_->processes().isEmpty(), stays);
+    }
+    // One that runs already is left alone, with nothing open in it as well.
+    host_->runMacro(u"CloseAll"_s);
+    DefaultPresentationPrograms programs(folder_.path(), settings);
+    std::shared_ptr<void> ready = programs.prepare();
+    while (host_->processes(starter).isEmpty()) {
+    }
+    ready.reset();
+    EXPECT_TRUE(host_->ends(starter));
+    EXPECT_FALSE(host_->processes().isEmpty());
 }
 
 TEST_F(Impress, AnOfficeThatDoesNotStartIsAnError)

@@ -84,6 +84,7 @@ protected:
         EXPECT_TRUE(!review || !review->isVisible());
         EXPECT_TRUE(selection->isEnabled());
         EXPECT_EQ(presentations.started, started);
+        EXPECT_TRUE(presentations.prepared.expired()) << "nothing is kept ready any longer";
     }
     QStringList pictures() { return presentations.calls.filter(u"addPicture"_s); }
 
@@ -106,6 +107,7 @@ TEST_F(ReviewWindow, IncludingTheNumberAskedForBuildsInPoolOrder)
     key(Qt::Key_E);
     EXPECT_TRUE(shows(3));
     EXPECT_EQ(counters(), u"Questions Selected: 1, Questions Left to View: 3"_s);
+    EXPECT_FALSE(presentations.prepared.expired()) << "the program is ready for the last key";
     EXPECT_EQ(QAccessible::queryAccessibleInterface(review)->role(), QAccessible::Dialog);
     // What nobody has seen yet is not judged, neither by keys nor by the mouse.
     control<QWidget>(review, "imgQuestion")->setUpdatesEnabled(false);

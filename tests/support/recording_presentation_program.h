@@ -100,7 +100,15 @@ public:
     /// What the last program was asked; empty when none was started.
     QStringList calls;
     int started = 0;
+    /// What `prepare` gave out last.
+    std::weak_ptr<void> prepared;
 
+    [[nodiscard]] std::shared_ptr<void> prepare() override
+    {
+        auto ready = std::make_shared<int>();
+        prepared = ready;
+        return ready;
+    }
     [[nodiscard]] std::unique_ptr<PresentationProgram> start(SlidesInto, const KeepGoing&) override
     {
         if (!startFailure.isEmpty()) {

@@ -13,6 +13,8 @@
 #include <com/sun/star/lang/Locale.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 
+#include <atomic>
+#include <memory>
 #include <vector>
 
 namespace varnholt {
@@ -26,6 +28,15 @@ struct HundredthMm
     sal_Int32 height = 0;
 };
 
+/// A text of a presentation; slides and their shapes count from 0.
+struct TextPlace
+{
+    sal_Int32 slide = 0;
+    sal_Int32 shape = 0;
+    LongLines longLines = LongLines::Wrap;
+    bool title = false;
+};
+
 /// A presentation in Impress, and all the calls that lead to it. Everything here blocks and
 /// throws UNO's exceptions; `ImpressProgram` calls it from a worker and translates them.
 class ImpressDocument
@@ -37,6 +48,14 @@ public:
 
     /// `name` and `language` (such as "en-GB") may be empty.
     void create(const QString& name, const QString& language);
+    /// Opens the slides of a .pptx file as a presentation without a file, changed. `loaded` becomes
+    /// how much of it the office has read, up to `loadedWhole`.
+    void load(const QString& path, const std::shared_ptr<std::atomic<int>>& loaded);
+    static constexpr int loadedWhole = 1000;
+    /// Gives slides the names that new ones have; those of a .pptx are called after their titles.
+    void nameSlides();
+    /// Sets texts as `addTextBox` and `addTitle` do, where no .pptx can say it.
+    void setTexts(const std::vector<TextPlace>& texts);
     /// Throws `Error` when there is no screen the window could be on.
     void show();
     void appendBlankSlide();

@@ -1,8 +1,10 @@
 #include "presentation/impress/impress_program.h"
 
+#include "presentation/impress/impress_file.h"
 #include "store/errors.h"
 
 #include <QCoreApplication>
+#include <QScopeGuard>
 
 #include <com/sun/star/lang/DisposedException.hpp>
 
@@ -44,7 +46,11 @@ void ImpressProgram::call(Task task)
 
 ImpressProgram::ImpressProgram(const ImpressSettings& settings)
     : document_(std::make_shared<ImpressDocument>())
-    , worker_(settings.keepGoing, [document = document_] { document->breakOff(); })
+    , manySlides_(settings.manySlides)
+    , keepGoing_(settings.keepGoing)
+    , worker_(
+          [this] { return (!whileLoading_ || whileLoading_()) && (!keepGoing_ || keepGoing_()); },
+          [document = document_] { document->breakOff(); })
 {
     ImpressSettings own = settings;
     // The worker must not call back into windows.
@@ -55,6 +61,46 @@ ImpressProgram::ImpressProgram(const ImpressSettings& settings)
 ImpressProgram::~ImpressProgram()
 {
     worker_.runLast([document = document_] { document->close(); }, farewellMs);
+}
+
+PresentationProgram& ImpressProgram::forSlides(int slides)
+{
+    if (slides < manySlides_) {
+        return *this;
+    }
+    file_ = std::make_unique<ImpressFile>(*this);
+    return *file_;
+}
+
+void ImpressProgram::open(const QString& path, const DeckFacts& facts,
+                          const std::vector<TextPlace>& texts, int shownSlide)
+{
+    // Of a thousand, as the office says it.
+    const auto loaded = std::make_shared<std::atomic<int>>(0);
+    int reported = 0;
+    whileLoading_ = [&] {
+        const int slide = *loaded * facts.slides / ImpressDocument::loadedWhole;
+        if (slide > reported) {
+            reported = slide;
+            try {
+                facts.report(slide);
+            } catch (const Cancelled&) {
+                return false;
+            }
+        }
+        return true;
+    };
+    const auto done = qScopeGuard([this] { whileLoading_ = nullptr; });
+    call([path, titled = !facts.language.isEmpty(), texts, shownSlide,
+          loaded](ImpressDocument& document) {
+        document.load(path, loaded);
+        if (titled) {
+            document.nameSlides();
+        }
+        document.setTexts(texts);
+        document.show();
+        document.choose(shownSlide);
+    });
 }
 
 void ImpressProgram::addPresentation()

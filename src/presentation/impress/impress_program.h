@@ -21,6 +21,7 @@ public:
     explicit ImpressProgram(const ImpressSettings& settings);
     ~ImpressProgram() override;
 
+    [[nodiscard]] PresentationProgram& forSlides(int slides) override;
     [[nodiscard]] PresentationExtras* extras() override { return this; }
     void addPresentation() override;
     void setVisible() override;
@@ -34,6 +35,13 @@ public:
     void scaleWidth(int shape, double factor) override;
     void showSlide(int index) override;
     void finish() override;
+
+    /// A new presentation with the slides of a .pptx file, as if they had been made by calls: one
+    /// without a file, changed. `texts` are all of them. Reports its progress as
+    /// announced.
+    void open(const QString& path, const DeckFacts& facts, const std::vector<TextPlace>& texts,
+              int shownSlide);
+    [[nodiscard]] const KeepGoing& keepGoing() const { return keepGoing_; }
 
 private:
     void announce(const DeckFacts& facts) override { facts_ = facts; }
@@ -52,7 +60,12 @@ private:
     std::shared_ptr<ImpressDocument> document_;
     /// Whether a call found the presentation closed; shared like the document.
     std::shared_ptr<std::atomic<bool>> gone_ = std::make_shared<std::atomic<bool>>(false);
+    const int manySlides_;
+    KeepGoing keepGoing_;
+    /// Asked while a call is waited for, if there is anything to ask; as `keepGoing_`.
+    KeepGoing whileLoading_;
     OfficeWorker worker_;
+    std::unique_ptr<PresentationProgram> file_;
     UprightPictures pictures_;
     DeckFacts facts_;
 };

@@ -17,6 +17,8 @@ struct ImpressSettings
     QStringList arguments;
     /// Environment entries for it, "NAME=value".
     QStringList environment;
+    /// The name of the pipe that the office is to be reached by; empty for one of this run's own.
+    QString pipe;
     /// Called while the office is waited for, about 50 times a second; false gives up. May be
     /// empty.
     KeepGoing keepGoing;
@@ -25,6 +27,9 @@ struct ImpressSettings
     /// The starting program ends at once where it hands over to an office that runs; how long
     /// that one may take then.
     int handOverMs = 5000;
+    /// From so many slides on it is quicker to have the office open a file than to make a call for
+    /// each shape.
+    int manySlides = 100;
 };
 
 /// The plug-in's one entry, exported as `impressEntryName`: a connected Impress. Throws `Error`
@@ -32,5 +37,8 @@ struct ImpressSettings
 using ImpressEntry = PresentationProgram* (*)(const ImpressSettings& settings);
 
 inline constexpr char impressEntryName[] = "varnholt_start_impress";
+
+/// The program beside the plug-in that has an office ready before it is needed.
+inline constexpr char officeStarterName[] = "varnholt_office_starter";
 
 } // namespace varnholt

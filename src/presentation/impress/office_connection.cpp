@@ -1,14 +1,10 @@
 #include "presentation/impress/office_connection.h"
 
+#include "presentation/impress/office_process.h"
 #include "store/errors.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QFileInfo>
-#include <QLockFile>
-#include <QProcess>
 #include <QScopeGuard>
 #include <QThread>
 #include <QUrl>
@@ -22,11 +18,6 @@
 #include <com/sun/star/lang/XComponent.hpp>
 #include <cppuhelper/bootstrap.hxx>
 #include <rtl/bootstrap.hxx>
-#include <rtl/ustring.h>
-
-#include <csignal>
-#include <dlfcn.h>
-#include <unistd.h>
 
 namespace varnholt {
 
@@ -39,18 +30,6 @@ class Words
 };
 
 constexpr int pollEveryMs = 50;
-/// How long an office that is told to end may take.
-constexpr int endMs = 500;
-
-/// The folder the office's own libraries were loaded from.
-QString officeFolder()
-{
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<void*>(&rtl_uString_acquire), &info) == 0) {
-        return {};
-    }
-    return QFileInfo(QString::fromLocal8Bit(info.dli_fname)).canonicalPath();
-}
 
 /// Our own side of the bridge; made once and never taken down, because the office's libraries
 /// are not made for that, least of all while a program is ending.
@@ -74,87 +53,6 @@ const QString& pipeName()
     return name;
 }
 
-/// A process that has ended, but that nobody has asked about yet, does not run either.
-bool isRunning(qint64 pid)
-{
-    QFile status(QStringLiteral("/proc/%1/stat").arg(pid));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return kill(pid_t(pid), 0) == 0 && !QFile::exists(QStringLiteral("/proc/self/stat"));
-    }
-    const QByteArray text = status.readAll();
-    return text.mid(text.lastIndexOf(')') + 2, 1) != "Z";
-}
-
-/// The process of the command that starts the office, or hands over to one that runs.
-class Starter
-{
-public:
-    explicit Starter(const ImpressSettings& settings)
-        : handOverMs_(settings.handOverMs)
-    {
-        process_.setProgram(settings.program.isEmpty() ? officeFolder() + QStringLiteral("/soffice")
-                                                       : settings.program);
-        process_.setArguments(
-            settings.arguments +
-            QStringList{QStringLiteral("--nologo"), QStringLiteral("--norestore"),
-                        QStringLiteral("--nodefault"), QStringLiteral("--nofirststartwizard"),
-                        QStringLiteral("--accept=pipe,name=%1;urp;").arg(pipeName())});
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const QString& entry : settings.environment) {
-            environment.insert(entry.section(u'=', 0, 0), entry.section(u'=', 1));
-        }
-        process_.setProcessEnvironment(environment);
-        process_.setStandardInputFile(QProcess::nullDevice());
-        process_.setStandardOutputFile(QProcess::nullDevice());
-        process_.setStandardErrorFile(QProcess::nullDevice());
-    }
-
-    /// The process gets a session of its own and outlives this program.
-    void start()
-    {
-        if (!process_.startDetached(&pid_)) {
-            throw Error(Words::tr("\"%1\" could not be started: %2.")
-                            .arg(process_.program(), process_.errorString()));
-        }
-        group_ = getpgid(pid_t(pid_));
-        sinceEnd_.invalidate();
-    }
-
-    /// Whether it ended a while ago, so that nothing is to be expected from it any more.
-    bool isSpent()
-    {
-        if (!sinceEnd_.isValid()) {
-            if (!isRunning(pid_)) {
-                sinceEnd_.start();
-            }
-            return false;
-        }
-        return sinceEnd_.hasExpired(handOverMs_);
-    }
-
-    /// Ends what was started and has not answered. An office that runs already is no process of
-    /// ours: the one that handed over to it has ended by itself.
-    void end()
-    {
-        if (group_ <= 1 || group_ == getpgrp()) {
-            return;
-        }
-        kill(-group_, SIGTERM);
-        for (int waited = 0; waited < endMs && kill(-group_, 0) == 0; waited += pollEveryMs) {
-            QThread::msleep(pollEveryMs);
-        }
-        kill(-group_, SIGKILL);
-    }
-
-private:
-    const int handOverMs_;
-    QProcess process_;
-    qint64 pid_ = 0;
-    /// Of processes: the office is a child of the command that starts it.
-    pid_t group_ = 0;
-    QElapsedTimer sinceEnd_;
-};
-
 } // namespace
 
 OfficeConnection::~OfficeConnection()
@@ -167,7 +65,7 @@ void OfficeConnection::openOnce()
     const auto& local = localContext();
     const css::uno::Reference<css::connection::XConnection> connection =
         css::connection::Connector::create(local)->connect(
-            toUno(QStringLiteral("pipe,name=") + pipeName()));
+            toUno(QStringLiteral("pipe,name=") + pipe_));
     {
         const std::lock_guard lock(mutex_);
         connection_ = connection;
@@ -208,23 +106,20 @@ bool OfficeConnection::tryOpen()
     throw Cancelled();
 }
 
-void OfficeConnection::waitFor(const ImpressSettings& settings)
+void OfficeConnection::waitFor(const ImpressSettings& settings, const QElapsedTimer& waiting)
 {
-    Starter starter(settings);
-    bool answered = false;
+    auto process = std::make_unique<OfficeProcess>(settings, pipe_);
     const auto ending = qScopeGuard([&] {
-        if (!answered) {
-            starter.end();
+        if (process) {
+            process->end();
         }
     });
-    QElapsedTimer waiting;
-    waiting.start();
     for (int start = 1; start <= 2; ++start) {
-        starter.start();
-        while (!starter.isSpent()) {
+        process->start();
+        while (!process->isSpent()) {
             QThread::msleep(pollEveryMs);
-            answered = tryOpen();
-            if (answered) {
+            if (tryOpen()) {
+                process_ = std::move(process);
                 return;
             }
             if (waiting.hasExpired(settings.startLimitMs)) {
@@ -235,21 +130,30 @@ void OfficeConnection::waitFor(const ImpressSettings& settings)
     throw Error(Words::tr("The office suite ends as soon as it is started."));
 }
 
+bool OfficeConnection::reopen(const ImpressSettings& settings)
+{
+    close();
+    pipe_ = settings.pipe;
+    return tryOpen();
+}
+
 void OfficeConnection::open(const ImpressSettings& settings)
 {
-    if (tryOpen()) {
-        return;
-    }
-    // Two starts at once on one profile can leave an office that hangs.
-    QLockFile lock(QDir::temp().filePath(QStringLiteral("varnholt-office-%1.lock").arg(getuid())));
+    pipe_ = settings.pipe.isEmpty() ? pipeName() : settings.pipe;
     QElapsedTimer waiting;
     waiting.start();
-    while (!lock.tryLock(pollEveryMs) && !waiting.hasExpired(settings.startLimitMs)) {
+    OfficeLock lock(settings);
+    while (!lock.tryLock()) {
         if (broken_) {
             throw Cancelled();
         }
+        if (waiting.hasExpired(settings.startLimitMs)) {
+            throw Error(Words::tr("The office suite does not answer."));
+        }
     }
-    waitFor(settings);
+    if (!tryOpen()) {
+        waitFor(settings, waiting);
+    }
 }
 
 void OfficeConnection::close()

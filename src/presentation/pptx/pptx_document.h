@@ -16,6 +16,7 @@ namespace varnholt {
 using Emu = std::int64_t;
 
 inline constexpr Emu emuPerPoint = 12'700;
+inline constexpr Emu emuPerHundredthMm = 360;
 inline constexpr Emu pptxSlideWidth = 960 * emuPerPoint;
 inline constexpr Emu pptxSlideHeight = 540 * emuPerPoint;
 
@@ -68,6 +69,9 @@ struct PptxDocument
     QString title;
     /// Of all texts, such as "en-GB"; empty when it is not told.
     QString language;
+    /// Shapes have no names, and texts neither font, colour nor language but what they are given
+    /// here: the program that opens it gives them its own.
+    bool bare = false;
     std::vector<PptxSlide> slides;
     std::vector<PptxMedia> media;
 

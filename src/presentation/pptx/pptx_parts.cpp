@@ -109,8 +109,9 @@ QByteArray pptxPresentation(const PptxDocument& document)
                number(qint64(3 + slide)) + "\"/>";
     }
     return xml + "</p:sldIdLst><p:sldSz cx=\"" + number(pptxSlideWidth) + "\" cy=\"" +
-           number(pptxSlideHeight) +
-           "\"/><p:notesSz cx=\"6858000\" cy=\"9144000\"/><p:defaultTextStyle>" + textLevels() +
+           number(pptxSlideHeight) + "\"/><p:notesSz " +
+           (document.bare ? "cx=\"7560000\" cy=\"10692000\"" : "cx=\"6858000\" cy=\"9144000\"") +
+           "/><p:defaultTextStyle>" + textLevels(document.bare) +
            "</p:defaultTextStyle></p:presentation>";
 }
 
@@ -139,9 +140,10 @@ QByteArray pptxMaster(const PptxDocument& document)
            "accent5=\"accent5\" accent6=\"accent6\" hlink=\"hlink\" folHlink=\"folHlink\"/>"
            "<p:sldLayoutIdLst><p:sldLayoutId id=\"2147483649\" r:id=\"rId1\"/>" +
            (document.hasTitles() ? "<p:sldLayoutId id=\"2147483650\" r:id=\"rId3\"/>" : "") +
-           "</p:sldLayoutIdLst><p:txStyles><p:titleStyle>" + levelProperties(1) +
-           "</p:titleStyle><p:bodyStyle>" + levelProperties(1) + "</p:bodyStyle><p:otherStyle>" +
-           textLevels() + "</p:otherStyle></p:txStyles></p:sldMaster>";
+           "</p:sldLayoutIdLst><p:txStyles><p:titleStyle>" + levelProperties(1, document.bare) +
+           "</p:titleStyle><p:bodyStyle>" + levelProperties(1, document.bare) +
+           "</p:bodyStyle><p:otherStyle>" + textLevels(document.bare) +
+           "</p:otherStyle></p:txStyles></p:sldMaster>";
 }
 
 QByteArray pptxMasterRelations(const PptxDocument& document)

@@ -29,7 +29,7 @@ namespace varnholt {
 /// Of a document with titles.
 [[nodiscard]] QByteArray pptxTitleLayout();
 /// Of a document with notes.
-[[nodiscard]] QByteArray pptxNotesMaster();
+[[nodiscard]] QByteArray pptxNotesMaster(const PptxDocument& document);
 [[nodiscard]] QByteArray pptxNotesMasterRelations();
 [[nodiscard]] QByteArray pptxNotes(const PptxDocument& document, const PptxSlide& slide);
 [[nodiscard]] QByteArray pptxNotesRelations(int number);

@@ -1,12 +1,9 @@
 #pragma once
 
-#include "presentation/pptx/pptx_document.h"
-#include "presentation/presentation_extras.h"
-#include "presentation/presentation_program.h"
+#include "presentation/pptx/pptx_draft.h"
 #include "store/services.h"
 
 #include <QDateTime>
-#include <QHash>
 
 #include <functional>
 
@@ -29,26 +26,14 @@ struct PptxSettings
 /// The back end that needs no presentation program: a document in memory which `finish`
 /// writes as "<name>.pptx", or "Varnholt <date> <time>.pptx" where it has no name, under a
 /// temporary name until it is whole, and opens. A presentation without slides is not written.
-class PptxProgram final : public PresentationProgram, private PresentationExtras
+class PptxProgram final : public PptxDraft
 {
 public:
     explicit PptxProgram(PptxSettings settings);
     ~PptxProgram() override;
 
-    [[nodiscard]] PresentationExtras* extras() override { return this; }
     /// Throws when nothing can be written to the folder, before any work is done.
     void addPresentation() override;
-    void setVisible() override;
-    void appendBlankSlide() override;
-    void addTextBox(double left, double top, double width, double height,
-                    LongLines longLines) override;
-    void setShapeText(int shape, const QString& text) override;
-    void addPicture(const QString& path, double left, double top, double width, double height,
-                    const QString& description) override;
-    void scaleHeight(int shape, double factor) override;
-    void scaleWidth(int shape, double factor) override;
-    /// Only looks whether the slide is there: a .pptx opens at its first one.
-    void showSlide(int index) override;
     void finish() override;
     [[nodiscard]] QString notice() const override { return notice_; }
 
@@ -56,23 +41,10 @@ public:
     [[nodiscard]] QString writtenPath() const { return writtenPath_; }
 
 private:
-    void announce(const DeckFacts& facts) override;
-    void addTitle(double left, double top, double width, double height, double textSize,
-                  const QString& text) override;
-    void emphasise(int shape, double textSize) override;
-    void setNotes(const QString& text) override;
-    void setAdvance(int seconds) override;
-    [[nodiscard]] QSizeF pictureSize(const QString& path) override;
-
-    PptxSlide& currentSlide();
-    PptxShape& shapeAt(int shape);
-    int mediaFor(const QString& path);
     [[nodiscard]] QDateTime now() const;
     QString giveFinalName();
 
     PptxSettings settings_;
-    PptxDocument document_;
-    QHash<QString, int> mediaByPath_;
     QString folder_;
     /// The name the file is written under.
     QString partPath_;

@@ -9,11 +9,32 @@ using namespace pptx_xml;
 
 namespace {
 
-QByteArray transform(const PptxShape& shape)
+QByteArray transform(const PptxDocument& document, const PptxShape& shape)
 {
+    // The reader of bare documents takes a hundredth of a millimetre off every size.
+    const Emu more = document.bare ? emuPerHundredthMm : 0;
     return "<a:xfrm><a:off x=\"" + number(shape.left) + "\" y=\"" + number(shape.top) +
-           "\"/><a:ext cx=\"" + number(shape.width) + "\" cy=\"" + number(shape.height) +
+           "\"/><a:ext cx=\"" + number(shape.width + more) + "\" cy=\"" +
+           number(shape.height + more) +
            "\"/></a:xfrm><a:prstGeom prst=\"rect\"><a:avLst/></a:prstGeom>";
+}
+
+/// The margins that readers other than of bare documents take for granted; a frame adds half its
+/// line there.
+QByteArray margins(const PptxDocument& document, const PptxShape& shape)
+{
+    if (!document.bare) {
+        return {};
+    }
+    return shape.framed ? " lIns=\"100800\" tIns=\"55080\" rIns=\"100800\" bIns=\"55080\""
+                        : " lIns=\"91440\" tIns=\"45720\" rIns=\"91440\" bIns=\"45720\"";
+}
+
+/// The attributes by which a slide knows a shape. Identifier 1 is the shape tree's.
+QByteArray identity(const PptxDocument& document, const char* kind, int id)
+{
+    return "id=\"" + number(id) + "\" name=\"" +
+           (document.bare ? QByteArray() : kind + QByteArrayLiteral(" ") + number(id - 1)) + '"';
 }
 
 /// What a run of text says of itself: nothing unless it is told to.
@@ -43,7 +64,7 @@ QByteArray paragraphs(const QString& text, const QByteArray& properties)
     return xml;
 }
 
-QByteArray textBox(const PptxShape& shape, int id, const QString& language)
+QByteArray textBox(const PptxDocument& document, const PptxShape& shape, int id)
 {
     const QByteArray fill =
         shape.framed
@@ -51,32 +72,33 @@ QByteArray textBox(const PptxShape& shape, int id, const QString& language)
                                 "<a:ln w=\"19050\"><a:solidFill><a:schemeClr val=\"accent1\"/>"
                                 "</a:solidFill></a:ln>")
             : QByteArrayLiteral("<a:noFill/>");
-    return "<p:sp><p:nvSpPr><p:cNvPr id=\"" + number(id) + "\" name=\"TextBox " + number(id - 1) +
-           "\"/><p:cNvSpPr txBox=\"1\"/><p:nvPr/></p:nvSpPr><p:spPr>" + transform(shape) + fill +
-           "</p:spPr><p:txBody><a:bodyPr wrap=\"" +
+    return "<p:sp><p:nvSpPr><p:cNvPr " + identity(document, "TextBox", id) +
+           "/><p:cNvSpPr txBox=\"1\"/><p:nvPr/></p:nvSpPr><p:spPr>" + transform(document, shape) +
+           fill + "</p:spPr><p:txBody><a:bodyPr wrap=\"" +
            (shape.longLines == LongLines::Wrap ? "square" : "none") + "\" rtlCol=\"0\"" +
-           (shape.framed ? " anchor=\"ctr\"" : "") + "><a:noAutofit/></a:bodyPr><a:lstStyle/>" +
-           paragraphs(shape.text, runProperties(shape, language)) + "</p:txBody></p:sp>";
+           (shape.framed ? " anchor=\"ctr\"" : "") + margins(document, shape) +
+           "><a:noAutofit/></a:bodyPr><a:lstStyle/>" +
+           paragraphs(shape.text, runProperties(shape, document.language)) + "</p:txBody></p:sp>";
 }
 
-QByteArray title(const PptxShape& shape, int id, const QString& language)
+QByteArray title(const PptxDocument& document, const PptxShape& shape, int id)
 {
-    return "<p:sp><p:nvSpPr><p:cNvPr id=\"" + number(id) + "\" name=\"Title " + number(id - 1) +
-           "\"/><p:cNvSpPr><a:spLocks noGrp=\"1\"/></p:cNvSpPr><p:nvPr><p:ph type=\"title\"/>"
+    return "<p:sp><p:nvSpPr><p:cNvPr " + identity(document, "Title", id) +
+           "/><p:cNvSpPr><a:spLocks noGrp=\"1\"/></p:cNvSpPr><p:nvPr><p:ph type=\"title\"/>"
            "</p:nvPr></p:nvSpPr><p:spPr>" +
-           transform(shape) +
-           "</p:spPr><p:txBody><a:bodyPr anchor=\"ctr\"><a:noAutofit/></a:bodyPr><a:lstStyle/>" +
-           paragraphs(shape.text, runProperties(shape, language)) + "</p:txBody></p:sp>";
+           transform(document, shape) + "</p:spPr><p:txBody><a:bodyPr anchor=\"ctr\"" +
+           margins(document, shape) + "><a:noAutofit/></a:bodyPr><a:lstStyle/>" +
+           paragraphs(shape.text, runProperties(shape, document.language)) + "</p:txBody></p:sp>";
 }
 
-QByteArray picture(const PptxShape& shape, int id, int relation)
+QByteArray picture(const PptxDocument& document, const PptxShape& shape, int id, int relation)
 {
-    return "<p:pic><p:nvPicPr><p:cNvPr id=\"" + number(id) + "\" name=\"Picture " + number(id - 1) +
-           "\" descr=\"" + escapedLine(shape.description) +
+    return "<p:pic><p:nvPicPr><p:cNvPr " + identity(document, "Picture", id) + " descr=\"" +
+           escapedLine(shape.description) +
            "\"/><p:cNvPicPr><a:picLocks noChangeAspect=\"1\"/></p:cNvPicPr><p:nvPr/>"
            "</p:nvPicPr><p:blipFill><a:blip r:embed=\"rId" +
            number(relation) + "\"/><a:stretch><a:fillRect/></a:stretch></p:blipFill><p:spPr>" +
-           transform(shape) + "</p:spPr></p:pic>";
+           transform(document, shape) + "</p:spPr></p:pic>";
 }
 
 /// The picture of the slide on a page of notes.
@@ -110,14 +132,14 @@ QByteArray pptxSlide(const PptxDocument& document, const PptxSlide& slide)
     xml += declaration;
     xml += "<p:sld" NAMESPACES "><p:cSld><p:spTree>";
     xml += emptyShapeTree;
-    // Identifier 1 is the shape tree's, relationship 1 the layout's.
+    // Relationship 1 is the layout's.
     int id = 1;
     int relation = 1;
     for (const PptxShape& shape : slide.shapes) {
         ++id;
-        xml += shape.media != 0 ? picture(shape, id, ++relation)
-               : shape.title    ? title(shape, id, document.language)
-                                : textBox(shape, id, document.language);
+        xml += shape.media != 0 ? picture(document, shape, id, ++relation)
+               : shape.title    ? title(document, shape, id)
+                                : textBox(document, shape, id);
     }
     xml += "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr>";
     if (slide.advance > 0) {
@@ -156,7 +178,7 @@ QByteArray pptxTitleLayout()
            "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr></p:sldLayout>";
 }
 
-QByteArray pptxNotesMaster()
+QByteArray pptxNotesMaster(const PptxDocument& document)
 {
     return QByteArray(declaration) +
            "<p:notesMaster" NAMESPACES
@@ -167,7 +189,7 @@ QByteArray pptxNotesMaster()
            "accent1=\"accent1\" accent2=\"accent2\" accent3=\"accent3\" accent4=\"accent4\" "
            "accent5=\"accent5\" accent6=\"accent6\" hlink=\"hlink\" folHlink=\"folHlink\"/>"
            "<p:notesStyle>" +
-           textLevels() + "</p:notesStyle></p:notesMaster>";
+           textLevels(document.bare) + "</p:notesStyle></p:notesMaster>";
 }
 
 QByteArray pptxNotesMasterRelations()

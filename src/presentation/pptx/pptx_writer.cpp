@@ -27,7 +27,7 @@ void writePptx(const QString& path, const PptxDocument& document, const QDateTim
         archive.add("ppt/slideLayouts/_rels/slideLayout2.xml.rels", pptxBlankLayoutRelations());
     }
     if (document.hasNotes()) {
-        archive.add("ppt/notesMasters/notesMaster1.xml", pptxNotesMaster());
+        archive.add("ppt/notesMasters/notesMaster1.xml", pptxNotesMaster(document));
         archive.add("ppt/notesMasters/_rels/notesMaster1.xml.rels", pptxNotesMasterRelations());
         archive.add("ppt/theme/theme2.xml", pptxTheme());
     }

@@ -69,22 +69,27 @@ private:
     int count_ = 0;
 };
 
-/// One level of the text of a text box, as presentation programs have it by default.
-inline QByteArray levelProperties(int level)
+/// One level of the text of a text box, as presentation programs have it by default; `bare` as
+/// `PptxDocument` has it.
+inline QByteArray levelProperties(int level, bool bare)
 {
+    const QByteArray format =
+        bare ? QByteArrayLiteral("<a:defRPr sz=\"1800\"/>")
+             : QByteArrayLiteral("<a:defRPr sz=\"1800\" kern=\"1200\"><a:solidFill>"
+                                 "<a:schemeClr val=\"tx1\"/></a:solidFill><a:latin "
+                                 "typeface=\"+mn-lt\"/><a:ea typeface=\"+mn-ea\"/><a:cs "
+                                 "typeface=\"+mn-cs\"/></a:defRPr>");
     return "<a:lvl" + number(level) + "pPr marL=\"" + number((level - 1) * 457200) +
            "\" algn=\"l\" defTabSz=\"914400\" rtl=\"0\" eaLnBrk=\"1\" latinLnBrk=\"0\" "
-           "hangingPunct=\"1\"><a:defRPr sz=\"1800\" kern=\"1200\"><a:solidFill>"
-           "<a:schemeClr val=\"tx1\"/></a:solidFill><a:latin typeface=\"+mn-lt\"/>"
-           "<a:ea typeface=\"+mn-ea\"/><a:cs typeface=\"+mn-cs\"/></a:defRPr></a:lvl" +
-           number(level) + "pPr>";
+           "hangingPunct=\"1\">" +
+           format + "</a:lvl" + number(level) + "pPr>";
 }
 
-inline QByteArray textLevels()
+inline QByteArray textLevels(bool bare)
 {
-    QByteArray xml = "<a:defPPr><a:defRPr lang=\"en-US\"/></a:defPPr>";
+    QByteArray xml = bare ? QByteArray() : "<a:defPPr><a:defRPr lang=\"en-US\"/></a:defPPr>";
     for (int level = 1; level <= 9; ++level) {
-        xml += levelProperties(level);
+        xml += levelProperties(level, bare);
     }
     return xml;
 }

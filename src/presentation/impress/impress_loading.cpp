@@ -1,0 +1,107 @@
+// How an `ImpressDocument` comes from a file.
+
+#include "presentation/impress/impress_document.h"
+#include "store/errors.h"
+
+#include <QUrl>
+
+#include <com/sun/star/beans/PropertyValue.hpp>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/container/XIndexAccess.hpp>
+#include <com/sun/star/container/XNamed.hpp>
+#include <com/sun/star/drawing/TextHorizontalAdjust.hpp>
+#include <com/sun/star/drawing/XDrawPagesSupplier.hpp>
+#include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/task/XStatusIndicator.hpp>
+#include <com/sun/star/util/XModifiable.hpp>
+#include <cppuhelper/implbase1.hxx>
+
+#include <algorithm>
+
+using css::uno::Any;
+using css::uno::Reference;
+using css::uno::UNO_QUERY_THROW;
+
+namespace varnholt {
+
+namespace {
+
+/// Is told by the office how far it is.
+class LoadProgress final : public cppu::WeakImplHelper1<css::task::XStatusIndicator>
+{
+public:
+    explicit LoadProgress(std::shared_ptr<std::atomic<int>> loaded)
+        : loaded_(std::move(loaded))
+    {}
+
+    void SAL_CALL start(const rtl::OUString& /*text*/, sal_Int32 range) override
+    {
+        range_ = std::max(range, sal_Int32{1});
+    }
+    void SAL_CALL setValue(sal_Int32 value) override
+    {
+        *loaded_ = static_cast<int>(sal_Int64{value} * ImpressDocument::loadedWhole / range_);
+    }
+    void SAL_CALL end() override {}
+    void SAL_CALL setText(const rtl::OUString& /*text*/) override {}
+    void SAL_CALL reset() override {}
+
+private:
+    std::shared_ptr<std::atomic<int>> loaded_;
+    std::atomic<sal_Int32> range_ = 1;
+};
+
+css::beans::PropertyValue argument(const char* name, const Any& value)
+{
+    return {rtl::OUString::createFromAscii(name), -1, value,
+            css::beans::PropertyState_DIRECT_VALUE};
+}
+
+} // namespace
+
+void ImpressDocument::load(const QString& path, const std::shared_ptr<std::atomic<int>>& loaded)
+{
+    const auto& context = connection_.context();
+    const Reference<css::frame::XDesktop2> desktop = css::frame::Desktop::create(context);
+    const auto url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
+    const Reference<css::task::XStatusIndicator> progress(new LoadProgress(loaded));
+    const auto arguments = unoSequence<css::beans::PropertyValue>(
+        {argument("AsTemplate", Any(true)), argument("StatusIndicator", Any(progress)),
+         argument("FilterName", Any(rtl::OUString("Impress MS PowerPoint 2007 XML")))});
+    model_.set(desktop->loadComponentFromURL(toUno(url), "_blank", 0, arguments), UNO_QUERY_THROW);
+    pages_ = Reference<css::drawing::XDrawPagesSupplier>(model_, UNO_QUERY_THROW)->getDrawPages();
+    slideCount_ = pages_->getCount();
+    // It is on no disk.
+    Reference<css::util::XModifiable>(model_, UNO_QUERY_THROW)->setModified(true);
+}
+
+void ImpressDocument::nameSlides()
+{
+    for (sal_Int32 slide = 0; slide < slideCount_; ++slide) {
+        Reference<css::container::XNamed>(pages_->getByIndex(slide), UNO_QUERY_THROW)
+            ->setName(toUno(QStringLiteral("page%1").arg(slide + 1)));
+    }
+}
+
+void ImpressDocument::setTexts(const std::vector<TextPlace>& texts)
+{
+    Reference<css::container::XIndexAccess> page;
+    sal_Int32 current = -1;
+    for (const TextPlace& text : texts) {
+        if (text.slide != current) {
+            current = text.slide;
+            page.set(pages_->getByIndex(current), UNO_QUERY_THROW);
+        }
+        const Reference<css::beans::XPropertySet> shape(page->getByIndex(text.shape),
+                                                        UNO_QUERY_THROW);
+        shape->setPropertyValue("FontIndependentLineSpacing", Any(false));
+        if (text.title) {
+            shape->setPropertyValue("TextWordWrap", Any(false));
+        } else if (text.longLines == LongLines::RunOn) {
+            shape->setPropertyValue("TextHorizontalAdjust",
+                                    Any(css::drawing::TextHorizontalAdjust_LEFT));
+        }
+    }
+}
+
+} // namespace varnholt
