@@ -1,5 +1,7 @@
 #include "presentation/slide_space.h"
 
+#include <QList>
+
 namespace varnholt {
 
 namespace {
