@@ -72,14 +72,14 @@ def wished(questions):
         answer = f'Answer: {answer_of(number)}'
         name = f'Question {number}, {TOPIC}'
         yield from append(page)
-        yield from title(70, 24, name.format('\r'))
+        yield from title(70, 18, name.format('\r'))
         # Twice its size of 6 points, in the middle between 2 and 958.
         yield from shapes(f'call Shapes.AddPicture BSTR:{number}.jpg I4:0 I4:-1 R4:474 R4:70 '
                           'R4:12 R4:12')
         yield 'put Shape.AlternativeText BSTR:' + name.format('\n')
         if page % 2 == 0:
             # A line of 32 points and the margins, down to 538.
-            yield from box(2, 487.6, 956, 50.4) + text('I4:3', answer, SWISS) + emphasis(3, 32)
+            yield from box(2, 483.6, 956, 54.4) + text('I4:3', answer, SWISS) + emphasis(3, 32)
         yield from slide('get SlideRange.NotesPage', 'get SlideRange.Shapes',
                          'get Shapes.Placeholders', 'item Placeholders.Item I4:2',
                          *written(answer, SWISS))
