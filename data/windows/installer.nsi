@@ -23,7 +23,24 @@ InstallDirRegKey HKCU "Software\Varnholt" "Folder"
 
 !define UNINSTALL "Software\Microsoft\Windows\CurrentVersion\Uninstall\Varnholt"
 
+; Files of a program that runs can be neither replaced nor removed.
+!macro REQUIRE_CLOSED
+    IfFileExists "$INSTDIR\bin\varnholt.exe" 0 closed
+again:
+    ClearErrors
+    FileOpen $0 "$INSTDIR\bin\varnholt.exe" a
+    IfErrors 0 writable
+    MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION \
+        "Varnholt is running. Please close it and try again." /SD IDCANCEL IDRETRY again
+    SetErrorLevel 2
+    Abort "Varnholt is running."
+writable:
+    FileClose $0
+closed:
+!macroend
+
 Section
+    !insertmacro REQUIRE_CLOSED
     SetOutPath "$INSTDIR"
     ; What an older version had and this one has not must not stay.
     RMDir /r "$INSTDIR\bin"
@@ -41,6 +58,7 @@ Section
 SectionEnd
 
 Section "Uninstall"
+    !insertmacro REQUIRE_CLOSED
     RMDir /r "$INSTDIR\bin"
     RMDir /r "$INSTDIR\share"
     Delete "$INSTDIR\uninstall.exe"
