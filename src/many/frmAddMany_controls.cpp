@@ -31,9 +31,8 @@ void frmAddMany::buildControls()
     cmdAddFiles_ = makeButton("cmdAddFiles", tr("Add &File…"));
     cmdFromPdf_ = makeButton("cmdFromPdf", tr("From P&DF…"));
     cmdFromPdf_->setToolTip(tr("Draws frames round the questions of an exam paper."));
-    if (PdfReader::program().isEmpty()) {
-        cmdFromPdf_->hide();
-    }
+    const bool readsPdf = !PdfReader::program().isEmpty();
+    cmdFromPdf_->setVisible(readsPdf);
     cmdPaste_ = makeButton("cmdPaste", tr("&Paste"));
     cmdPaste_->setToolTip(tr("Ctrl+V"));
     chkCatch_ = named(new QCheckBox(tr("Catch Screens&hots")), "chkCatch");
@@ -51,8 +50,10 @@ void frmAddMany::buildControls()
             .arg(usualQuality));
 
     lblNone_ =
-        makeLabel("lblNone", tr("Drop pictures, folders or PDF files here, or paste pictures "
-                                "one after the other with Ctrl+V."));
+        makeLabel("lblNone", readsPdf ? tr("Drop pictures, folders or PDF files here, or paste "
+                                           "pictures one after the other with Ctrl+V.")
+                                      : tr("Drop pictures or folders here, or paste pictures one "
+                                           "after the other with Ctrl+V."));
     lblNone_->setWordWrap(true);
     lblNone_->setAlignment(Qt::AlignCenter);
     lblNone_->setForegroundRole(QPalette::PlaceholderText);
