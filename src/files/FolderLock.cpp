@@ -16,11 +16,11 @@ namespace varnholt {
 
 FolderLock::FolderLock(const std::filesystem::path& folder)
 {
-    // Who may delete the folder and lets nobody else have that right is alone; listing the
-    // folder and the files in it stay open to all.
+    // Not the folder itself: who lists it, or puts a file there under another name, opens it, too,
+    // and need not share all that a lock would take. The system removes the file.
     const HANDLE handle =
-        ::CreateFileW(folder.c_str(), DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+        ::CreateFileW((folder / L".varnholt.lock").c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
+                      FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (handle != INVALID_HANDLE_VALUE) {
         handle_ = handle;
     } else {

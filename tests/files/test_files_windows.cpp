@@ -116,9 +116,12 @@ TEST_F(FilesOnWindows, LocksAreOnesAndLeaveNothing)
     std::optional<FolderLock> first(folder_);
     EXPECT_FALSE(first->isHeldByAnother());
     EXPECT_TRUE(FolderLock(folder_).isHeldByAnother());
-    EXPECT_EQ(read(write("file", "text")), "text") << "the folder is open to all";
+    EXPECT_FALSE(TakeFileTo(write("from", "text"), folder_ / "to")) << "it is open to all";
+    EXPECT_FALSE(PlaceFile(folder_ / "to", folder_ / "from", Placing::Copy));
+    EXPECT_EQ(files(), 3) << "with the lock";
     first.reset();
     EXPECT_FALSE(FolderLock(folder_).isHeldByAnother());
+    EXPECT_EQ(files(), 2);
 }
 
 TEST_F(FilesOnWindows, WhatIsPutOnTheDiskHasToBeThere)
