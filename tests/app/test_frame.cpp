@@ -132,7 +132,7 @@ TEST_F(Frame, TidiesUpAfterAKilledProgramAndTellsOfDamage)
         u"Database Error"_s,
         u"The question library is damaged, so questions may be missing or wrong:\n%1\n\nKeep a "
         u"copy of this file before you change anything, and put an undamaged copy from earlier in "
-        "its place if you have one."_s.arg(library.databasePath()));
+        "its place if you have one."_s.arg(QDir::toNativeSeparators(library.databasePath())));
     frame->checkLibrary(true);
     EXPECT_TRUE(QTest::qWaitFor([&told] { return told; }, patienceMs));
     EXPECT_EQ(QDir(folder.filePath(u"Files"_s))

@@ -232,6 +232,7 @@ TEST_F(BackupsWindow, ClosingMakesOneAnHourAfterAChangeAndGoesOnWhateverHappens)
     QDir(pool).removeRecursively();
     QFile blocking(pool);
     ASSERT_TRUE(blocking.open(QIODevice::WriteOnly));
+    blocking.close();
     owner.deleteQuestion(3);
     clock.now += 2 * hourMs;
     QString reason;

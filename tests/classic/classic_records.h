@@ -198,7 +198,10 @@ private:
         entry += 46 + number(entry + 28, 2) + number(entry + 30, 2) + number(entry + 32, 2);
     }
     lines.append(QStringLiteral("%1 pictures sha256 %2").arg(pictures).arg(sha256(pictureLines)));
+#ifndef Q_OS_WIN
+    // With the system that it was made on.
     lines.append(QStringLiteral("package sha256 %1").arg(sha256(bytes)));
+#endif
     return lines;
 }
 

@@ -216,7 +216,13 @@ protected:
     {
         QFile golden(QStringLiteral(VARNHOLT_GOLDEN_FOLDER "/") + name);
         const QByteArray bytes = seen.join(u'\n').toUtf8() + '\n';
-        if (golden.open(QIODevice::ReadOnly) && golden.readAll() == bytes) {
+        QByteArray expected = golden.open(QIODevice::ReadOnly) ? golden.readAll() : QByteArray();
+#ifdef Q_OS_WIN
+        if (const auto ofAll = expected.indexOf("package sha256"); ofAll >= 0) {
+            expected.truncate(ofAll);
+        }
+#endif
+        if (expected == bytes) {
             return;
         }
         QFile copy(QDir::temp().filePath(u"varnholt-seen-"_s + name));

@@ -1,5 +1,6 @@
 #include "manage/PictureStrip.h"
 #include "manage_test.h"
+#include "support/test_files.h"
 #include "toolkit/PictureView.h"
 
 #include <QFile>
@@ -33,7 +34,7 @@ TEST_F(Browser, QuestionsOfUnavailableSubtopicsShowUnderEverySubtopicOfTheirTopi
 TEST_F(Browser, MissingPicturesAreToldAndSteppedPast)
 {
     // Missing, garbage, and one that goes after it was decoded ahead.
-    QFile::remove(library.picturePath(1));
+    removeFile(library.picturePath(1));
     QFile garbage(library.picturePath(2));
     ASSERT_TRUE(garbage.open(QIODevice::WriteOnly));
     garbage.write(QByteArray("\xff\xd8\xff\xe0 not a picture ").repeated(1000));
@@ -53,7 +54,7 @@ TEST_F(Browser, MissingPicturesAreToldAndSteppedPast)
     press("cmdLeft");
     EXPECT_EQ(picture(), pictureOf(3)); // stays on screen
     EXPECT_TRUE(shown("lblPictureHint"));
-    QFile::remove(library.picturePath(3));
+    removeFile(library.picturePath(3));
     says(fileMissing);
     press("cmdRight");
     EXPECT_EQ(place(), u"3 of 3 <-"_s);

@@ -10,6 +10,7 @@
 #include <QBuffer>
 #include <QCheckBox>
 #include <QDir>
+#include <QImageWriter>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -139,10 +140,12 @@ TEST_F(Many, PicturesAreUprightOpaqueTrimmedSmallEnoughAndTellNoPlace)
         QSize size;
         bool kept;
     };
+    // The Qt of the build for Windows has no WebP.
+    const char* webp = QImageWriter::supportedImageFormats().contains("webp") ? "webp" : "bmp";
     for (const Case& each :
          std::initializer_list<Case>{{encoded(plain, "png"), Margins::Trim, ink.size(), false},
                                      {encoded(plain, "png"), Margins::Keep, plain.size(), false},
-                                     {encoded(plain, "webp"), Margins::Keep, plain.size(), false},
+                                     {encoded(plain, webp), Margins::Keep, plain.size(), false},
                                      {encoded(holes, "png"), Margins::Trim, ink.size(), false},
                                      {encoded(plain, "jpeg"), Margins::Trim, ink.size(), false},
                                      {encoded(page({4000, 1000}, {0, 0, 4000, 1000}), "png"),

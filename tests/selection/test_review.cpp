@@ -3,6 +3,7 @@
 #include "selection/frmMain.h"
 #include "selection/frmSelect.h"
 #include "support/gui.h"
+#include "support/test_files.h"
 #include "support/test_services.h"
 #include "toolkit/PictureView.h"
 
@@ -278,7 +279,7 @@ TEST_F(ReviewWindow, AMissingPictureClosesTheReview)
     create(5);
     // The next one is decoded already, but gone when its turn comes.
     for (int i = 1; i <= 5; ++i) {
-        QFile::remove(library.picturePath(i));
+        removeFile(library.picturePath(i));
     }
     messages.expectInform(u"File Missing"_s, text);
     key(Qt::Key_I);

@@ -12,6 +12,7 @@
 #include "show/frmShow.h"
 #include "show/show_run.h"
 #include "support/gui.h"
+#include "support/test_files.h"
 #include "support/test_services.h"
 
 #include <QApplication>
@@ -158,7 +159,7 @@ TEST_F(ShowWindows, NoPixelOfThePupilsWindowDependsOnTheAnswerBeforeItIsAskedFor
 
 TEST_F(ShowWindows, TheLibraryKnowsOfEachUseAndOutcomeBeforeTheNextKey)
 {
-    QFile::remove(library.picturePath(3));
+    removeFile(library.picturePath(3));
     show(makeTest(4), [&](frmShow& window) {
         settle(window);
         EXPECT_EQ(library.value(u"SELECT Kind || TestName FROM PlusTests"_s), u"2Test"_s);
@@ -233,7 +234,7 @@ TEST_F(ShowWindows, TheWindowsFollowTheScreens)
 TEST_F(ShowWindows, WhereThePupilsWindowStandsAloneItSaysWhatTheTeacherMustKnow)
 {
     QFile(library.picturePath(2)).resize(700);
-    QFile::remove(library.picturePath(3));
+    removeFile(library.picturePath(3));
     const QString first = u"Question 1. Topic"_s;
     const QString covered = u"The screen is covered."_s;
     struct Row
