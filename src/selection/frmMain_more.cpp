@@ -193,11 +193,16 @@ void frmMain::showQuotas()
     }
     const auto asked =
         static_cast<int>(std::clamp(ParseNumber(txtQuestions_->text()).value_or(0), 0.0, 1e9));
+    const std::vector<ShortTopic> shortTopics = ShortTopics(active, questionsOfTopics());
+    int possible = fixed;
+    for (const ShortTopic& topic : shortTopics) {
+        possible -= topic.wanted - topic.available;
+    }
     QStringList lines{
-        fixed <= asked
+        possible <= asked
             ? tr("%1 asked, %2 fixed").arg(asked).arg(fixed)
             : tr("%1 asked, but %2 fixed: not all of them can come.").arg(asked).arg(fixed)};
-    lines += ShortTopicsInWords(ShortTopics(active, questionsOfTopics()), state_.TopicList);
+    lines += ShortTopicsInWords(shortTopics, state_.TopicList);
     constexpr qsizetype mostLines = 3;
     lblQuotas_->setText(lines.mid(0, mostLines).join(u'\n'));
     lblQuotas_->show();
