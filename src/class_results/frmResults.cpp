@@ -42,7 +42,10 @@ frmResults::frmResults(Services& services, Library& library, std::int32_t assess
     read(false);
     if (questions_->rowCount() > 0) {
         const int firstClass = ResultsModel::fixedColumns + (results_.classes.empty() ? 0 : 1);
+        // From the left, however narrow the window is before it is shown.
+        tblQuestions_->setAutoScroll(false);
         tblQuestions_->setCurrentIndex(questions_->index(0, firstClass));
+        tblQuestions_->setAutoScroll(true);
     }
 }
 
@@ -130,9 +133,15 @@ void frmResults::read(bool keepOrder)
         lblNote_->say(tr("No question of this assessment has been used yet. Whatever you make "
                          "slides or paper of, or show in class, is counted here."));
     } else {
-        lblNote_->say({});
+        lblNote_->say(told_);
     }
     showButtons();
+}
+
+void frmResults::tell(const QString& sentence)
+{
+    told_ = sentence;
+    lblNote_->say(sentence);
 }
 
 void frmResults::reload()
@@ -147,15 +156,11 @@ void frmResults::reload()
     for (QTableView* table : {tblQuestions_, tblSubtopics_}) {
         places.push_back({table, table->currentIndex().row(), table->currentIndex().column()});
     }
-    const QString said = lblNote_->text();
     read(true);
     for (const Place& place : places) {
         const QAbstractItemModel& model = *place.table->model();
         place.table->setCurrentIndex(model.index(std::min(place.row, model.rowCount() - 1),
                                                  std::min(place.column, model.columnCount() - 1)));
-    }
-    if (lblNote_->text().isEmpty()) {
-        lblNote_->say(said);
     }
 }
 
@@ -216,6 +221,7 @@ void frmResults::showButtons()
 void frmResults::cboAssessment_Click()
 {
     assessmentNum_ = cboAssessment_->entryData(cboAssessment_->listIndex());
+    told_.clear();
     read(false);
 }
 
@@ -273,16 +279,16 @@ void frmResults::cmdDelete_Click()
     if (const ClassRecord* record = currentClass(); record && cmdDelete_->isEnabled()) {
         const QString name = record->ClassName;
         if (tryTo([&] { library_.deleteClass(record->ClassID); })) {
-            lblNote_->say(tr("The class “%1” is in the trash, and what it has seen counts for no "
-                             "class. Ctrl+Z brings it back.")
-                              .arg(name));
+            tell(tr("The class “%1” is in the trash, and what it has seen counts for no class. "
+                    "Ctrl+Z brings it back.")
+                     .arg(name));
         }
     }
 }
 
 void frmResults::undo()
 {
-    tryTo([this] { lblNote_->say(UndoMemoryStep(library_)); });
+    tryTo([this] { tell(UndoMemoryStep(library_)); });
 }
 
 void frmResults::cmdCsv_Click()
@@ -304,7 +310,7 @@ void frmResults::cmdCsv_Click()
     }
     if (tryTo(
             [&] { SaveCsv(path, questions ? QuestionRows(results_) : SubtopicRows(results_)); })) {
-        lblNote_->say(tr("Saved as %1.").arg(QDir::toNativeSeparators(path)));
+        tell(tr("Saved as %1.").arg(QDir::toNativeSeparators(path)));
     }
 }
 

@@ -56,6 +56,8 @@ private:
 
     /// Reads everything anew; rows stay where they are.
     void reload();
+    /// Says what came of something that she did, until the next.
+    void tell(const QString& sentence);
     void read(bool keepOrder);
     void showClasses();
     void showButtons();
@@ -82,6 +84,7 @@ private:
     ResultsModel* subtopics_ = nullptr;
     /// The rows are being filled, so that their changes are not hers.
     bool filling_ = false;
+    QString told_;
 
     ComboBox* cboAssessment_ = nullptr;
     QPushButton* cmdCsv_ = nullptr;

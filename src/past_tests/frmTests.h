@@ -72,14 +72,16 @@ private:
     [[nodiscard]] const PastTest* current() const;
     void showTest();
     void showButtons();
-    /// Runs what may fail, and tells of the failure.
+    /// Runs what may fail, and tells of the failure; false then.
     template <typename Work>
-    void tryTo(Work work)
+    bool tryTo(Work work)
     {
         try {
             work();
+            return true;
         } catch (const Error& error) {
             services_.messageBoxes->inform(tr("Past Tests"), error.message());
+            return false;
         }
     }
 

@@ -6,6 +6,7 @@
 #include "manage/undo_words.h"
 #include "selection/QuestionStrip.h"
 #include "selection/build_run.h"
+#include "selection/draw_wishes.h"
 #include "selection/frmSelect.h"
 #include "selection/past_build.h"
 #include "selection/test_record.h"
@@ -99,10 +100,23 @@ void frmTests::cmdChange_Click()
             FinishTest(services_, record, outcome);
             return outcome;
         };
+        constexpr std::int64_t millisecondsPerSecond = 1000;
+        const auto uses = [this, book = library_.useBook(test.AssessmentNum),
+                           now = services_.clock->millisecondsSinceEpoch() /
+                                 millisecondsPerSecond](const QuestionRecord& question) {
+            return UseInWords(library_, book, question.SOLIndex, now);
+        };
+        const auto keep = [this, newTest](const Draw& judged) {
+            return tryTo([&] {
+                NewTest kept = newTest(judged);
+                kept.options.asked = judged.RequestedQuestionCount;
+                KeepTest(library_, std::move(kept));
+            });
+        };
         setEnabled(false);
         review_ = new frmSelect(
             services_, state_, Review(std::move(draw)),
-            {build, {}, {}, [this] { return services_.presentationPrograms->prepare(); }},
+            {build, uses, keep, [this] { return services_.presentationPrograms->prepare(); }},
             window());
         connect(review_, &frmSelect::unloaded, this, [this] {
             setEnabled(true);

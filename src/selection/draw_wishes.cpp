@@ -1,5 +1,7 @@
 #include "selection/draw_wishes.h"
 
+#include "library/Library.h"
+
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -123,6 +125,23 @@ QString UseInWords(const UseSummary& use, const QString& className, std::int64_t
                ? Words::tr("Used %n time(s), last on %1.", nullptr, use.uses).arg(date)
                : Words::tr("Used %n time(s), last on %1 with %2.", nullptr, use.uses)
                      .arg(date, className);
+}
+
+QString UseInWords(Library& library, const UseBook& book, std::int32_t solIndex, std::int64_t now)
+{
+    try {
+        if (!library.tables().exist()) {
+            return {};
+        }
+        const UseSummary use = book.of(solIndex, UseBook::anybody, now);
+        QString className;
+        for (const ClassRecord& record : library.pastTests().classes()) {
+            className = record.ClassID == use.lastClass ? record.ClassName : className;
+        }
+        return UseInWords(use, className, now);
+    } catch (const DatabaseError&) {
+        return {};
+    }
 }
 
 QStringList ShortTopicsInWords(const std::vector<ShortTopic>& shortTopics,

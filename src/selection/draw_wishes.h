@@ -7,6 +7,8 @@
 
 namespace varnholt {
 
+class Library;
+
 /// What the group "More" of the selection window says. Empty at first, and then a draw is what
 /// chance makes it.
 struct DrawWishes
@@ -27,6 +29,11 @@ void SaveQuotas(const QString& programFolder, std::int32_t assessmentNum, const 
 
 /// "Used twice, last on 3 March with 10A." `className` is that of the last use, empty for none.
 [[nodiscard]] QString UseInWords(const UseSummary& use, const QString& className, std::int64_t now);
+
+/// The same of a question, with the names of the library; empty where nothing is remembered yet or
+/// can be read.
+[[nodiscard]] QString UseInWords(Library& library, const UseBook& book, std::int32_t solIndex,
+                                 std::int64_t now);
 
 /// "Algebra has only 3: one place is free." for each of them.
 [[nodiscard]] QStringList ShortTopicsInWords(const std::vector<ShortTopic>& shortTopics,

@@ -1,8 +1,6 @@
 #include "selection/frmMain.h"
 
 #include "library/Library.h"
-#include "library/test_pictures.h"
-#include "pictures/picture_files.h"
 #include "selection/MoreFrame.h"
 #include "selection/QuotaColumn.h"
 #include "selection/RecentTests.h"
@@ -273,10 +271,7 @@ bool frmMain::keepForLater(const Draw& draw)
     try {
         NewTest test = testOf(draw);
         test.options.asked = draw.RequestedQuestionCount;
-        for (TestItem& item : test.items) {
-            item.pictureSha = PictureSha(FindPictureFile(services_.programFolder, item.SOLIndex));
-        }
-        library_.keepTest(test);
+        KeepTest(library_, std::move(test));
         return true;
     } catch (const Error& error) {
         services_.messageBoxes->inform(tr("Keep for Later"), error.message());
@@ -306,15 +301,7 @@ void frmMain::makeAgain(const PastTest& test)
 QString frmMain::usesInWords(std::int32_t solIndex)
 {
     try {
-        if (!library_.tables().exist()) {
-            return {};
-        }
-        const UseSummary use = useBook().of(solIndex, UseBook::anybody, now());
-        QString className;
-        for (const ClassRecord& record : library_.pastTests().classes()) {
-            className = record.ClassID == use.lastClass ? record.ClassName : className;
-        }
-        return UseInWords(use, className, now());
+        return UseInWords(library_, useBook(), solIndex, now());
     } catch (const DatabaseError&) {
         return {};
     }

@@ -72,6 +72,14 @@ Draw DrawOf(const std::vector<TestItem>& items)
     return draw;
 }
 
+void KeepTest(Library& library, NewTest test)
+{
+    for (TestItem& item : test.items) {
+        item.pictureSha = PictureSha(FindPictureFile(library.programFolder(), item.SOLIndex));
+    }
+    library.keepTest(test);
+}
+
 TestRecord::TestRecord(Library& library, NewTest test, std::int32_t keptTestId)
     : library_(library)
     , test_(std::move(test))

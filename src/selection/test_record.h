@@ -22,6 +22,9 @@ class Library;
 /// questions that are not marked in between.
 [[nodiscard]] Draw DrawOf(const std::vector<TestItem>& items);
 
+/// Records a draw that nothing is made of yet, with its pictures as they are. Throws `Error`.
+void KeepTest(Library& library, NewTest test);
+
 /// A test being made, as it was before that began: recorded once what is made of it is complete, so
 /// that nothing is left of one that was cancelled or failed. A test that cannot be recorded is made
 /// all the same.

@@ -13,6 +13,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -326,6 +327,7 @@ TEST_F(PastTestsWindow, ShowsHowClassesDid)
     QTest::keyClick(classes, Qt::Key_Delete);
     QApplication::processEvents();
     EXPECT_EQ(classes->topLevelItemCount(), 2);
+    EXPECT_TRUE(control<QLabel>(&window, "lblNote")->isVisible());
     EXPECT_EQ(shown(29, 2), u"few knew it · 3 ×"_s) << "its uses go on counting";
     QTest::keyClick(classes, Qt::Key_Z, Qt::ControlModifier);
     QApplication::processEvents();

@@ -199,6 +199,14 @@ TEST_F(DrawOrder, QuotasAreMetWheneverPossibleAlsoAfterExcluding)
         if (quotas.empty()) {
             EXPECT_EQ(keys(drawn), before);
         }
+        for (int topic = 0; topic < 7; ++topic) {
+            const auto elsewhere = [topic](std::int32_t key) { return (key - 1) / 10 != topic; };
+            auto was = before;
+            auto is = keys(drawn);
+            std::erase_if(was, elsewhere);
+            std::erase_if(is, elsewhere);
+            EXPECT_EQ(is, was) << "within a topic the order of the draw stays";
+        }
         // A review that excludes what it likes, until enough is included or nothing is left.
         std::map<std::int32_t, int> included;
         std::map<std::int32_t, int> excluded;
