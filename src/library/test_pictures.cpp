@@ -37,7 +37,7 @@ QString FindTestPicture(const QString& programFolder, const TestItem& item)
         }
     }
     // What she sees now is not what the class saw: better none than another one.
-    return kept;
+    return QFile::exists(kept) ? QString() : kept;
 }
 
 std::vector<ChangedAnswer> ChangedAnswers(Connection& connection,

@@ -247,6 +247,19 @@ void QuotaOrder::place(List1<DrawnQuestion>& pool, int from, std::int32_t asked)
         ++largest->next;
         --largest->lacking;
     }
+    // What chance took of a topic may stand before the topic's own.
+    std::unordered_map<std::int32_t, Order> ofTopic;
+    for (const int position : order) {
+        ofTopic[pool(position).TopicID].push_back(position);
+    }
+    for (auto& [topic, positions] : ofTopic) {
+        std::sort(positions.begin(), positions.end(), std::greater<>());
+    }
+    for (int& position : order) {
+        Order& positions = ofTopic[pool(position).TopicID];
+        position = positions.back();
+        positions.pop_back();
+    }
     moveToFront(pool, from, order);
 }
 

@@ -265,11 +265,7 @@ void frmSelect::cmdOverview_Click()
 
 void frmSelect::cmdKeep_Click()
 {
-    Draw kept = draw();
-    for (int i = review_.position(); i <= kept.DrawPool.upperBound(); ++i) {
-        kept.DrawPool(i).Selected = false;
-    }
-    if (handlers_.keep(kept)) {
+    if (handlers_.keep(draw())) {
         abandon();
     }
 }

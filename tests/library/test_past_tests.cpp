@@ -212,6 +212,8 @@ TEST_F(PastTestsTest, OutcomesAreReplacedClearedAndUndone)
     }
     library.redo();
     EXPECT_EQ(outcomes(), u"1!1!0"_s);
+    library.setTestUsed(made(test(u"not used"_s, u"10A"_s, {1})), false);
+    EXPECT_EQ(library.pastTests().newestUse(1, 1), noted[1].UseID);
 }
 
 TEST_F(PastTestsTest, FindsThePictureThatTheClassSaw)
@@ -231,6 +233,7 @@ TEST_F(PastTestsTest, FindsThePictureThatTheClassSaw)
     QFile::copy(files.picturePath(1), own);
     EXPECT_EQ(FindTestPicture(files.folder(), item), kept);
     QFile::remove(kept);
+    QFile::copy(files.picturePath(1), kept); // of that name, but another picture
     EXPECT_EQ(FindTestPicture(files.folder(), item), backup);
     QFile::remove(backup);
     EXPECT_FALSE(QFile::exists(FindTestPicture(files.folder(), item)));

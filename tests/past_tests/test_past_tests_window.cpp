@@ -2,9 +2,11 @@
 #include "class_results/results_csv.h"
 #include "library/Library.h"
 #include "library/test_pictures.h"
+#include "library/test_versions.h"
 #include "past_tests/frmTests.h"
 #include "presentation/pptx/pptx_program.h"
 #include "selection/build_run.h"
+#include "selection/frmSelect.h"
 #include "selection/past_build.h"
 #include "selection/test_record.h"
 #include "store/catalogue.h"
@@ -12,6 +14,7 @@
 #include "support/test_services.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
@@ -19,6 +22,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -167,6 +171,18 @@ TEST_F(PastTestsWindow, AKeptDrawBecomesTheTestThatIsMadeOfItWithItsNewAnswers)
     EXPECT_EQ(memory.pastTests().list().size(), 1U);
 }
 
+TEST_F(PastTestsWindow, ADrawKeptInTheMiddleOfItsReviewGoesOnWithTheOthers)
+{
+    memory.keepTest({u"kept"_s, 1, {}, 1, {true, true, 0, 0, false, 4}, {{1, 7, u"A7"_s, {}, {}}}});
+    frmTests window(services, memory);
+    present(window);
+    click(&window, "cmdChange");
+    const auto* review = window.findChild<frmSelect*>();
+    ASSERT_NE(review, nullptr);
+    EXPECT_EQ(review->draw().RequestedQuestionCount, 4);
+    EXPECT_EQ(review->draw().DrawPool(1).SOLIndex, 7);
+}
+
 TEST_F(PastTestsWindow, PaperIsAUseWithTheClassThatStandsOnIt)
 {
     memory.keepTest({u"kept"_s, 1, u"10B"_s, 1, {}, {{1, 1, u"A1"_s, u"T"_s, {}}}});
@@ -187,6 +203,7 @@ TEST_F(PastTestsWindow, PaperIsAUseWithTheClassThatStandsOnIt)
                        "TestID"_s)
                   .join(u','),
               u"10B3 1,10C3 1"_s);
+    EXPECT_EQ(memory.pastTests().list().size(), 2U) << "the draw that was kept is one of them";
 }
 
 TEST_F(PastTestsWindow, WorksByKeyboard)
@@ -212,9 +229,10 @@ TEST_F(PastTestsWindow, WorksByKeyboard)
     list->setCurrentItem(list->topLevelItem(1));
     click(&window, "cmdNewVersion");
     EXPECT_TRUE(shown().contains(u" – version B"_s));
-    list->setCurrentItem(list->topLevelItem(2));
+    list->setCurrentItem(list->topLevelItem(0));
     click(&window, "cmdNewVersion");
     EXPECT_TRUE(shown().contains(u" – version C"_s));
+    EXPECT_EQ(newest().options.versionOf, first.TestID);
     const auto items = [&](int row) {
         std::vector<std::int32_t> keys;
         const auto all = memory.pastTests().list();
@@ -227,7 +245,10 @@ TEST_F(PastTestsWindow, WorksByKeyboard)
     EXPECT_TRUE(items(0) != items(1) && items(1) != items(3));
     const auto drawn = items(3);
     const auto versionC = items(0);
-    EXPECT_TRUE(std::is_permutation(versionC.begin(), versionC.end(), drawn.begin(), drawn.end()));
+    const auto order = VersionOrder(first.seed, 2, first.questions).value();
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        EXPECT_EQ(versionC.at(i), drawn[static_cast<std::size_t>(order[i])]) << "also made from B";
+    }
 
     list->setCurrentItem(list->topLevelItem(0));
     auto* questions = control<QListWidget>(&window, "lstQuestions");
@@ -268,6 +289,14 @@ TEST_F(PastTestsWindow, WorksByKeyboard)
     QTest::keyClicks(editor, u"Rosa's"_s);
     QTest::keyClick(editor, Qt::Key_Return);
     EXPECT_TRUE(shown().contains(u"Rosa's|"_s));
+    // A test made again is one of its own: it has its own versions, and was used.
+    const PastTest again = memory.pastTests().list().at(2);
+    memory.setTestUsed(again.TestID, false);
+    const PastTest unused = memory.pastTests().list().at(2);
+    MakeNewVersion(nullptr, services, memory, memory.pastTests().list(), unused);
+    EXPECT_TRUE(newest().name.endsWith(u"version B"_s) && !newest().options.unused);
+    MakeTestAgain(nullptr, services, memory, unused);
+    EXPECT_FALSE(newest().options.unused);
 }
 
 TEST_F(PastTestsWindow, ShowsHowClassesDid)
@@ -278,10 +307,10 @@ TEST_F(PastTestsWindow, ShowsHowClassesDid)
         QString className;
         std::int32_t key;
         Outcome outcome;
-    } uses[] = {{u"A"_s, 1, Outcome::Most},   {u"A"_s, 1, Outcome::Few},
-                {u"B"_s, 1, Outcome::Few},    {u"A"_s, 2, Outcome::Few},
-                {u"B"_s, 2, Outcome::Half},   {u"C"_s, 3, Outcome::Unknown},
-                {QString(), 30, Outcome::Few}};
+    } uses[] = {{u"C"_s, 1, Outcome::Unknown}, {u"A"_s, 1, Outcome::Most},
+                {u"A"_s, 1, Outcome::Few},     {u"B"_s, 1, Outcome::Few},
+                {u"A"_s, 2, Outcome::Few},     {u"B"_s, 2, Outcome::Half},
+                {u"C"_s, 3, Outcome::Unknown}, {QString(), 30, Outcome::Few}};
     for (const auto& use : uses) {
         clock.now += 60'000;
         const std::int32_t show = memory.beginShow({u"test"_s, 1, use.className, 1, {}, {}});
@@ -290,11 +319,13 @@ TEST_F(PastTestsWindow, ShowsHowClassesDid)
     const ClassResults results = ClassResults::read(memory, 1, clock.now / 1000);
     EXPECT_EQ(results.hardForAll(), 1);
     EXPECT_TRUE(results.questions[0].hardForAll);
-    EXPECT_EQ(results.subtopics.front().used, (std::vector{3, 2, 2, 1}));
+    EXPECT_EQ(results.subtopics.front().used, (std::vector{3, 2, 2, 2}));
     EXPECT_EQ(results.subtopics.back().used, (std::vector{1, 0, 0, 0}));
     EXPECT_EQ(results.subtopics.back().questions, 5);
-    const QByteArray csv = Csv({{u"=1+1"_s, u"-2"_s, u"a\"b,c"_s, u"x;y"_s}}, u',');
-    EXPECT_EQ(csv, "\xEF\xBB\xBF'=1+1,-2,\"a\"\"b,c\",x;y\r\n");
+    const QByteArray csv = Csv({{u"=1+1"_s, u"-2"_s, u"a\"b,c"_s, u"x;y"_s, u"1\n2"_s}}, u',');
+    EXPECT_EQ(csv, "\xEF\xBB\xBF'=1+1,-2,\"a\"\"b,c\",x;y,\"1\n2\"\r\n");
+    EXPECT_EQ(QuestionRows(results)[1].back() + QuestionRows(results)[2].back(), u"yes"_s);
+    EXPECT_LT(results.lastUse(1), results.lastUse(2));
     EXPECT_EQ(QuestionRows(results)[2].mid(6, 4).join(u'|').left(18), u"1|few knew it|2023"_s);
 
     frmResults window(services, memory, 1);
@@ -307,10 +338,18 @@ TEST_F(PastTestsWindow, ShowsHowClassesDid)
         QApplication::processEvents();
         return table->model()->index(row, column).data().toString().section(u" · "_s, 0, 1);
     };
-    EXPECT_EQ(shown(0, 2) + u'/' + shown(0, 3), u"few knew it · 3 ×/few knew it · 2 ×"_s);
+    EXPECT_EQ(shown(0, 2) + u'/' + shown(0, 3), u"few knew it · 4 ×/few knew it · 2 ×"_s);
+    click(&window, "chkHard");
+    EXPECT_EQ(table->model()->rowCount(), 1);
+    click(&window, "chkHard");
+    table->setFocus();
+    table->setCurrentIndex(table->model()->index(0, 2));
+    QTest::keyClick(table, Qt::Key_F3);
+    EXPECT_EQ(shown(0, 0) + shown(1, 0) + shown(2, 0) + shown(3, 0), u"A30A1A2A3"_s)
+        << "what went worst, and what was used last";
     table->setCurrentIndex(table->model()->index(0, 4));
     QTest::keyClick(table, Qt::Key_F3);
-    EXPECT_EQ(shown(0, 0) + shown(1, 0) + shown(2, 0), u"A1A2A3"_s);
+    EXPECT_EQ(shown(0, 0) + shown(1, 0) + shown(2, 0), u"A1A2A30"_s) << "else as before";
     QTest::keyClick(table, Qt::Key_F3);
     table->setCurrentIndex(table->model()->index(28, 4));
     EXPECT_EQ(shown(28, 0) + shown(28, 4), u"A2half knew it · 1 ×"_s);
@@ -328,17 +367,19 @@ TEST_F(PastTestsWindow, ShowsHowClassesDid)
     QApplication::processEvents();
     EXPECT_EQ(classes->topLevelItemCount(), 2);
     EXPECT_TRUE(control<QLabel>(&window, "lblNote")->isVisible());
-    EXPECT_EQ(shown(29, 2), u"few knew it · 3 ×"_s) << "its uses go on counting";
+    EXPECT_EQ(shown(29, 2), u"few knew it · 4 ×"_s) << "its uses go on counting";
     QTest::keyClick(classes, Qt::Key_Z, Qt::ControlModifier);
     QApplication::processEvents();
     EXPECT_EQ(classes->topLevelItemCount(), 3);
+    memory.deleteQuestion(30);
+    EXPECT_EQ(ClassResults::read(memory, 1, 0).questions.size(), 29U);
     const QString path = library.folder() + u"/out.csv"_s;
     control<QTabWidget>(&window, "tabs")->setCurrentIndex(1);
     files.answers = {path};
     click(&window, "cmdCsv");
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(file.readAll().contains("Topic 1,Subtopic 1.1,5,3,2,2,1\r\n"));
+    EXPECT_TRUE(file.readAll().contains("Topic 1,Subtopic 1.1,5,3,2,2,2\r\n"));
 }
 
 } // namespace

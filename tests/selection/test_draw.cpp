@@ -1,13 +1,17 @@
+#include "selection/draw_wishes.h"
 #include "selection/question_draw.h"
 #include "support/fakes.h"
 #include "toolkit/desktop_services.h"
 
+#include <QDateTime>
 #include <QLocale>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <map>
+#include <tuple>
 
 namespace varnholt::test {
 namespace {
@@ -149,6 +153,37 @@ TEST(Selection, TicksOfTopicAndSubtopicDecideAndAreCounted)
     EXPECT_EQ(counts.topicTexts,
               QStringList({u"%2 of %1 (1 of 2 topics)"_s, u"%2 of %1 (2 of 2 topics)"_s,
                            u"%2 of %1 (2 of 2 topics)"_s}));
+}
+
+TEST(DrawWishesTest, AreKeptForEachLibraryAndNumbersForEachAssessment)
+{
+    const QTemporaryDir one;
+    const QTemporaryDir other;
+    SaveWishes(one.path(), {u"10B"_s, DrawRule::FreshAndDue});
+    EXPECT_EQ(LoadWishes(one.path()).rule, DrawRule::FreshAndDue);
+    EXPECT_EQ(LoadWishes(one.path()).className + LoadWishes(other.path()).className, u"10B"_s);
+    SaveQuotas(one.path(), 1, {{3, 4}, {5, 6}});
+    EXPECT_EQ(LoadQuotas(one.path(), 1), (Quotas{{3, 4}, {5, 6}}));
+    EXPECT_TRUE(LoadQuotas(one.path(), 2).empty() && LoadQuotas(other.path(), 1).empty());
+    SaveQuotas(one.path(), 1, {});
+    EXPECT_TRUE(LoadQuotas(one.path(), 1).empty());
+}
+
+TEST(DrawWishesTest, SaysWhenAQuestionWasUsed)
+{
+    const auto at = [](int year, int month) {
+        return QDateTime(QDate(year, month, 3), QTime(12, 0)).toSecsSinceEpoch();
+    };
+    UseSummary use;
+    EXPECT_EQ(UseInWords(use, {}, at(2026, 5)), u"Not used yet."_s);
+    use.lastUsed = at(2026, 3);
+    for (const auto& [uses, className, year, words] :
+         {std::tuple{1, u""_s, 2026, u"Used once, on 3 March."_s},
+          {2, u"10A"_s, 2026, u"Used twice, last on 3 March with 10A."_s},
+          {5, u"10A"_s, 2027, u"Used 5 times, last on 3 March 2026 with 10A."_s}}) {
+        use.uses = uses;
+        EXPECT_EQ(UseInWords(use, className, at(year, 5)), words);
+    }
 }
 
 } // namespace

@@ -361,7 +361,13 @@ TEST_F(DrawOrder, AReviewKeepsCountWhateverIsSwappedTakenBackAndMoved)
             expectQuotas();
             const int action = upTo(6);
             if (action == 0 && review.canSwap()) {
+                const auto from = review.position();
+                auto was = keys(review.draw().DrawPool);
                 review.swap();
+                auto is = keys(review.draw().DrawPool);
+                std::erase(was, is[static_cast<std::size_t>(from)]);
+                is.erase(is.begin() + from);
+                EXPECT_TRUE(!quotas.empty() || was == is) << "the others stay in their order";
                 given = true;
             } else if (action == 1 && review.canReopen() && upTo(2) == 0) {
                 review.reopenLast();
@@ -373,6 +379,7 @@ TEST_F(DrawOrder, AReviewKeepsCountWhateverIsSwappedTakenBackAndMoved)
                 const auto gone = review.draw().DrawPool(marked.front()).SOLIndex;
                 EXPECT_TRUE(review.swapIncluded(marked.front()));
                 EXPECT_NE(review.draw().DrawPool(marked.front()).SOLIndex, gone);
+                EXPECT_TRUE(!quotas.empty() || keys(review.draw().DrawPool).back() == gone);
                 given = false;
             } else {
                 given = false;

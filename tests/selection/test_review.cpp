@@ -258,6 +258,7 @@ TEST_F(ReviewWindow, SwapsTakesBackOrdersAndKeepsByKey)
     });
     QTest::keyClick(review->focusWidget(), Qt::Key_O);
     EXPECT_EQ(included(), (std::vector{before[1], third}));
+    EXPECT_EQ(review->draw().DrawPool(5).SOLIndex, before[0]) << "once more at the very end";
     EXPECT_EQ(counters(), u"Questions Selected: 2, Questions Left to View: 2"_s);
     const auto kept = included();
     click(review, "cmdKeep");
