@@ -89,8 +89,7 @@ void frmTests::buildControls()
     }
     lstQuestions_ = named(new QuestionStrip, "lstQuestions", tr("Questions of the test"));
     lstQuestions_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    lblEmpty_ = makeLabel("lblEmpty", tr("There are no past tests yet. Every presentation that you "
-                                         "make is remembered here."));
+    lblEmpty_ = makeLabel("lblEmpty");
     lblEmpty_->setAlignment(Qt::AlignCenter);
     lblEmpty_->setWordWrap(true);
     lblEmpty_->setForegroundRole(QPalette::PlaceholderText);
@@ -224,6 +223,10 @@ void frmTests::reload()
     filling_ = false;
     lstTests_->setVisible(!tests_.empty());
     lstQuestions_->setVisible(!tests_.empty());
+    lblEmpty_->setText(library_.features().on
+                           ? tr("There are no past tests yet. Every presentation that you make is "
+                                "remembered here.")
+                           : tr("There are no past tests to be shown."));
     lblEmpty_->setVisible(tests_.empty());
     if (!tests_.empty()) {
         const int shown = row >= 0 ? row : std::min(oldRow, static_cast<int>(tests_.size()) - 1);
