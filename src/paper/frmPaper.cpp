@@ -79,6 +79,7 @@ frmPaper::frmPaper(Services& services, PaperTest test, QWidget* parent)
         txtVersions_->setValue(static_cast<int>(test_.versions.size()));
     }
     for (LineEdit* field : {txtTitle_, txtClass_, txtDate_}) {
+        field->setCursorPosition(0);
         connect(field, &QLineEdit::textChanged, this, &frmPaper::layOut);
     }
     for (QComboBox* combo : {cboPerPage_, cboPaper_, cboAnswerSpace_, cboKey_}) {

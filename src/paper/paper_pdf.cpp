@@ -196,7 +196,18 @@ void SavePaperPdf(const QString& path, const PaperTest& test, const PaperLayout&
                                     "make room and try again.")
                         .arg(QDir::toNativeSeparators(path), reason));
     };
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
+    if (!file.open(QIODevice::WriteOnly)) {
+        fail(file.errorString());
+    }
+    // A disk that becomes full takes a part, and says why only when it is given the rest.
+    for (qsizetype written = 0; written < bytes.size();) {
+        const qint64 taken = file.write(bytes.constData() + written, bytes.size() - written);
+        if (taken <= 0) {
+            fail(file.errorString());
+        }
+        written += taken;
+    }
+    if (!file.flush()) {
         fail(file.errorString());
     }
     if (const std::error_code error = SyncFile(file.handle())) {

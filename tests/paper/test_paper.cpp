@@ -5,6 +5,7 @@
 #include "paper/paper_pdf.h"
 #include "presentation/package_reader.h"
 #include "store/errors.h"
+#include "support/file_size_limit.h"
 #include "support/gui.h"
 #include "support/test_services.h"
 
@@ -17,6 +18,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <set>
 
 namespace varnholt::test {
@@ -202,6 +204,15 @@ TEST_F(Paper, ThePdfIsSoundAndHoldsTheVeryPictures)
         EXPECT_TRUE(inside.contains(file.readAll())) << same;
     }
     EXPECT_THROW(SavePaperPdf(u"/nowhere/a.pdf"_s, test, layout, font), Error);
+    try {
+        const FileSizeLimit full(20'000);
+        SavePaperPdf(library.folder() + u"/full.pdf"_s, test, layout, font);
+        ADD_FAILURE() << "there was no room";
+    } catch (const Error& error) {
+        EXPECT_TRUE(error.message().contains(qt_error_string(EFBIG)))
+            << qPrintable(error.message());
+    }
+    EXPECT_EQ(QDir(library.folder()).entryList({u"full*"_s}), QStringList());
 }
 
 TEST_F(Paper, TheWindowShowsSavesPrintsAndRemembers)
