@@ -78,7 +78,8 @@ QString described(const Show& show)
 }
 
 /// Presses keys: one character each; ">" next, "<" back, "^" Enter, "~" Esc, "H" Home, "E" End,
-/// "_" a second goes by, "z" zooms. "F" and an Esc that ends are written down behind.
+/// "_" a second goes by, "h" less than one, "j" an hour in which the computer sleeps, "z" zooms.
+/// "F" and an Esc that ends are written down behind.
 QString press(Show& show, FakeClock& clock, const QString& keys)
 {
     const QHash<QChar, int> special{{u'>', Qt::Key_PageDown}, {u'<', Qt::Key_Left},
@@ -91,6 +92,9 @@ QString press(Show& show, FakeClock& clock, const QString& keys)
                 clock.now += 200;
                 show.pass();
             }
+        } else if (key == u'j' || key == u'h') {
+            clock.now += key == u'j' ? 3'600'000 : 200;
+            show.pass();
         } else if (key == u'z') {
             show.zoomAt({0.25, 0.25}, 2);
         } else {
@@ -133,6 +137,7 @@ TEST(Show, KeysDoWhatATeacherExpects)
         {{}, "12^", "#12"},
         {{}, "2^", "#2"},
         {{}, "44^", "#1 no such"},
+        {{}, "4_", "#1 typed 4"},
         {{}, "4_____", "#1"},
         {{}, "0", "#1"},
         {{}, "12~", "#1"},
@@ -190,6 +195,8 @@ TEST(Show, KeysDoWhatATeacherExpects)
         {{20}, "-", "#1 5s!"},
         {{20}, "--", "#1 0s."},
         {{6}, "_", "#1 5s!"},
+        {{20}, "j", "#1 18s"},
+        {{6}, "h", "#1 6s"},
         {{6}, "________", "#1 0s."},
         {{6}, "________+", "#1 15s"},
         {{6}, "________T", "#1 6s"},
@@ -202,6 +209,7 @@ TEST(Show, KeysDoWhatATeacherExpects)
         {{6, WhenAsked, true}, "A______", "#1 answer 1"},
         {{6, WhenAsked, true}, "_____2_", "#2 6s 2----------------------"},
         {{6, AfterEach, true}, "______", "#1 answer 1"},
+        {{6, AfterEach, true}, "E______", "#23 answer 23"},
         {{6, WhenAsked, true}, "E_______", "#23 0s."},
         // Another question: of the subtopic, of the topic, any; what went does not come again.
         {{}, "S", "#24"},
@@ -276,7 +284,8 @@ TEST(Show, ThePupilsWindowGoesToAnyScreenButTheTeachersAndBackToWhereItWas)
                         {{laptop, projector, other}, other.id(), {2, 0}},
                         {{laptop, mirror, other}, {}, {2, 0}},
                         {{laptop, projector, other}, laptop.id(), {0, 1}},
-                        {{laptop, projector}, other.id(), {1, 0}}};
+                        {{laptop, projector}, other.id(), {1, 0}},
+                        {{other, projector, laptop}, {}, {0, 2}}};
     for (const Row& row : rows) {
         EXPECT_EQ(PlaceShow(row.screens, row.remembered), row.places) << &row - rows;
     }

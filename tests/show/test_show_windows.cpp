@@ -119,6 +119,17 @@ protected:
         }
         settle(window);
     }
+    /// Until the library knows that the first question was on the screen.
+    void untilUsed()
+    {
+        static_cast<void>(QTest::qWaitFor(
+            [this] {
+                return library.value(
+                           u"SELECT count(*) FROM sqlite_master WHERE name = 'PlusUses'"_s) ==
+                       u"1"_s;
+            },
+            20'000));
+    }
     QString uses()
     {
         return library
@@ -160,7 +171,7 @@ TEST_F(ShowWindows, NoPixelOfThePupilsWindowDependsOnTheAnswerBeforeItIsAskedFor
 TEST_F(ShowWindows, TheLibraryKnowsOfEachUseAndOutcomeBeforeTheNextKey)
 {
     removeFile(library.picturePath(3));
-    show(makeTest(4), [&](frmShow& window) {
+    show(makeTest(5), [&](frmShow& window) {
         settle(window);
         EXPECT_EQ(library.value(u"SELECT Kind || TestName FROM PlusTests"_s), u"2Test"_s);
         EXPECT_EQ(uses(), u"1:-"_s);
@@ -176,20 +187,25 @@ TEST_F(ShowWindows, TheLibraryKnowsOfEachUseAndOutcomeBeforeTheNextKey)
         EXPECT_TRUE(note->text().startsWith(
             u"The picture file is missing from this picture.  Please delete this question."_s));
         type(window, u"S"_s);
-        EXPECT_EQ(uses(), u"1:2 2:3 5:-"_s);
+        EXPECT_EQ(uses(), u"1:2 2:3 6:-"_s);
         EXPECT_TRUE(note->text().isEmpty());
         // A key that is held runs through nothing.
         QKeyEvent held(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier, {}, true);
         QApplication::sendEvent(&window, &held);
         settle(window);
-        EXPECT_EQ(uses(), u"1:2 2:3 5:-"_s);
+        EXPECT_EQ(uses(), u"1:2 2:3 6:-"_s);
         // Back and once more is no other use, and she may think better of it.
         QTest::keyClick(&window, Qt::Key_Left);
         type(window, u"1 "_s);
-        EXPECT_EQ(uses(), u"1:2 2:1 5:-"_s);
+        EXPECT_EQ(uses(), u"1:2 2:1 6:-"_s);
+        // The last word before the end.
+        QTest::keyClick(&window, Qt::Key_3);
+        QTest::keyClick(&window, Qt::Key_Space);
     });
+    EXPECT_EQ(uses(), u"1:2 2:1 6:3"_s);
+    EXPECT_EQ(library.value(u"SELECT count(DISTINCT Step) FROM PlusChanges"_s), u"4"_s);
     EXPECT_EQ(library.sql(u"SELECT SOLIndex, length(PictureSha) FROM PlusTestItems"_s).join(u' '),
-              u"1|32 2|32 5|32 4|32"_s);
+              u"1|32 2|32 6|32 4|32 5|32"_s);
 }
 
 TEST_F(ShowWindows, TheWindowsFollowTheScreens)
@@ -371,9 +387,10 @@ TEST_F(ShowWindows, TheSelectionWindowShowsWhatWasDrawnAndReviewed)
         QWidget* pupilsWindow = QApplication::activeModalWidget();
         ASSERT_TRUE(pupilsWindow);
         shown = pupilsWindow->objectName();
+        untilUsed();
         const auto used = [&] { return library.value(u"SELECT count(*) FROM PlusUses"_s).toInt(); };
         for (int i = 1; i <= 8; ++i) {
-            static_cast<void>(QTest::qWaitFor([&] { return used() == i; }, i < 8 ? 5000 : 100));
+            static_cast<void>(QTest::qWaitFor([&] { return used() == i; }, i < 8 ? 20'000 : 100));
             QTest::keyClick(pupilsWindow, Qt::Key_S);
         }
         QTest::keyClick(pupilsWindow, Qt::Key_Escape);
@@ -398,8 +415,10 @@ TEST_F(ShowWindows, ADrawThatWasKeptIsShownAndIsATestFromThenOn)
     messages.expectYesNo(u"Past Tests"_s, u"3 answers have changed since. Use the new ones?"_s,
                          true, MessageBoxes::Answer::Yes);
     messages.expectYesNo(u"Show in Class"_s, u"End the show?"_s, true, MessageBoxes::Answer::Yes);
-    QTimer::singleShot(400, qApp,
-                       [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
+    QTimer::singleShot(400, qApp, [this] {
+        untilUsed();
+        QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+    });
     ShowTestAgain(nullptr, services, owner, owner.pastTests().list().front());
     EXPECT_EQ(library
                   .sql(u"SELECT TestID || Kind || total(i.Answer = q.Answer) FROM PlusTests "
