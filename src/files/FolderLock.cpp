@@ -16,10 +16,10 @@ namespace varnholt {
 
 FolderLock::FolderLock(const std::filesystem::path& folder)
 {
-    // Not the folder itself: who lists it, or puts a file there under another name, opens it, too,
-    // and need not share all that a lock would take. The system removes the file.
+    // A file beside it, which the system removes: who lists the folder, or puts a file there under
+    // another name, opens the folder itself, and need not share all that a lock would take.
     const HANDLE handle =
-        ::CreateFileW((folder / L".varnholt.lock").c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
+        ::CreateFileW((folder.wstring() + L".lock").c_str(), GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
                       FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (handle != INVALID_HANDLE_VALUE) {
         handle_ = handle;

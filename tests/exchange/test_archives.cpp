@@ -100,6 +100,7 @@ TEST_F(Archive, FailuresAreToldAndLeaveTheOldPackage)
     writeFile(at("1.jpg"), QByteArray(3'000'000, 'x'));
 
     EXPECT_FALSE(add({"1.jpg", "missing.jpg"}) || add({"1.jpg", "1.jpg"}));
+    VARNHOLT_SKIP_ON_WINDOWS("the disk cannot be made to look full");
     {
         const FileSizeLimit fullDisk(1'000'000);
         EXPECT_FALSE(add({"1.jpg"}));
@@ -172,6 +173,7 @@ TEST_F(Archive, WhatIsNoArchiveIsRefused)
     EXPECT_EQ(readFile(at("out/1.jpg")), "precious");
     const QByteArray large = makeZip({{.name = "2.jpg", .data = QByteArray(500'000, 'x')}});
     writeFile(at("a.zip"), large);
+    VARNHOLT_SKIP_ON_WINDOWS("the disk cannot be made to look full");
     const FileSizeLimit fullDisk(100'000);
     EXPECT_THROW(static_cast<void>(UnpackArchive(at("a.zip"), at("out"))), Error);
     EXPECT_EQ(unpacked(), "1.jpg");

@@ -6,6 +6,7 @@
 #include "toolkit/ComboBox.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QDragEnterEvent>
 #include <QLabel>
 #include <QMimeData>
@@ -108,7 +109,7 @@ TEST_F(ExchangeWindows, RunningExportRepaintsAndCannotBeStartedTwiceOrClosed)
     writeFile(saved, "another");
     for (const bool taken : {true, false}) {
         click(form.get(), "cmdAddZip");
-        EXPECT_TRUE(label("lblReason")->text().contains(saved));
+        EXPECT_TRUE(label("lblReason")->text().contains(QDir::toNativeSeparators(saved)));
         EXPECT_EQ(control<QPushButton>(form.get(), "cmdAddZip")->isVisible(), taken);
         EXPECT_EQ(QFile::exists(saved.chopped(4)), taken);
         EXPECT_EQ(readFile(saved) == "another", taken);

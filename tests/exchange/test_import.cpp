@@ -343,7 +343,9 @@ TEST_F(Import, WorkFolderIsOneRunsOwnAndKeepsWhatIsNotOfAPackage)
     const QString folder = library.folder() + u"/Import"_s;
     const auto cancel = [this] { run(std::nullopt); };
     writeFile(package(u"1.jpg"_s), "a photo");
+#ifndef Q_OS_WIN // It makes shortcuts there, which are no folders.
     QFile::link(packages.path(), folder);
+#endif
     cancel();
     EXPECT_EQ(readFile(package(u"1.jpg"_s)), "a photo");
 
@@ -401,6 +403,7 @@ TEST_F(Import, DatabaseFailuresSoftDeleteOrLeaveNothing)
                   "3.jpg 4.jpg AssessmentInfo.txt questions.txt subtopics.txt topics.txt");
         library.sql(u"DROP TRIGGER broken"_s);
     }
+    VARNHOLT_SKIP_ON_WINDOWS("the disk cannot be made to look full");
     writeFile(package(), makeZip(soundPackage({{"topics.txt", records(20'000)}})));
     {
         const FileSizeLimit fullDisk(300'000);
