@@ -13,8 +13,6 @@
 #include <com/sun/star/lang/Locale.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 
-#include <atomic>
-#include <memory>
 #include <vector>
 
 namespace varnholt {
@@ -48,10 +46,8 @@ public:
 
     /// `name` and `language` (such as "en-GB") may be empty.
     void create(const QString& name, const QString& language);
-    /// Opens the slides of a .pptx file as a presentation without a file, changed. `loaded` becomes
-    /// how much of it the office has read, up to `loadedWhole`.
-    void load(const QString& path, const std::shared_ptr<std::atomic<int>>& loaded);
-    static constexpr int loadedWhole = 1000;
+    /// Opens the slides of a .pptx file as a presentation without a file, changed.
+    void load(const QString& path);
     /// Gives slides the names that new ones have; those of a .pptx are called after their titles.
     void nameSlides();
     /// Sets texts as `addTextBox` and `addTitle` do, where no .pptx can say it.

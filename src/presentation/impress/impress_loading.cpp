@@ -12,11 +12,7 @@
 #include <com/sun/star/drawing/TextHorizontalAdjust.hpp>
 #include <com/sun/star/drawing/XDrawPagesSupplier.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
-#include <com/sun/star/task/XStatusIndicator.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
-#include <cppuhelper/implbase1.hxx>
-
-#include <algorithm>
 
 using css::uno::Any;
 using css::uno::Reference;
@@ -26,31 +22,6 @@ namespace varnholt {
 
 namespace {
 
-/// Is told by the office how far it is.
-class LoadProgress final : public cppu::WeakImplHelper1<css::task::XStatusIndicator>
-{
-public:
-    explicit LoadProgress(std::shared_ptr<std::atomic<int>> loaded)
-        : loaded_(std::move(loaded))
-    {}
-
-    void SAL_CALL start(const rtl::OUString& /*text*/, sal_Int32 range) override
-    {
-        range_ = std::max(range, sal_Int32{1});
-    }
-    void SAL_CALL setValue(sal_Int32 value) override
-    {
-        *loaded_ = static_cast<int>(sal_Int64{value} * ImpressDocument::loadedWhole / range_);
-    }
-    void SAL_CALL end() override {}
-    void SAL_CALL setText(const rtl::OUString& /*text*/) override {}
-    void SAL_CALL reset() override {}
-
-private:
-    std::shared_ptr<std::atomic<int>> loaded_;
-    std::atomic<sal_Int32> range_ = 1;
-};
-
 css::beans::PropertyValue argument(const char* name, const Any& value)
 {
     return {rtl::OUString::createFromAscii(name), -1, value,
@@ -59,14 +30,13 @@ css::beans::PropertyValue argument(const char* name, const Any& value)
 
 } // namespace
 
-void ImpressDocument::load(const QString& path, const std::shared_ptr<std::atomic<int>>& loaded)
+void ImpressDocument::load(const QString& path)
 {
     const auto& context = connection_.context();
     const Reference<css::frame::XDesktop2> desktop = css::frame::Desktop::create(context);
     const auto url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
-    const Reference<css::task::XStatusIndicator> progress(new LoadProgress(loaded));
     const auto arguments = unoSequence<css::beans::PropertyValue>(
-        {argument("AsTemplate", Any(true)), argument("StatusIndicator", Any(progress)),
+        {argument("AsTemplate", Any(true)),
          argument("FilterName", Any(rtl::OUString("Impress MS PowerPoint 2007 XML")))});
     model_.set(desktop->loadComponentFromURL(toUno(url), "_blank", 0, arguments), UNO_QUERY_THROW);
     pages_ = Reference<css::drawing::XDrawPagesSupplier>(model_, UNO_QUERY_THROW)->getDrawPages();

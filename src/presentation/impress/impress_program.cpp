@@ -4,6 +4,7 @@
 #include "store/errors.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QScopeGuard>
 
 #include <com/sun/star/lang/DisposedException.hpp>
@@ -75,11 +76,16 @@ PresentationProgram& ImpressProgram::forSlides(int slides)
 void ImpressProgram::open(const QString& path, const DeckFacts& facts,
                           const std::vector<TextPlace>& texts, int shownSlide)
 {
-    // Of a thousand, as the office says it.
-    const auto loaded = std::make_shared<std::atomic<int>>(0);
+    // How far it is the office tells only what it can call back, and one that calls back into a
+    // program that has gone ends with all that is open in it. So it is guessed.
+    constexpr double slideMs = 6;
+    const double usual = slideMs * facts.slides;
+    QElapsedTimer timer;
+    timer.start();
     int reported = 0;
     whileLoading_ = [&] {
-        const int slide = *loaded * facts.slides / ImpressDocument::loadedWhole;
+        const auto elapsed = static_cast<double>(timer.elapsed());
+        const int slide = static_cast<int>(facts.slides * elapsed / (elapsed + usual));
         if (slide > reported) {
             reported = slide;
             try {
@@ -91,9 +97,8 @@ void ImpressProgram::open(const QString& path, const DeckFacts& facts,
         return true;
     };
     const auto done = qScopeGuard([this] { whileLoading_ = nullptr; });
-    call([path, titled = !facts.language.isEmpty(), texts, shownSlide,
-          loaded](ImpressDocument& document) {
-        document.load(path, loaded);
+    call([path, titled = !facts.language.isEmpty(), texts, shownSlide](ImpressDocument& document) {
+        document.load(path);
         if (titled) {
             document.nameSlides();
         }
