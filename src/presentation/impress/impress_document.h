@@ -13,6 +13,7 @@
 #include <com/sun/star/lang/Locale.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 
+#include <atomic>
 #include <vector>
 
 namespace varnholt {
@@ -42,7 +43,9 @@ class ImpressDocument
 public:
     void open(const ImpressSettings& settings) { connection_.open(settings); }
     void close();
-    void breakOff() { connection_.breakOff(); }
+    /// From another thread. A file that the office is opening is not broken off, since an office
+    /// that loses its caller meanwhile hangs; it is closed when it is open.
+    void breakOff();
 
     /// `name` and `language` (such as "en-GB") may be empty.
     void create(const QString& name, const QString& language);
@@ -91,6 +94,8 @@ private:
     static void resize(Shape& shape, const css::awt::Size& size);
 
     OfficeConnection connection_;
+    std::atomic<bool> loading_ = false;
+    std::atomic<bool> unwanted_ = false;
     css::uno::Reference<css::frame::XModel> model_;
     css::uno::Reference<css::lang::XMultiServiceFactory> factory_;
     css::uno::Reference<css::graphic::XGraphicProvider> graphics_;

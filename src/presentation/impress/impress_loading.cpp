@@ -3,6 +3,7 @@
 #include "presentation/impress/impress_document.h"
 #include "store/errors.h"
 
+#include <QScopeGuard>
 #include <QUrl>
 
 #include <com/sun/star/beans/PropertyValue.hpp>
@@ -12,6 +13,7 @@
 #include <com/sun/star/drawing/TextHorizontalAdjust.hpp>
 #include <com/sun/star/drawing/XDrawPagesSupplier.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/util/XCloseable.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 
 using css::uno::Any;
@@ -38,11 +40,26 @@ void ImpressDocument::load(const QString& path)
     const auto arguments = unoSequence<css::beans::PropertyValue>(
         {argument("AsTemplate", Any(true)),
          argument("FilterName", Any(rtl::OUString("Impress MS PowerPoint 2007 XML")))});
+    loading_ = true;
+    const auto loaded = qScopeGuard([this] { loading_ = false; });
     model_.set(desktop->loadComponentFromURL(toUno(url), "_blank", 0, arguments), UNO_QUERY_THROW);
+    if (unwanted_) {
+        Reference<css::util::XCloseable>(model_, UNO_QUERY_THROW)->close(true);
+        close();
+        throw Cancelled();
+    }
     pages_ = Reference<css::drawing::XDrawPagesSupplier>(model_, UNO_QUERY_THROW)->getDrawPages();
     slideCount_ = pages_->getCount();
     // It is on no disk.
     Reference<css::util::XModifiable>(model_, UNO_QUERY_THROW)->setModified(true);
+}
+
+void ImpressDocument::breakOff()
+{
+    unwanted_ = true;
+    if (!loading_) {
+        connection_.breakOff();
+    }
 }
 
 void ImpressDocument::nameSlides()

@@ -30,8 +30,9 @@ struct ImpressSettings
     /// From so many slides on the office opens a file of them instead of being called for each
     /// shape. Milliseconds measured in turn, by calls and by file, the office running: 5 slides
     /// 1070 and 1370, 10 slides 2830 and 2310, 28 slides 3830 and 2410, 50 slides 14,300 and 6600.
-    /// Below 20 a file gains less than it takes away, which is to see the slides come.
-    int manySlides = 20;
+    /// Below 100 a file gains too little for what it takes away: to see the slides come, and to
+    /// stop at once.
+    int manySlides = 100;
 };
 
 /// The plug-in's one entry, exported as `impressEntryName`: a connected Impress. Throws `Error`
