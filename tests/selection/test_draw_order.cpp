@@ -357,6 +357,7 @@ TEST_F(DrawOrder, AReviewKeepsCountWhateverIsSwappedTakenBackAndMoved)
                 }
             }
             ASSERT_EQ(static_cast<int>(marked.size()), review.acceptedCount());
+            ASSERT_EQ(review.draw().judged, review.position() - 1);
             ASSERT_EQ(sorted(keys(review.draw().DrawPool)), all);
             expectQuotas();
             const int action = upTo(6);

@@ -1,4 +1,5 @@
 #include "library/Library.h"
+#include "selection/draw_wishes.h"
 #include "selection/frmMain.h"
 #include "support/gui.h"
 #include "support/test_services.h"
@@ -7,6 +8,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QComboBox>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -323,6 +325,23 @@ TEST_F(FrmMain, FollowsTheLibraryAndKeepsWhatIsTicked)
     EXPECT_EQ(shown(), "");
     EXPECT_EQ(count(), 0);
     EXPECT_TRUE(obstacle());
+}
+
+TEST_F(FrmMain, SaysWhatIsNewForAClassAndFixedForTopics)
+{
+    library.addGenerated(u"A"_s, 2, 1, 3);
+    owner.recordTest({u"test"_s, 1, {}, 1, {}, {{1, 1, u"A1"_s, {}, {}}}}, TestKind::Slides);
+    SaveQuotas(library.folder(), 1, {{1, 2}, {2, 1}});
+    SaveWishes(library.folder(), {{}, DrawRule::Fresh});
+    open();
+    const auto says = [this](const char* label) {
+        return control<QLabel>(window.get(), label)->text();
+    };
+    EXPECT_EQ(says("lblFresh") + u'/' + says("lblQuotas"), u"5 of 6 new/6 asked, 3 fixed"_s);
+    control<QComboBox>(window.get(), "cboClass")->setEditText(u"10Z"_s);
+    topics().setSelected(1, false);
+    EXPECT_EQ(says("lblFresh") + u'/' + says("lblQuotas"),
+              u"3 of 3 new for 10Z/3 asked, 2 fixed"_s);
 }
 
 TEST_F(FrmMain, SurvivesALibraryThatFailsUnderIt)
