@@ -1,8 +1,13 @@
 #include "presentation/build_fixture.h"
+#include "presentation/deck.h"
+#include "presentation/slide_space.h"
 #include "store/errors.h"
 #include "support/recording_presentation_program.h"
 
+#include <QRectF>
+
 #include <set>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace varnholt;
@@ -103,6 +108,49 @@ TEST_F(SlideBuilder, TheKeyBreaksByPoolIndex)
         EXPECT_EQ(reported, announced);
         EXPECT_EQ(program_.callsOf(u"appendBlankSlide"_s).size(), announced);
         EXPECT_EQ(keySlides().toStdString(), key);
+    }
+}
+
+TEST_F(SlideBuilder, AKeyInColumnsHoldsEveryAnswerInsideItsSlidesAndNothingOverlaps)
+{
+    constexpr double textSize = 18;
+    for (const bool longOnes : {false, true}) {
+        fillPool(60);
+        for (int i = 7; longOnes && i <= 60; i += 7) {
+            pool_(i).Answer = i == 28 ? u"several words "_s.repeated(400)
+                              : i % 2 ? u"first\nsecond\nthird"_s
+                                      : QString(300, u'W');
+        }
+        const Deck deck = MakeDeck(
+            {pool_, false, true, {}, [](const auto&) { return QString(); }, {.keyColumns = true}});
+        EXPECT_EQ(deck.slides.size() == 61, !longOnes);
+        QString written;
+        for (const DeckSlide& slide : deck.slides) {
+            std::vector<QRectF> taken;
+            for (const KeyLine& line : slide.lines) {
+                const QRectF place(line.left, line.top, line.width, line.height);
+                EXPECT_TRUE(QRectF(0, 40, slideWidth, slideHeight - 40).contains(place));
+                for (const QRectF& other : taken) {
+                    EXPECT_FALSE(place.intersects(other)) << qPrintable(line.text);
+                }
+                taken.push_back(place);
+                const auto lines = GuessedLines(line.text, textSize, line.width);
+                EXPECT_GE(line.height, double(lines.size()) * textSize * lineOfSize);
+                EXPECT_EQ(line.wraps, lines.size() > 1);
+                for (std::size_t i = 0; i < lines.size(); ++i) {
+                    EXPECT_LE(GuessedWidth(lines[i].trimmed(), textSize), line.width - boxMargins);
+                    EXPECT_TRUE(i + 1 == lines.size() || !lines[i].contains(u"words") ||
+                                lines[i].endsWith(u' '));
+                }
+                EXPECT_GE(lines.size(), std::size_t(line.text.count(u'\n')) + 1);
+                written += line.text + u' ';
+            }
+        }
+        QString wanted;
+        for (int i = 1; i <= 60; ++i) {
+            wanted += u"%1) %2 "_s.arg(i).arg(pool_(i).Answer);
+        }
+        EXPECT_EQ(written.simplified(), wanted.simplified());
     }
 }
 
