@@ -179,8 +179,9 @@ TEST_F(Paper, ThePdfIsSoundAndHoldsTheVeryPictures)
     EXPECT_FALSE(output(u"pdffonts"_s, {pdf}).contains(" no  yes")) << "all fonts are in it";
     EXPECT_TRUE(output(u"pdfinfo"_s, {pdf}).contains("Алгебра"));
     const QByteArray text = output(u"pdftotext"_s, {u"-layout"_s, pdf, u"-"_s});
-    for (const QByteArray& words : {QByteArray("Алгебра"), QByteArray("Roots π"),
-                                    QByteArray("Version B"), QByteArray("missing or damaged")}) {
+    for (const QByteArray& words :
+         {QByteArray("Алгебра"), QByteArray("Roots π"), QByteArray("Version B"),
+          QByteArray("Picture of question 1: Roots"), QByteArray("missing or damaged")}) {
         EXPECT_TRUE(text.contains(words)) << words.constData();
     }
     for (int number = 1; number <= 5; ++number) {
@@ -260,6 +261,7 @@ TEST_F(Paper, TheWindowShowsSavesPrintsAndRemembers)
 
     // A place that takes no file, and a test without questions.
     frmPaper form(services, test);
+    form.onDone = [](const PaperTest&) { ADD_FAILURE() << "nothing was saved"; };
     files.answers.emplace_back(u"/nowhere/a.pdf"_s);
     messages.beforeAnswer = [&] { EXPECT_TRUE(form.isEnabled()); };
     messages.expectInform(u"The Test Was Not Finished"_s,
