@@ -1,6 +1,8 @@
 #include "presentation/pptx/pptx_parts.h"
 #include "presentation/pptx/pptx_xml.h"
 
+#include <QStringBuilder>
+
 #include <cmath>
 
 namespace varnholt {
@@ -13,9 +15,9 @@ QByteArray transform(const PptxDocument& document, const PptxShape& shape)
 {
     // The reader of bare documents takes a hundredth of a millimetre off every size.
     const Emu more = document.bare ? emuPerHundredthMm : 0;
-    return "<a:xfrm><a:off x=\"" + number(shape.left) + "\" y=\"" + number(shape.top) +
-           "\"/><a:ext cx=\"" + number(shape.width + more) + "\" cy=\"" +
-           number(shape.height + more) +
+    return "<a:xfrm><a:off x=\"" % number(shape.left) % "\" y=\"" % number(shape.top) %
+           "\"/><a:ext cx=\"" % number(shape.width + more) % "\" cy=\"" %
+           number(shape.height + more) %
            "\"/></a:xfrm><a:prstGeom prst=\"rect\"><a:avLst/></a:prstGeom>";
 }
 
@@ -33,8 +35,10 @@ QByteArray margins(const PptxDocument& document, const PptxShape& shape)
 /// The attributes by which a slide knows a shape. Identifier 1 is the shape tree's.
 QByteArray identity(const PptxDocument& document, const char* kind, int id)
 {
-    return "id=\"" + number(id) + "\" name=\"" +
-           (document.bare ? QByteArray() : kind + QByteArrayLiteral(" ") + number(id - 1)) + '"';
+    return "id=\"" % number(id) % "\" name=\"" %
+           (document.bare ? QByteArray()
+                          : QByteArray(kind % QByteArrayLiteral(" ") % number(id - 1))) %
+           '"';
 }
 
 /// What a run of text says of itself: nothing unless it is told to.
@@ -42,15 +46,15 @@ QByteArray runProperties(const PptxShape& shape, const QString& language)
 {
     QByteArray attributes;
     if (!language.isEmpty()) {
-        attributes += " lang=\"" + escaped(language) + '"';
+        attributes += " lang=\"" % escaped(language) % '"';
     }
     if (shape.textSize > 0) {
-        attributes += " sz=\"" + number(std::llround(shape.textSize * 100)) + '"';
+        attributes += " sz=\"" % number(std::llround(shape.textSize * 100)) % '"';
     }
     if (shape.framed) {
         attributes += " b=\"1\"";
     }
-    return attributes.isEmpty() ? attributes : "<a:rPr" + attributes + "/>";
+    return attributes.isEmpty() ? attributes : "<a:rPr" % attributes % "/>";
 }
 
 QByteArray paragraphs(const QString& text, const QByteArray& properties)
@@ -58,7 +62,7 @@ QByteArray paragraphs(const QString& text, const QByteArray& properties)
     QByteArray xml;
     for (const QString& paragraph : slideParagraphs(text)) {
         xml += paragraph.isEmpty() ? QByteArrayLiteral("<a:p/>")
-                                   : "<a:p><a:r>" + properties + "<a:t>" + escaped(paragraph) +
+                                   : "<a:p><a:r>" % properties % "<a:t>" % escaped(paragraph) %
                                          "</a:t></a:r></a:p>";
     }
     return xml;
@@ -72,39 +76,39 @@ QByteArray textBox(const PptxDocument& document, const PptxShape& shape, int id)
                                 "<a:ln w=\"19050\"><a:solidFill><a:schemeClr val=\"accent1\"/>"
                                 "</a:solidFill></a:ln>")
             : QByteArrayLiteral("<a:noFill/>");
-    return "<p:sp><p:nvSpPr><p:cNvPr " + identity(document, "TextBox", id) +
-           "/><p:cNvSpPr txBox=\"1\"/><p:nvPr/></p:nvSpPr><p:spPr>" + transform(document, shape) +
-           fill + "</p:spPr><p:txBody><a:bodyPr wrap=\"" +
-           (shape.longLines == LongLines::Wrap ? "square" : "none") + "\" rtlCol=\"0\"" +
-           (shape.framed ? " anchor=\"ctr\"" : "") + margins(document, shape) +
-           "><a:noAutofit/></a:bodyPr><a:lstStyle/>" +
-           paragraphs(shape.text, runProperties(shape, document.language)) + "</p:txBody></p:sp>";
+    return "<p:sp><p:nvSpPr><p:cNvPr " % identity(document, "TextBox", id) %
+           "/><p:cNvSpPr txBox=\"1\"/><p:nvPr/></p:nvSpPr><p:spPr>" % transform(document, shape) %
+           fill % "</p:spPr><p:txBody><a:bodyPr wrap=\"" %
+           (shape.longLines == LongLines::Wrap ? "square" : "none") % "\" rtlCol=\"0\"" %
+           (shape.framed ? " anchor=\"ctr\"" : "") % margins(document, shape) %
+           "><a:noAutofit/></a:bodyPr><a:lstStyle/>" %
+           paragraphs(shape.text, runProperties(shape, document.language)) % "</p:txBody></p:sp>";
 }
 
 QByteArray title(const PptxDocument& document, const PptxShape& shape, int id)
 {
-    return "<p:sp><p:nvSpPr><p:cNvPr " + identity(document, "Title", id) +
+    return "<p:sp><p:nvSpPr><p:cNvPr " % identity(document, "Title", id) %
            "/><p:cNvSpPr><a:spLocks noGrp=\"1\"/></p:cNvSpPr><p:nvPr><p:ph type=\"title\"/>"
-           "</p:nvPr></p:nvSpPr><p:spPr>" +
-           transform(document, shape) + "</p:spPr><p:txBody><a:bodyPr anchor=\"ctr\"" +
-           margins(document, shape) + "><a:noAutofit/></a:bodyPr><a:lstStyle/>" +
-           paragraphs(shape.text, runProperties(shape, document.language)) + "</p:txBody></p:sp>";
+           "</p:nvPr></p:nvSpPr><p:spPr>" %
+           transform(document, shape) % "</p:spPr><p:txBody><a:bodyPr anchor=\"ctr\"" %
+           margins(document, shape) % "><a:noAutofit/></a:bodyPr><a:lstStyle/>" %
+           paragraphs(shape.text, runProperties(shape, document.language)) % "</p:txBody></p:sp>";
 }
 
 QByteArray picture(const PptxDocument& document, const PptxShape& shape, int id, int relation)
 {
-    return "<p:pic><p:nvPicPr><p:cNvPr " + identity(document, "Picture", id) + " descr=\"" +
-           escapedLine(shape.description) +
+    return "<p:pic><p:nvPicPr><p:cNvPr " % identity(document, "Picture", id) % " descr=\"" %
+           escapedLine(shape.description) %
            "\"/><p:cNvPicPr><a:picLocks noChangeAspect=\"1\"/></p:cNvPicPr><p:nvPr/>"
-           "</p:nvPicPr><p:blipFill><a:blip r:embed=\"rId" +
-           number(relation) + "\"/><a:stretch><a:fillRect/></a:stretch></p:blipFill><p:spPr>" +
-           transform(document, shape) + "</p:spPr></p:pic>";
+           "</p:nvPicPr><p:blipFill><a:blip r:embed=\"rId" %
+           number(relation) % "\"/><a:stretch><a:fillRect/></a:stretch></p:blipFill><p:spPr>" %
+           transform(document, shape) % "</p:spPr></p:pic>";
 }
 
 /// The picture of the slide on a page of notes.
 QByteArray notesImage(int id)
 {
-    return "<p:sp><p:nvSpPr><p:cNvPr id=\"" + number(id) +
+    return "<p:sp><p:nvSpPr><p:cNvPr id=\"" % number(id) %
            "\" name=\"Slide Image\"/><p:cNvSpPr><a:spLocks noGrp=\"1\" noRot=\"1\" "
            "noChangeAspect=\"1\"/></p:cNvSpPr><p:nvPr><p:ph type=\"sldImg\"/></p:nvPr>"
            "</p:nvSpPr><p:spPr><a:xfrm><a:off x=\"381000\" y=\"685800\"/>"
@@ -114,13 +118,13 @@ QByteArray notesImage(int id)
 
 QByteArray notesBody(int id, const QByteArray& text)
 {
-    return "<p:sp><p:nvSpPr><p:cNvPr id=\"" + number(id) +
+    return "<p:sp><p:nvSpPr><p:cNvPr id=\"" % number(id) %
            "\" name=\"Notes\"/><p:cNvSpPr><a:spLocks noGrp=\"1\"/></p:cNvSpPr><p:nvPr>"
            "<p:ph type=\"body\" idx=\"1\"/></p:nvPr></p:nvSpPr><p:spPr><a:xfrm>"
            "<a:off x=\"685800\" y=\"4343400\"/><a:ext cx=\"5486400\" cy=\"4114800\"/></a:xfrm>"
            "<a:prstGeom prst=\"rect\"><a:avLst/></a:prstGeom></p:spPr><p:txBody><a:bodyPr/>"
-           "<a:lstStyle/>" +
-           text + "</p:txBody></p:sp>";
+           "<a:lstStyle/>" %
+           text % "</p:txBody></p:sp>";
 }
 
 } // namespace
@@ -144,7 +148,7 @@ QByteArray pptxSlide(const PptxDocument& document, const PptxSlide& slide)
     xml += "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr>";
     if (slide.advance > 0) {
         // Without something inside, Impress does not see the time.
-        xml += "<p:transition advTm=\"" + number(qint64{1000} * slide.advance) +
+        xml += "<p:transition advTm=\"" % number(qint64{1000} * slide.advance) %
                "\"><p:cut/></p:transition>";
     }
     xml += "</p:sld>";
@@ -164,32 +168,32 @@ QByteArray pptxSlideRelations(const PptxDocument& document, const PptxSlide& sli
     }
     if (!slide.notes.isEmpty()) {
         relations.add("notesSlide",
-                      "../notesSlides/notesSlide" + QByteArray::number(number) + ".xml");
+                      "../notesSlides/notesSlide" % QByteArray::number(number) % ".xml");
     }
     return relations.xml();
 }
 
 QByteArray pptxTitleLayout()
 {
-    return QByteArray(declaration) +
+    return QByteArray(declaration) %
            "<p:sldLayout" NAMESPACES " type=\"titleOnly\" preserve=\"1\">"
-           "<p:cSld name=\"Title Only\"><p:spTree>" +
-           emptyShapeTree + masterTitle() +
+           "<p:cSld name=\"Title Only\"><p:spTree>" %
+           emptyShapeTree % masterTitle() %
            "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr></p:sldLayout>";
 }
 
 QByteArray pptxNotesMaster(const PptxDocument& document)
 {
-    return QByteArray(declaration) +
+    return QByteArray(declaration) %
            "<p:notesMaster" NAMESPACES
            "><p:cSld><p:bg><p:bgRef idx=\"1001\"><a:schemeClr val=\"bg1\"/></p:bgRef></p:bg>"
-           "<p:spTree>" +
-           emptyShapeTree + notesImage(2) + notesBody(3, "<a:p/>") +
+           "<p:spTree>" %
+           emptyShapeTree % notesImage(2) % notesBody(3, "<a:p/>") %
            "</p:spTree></p:cSld><p:clrMap bg1=\"lt1\" tx1=\"dk1\" bg2=\"lt2\" tx2=\"dk2\" "
            "accent1=\"accent1\" accent2=\"accent2\" accent3=\"accent3\" accent4=\"accent4\" "
            "accent5=\"accent5\" accent6=\"accent6\" hlink=\"hlink\" folHlink=\"folHlink\"/>"
-           "<p:notesStyle>" +
-           textLevels(document.bare) + "</p:notesStyle></p:notesMaster>";
+           "<p:notesStyle>" %
+           textLevels(document.bare) % "</p:notesStyle></p:notesMaster>";
 }
 
 QByteArray pptxNotesMasterRelations()
@@ -199,9 +203,9 @@ QByteArray pptxNotesMasterRelations()
 
 QByteArray pptxNotes(const PptxDocument& document, const PptxSlide& slide)
 {
-    return QByteArray(declaration) + "<p:notes" NAMESPACES "><p:cSld><p:spTree>" + emptyShapeTree +
-           notesImage(2) +
-           notesBody(3, paragraphs(slide.notes, runProperties({}, document.language))) +
+    return QByteArray(declaration) % "<p:notes" NAMESPACES "><p:cSld><p:spTree>" % emptyShapeTree %
+           notesImage(2) %
+           notesBody(3, paragraphs(slide.notes, runProperties({}, document.language))) %
            "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr></p:notes>";
 }
 
@@ -209,7 +213,7 @@ QByteArray pptxNotesRelations(int number)
 {
     return Relations()
         .add("notesMaster", "../notesMasters/notesMaster1.xml")
-        .add("slide", "../slides/slide" + QByteArray::number(number) + ".xml")
+        .add("slide", "../slides/slide" % QByteArray::number(number) % ".xml")
         .xml();
 }
 

@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringBuilder>
 
 namespace varnholt::pptx_xml {
 
@@ -54,12 +55,12 @@ public:
 
     Relations& add(const QByteArray& type, const QByteArray& target)
     {
-        return addOfType(relationTypes + type, target);
+        return addOfType(relationTypes % type, target);
     }
     Relations& addOfType(const QByteArray& type, const QByteArray& target)
     {
-        xml_ += "<Relationship Id=\"rId" + number(++count_) + "\" Type=\"" + type + "\" Target=\"" +
-                target + "\"/>";
+        xml_ += "<Relationship Id=\"rId" % number(++count_) % "\" Type=\"" % type % "\" Target=\"" %
+                target % "\"/>";
         return *this;
     }
     [[nodiscard]] QByteArray xml() const { return xml_ + "</Relationships>"; }
