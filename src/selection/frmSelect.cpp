@@ -9,10 +9,12 @@
 #include "toolkit/PictureView.h"
 #include "toolkit/controls.h"
 #include "toolkit/key_icon.h"
+#include "toolkit/latin_key.h"
 #include "toolkit/short_text.h"
 
 #include <QCloseEvent>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QProgressBar>
 #include <QSettings>
 #include <QShortcut>
@@ -366,6 +368,24 @@ void frmSelect::closeEvent(QCloseEvent* event)
 void frmSelect::reject()
 {
     close();
+}
+
+void frmSelect::keyPressEvent(QKeyEvent* event)
+{
+    const int key = LatinKey(*event);
+    // Latin letters have come as shortcuts.
+    if (key != event->key() && event->modifiers() == Qt::NoModifier) {
+        for (auto* button : findChildren<QPushButton*>()) {
+            const auto* shortcut = button->findChild<QShortcut*>();
+            if (shortcut && shortcut->key() == QKeySequence(key)) {
+                if (!event->isAutoRepeat()) {
+                    button->click();
+                }
+                return;
+            }
+        }
+    }
+    QDialog::keyPressEvent(event);
 }
 
 bool frmSelect::eventFilter(QObject* watched, QEvent* event)

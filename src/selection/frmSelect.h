@@ -62,6 +62,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     /// Esc closes the window.
     void reject() override;
+    /// The keys of the buttons where the keyboard writes another script than Latin.
+    void keyPressEvent(QKeyEvent* event) override;
     /// Notices when the picture is painted.
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -243,8 +243,14 @@ TEST_F(ReviewWindow, SwapsTakesBackOrdersAndKeepsByKey)
     EXPECT_TRUE(shows(2));
     EXPECT_FALSE(control<QLabel>(review, "lblShort")->isVisible());
     key(Qt::Key_I);
-    key(Qt::Key_I);
+    QApplication::processEvents();
+    for (const bool held : {false, true}) {
+        QKeyEvent russian(QEvent::KeyPress, 0x428, Qt::NoModifier, 31, 'I', 0, u"ш"_s, held);
+        QApplication::sendEvent(review->focusWidget(), &russian);
+        QApplication::processEvents();
+    }
     const auto before = included();
+    ASSERT_EQ(before.size(), 2U);
     const std::int32_t third = review->draw().DrawPool(4).SOLIndex;
     QApplication::processEvents();
     QTimer::singleShot(0, qApp, [] {
