@@ -1,13 +1,11 @@
 #include "class_results/results_csv.h"
 
 #include "selection/draw_wishes.h"
-#include "store/errors.h"
+#include "store/save_file.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QDir>
 #include <QLocale>
-#include <QSaveFile>
 
 namespace varnholt {
 
@@ -106,12 +104,7 @@ std::vector<QStringList> SubtopicRows(const ClassResults& results)
 
 void SaveCsv(const QString& path, const std::vector<QStringList>& rows)
 {
-    QSaveFile file(path);
-    const QByteArray bytes = Csv(rows, CsvSeparator());
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        throw Error(Words::tr("The file %1 cannot be written: %2.")
-                        .arg(QDir::toNativeSeparators(path), file.errorString()));
-    }
+    SaveFile(path, Csv(rows, CsvSeparator()));
 }
 
 } // namespace varnholt

@@ -2,6 +2,7 @@
 
 #include "exchange/in_background.h"
 #include "files/sync.h"
+#include "store/save_file.h"
 
 #include <QFileInfo>
 
@@ -60,8 +61,7 @@ bool ArchiveFile::write(const char* bytes, qint64 size)
 
 bool ArchiveFile::flush()
 {
-    const bool done =
-        file_.seek(bufferStart_) && file_.write(buffer_) == static_cast<qint64>(buffer_.size());
+    const bool done = file_.seek(bufferStart_) && WriteAll(file_, buffer_);
     buffer_.resize(0);
     bufferStart_ = position_;
     return noted(done, file_.errorString());

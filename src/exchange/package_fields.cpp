@@ -1,6 +1,7 @@
 #include "exchange/package_fields.h"
 
 #include "store/errors.h"
+#include "store/save_file.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -104,7 +105,7 @@ void FieldWriter::close()
 
 void FieldWriter::flush()
 {
-    if (file_.write(buffer_) != buffer_.size()) {
+    if (!WriteAll(file_, buffer_)) {
         throw fileError(file_);
     }
     buffer_.resize(0);

@@ -1,12 +1,9 @@
 #include "paper/paper_pdf.h"
 
-#include "files/sync.h"
 #include "store/errors.h"
+#include "store/save_file.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFileInfo>
-#include <QSaveFile>
 
 #include <hpdf.h>
 
@@ -188,37 +185,7 @@ QByteArray MakePaperPdf(const PaperTest& test, const PaperLayout& layout, const 
 void SavePaperPdf(const QString& path, const PaperTest& test, const PaperLayout& layout,
                   const PaperFont& font, const PaperProgress& progress)
 {
-    const QByteArray bytes = MakePaperPdf(test, layout, font, progress);
-    QSaveFile file(path);
-    const auto fail = [&](const QString& reason) {
-        throw Error(QCoreApplication::translate(
-                        "PaperPdf", "The file %1 could not be saved (%2). Choose another place or "
-                                    "make room and try again.")
-                        .arg(QDir::toNativeSeparators(path), reason));
-    };
-    if (!file.open(QIODevice::WriteOnly)) {
-        fail(file.errorString());
-    }
-    // A disk that becomes full takes a part, and says why only when it is given the rest.
-    for (qsizetype written = 0; written < bytes.size();) {
-        const qint64 taken = file.write(bytes.constData() + written, bytes.size() - written);
-        if (taken <= 0) {
-            fail(file.errorString());
-        }
-        written += taken;
-    }
-    if (!file.flush()) {
-        fail(file.errorString());
-    }
-    if (const std::error_code error = SyncFile(file.handle())) {
-        fail(QString::fromStdString(error.message()));
-    }
-    if (!file.commit()) {
-        fail(file.errorString());
-    }
-    if (const std::error_code error = SyncFolder(QFileInfo(path).absoluteDir().filesystemPath())) {
-        fail(QString::fromStdString(error.message()));
-    }
+    SaveFile(path, MakePaperPdf(test, layout, font, progress));
 }
 
 } // namespace varnholt

@@ -2,6 +2,7 @@
 
 #include "pictures/picture_info.h"
 #include "store/errors.h"
+#include "store/save_file.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -38,7 +39,7 @@ QString UprightPictures::turned(const QByteArray& jpeg)
         folder_ = std::make_unique<QTemporaryDir>();
     }
     QFile file(folder_->filePath(QStringLiteral("%1.jpg").arg(++count_)));
-    if (!file.open(QIODevice::WriteOnly) || file.write(jpeg) != jpeg.size() || !file.flush()) {
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || !WriteAll(file, jpeg)) {
         throw Error(Words::tr("A turned picture could not be written to \"%1\": %2.")
                         .arg(file.fileName(), file.errorString()));
     }

@@ -4,6 +4,7 @@
 #include "exchange/zip_maker.h"
 #include "store/errors.h"
 
+#include <cerrno>
 #include <tuple>
 #include <zip.h>
 
@@ -104,6 +105,7 @@ TEST_F(Archive, FailuresAreToldAndLeaveTheOldPackage)
     {
         const FileSizeLimit fullDisk(1'000'000);
         EXPECT_FALSE(add({"1.jpg"}));
+        EXPECT_TRUE(zip.failure().reason.contains(qt_error_string(EFBIG)));
     }
     EXPECT_EQ(readFile(at("a.zip")), "an older package");
     EXPECT_EQ(listing(folder.path()), "1.jpg a.zip out/");

@@ -10,7 +10,10 @@
 #include "selection/past_build.h"
 #include "selection/test_record.h"
 #include "store/catalogue.h"
+#include "store/errors.h"
+#include "support/file_size_limit.h"
 #include "support/gui.h"
+#include "support/test_files.h"
 #include "support/test_services.h"
 
 #include <QApplication>
@@ -27,6 +30,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <random>
 
 namespace varnholt::test {
@@ -379,7 +383,18 @@ TEST_F(PastTestsWindow, ShowsHowClassesDid)
     click(&window, "cmdCsv");
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(file.readAll().contains("Topic 1,Subtopic 1.1,5,3,2,2,2\r\n"));
+    const QByteArray saved = file.readAll();
+    EXPECT_TRUE(saved.contains("Topic 1,Subtopic 1.1,5,3,2,2,2\r\n"));
+    VARNHOLT_SKIP_ON_WINDOWS("the disk cannot be made to look full");
+    QString told;
+    try {
+        const FileSizeLimit full(saved.size() - 10);
+        SaveCsv(path, SubtopicRows(results));
+    } catch (const Error& error) {
+        told = error.message();
+    }
+    EXPECT_TRUE(told.contains(qt_error_string(EFBIG))) << qPrintable(told);
+    EXPECT_EQ(readFile(path), saved);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "files/sync.h"
 #include "store/errors.h"
+#include "store/save_file.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -89,14 +90,7 @@ void ZipWriter::failTooLarge() const
 
 void ZipWriter::writeAt(qint64 offset, const QByteArray& bytes)
 {
-    bool good = file_.seek(offset);
-    // A disk that fills up takes a part and tells why only when it is asked to take the rest.
-    for (qint64 done = 0; good && done < bytes.size();) {
-        const qint64 count = file_.write(bytes.constData() + done, bytes.size() - done);
-        good = count > 0;
-        done += count;
-    }
-    if (!good) {
+    if (!file_.seek(offset) || !WriteAll(file_, bytes)) {
         fail(file_.errorString());
     }
 }
