@@ -44,7 +44,7 @@ public:
     void open(const ImpressSettings& settings) { connection_.open(settings); }
     void close();
     /// From another thread. A file that the office is opening is not broken off, since an office
-    /// that loses its caller meanwhile hangs; it is closed when it is open.
+    /// was seen to hang after that; it is closed when it is open.
     void breakOff();
 
     /// `name` and `language` (such as "en-GB") may be empty.

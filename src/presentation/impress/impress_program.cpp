@@ -76,8 +76,8 @@ PresentationProgram& ImpressProgram::forSlides(int slides)
 void ImpressProgram::open(const QString& path, const DeckFacts& facts,
                           const std::vector<TextPlace>& texts, int shownSlide)
 {
-    // How far it is the office tells only what it can call back, and one that calls back into a
-    // program that has gone ends with all that is open in it. So it is guessed.
+    // How far it is the office tells only what it can call back, and one that lost what it was to
+    // call back was seen to hang, with all that was open in it. So it is guessed.
     constexpr double slideMs = 6;
     const double usual = slideMs * facts.slides;
     QElapsedTimer timer;

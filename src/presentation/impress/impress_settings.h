@@ -28,8 +28,9 @@ struct ImpressSettings
     /// that one may take then.
     int handOverMs = 5000;
     /// From so many slides on the office opens a file of them instead of being called for each
-    /// shape. Milliseconds measured in turn, by calls and by file, the office running: 5 slides
-    /// 1070 and 1370, 10 slides 2830 and 2310, 28 slides 3830 and 2410, 50 slides 14,300 and 6600.
+    /// shape. Milliseconds by calls and by file, the office running, on a machine busy with other
+    /// work: about 10 slides 2830 and 2310 (median of 5 runs), 30 slides 3832 and 2409, 53 slides
+    /// 14,300 and 6597 (one run each); more slides were not compared.
     /// Below 100 a file gains too little for what it takes away: to see the slides come, and to
     /// stop at once.
     int manySlides = 100;
