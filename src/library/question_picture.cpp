@@ -1,5 +1,6 @@
 #include "library/question_picture.h"
 
+#include "files/placing.h"
 #include "pictures/picture_files.h"
 #include "store/errors.h"
 
@@ -33,7 +34,8 @@ void SetOldPictureAside(const QString& programFolder, std::int32_t key)
         for (int i = 2; isTaken(aside); ++i) {
             aside = path + QStringLiteral(".bak%1").arg(i);
         }
-        if (!QFile::rename(path, aside)) {
+        if (RenameFile(QFileInfo(path).filesystemFilePath(),
+                       QFileInfo(aside).filesystemFilePath())) {
             throw Error(QCoreApplication::translate(
                             "Library", "An old picture is in the way and cannot be renamed: %1")
                             .arg(QDir::toNativeSeparators(path)));
