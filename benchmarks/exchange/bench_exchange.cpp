@@ -60,7 +60,7 @@ public:
         library_ = std::make_unique<Library>(folder, clock_);
         library_->open();
         if constexpr (std::is_same_v<Window, frmExport>) {
-            window_ = std::make_unique<Window>(services_, state_, library_->connection());
+            window_ = std::make_unique<Window>(services_, state_, *library_);
         } else {
             window_ = std::make_unique<Window>(services_, *library_);
         }
