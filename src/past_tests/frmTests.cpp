@@ -84,7 +84,7 @@ void frmTests::buildControls()
     lstTests_->header()->setSectionResizeMode(Name, QHeaderView::Stretch);
     const int letter = fontMetrics().averageCharWidth();
     for (const auto& [column, letters] :
-         {std::pair(Date, 24), std::pair(Class, 8), std::pair(Number, 9), std::pair(Kind, 16)}) {
+         {std::pair(Date, 24), std::pair(Class, 8), std::pair(Number, 9), std::pair(Kind, 20)}) {
         lstTests_->header()->resizeSection(column, letter * letters);
     }
     lstQuestions_ = named(new QuestionStrip, "lstQuestions", tr("Questions of the test"));
@@ -221,8 +221,10 @@ void frmTests::reload()
     }
     lstTests_->addTopLevelItems(rows);
     filling_ = false;
-    lstTests_->setVisible(!tests_.empty());
-    lstQuestions_->setVisible(!tests_.empty());
+    QWidget* lists = lstTests_->parentWidget();
+    // A test that came back is the one to go on with.
+    const bool cameBack = lists->isHidden() && !tests_.empty() && isAncestorOf(focusWidget());
+    lists->setVisible(!tests_.empty());
     lblEmpty_->setText(library_.features().on
                            ? tr("There are no past tests yet. Every presentation that you make is "
                                 "remembered here.")
@@ -231,6 +233,9 @@ void frmTests::reload()
     if (!tests_.empty()) {
         const int shown = row >= 0 ? row : std::min(oldRow, static_cast<int>(tests_.size()) - 1);
         lstTests_->setCurrentItem(lstTests_->topLevelItem(shown));
+    }
+    if (cameBack) {
+        lstTests_->setFocus();
     }
     showTest();
 }

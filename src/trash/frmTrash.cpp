@@ -9,6 +9,7 @@
 #include "toolkit/short_text.h"
 #include "trash/TrashModel.h"
 
+#include <QApplication>
 #include <QGridLayout>
 #include <QHeaderView>
 #include <QLocale>
@@ -132,7 +133,17 @@ void frmTrash::connectControls()
 void frmTrash::focusInEvent(QFocusEvent* event)
 {
     QWidget::focusInEvent(event);
-    (tblTrash_->isVisibleTo(this) ? static_cast<QWidget*>(tblTrash_) : txtFilter_)->setFocus();
+    focusList();
+}
+
+void frmTrash::focusList()
+{
+    QWidget* place = tblTrash_;
+    if (tblTrash_->isHidden()) {
+        // Of an empty trash the window itself: Ctrl+Z goes on working.
+        place = txtFilter_->isEnabled() ? static_cast<QWidget*>(txtFilter_) : this;
+    }
+    place->setFocus();
 }
 
 void frmTrash::reload()
@@ -143,9 +154,7 @@ void frmTrash::reload()
     } catch (const DatabaseError& error) {
         services_.messageBoxes->inform(tr("Database Error"), error.message());
     }
-    if (row >= 0) {
-        tblTrash_->selectRow(std::min(row, model_->rowCount() - 1));
-    }
+    tblTrash_->selectRow(std::min(std::max(row, 0), model_->rowCount() - 1));
     showState();
 }
 
@@ -173,12 +182,10 @@ void frmTrash::showState()
                                       "and brought back.")
                                  : tr("Nothing in the trash holds these words."));
     }
-    const bool hadFocus = tblTrash_->hasFocus();
+    QWidget* focus = QApplication::focusWidget();
+    const bool hadFocus = focus && (focus == this || isAncestorOf(focus));
     tblTrash_->setVisible(anything);
     lblEmpty_->setVisible(!anything);
-    if (hadFocus && !anything) {
-        txtFilter_->setFocus();
-    }
     txtFilter_->setEnabled(!empty || !txtFilter_->text().isEmpty());
     const QLocale locale;
     lblCount_->setText(static_cast<std::size_t>(model_->rowCount()) == model_->size()
@@ -193,6 +200,9 @@ void frmTrash::showState()
         say(features.reason, false);
     }
     cmdUndo_->setVisible(step_.has_value());
+    if (hadFocus && (focus == this || focus->isHidden() || !focus->isEnabled())) {
+        focusList();
+    }
 }
 
 void frmTrash::say(const QString& sentence, bool withUndo)

@@ -43,6 +43,7 @@ private:
 
     /// Reads the trash anew and keeps the place in the list.
     void reload();
+    void focusList();
     void filterNow();
     void showState();
     /// The items of the selected rows, in the order of the list.

@@ -116,6 +116,15 @@ TEST_F(TrashWindow, BringsBackAndTakesItBackByTheKeyboard)
     owner.deleteQuestion(3);
     click(window.get(), "cmdUndo");
     EXPECT_EQ(available(), u"1010001"_s) << "nor what has been done since";
+
+    filter->clear();
+    QTest::keyClick(filter, Qt::Key_Return);
+    table->selectAll();
+    QTest::keyClick(table, Qt::Key_Return);
+    EXPECT_FALSE(table->isVisible());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(available(), u"1010001"_s) << "of an empty trash, too";
+    EXPECT_TRUE(table->hasFocus() && table->selectionModel()->hasSelection());
 }
 
 TEST_F(TrashWindow, RestoresManyInOneStepUnderNewNamesButNotWithoutAPlace)
