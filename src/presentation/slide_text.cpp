@@ -1,9 +1,24 @@
 #include "presentation/slide_text.h"
 
+#include <algorithm>
+
 namespace varnholt {
+
+namespace {
+
+/// Nothing that does not stay as it is.
+bool isPlain(QChar c)
+{
+    return c >= u' ' && c < QChar(0x2028);
+}
+
+} // namespace
 
 QStringList slideParagraphs(const QString& text)
 {
+    if (std::all_of(text.begin(), text.end(), isPlain)) {
+        return {text};
+    }
     QStringList paragraphs(QString{});
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text.at(i);

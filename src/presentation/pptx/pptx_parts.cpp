@@ -2,58 +2,64 @@
 
 #include "presentation/pptx/pptx_xml.h"
 
+#include <QByteArray>
+
 #include <set>
+#include <utility>
 
 namespace varnholt {
 
 using namespace pptx_xml;
 
+#define OFFICE_TYPE "application/vnd.openxmlformats-officedocument."
+#define SLIDES_TYPE OFFICE_TYPE "presentationml."
+
 QByteArray pptxMediaName(const PptxDocument& document, int media)
 {
-    return "ppt/media/image" + number(media) + '.' + document.media.at(size_t(media) - 1).format;
+    return "media/image" + QByteArray::number(media) + '.' +
+           document.media.at(size_t(media) - 1).format;
 }
 
 QByteArray pptxContentTypes(const PptxDocument& document)
 {
-    const QByteArray office = "application/vnd.openxmlformats-officedocument.";
-    QByteArray xml =
-        QByteArray(declaration) +
-        "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
-        "<Default Extension=\"rels\" ContentType=\"application/"
-        "vnd.openxmlformats-package.relationships+xml\"/>"
-        "<Default Extension=\"xml\" ContentType=\"application/xml\"/>";
+    Xml xml;
+    xml << declaration
+        << "<Types xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
+           "<Default Extension=\"rels\" ContentType=\"application/"
+           "vnd.openxmlformats-package.relationships+xml\"/>"
+           "<Default Extension=\"xml\" ContentType=\"application/xml\"/>";
     std::set<QByteArray> formats;
     for (const PptxMedia& media : document.media) {
         if (formats.insert(media.format).second) {
-            xml += "<Default Extension=\"" + media.format + "\" ContentType=\"image/" +
-                   media.format + "\"/>";
+            xml << "<Default Extension=\"" << media.format << "\" ContentType=\"image/"
+                << media.format << "\"/>";
         }
     }
-    const auto part = [&xml](const QByteArray& name, const QByteArray& type) {
-        xml += "<Override PartName=\"/" + name + "\" ContentType=\"" + type + "+xml\"/>";
+    const auto part = [&xml](QByteArrayView type, const auto&... name) {
+        ((xml << "<Override PartName=\"/") << ... << name)
+            << "\" ContentType=\"" << type << "+xml\"/>";
     };
-    const QByteArray slides = office + "presentationml.";
-    part("docProps/core.xml", "application/vnd.openxmlformats-package.core-properties");
-    part("docProps/app.xml", office + "extended-properties");
-    part("ppt/presentation.xml", slides + "presentation.main");
-    part("ppt/slideMasters/slideMaster1.xml", slides + "slideMaster");
-    part("ppt/slideLayouts/slideLayout1.xml", slides + "slideLayout");
-    part("ppt/theme/theme1.xml", office + "theme");
+    part("application/vnd.openxmlformats-package.core-properties", "docProps/core.xml");
+    part(OFFICE_TYPE "extended-properties", "docProps/app.xml");
+    part(SLIDES_TYPE "presentation.main", "ppt/presentation.xml");
+    part(SLIDES_TYPE "slideMaster", "ppt/slideMasters/slideMaster1.xml");
+    part(SLIDES_TYPE "slideLayout", "ppt/slideLayouts/slideLayout1.xml");
+    part(OFFICE_TYPE "theme", "ppt/theme/theme1.xml");
     if (document.hasTitles()) {
-        part("ppt/slideLayouts/slideLayout2.xml", slides + "slideLayout");
+        part(SLIDES_TYPE "slideLayout", "ppt/slideLayouts/slideLayout2.xml");
     }
     if (document.hasNotes()) {
-        part("ppt/notesMasters/notesMaster1.xml", slides + "notesMaster");
-        part("ppt/theme/theme2.xml", office + "theme");
+        part(SLIDES_TYPE "notesMaster", "ppt/notesMasters/notesMaster1.xml");
+        part(OFFICE_TYPE "theme", "ppt/theme/theme2.xml");
     }
     for (size_t slide = 1; slide <= document.slides.size(); ++slide) {
-        part("ppt/slides/slide" + number(qint64(slide)) + ".xml", slides + "slide");
+        part(SLIDES_TYPE "slide", "ppt/slides/slide", slide, ".xml");
         if (!document.slides[slide - 1].notes.isEmpty()) {
-            part("ppt/notesSlides/notesSlide" + number(qint64(slide)) + ".xml",
-                 slides + "notesSlide");
+            part(SLIDES_TYPE "notesSlide", "ppt/notesSlides/notesSlide", slide, ".xml");
         }
     }
-    return xml + "</Types>";
+    xml << "</Types>";
+    return xml.take();
 }
 
 QByteArray pptxRootRelations()
@@ -64,55 +70,65 @@ QByteArray pptxRootRelations()
             "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties",
             "docProps/core.xml")
         .add("extended-properties", "docProps/app.xml")
-        .xml();
+        .take();
 }
 
 QByteArray pptxCoreProperties(const PptxDocument& document, const QDateTime& now)
 {
-    const QByteArray time = now.toUTC().toString(Qt::ISODate).toLatin1();
-    const auto stamp = [&time](const QByteArray& name) {
-        return "<dcterms:" + name + " xsi:type=\"dcterms:W3CDTF\">" + time + "</dcterms:" + name +
-               '>';
-    };
-    return QByteArray(declaration) +
-           "<cp:coreProperties xmlns:cp=\"http://schemas.openxmlformats.org/package/2006/metadata/"
+    Xml xml;
+    xml << declaration
+        << "<cp:coreProperties xmlns:cp=\"http://schemas.openxmlformats.org/package/2006/metadata/"
            "core-properties\" xmlns:dc=\"http://purl.org/dc/elements/1.1/\" "
            "xmlns:dcterms=\"http://purl.org/dc/terms/\" "
-           "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><dc:title>" +
-           escapedLine(document.title) + "</dc:title>" +
-           (document.language.isEmpty()
-                ? QByteArray()
-                : "<dc:language>" + escapedLine(document.language) + "</dc:language>") +
-           stamp("created") + stamp("modified") + "</cp:coreProperties>";
+           "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><dc:title>"
+        << oneLine(document.title) << "</dc:title>";
+    if (!document.language.isEmpty()) {
+        xml << "<dc:language>" << oneLine(document.language) << "</dc:language>";
+    }
+    for (const char* name : {"created", "modified"}) {
+        xml << "<dcterms:" << name << " xsi:type=\"dcterms:W3CDTF\">"
+            << now.toUTC().toString(Qt::ISODate) << "</dcterms:" << name << '>';
+    }
+    xml << "</cp:coreProperties>";
+    return xml.take();
 }
 
 QByteArray pptxAppProperties(const PptxDocument& document)
 {
-    return QByteArray(declaration) +
-           "<Properties xmlns=\"http://schemas.openxmlformats.org/officeDocument/2006/"
-           "extended-properties\"><Application>Varnholt</Application><Slides>" +
-           number(qint64(document.slides.size())) + "</Slides></Properties>";
+    Xml xml;
+    xml << declaration
+        << "<Properties xmlns=\"http://schemas.openxmlformats.org/officeDocument/2006/"
+           "extended-properties\"><Application>Varnholt</Application><Slides>"
+        << document.slides.size() << "</Slides></Properties>";
+    return xml.take();
 }
 
 QByteArray pptxPresentation(const PptxDocument& document)
 {
-    QByteArray xml = QByteArray(declaration) +
-                     "<p:presentation" NAMESPACES "><p:sldMasterIdLst><p:sldMasterId "
-                     "id=\"2147483648\" r:id=\"rId1\"/></p:sldMasterIdLst>";
+    // Before the slides there are the master and the theme.
+    constexpr size_t firstRelation = 3;
+    constexpr size_t firstIdentifier = 256;
+    const size_t slides = document.slides.size();
+    Xml xml;
+    xml << declaration
+        << "<p:presentation" NAMESPACES "><p:sldMasterIdLst><p:sldMasterId "
+           "id=\"2147483648\" r:id=\"rId1\"/></p:sldMasterIdLst>";
     if (document.hasNotes()) {
-        xml += "<p:notesMasterIdLst><p:notesMasterId r:id=\"rId" +
-               number(qint64(3 + document.slides.size())) + "\"/></p:notesMasterIdLst>";
+        xml << "<p:notesMasterIdLst><p:notesMasterId r:id=\"rId" << firstRelation + slides
+            << "\"/></p:notesMasterIdLst>";
     }
-    xml += "<p:sldIdLst>";
-    for (size_t slide = 0; slide < document.slides.size(); ++slide) {
-        xml += "<p:sldId id=\"" + number(qint64(256 + slide)) + "\" r:id=\"rId" +
-               number(qint64(3 + slide)) + "\"/>";
+    xml << "<p:sldIdLst>";
+    for (size_t slide = 0; slide < slides; ++slide) {
+        xml << "<p:sldId id=\"" << firstIdentifier + slide << "\" r:id=\"rId"
+            << firstRelation + slide << "\"/>";
     }
-    return xml + "</p:sldIdLst><p:sldSz cx=\"" + number(pptxSlideWidth) + "\" cy=\"" +
-           number(pptxSlideHeight) + "\"/><p:notesSz " +
-           (document.bare ? "cx=\"7560000\" cy=\"10692000\"" : "cx=\"6858000\" cy=\"9144000\"") +
-           "/><p:defaultTextStyle>" + textLevels(document.bare) +
-           "</p:defaultTextStyle></p:presentation>";
+    xml << "</p:sldIdLst><p:sldSz cx=\"" << pptxSlideWidth << "\" cy=\"" << pptxSlideHeight
+        << "\"/><p:notesSz "
+        << (document.bare ? "cx=\"7560000\" cy=\"10692000\"" : "cx=\"6858000\" cy=\"9144000\"")
+        << "/><p:defaultTextStyle>";
+    putLevels(xml, document.bare);
+    xml << "</p:defaultTextStyle></p:presentation>";
+    return xml.take();
 }
 
 QByteArray pptxPresentationRelations(const PptxDocument& document)
@@ -120,30 +136,35 @@ QByteArray pptxPresentationRelations(const PptxDocument& document)
     Relations relations;
     relations.add("slideMaster", "slideMasters/slideMaster1.xml").add("theme", "theme/theme1.xml");
     for (size_t slide = 1; slide <= document.slides.size(); ++slide) {
-        relations.add("slide", "slides/slide" + number(qint64(slide)) + ".xml");
+        relations.add("slide", "slides/slide", slide, ".xml");
     }
     if (document.hasNotes()) {
         relations.add("notesMaster", "notesMasters/notesMaster1.xml");
     }
-    return relations.xml();
+    return relations.take();
 }
 
 QByteArray pptxMaster(const PptxDocument& document)
 {
-    return QByteArray(declaration) +
-           "<p:sldMaster" NAMESPACES
+    Xml xml;
+    xml << declaration
+        << "<p:sldMaster" NAMESPACES
            "><p:cSld><p:bg><p:bgRef idx=\"1001\"><a:schemeClr val=\"bg1\"/></p:bgRef></p:bg>"
-           "<p:spTree>" +
-           emptyShapeTree + (document.hasTitles() ? masterTitle() : QByteArray()) +
-           "</p:spTree></p:cSld><p:clrMap bg1=\"lt1\" tx1=\"dk1\" bg2=\"lt2\" tx2=\"dk2\" "
+           "<p:spTree>"
+        << emptyShapeTree << (document.hasTitles() ? masterTitle : "")
+        << "</p:spTree></p:cSld><p:clrMap bg1=\"lt1\" tx1=\"dk1\" bg2=\"lt2\" tx2=\"dk2\" "
            "accent1=\"accent1\" accent2=\"accent2\" accent3=\"accent3\" accent4=\"accent4\" "
            "accent5=\"accent5\" accent6=\"accent6\" hlink=\"hlink\" folHlink=\"folHlink\"/>"
-           "<p:sldLayoutIdLst><p:sldLayoutId id=\"2147483649\" r:id=\"rId1\"/>" +
-           (document.hasTitles() ? "<p:sldLayoutId id=\"2147483650\" r:id=\"rId3\"/>" : "") +
-           "</p:sldLayoutIdLst><p:txStyles><p:titleStyle>" + levelProperties(1, document.bare) +
-           "</p:titleStyle><p:bodyStyle>" + levelProperties(1, document.bare) +
-           "</p:bodyStyle><p:otherStyle>" + textLevels(document.bare) +
-           "</p:otherStyle></p:txStyles></p:sldMaster>";
+           "<p:sldLayoutIdLst><p:sldLayoutId id=\"2147483649\" r:id=\"rId1\"/>"
+        << (document.hasTitles() ? "<p:sldLayoutId id=\"2147483650\" r:id=\"rId3\"/>" : "")
+        << "</p:sldLayoutIdLst><p:txStyles><p:titleStyle>";
+    putLevel(xml, 1, document.bare);
+    xml << "</p:titleStyle><p:bodyStyle>";
+    putLevel(xml, 1, document.bare);
+    xml << "</p:bodyStyle><p:otherStyle>";
+    putLevels(xml, document.bare);
+    xml << "</p:otherStyle></p:txStyles></p:sldMaster>";
+    return xml.take();
 }
 
 QByteArray pptxMasterRelations(const PptxDocument& document)
@@ -154,51 +175,56 @@ QByteArray pptxMasterRelations(const PptxDocument& document)
     if (document.hasTitles()) {
         relations.add("slideLayout", "../slideLayouts/slideLayout2.xml");
     }
-    return relations.xml();
+    return relations.take();
 }
 
 QByteArray pptxBlankLayout()
 {
-    return QByteArray(declaration) +
-           "<p:sldLayout" NAMESPACES " type=\"blank\" preserve=\"1\"><p:cSld name=\"Blank\">"
-           "<p:spTree>" +
-           emptyShapeTree +
-           "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr></p:sldLayout>";
+    Xml xml;
+    xml << declaration
+        << "<p:sldLayout" NAMESPACES " type=\"blank\" preserve=\"1\"><p:cSld name=\"Blank\">"
+           "<p:spTree>"
+        << emptyShapeTree
+        << "</p:spTree></p:cSld><p:clrMapOvr><a:masterClrMapping/></p:clrMapOvr></p:sldLayout>";
+    return xml.take();
 }
 
 QByteArray pptxBlankLayoutRelations()
 {
-    return Relations().add("slideMaster", "../slideMasters/slideMaster1.xml").xml();
+    return Relations().add("slideMaster", "../slideMasters/slideMaster1.xml").take();
 }
 
 QByteArray pptxTheme()
 {
-    const auto colour = [](const QByteArray& name, const QByteArray& rgb) {
-        return "<a:" + name + "><a:srgbClr val=\"" + rgb + "\"/></a:" + name + '>';
-    };
-    const auto font = [](const QByteArray& name) {
-        return "<a:" + name +
-               "><a:latin typeface=\"Arial\"/><a:ea typeface=\"\"/><a:cs typeface=\"\"/></a:" +
-               name + '>';
-    };
-    const QByteArray fill = "<a:solidFill><a:schemeClr val=\"phClr\"/></a:solidFill>";
-    const auto line = [&fill](const QByteArray& width) {
-        return "<a:ln w=\"" + width + "\">" + fill + "</a:ln>";
-    };
-    const QByteArray effect = "<a:effectStyle><a:effectLst/></a:effectStyle>";
-    return QByteArray(declaration) +
-           "<a:theme xmlns:a=\"http://schemas.openxmlformats.org/drawingml/2006/main\" "
-           "name=\"Varnholt\"><a:themeElements><a:clrScheme name=\"Varnholt\">" +
-           colour("dk1", "000000") + colour("lt1", "FFFFFF") + colour("dk2", "1F3A4D") +
-           colour("lt2", "EEF1F4") + colour("accent1", "2F6DA8") + colour("accent2", "C8622B") +
-           colour("accent3", "7A8791") + colour("accent4", "D9A521") + colour("accent5", "4C9A6A") +
-           colour("accent6", "7C5AA0") + colour("hlink", "0B5CAD") + colour("folHlink", "6A4A8C") +
-           "</a:clrScheme><a:fontScheme name=\"Varnholt\">" + font("majorFont") +
-           font("minorFont") + "</a:fontScheme><a:fmtScheme name=\"Varnholt\"><a:fillStyleLst>" +
-           fill + fill + fill + "</a:fillStyleLst><a:lnStyleLst>" + line("6350") + line("12700") +
-           line("19050") + "</a:lnStyleLst><a:effectStyleLst>" + effect + effect + effect +
-           "</a:effectStyleLst><a:bgFillStyleLst>" + fill + fill + fill +
-           "</a:bgFillStyleLst></a:fmtScheme></a:themeElements></a:theme>";
+    constexpr std::pair<const char*, const char*> colours[] = {
+        {"dk1", "000000"},     {"lt1", "FFFFFF"},     {"dk2", "1F3A4D"},
+        {"lt2", "EEF1F4"},     {"accent1", "2F6DA8"}, {"accent2", "C8622B"},
+        {"accent3", "7A8791"}, {"accent4", "D9A521"}, {"accent5", "4C9A6A"},
+        {"accent6", "7C5AA0"}, {"hlink", "0B5CAD"},   {"folHlink", "6A4A8C"}};
+    constexpr char fill[] = "<a:solidFill><a:schemeClr val=\"phClr\"/></a:solidFill>";
+    constexpr char effect[] = "<a:effectStyle><a:effectLst/></a:effectStyle>";
+    Xml xml;
+    xml << declaration
+        << "<a:theme xmlns:a=\"http://schemas.openxmlformats.org/drawingml/2006/main\" "
+           "name=\"Varnholt\"><a:themeElements><a:clrScheme name=\"Varnholt\">";
+    for (const auto& [name, rgb] : colours) {
+        xml << "<a:" << name << "><a:srgbClr val=\"" << rgb << "\"/></a:" << name << '>';
+    }
+    xml << "</a:clrScheme><a:fontScheme name=\"Varnholt\">";
+    for (const char* name : {"majorFont", "minorFont"}) {
+        xml << "<a:" << name
+            << "><a:latin typeface=\"Arial\"/><a:ea typeface=\"\"/><a:cs typeface=\"\"/></a:"
+            << name << '>';
+    }
+    xml << "</a:fontScheme><a:fmtScheme name=\"Varnholt\"><a:fillStyleLst>" << fill << fill << fill
+        << "</a:fillStyleLst><a:lnStyleLst>";
+    for (const int width : {6350, 12700, 19050}) {
+        xml << "<a:ln w=\"" << width << "\">" << fill << "</a:ln>";
+    }
+    xml << "</a:lnStyleLst><a:effectStyleLst>" << effect << effect << effect
+        << "</a:effectStyleLst><a:bgFillStyleLst>" << fill << fill << fill
+        << "</a:bgFillStyleLst></a:fmtScheme></a:themeElements></a:theme>";
+    return xml.take();
 }
 
 } // namespace varnholt

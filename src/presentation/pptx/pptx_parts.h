@@ -34,7 +34,7 @@ namespace varnholt {
 [[nodiscard]] QByteArray pptxNotes(const PptxDocument& document, const PptxSlide& slide);
 [[nodiscard]] QByteArray pptxNotesRelations(int number);
 
-/// The name inside the package, for example "ppt/media/image3.jpeg".
+/// The name below "ppt/" inside the package, for example "media/image3.jpeg".
 [[nodiscard]] QByteArray pptxMediaName(const PptxDocument& document, int media);
 
 } // namespace varnholt

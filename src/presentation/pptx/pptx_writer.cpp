@@ -33,19 +33,19 @@ void writePptx(const QString& path, const PptxDocument& document, const QDateTim
     }
     int number = 0;
     for (const PptxSlide& slide : document.slides) {
-        const QByteArray name = "slide" + QByteArray::number(++number) + ".xml";
-        archive.add("ppt/slides/" + name, pptxSlide(document, slide));
-        archive.add("ppt/slides/_rels/" + name + ".rels",
+        const QByteArray file = QByteArray::number(++number) + ".xml";
+        archive.add("ppt/slides/slide" + file, pptxSlide(document, slide));
+        archive.add("ppt/slides/_rels/slide" + file + ".rels",
                     pptxSlideRelations(document, slide, number));
         if (!slide.notes.isEmpty()) {
-            const QByteArray notes = "notesSlide" + QByteArray::number(number) + ".xml";
-            archive.add("ppt/notesSlides/" + notes, pptxNotes(document, slide));
-            archive.add("ppt/notesSlides/_rels/" + notes + ".rels", pptxNotesRelations(number));
+            archive.add("ppt/notesSlides/notesSlide" + file, pptxNotes(document, slide));
+            archive.add("ppt/notesSlides/_rels/notesSlide" + file + ".rels",
+                        pptxNotesRelations(number));
         }
     }
     for (int media = 1; media <= int(document.media.size()); ++media) {
         const PptxMedia& picture = document.media[size_t(media) - 1];
-        const QByteArray name = pptxMediaName(document, media);
+        const QByteArray name = "ppt/" + pptxMediaName(document, media);
         if (keepGoing && !keepGoing()) {
             throw Cancelled();
         }

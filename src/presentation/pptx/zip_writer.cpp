@@ -44,15 +44,21 @@ quint32 checkSum(quint32 before, const char* bytes, qint64 size)
 constexpr qsizetype pieceSize = 256 * 1024;
 constexpr quint16 versionNeeded = 20;
 constexpr qsizetype localHeaderSize = 30;
+constexpr qsizetype centralHeaderSize = 46;
+constexpr qsizetype tailSize = 22;
+constexpr quint32 localMark = 0x04034B50;
+constexpr quint32 centralMark = 0x02014B50;
+constexpr quint32 tailMark = 0x06054B50;
 // With all bits set a field means "see zip64", so the largest values are not to be had.
 constexpr qint64 largestNumber = std::numeric_limits<quint32>::max();
 constexpr size_t mostEntries = std::numeric_limits<quint16>::max() - 1;
 
+/// Where the next field goes.
 template <typename Number>
-void put(QByteArray& bytes, Number number)
+char* put(char* to, Number number)
 {
-    const Number little = qToLittleEndian(number);
-    bytes.append(reinterpret_cast<const char*>(&little), sizeof little);
+    qToLittleEndian(number, to);
+    return to + sizeof number;
 }
 
 } // namespace
@@ -109,30 +115,40 @@ void ZipWriter::flushWhenFull()
     }
 }
 
-void ZipWriter::append(const QByteArray& bytes)
+char* ZipWriter::extend(qsizetype size)
 {
-    pending_ += bytes;
+    const qsizetype end = pending_.size();
+    pending_.resize(end + size);
+    return pending_.data() + end;
+}
+
+void ZipWriter::append(QByteArrayView bytes)
+{
+    pending_.append(bytes);
     flushWhenFull();
 }
 
 /// What local and central header have in common, from the version on (APPNOTE 4.3.7).
-QByteArray ZipWriter::header(const Entry& entry) const
+char* ZipWriter::putHeader(char* to, const Entry& entry) const
 {
     constexpr quint16 noFlags = 0;
     constexpr quint16 stored = 0;
     constexpr quint16 noExtraField = 0;
-    QByteArray bytes;
-    put(bytes, versionNeeded);
-    put(bytes, noFlags);
-    put(bytes, stored);
-    put(bytes, time_);
-    put(bytes, date_);
-    put(bytes, entry.crc);
-    put(bytes, entry.size);
-    put(bytes, entry.size);
-    put(bytes, quint16(entry.name.size()));
-    put(bytes, noExtraField);
-    return bytes;
+    to = put(to, versionNeeded);
+    to = put(to, noFlags);
+    to = put(to, stored);
+    to = put(to, time_);
+    to = put(to, date_);
+    to = put(to, entry.crc);
+    to = put(to, entry.size);
+    to = put(to, entry.size);
+    to = put(to, quint16(entry.name.size()));
+    return put(to, noExtraField);
+}
+
+void ZipWriter::putLocal(char* to, const Entry& entry) const
+{
+    putHeader(put(to, localMark), entry);
 }
 
 void ZipWriter::begin(const QByteArray& name)
@@ -144,29 +160,30 @@ void ZipWriter::begin(const QByteArray& name)
     entry.name = name;
     entry.offset = quint32(position());
     // Only a place for it; what belongs there is known after the last byte.
-    pending_.append(localHeaderSize, '\0');
+    extend(localHeaderSize);
     append(name);
 }
 
 void ZipWriter::end()
 {
     const Entry& entry = entries_.back();
-    const QByteArray local = QByteArray("PK\3\4") + header(entry);
     if (entry.offset < flushed_) {
         flush();
+        QByteArray local(localHeaderSize, '\0');
+        putLocal(local.data(), entry);
         writeAt(entry.offset, local);
     } else {
-        pending_.replace(entry.offset - flushed_, local.size(), local);
+        putLocal(pending_.data() + (entry.offset - flushed_), entry);
     }
 }
 
-void ZipWriter::add(const QByteArray& name, const QByteArray& bytes)
+void ZipWriter::add(const QByteArray& name, QByteArrayView bytes)
 {
     begin(name);
     append(bytes);
     Entry& entry = entries_.back();
     entry.size = quint32(bytes.size());
-    entry.crc = checkSum(0, bytes.constData(), bytes.size());
+    entry.crc = checkSum(0, bytes.data(), bytes.size());
     end();
 }
 
@@ -205,25 +222,24 @@ void ZipWriter::finish()
 {
     const qint64 directory = position();
     for (const Entry& entry : entries_) {
-        QByteArray central("PK\1\2");
-        put(central, versionNeeded);
-        central += header(entry);
+        char* to = extend(centralHeaderSize);
+        to = putHeader(put(put(to, centralMark), versionNeeded), entry);
         // No comment, disk 0, no attributes.
-        central.append(2 + 2 + 2 + 4, '\0');
-        put(central, entry.offset);
-        append(central + entry.name);
+        to = std::fill_n(to, 2 + 2 + 2 + 4, '\0');
+        put(to, entry.offset);
+        append(entry.name);
     }
     const qint64 directorySize = position() - directory;
     if (position() >= largestNumber) {
         failTooLarge();
     }
-    QByteArray tail("PK\5\6\0\0\0\0", 8);
-    put(tail, quint16(entries_.size()));
-    put(tail, quint16(entries_.size()));
-    put(tail, quint32(directorySize));
-    put(tail, quint32(directory));
-    put(tail, quint16(0));
-    append(tail);
+    char* to = put(extend(tailSize), tailMark);
+    to = std::fill_n(to, 2 + 2, '\0'); // disk 0
+    to = put(to, quint16(entries_.size()));
+    to = put(to, quint16(entries_.size()));
+    to = put(to, quint32(directorySize));
+    to = put(to, quint32(directory));
+    put(to, quint16(0));
     flush();
     // A final name must not outlive a power cut without its bytes.
     if (const std::error_code error = SyncFile(file_.handle())) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QDateTime>
 #include <QFile>
 #include <QString>
@@ -25,7 +26,7 @@ public:
     ZipWriter& operator=(const ZipWriter&) = delete;
 
     /// Names are ASCII, so that no reader has to guess their encoding.
-    void add(const QByteArray& name, const QByteArray& bytes);
+    void add(const QByteArray& name, QByteArrayView bytes);
     void addFile(const QByteArray& name, const QString& path);
 
     /// Writes the directory and sees to it that everything is on the disk.
@@ -41,9 +42,12 @@ private:
     };
 
     [[nodiscard]] qint64 position() const { return flushed_ + pending_.size(); }
-    [[nodiscard]] QByteArray header(const Entry& entry) const;
+    char* putHeader(char* to, const Entry& entry) const;
+    void putLocal(char* to, const Entry& entry) const;
+    /// Room for so many bytes at the end of the archive.
+    char* extend(qsizetype size);
     void begin(const QByteArray& name);
-    void append(const QByteArray& bytes);
+    void append(QByteArrayView bytes);
     void end();
     void flush();
     void flushWhenFull();
