@@ -7,8 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-
 /// Every window test runs in a real application on the off-screen platform, and never reads
 /// or writes the settings of the person who runs it.
 int main(int argc, char** argv)
@@ -17,9 +15,6 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
-#ifdef SIGPIPE
-    std::signal(SIGPIPE, SIG_IGN);
-#endif
     const QTemporaryDir settings;
     QStandardPaths::setTestModeEnabled(true);
     QSettings::setDefaultFormat(QSettings::IniFormat);

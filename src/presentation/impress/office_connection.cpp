@@ -19,6 +19,8 @@
 #include <cppuhelper/bootstrap.hxx>
 #include <rtl/bootstrap.hxx>
 
+#include <csignal>
+
 namespace varnholt {
 
 namespace {
@@ -36,6 +38,9 @@ constexpr int pollEveryMs = 50;
 const css::uno::Reference<css::uno::XComponentContext>& localContext()
 {
     static const auto* context = [] {
+        // The office's libraries write to an office that has ended as to any other, and the signal
+        // for that would end this program. What they throw is enough.
+        std::signal(SIGPIPE, SIG_IGN);
         // Without this the first call ends in a segmentation fault: the libraries look for
         // their settings beside the executable.
         rtl::Bootstrap::setIniFilename(toUno(QString::fromLatin1(
