@@ -16,6 +16,8 @@
 #include <com/sun/star/util/XCloseable.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 
+#include <future>
+
 using css::uno::Any;
 using css::uno::Reference;
 using css::uno::UNO_QUERY_THROW;
@@ -28,6 +30,38 @@ css::beans::PropertyValue argument(const char* name, const Any& value)
 {
     return {rtl::OUString::createFromAscii(name), -1, value,
             css::beans::PropertyState_DIRECT_VALUE};
+}
+
+/// The office works on its windows between two calls, and each call waits for that. Several at a
+/// time wait together: with 1000 slides visible that took a third less than one after the other.
+template <typename Task>
+void inParts(size_t items, const Task& task)
+{
+    constexpr size_t parts = 4;
+    std::vector<std::future<void>> work;
+    for (size_t part = 0; part < parts; ++part) {
+        work.push_back(
+            std::async(std::launch::async, task, items * part / parts, items * (part + 1) / parts));
+    }
+    for (std::future<void>& done : work) {
+        done.get();
+    }
+}
+
+/// As `addTextBox` and `addTitle` set a text.
+void setTextOf(const Reference<css::beans::XMultiPropertySet>& shape, const TextPlace& text)
+{
+    std::vector<rtl::OUString> names{"FontIndependentLineSpacing"};
+    std::vector<Any> values{Any(false)};
+    if (text.title) {
+        names.emplace_back("TextWordWrap");
+        values.emplace_back(false);
+    } else if (text.longLines == LongLines::RunOn) {
+        names.emplace_back("TextHorizontalAdjust");
+        values.emplace_back(css::drawing::TextHorizontalAdjust_LEFT);
+    }
+    shape->setPropertyValues(css::uno::Sequence(names.data(), sal_Int32(names.size())),
+                             css::uno::Sequence(values.data(), sal_Int32(values.size())));
 }
 
 } // namespace
@@ -64,31 +98,30 @@ void ImpressDocument::breakOff()
 
 void ImpressDocument::nameSlides()
 {
-    for (sal_Int32 slide = 0; slide < slideCount_; ++slide) {
-        Reference<css::container::XNamed>(pages_->getByIndex(slide), UNO_QUERY_THROW)
-            ->setName(toUno(QStringLiteral("page%1").arg(slide + 1)));
-    }
+    inParts(size_t(slideCount_), [this](size_t from, size_t to) {
+        for (size_t slide = from; slide < to; ++slide) {
+            Reference<css::container::XNamed>(pages_->getByIndex(sal_Int32(slide)), UNO_QUERY_THROW)
+                ->setName(toUno(QStringLiteral("page%1").arg(slide + 1)));
+        }
+    });
 }
 
 void ImpressDocument::setTexts(const std::vector<TextPlace>& texts)
 {
-    Reference<css::container::XIndexAccess> page;
-    sal_Int32 current = -1;
-    for (const TextPlace& text : texts) {
-        if (text.slide != current) {
-            current = text.slide;
-            page.set(pages_->getByIndex(current), UNO_QUERY_THROW);
+    inParts(texts.size(), [&](size_t from, size_t to) {
+        Reference<css::container::XIndexAccess> page;
+        sal_Int32 current = -1;
+        for (size_t i = from; i < to; ++i) {
+            const TextPlace& text = texts[i];
+            if (text.slide != current) {
+                current = text.slide;
+                page.set(pages_->getByIndex(current), UNO_QUERY_THROW);
+            }
+            setTextOf(Reference<css::beans::XMultiPropertySet>(page->getByIndex(text.shape),
+                                                               UNO_QUERY_THROW),
+                      text);
         }
-        const Reference<css::beans::XPropertySet> shape(page->getByIndex(text.shape),
-                                                        UNO_QUERY_THROW);
-        shape->setPropertyValue("FontIndependentLineSpacing", Any(false));
-        if (text.title) {
-            shape->setPropertyValue("TextWordWrap", Any(false));
-        } else if (text.longLines == LongLines::RunOn) {
-            shape->setPropertyValue("TextHorizontalAdjust",
-                                    Any(css::drawing::TextHorizontalAdjust_LEFT));
-        }
-    }
+    });
 }
 
 } // namespace varnholt
