@@ -189,6 +189,9 @@ TEST_F(PastTestsWindow, ADrawKeptInTheMiddleOfItsReviewGoesOnWithTheOthers)
 
 TEST_F(PastTestsWindow, PaperIsAUseWithTheClassThatStandsOnIt)
 {
+#ifndef VARNHOLT_PAPER
+    GTEST_SKIP() << "built without tests on paper (libhpdf-dev)";
+#endif
     memory.keepTest({u"kept"_s, 1, u"10B"_s, 1, {}, {{1, 1, u"A1"_s, u"T"_s, {}}}});
     files.answers = {library.folder() + u"/1"_s, library.folder() + u"/2"_s,
                      library.folder() + u"/3"_s};
