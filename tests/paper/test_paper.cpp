@@ -3,10 +3,10 @@
 #include "paper/PaperPreview.h"
 #include "paper/frmPaper.h"
 #include "paper/paper_pdf.h"
-#include "presentation/package_reader.h"
 #include "store/errors.h"
 #include "support/file_size_limit.h"
 #include "support/gui.h"
+#include "support/run_program.h"
 #include "support/test_services.h"
 
 #include <QComboBox>

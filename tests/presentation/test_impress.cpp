@@ -5,9 +5,9 @@
 #include "presentation/default_programs.h"
 #include "presentation/impress/impress_plugin.h"
 #include "presentation/office_host.h"
-#include "presentation/package_reader.h"
 #include "presentation/pptx/pptx_program.h"
 #include "store/errors.h"
+#include "support/run_program.h"
 
 #include <csignal>
 

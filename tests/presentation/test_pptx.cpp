@@ -2,6 +2,7 @@
 #include "presentation/build_fixture.h"
 #include "presentation/default_programs.h"
 #include "presentation/package_reader.h"
+#include "presentation/powerpoint/powerpoint.h"
 #include "presentation/pptx/pptx_program.h"
 #include "presentation/pptx/zip_writer.h"
 #include "store/errors.h"
@@ -46,8 +47,7 @@ QStringList expectRules(const QString& path)
     const PackageReader package(path);
     // Every part has a type of its own or by its extension, and a relationship leads to it.
     const QString contentTypes = u"[Content_Types].xml"_s;
-    const QStringList parts =
-        QString::fromUtf8(output(u"unzip"_s, {u"-Z1"_s, path})).split(u'\n', Qt::SkipEmptyParts);
+    const QStringList& parts = package.parts();
     const QStringList typed = package.values(contentTypes, "Override"_L1, "PartName"_L1);
     const QStringList extensions = package.values(contentTypes, "Default"_L1, "Extension"_L1);
     expectUnique(parts);
@@ -62,7 +62,7 @@ QStringList expectRules(const QString& path)
             reached.insert(part);
             for (const QString& target : package.values(part, "Relationship"_L1, "Target"_L1)) {
                 reached.insert(
-                    QDir::cleanPath(u'/' + part.section(u'/', 0, -3) + u'/' + target).mid(1));
+                    QDir::cleanPath(u"./"_s + part.section(u'/', 0, -3) + u'/' + target));
             }
             QStringList known = package.values(part, "Relationship"_L1, "Id"_L1);
             expectUnique(known);
@@ -92,7 +92,6 @@ QStringList expectRules(const QString& path)
 
 TEST_F(Pptx, PackageKeepsTheRules)
 {
-    VARNHOLT_SKIP_ON_WINDOWS("there is no unzip");
     writePicture(picture(1), {600, 350}, 0);
     writePicture(picture(2), {640, 480}, 150, "bmp");
     writePicture(picture(3), {60, 35}, 96);
@@ -118,7 +117,7 @@ TEST_F(Pptx, PackageKeepsTheRules)
     EXPECT_EQ(parts.filter(u"media"_s).join(u' '),
               u"ppt/media/image1.jpeg ppt/media/image2.bmp ppt/media/image3.jpeg");
     EXPECT_EQ(package.bytes(u"ppt/media/image2.bmp"_s), readFile(picture(2)));
-    EXPECT_FALSE(output(u"unzip"_s, {u"-v"_s, program.writtenPath()}).contains("Defl"));
+    EXPECT_TRUE(package.isStored());
 
     // 12,700 to the point; 9,525 to the pixel at 96 dots an inch.
     const QString first = PackageReader::slideName(1);
@@ -135,7 +134,6 @@ TEST_F(Pptx, PackageKeepsTheRules)
 
 TEST_F(Pptx, EveryWishGivesAPackageThatKeepsTheRules)
 {
-    VARNHOLT_SKIP_ON_WINDOWS("there is no unzip");
     writePicture(picture(1), {600, 350}, 96);
     writePicture(picture(2), {10, 3000}, 96);
     addQuestion(u"one & <only>"_s);
@@ -229,7 +227,6 @@ TEST_F(Pptx, ThePlainPackageIsByteForByteWhatItAlwaysWas)
 
 TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)
 {
-    VARNHOLT_SKIP_ON_WINDOWS("there is no unzip");
     writePicture(picture(1), {60, 35}, 96);
     addQuestion(u"A"_s);
     QStringList opened;
@@ -251,7 +248,7 @@ TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)
     const QString second = folder_.filePath(u"Presentations/Varnholt 2026-11-21 14.05 (2).pptx"_s);
     EXPECT_EQ(outcome.notice, u"There is no program on this computer to show the presentation.\n\n"
                               "You find it here:\n"_s +
-                                  second);
+                                  QDir::toNativeSeparators(second));
     EXPECT_EQ(opened.last(), u"Varnholt 2026-11-21 14.05.pptx");
     const PackageReader package(second);
     EXPECT_EQ(package.values(u"ppt/presentation.xml"_s, "p:sldId"_L1, "id"_L1).size(), 2);
@@ -266,7 +263,9 @@ TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)
         return DefaultPresentationPrograms(folder_.path(), settings).start(SlidesInto::Program, {});
     };
     EXPECT_NE(dynamic_cast<PptxProgram*>(start({}).get()), nullptr);
-    EXPECT_THROW(start(u"powerpoint"_s), Error);
+    if (!FindPowerPoint()) {
+        EXPECT_THROW(start(u"powerpoint"_s), Error);
+    }
     EXPECT_THROW(start(u"keynote"_s), Error);
 }
 
