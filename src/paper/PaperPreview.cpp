@@ -16,6 +16,7 @@ namespace {
 constexpr int pictureSide = 900;
 constexpr int keptPictures = 60;
 constexpr int space = 12;
+constexpr double pointsPerInch = 72;
 
 } // namespace
 
@@ -61,7 +62,12 @@ QSize PaperPreview::sizeHint() const
 
 double PaperPreview::scale() const
 {
-    return layout_.width > 0 ? std::max(1, viewport()->width() - 2 * space) / layout_.width : 1;
+    if (layout_.width <= 0) {
+        return 1;
+    }
+    const double wide = std::max(1, viewport()->width() - 2 * space) / layout_.width;
+    const double whole = std::max(1, viewport()->height() - 2 * space) / layout_.height;
+    return std::min(wide, std::max(whole, logicalDpiX() / pointsPerInch));
 }
 
 double PaperPreview::pitch() const
@@ -108,8 +114,9 @@ void PaperPreview::paintEvent(QPaintEvent*)
     QPainter painter(viewport());
     const double top = space - verticalScrollBar()->value();
     for (std::size_t i = 0; i < layout_.pages.size(); ++i) {
-        const QRectF paper(space, top + pitch() * static_cast<double>(i), layout_.width * scale(),
-                           layout_.height * scale());
+        const double width = layout_.width * scale();
+        const QRectF paper((viewport()->width() - width) / 2,
+                           top + pitch() * static_cast<double>(i), width, layout_.height * scale());
         if (!paper.intersects(viewport()->rect())) {
             continue;
         }

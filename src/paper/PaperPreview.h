@@ -9,8 +9,8 @@
 
 namespace varnholt {
 
-/// The pages of a layout below each other, as wide as there is room. Pictures come when their page
-/// is first seen.
+/// The pages of a layout below each other, as wide as there is room, but larger than life only as
+/// long as the whole page can be seen. Pictures come when their page is first seen.
 class PaperPreview : public QAbstractScrollArea
 {
     Q_OBJECT

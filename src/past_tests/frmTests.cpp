@@ -114,7 +114,8 @@ void frmTests::buildControls()
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(lstTests_);
     splitter->addWidget(lstQuestions_);
-    splitter->setStretchFactor(1, 1);
+    splitter->setStretchFactor(0, 2);
+    splitter->setStretchFactor(1, 3);
     auto* buttons = new QHBoxLayout;
     for (QPushButton* button :
          {cmdOpenAgain_, cmdNewVersion_, cmdChange_, cmdShow_, cmdPaper_, cmdUnused_, cmdDelete_}) {
