@@ -8,9 +8,9 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <algorithm>
 #include <charconv>
 #include <concepts>
-#include <cstring>
 #include <utility>
 
 namespace varnholt::pptx_xml {
@@ -42,7 +42,7 @@ public:
         if (markup.size() > bytes_.size() - size_) {
             bytes_.resize(2 * bytes_.size() + markup.size());
         }
-        std::memcpy(bytes_.data() + size_, markup.data(), size_t(markup.size()));
+        std::copy(markup.begin(), markup.end(), bytes_.data() + size_);
         size_ += markup.size();
         return *this;
     }
