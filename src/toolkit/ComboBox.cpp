@@ -4,6 +4,7 @@
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
+#include <QScreen>
 #include <QStyleOptionComboBox>
 #include <QStyledItemDelegate>
 #include <QTextDocument>
@@ -16,6 +17,12 @@
 namespace varnholt {
 
 namespace {
+
+/// A narrow control may have an open list of this width.
+int roomyWidth(const QFontMetrics& metrics)
+{
+    return metrics.averageCharWidth() * 40;
+}
 
 /// What of a long text an open list shows.
 class EntryDelegate : public QStyledItemDelegate
@@ -32,8 +39,8 @@ public:
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& option,
                                  const QModelIndex& index) const override
     {
-        const int widest = std::max(static_cast<QWidget*>(parent())->width(),
-                                    option.fontMetrics.averageCharWidth() * 40);
+        const int widest =
+            std::max(static_cast<QWidget*>(parent())->width(), roomyWidth(option.fontMetrics));
         const QSize size = QStyledItemDelegate::sizeHint(option, index);
         return {std::min(size.width(), widest), size.height()};
     }
@@ -80,7 +87,10 @@ void ComboBox::showPopup()
     // The base class makes it as wide as the longest text, up to the whole screen.
     QWidget* list = view()->window();
     if (list->width() > width()) {
-        list->setGeometry(mapToGlobal(QPoint()).x(), list->y(), width(), list->height());
+        const int wide = std::min(list->width(), std::max(width(), roomyWidth(fontMetrics())));
+        const int left =
+            std::min(mapToGlobal(QPoint()).x(), screen()->availableGeometry().right() + 1 - wide);
+        list->setGeometry(left, list->y(), wide, list->height());
     }
 }
 

@@ -9,8 +9,9 @@ namespace varnholt {
 /// A drop-down list of texts, each with an integer. `Click` fires when the user chooses an
 /// entry (also the one that is current already) and when the program makes one current with
 /// `setListIndex`. Filling and clearing fire nothing. The wheel chooses only while the list has
-/// the focus. Neither the control nor its open list grows with a long text: what does not fit is
-/// shortened in the middle and shown whole as tooltip.
+/// the focus. Neither the control nor its open list grows with a long text, but the list of a
+/// narrow control has room for some forty letters: what does not fit is shortened in the middle
+/// and shown whole as tooltip.
 class ComboBox : public QComboBox
 {
     Q_OBJECT
