@@ -39,6 +39,14 @@ LineEdit::LineEdit(const QString& text, QWidget* parent)
     setText(text);
 }
 
+void LineEdit::focusInEvent(QFocusEvent* event)
+{
+    QLineEdit::focusInEvent(event);
+    if (hasSelectedText() && selectedText() == text()) {
+        setSelection(static_cast<int>(text().size()), -static_cast<int>(text().size()));
+    }
+}
+
 void LineEdit::keyPressEvent(QKeyEvent* event)
 {
     if (event->matches(QKeySequence::Paste) && !ClipboardAnswers()) {

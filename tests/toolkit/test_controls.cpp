@@ -192,6 +192,11 @@ TEST(LineEditTest, LineBreaksBecomeBlanksHoweverTheyComeIn)
     field.paste();
     QTest::keyClicks(&field, u"!"_s);
     EXPECT_EQ(field.text(), u"<1 2 3 4 5 6!>"_s);
+
+    QFocusEvent byTab(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(&field, &byTab);
+    EXPECT_EQ(field.selectedText().size() - field.cursorPosition(), field.text().size())
+        << "all of it is chosen, and its beginning shows";
 }
 
 TEST(HeldKeysTest, AKeyActsOnceUntilItIsReleased)
