@@ -83,7 +83,7 @@ BuildOutcome DeckBuild::run()
     try {
         if (extras_) {
             extras_->announce({deck_.name, deck_.wishes.titles ? languageTag() : QString(),
-                               static_cast<int>(deck_.slides.size()),
+                               deck_.wishes.answersAfterEach, static_cast<int>(deck_.slides.size()),
                                [this](int slide) { report(slide, true); }});
         }
         program_.addPresentation();

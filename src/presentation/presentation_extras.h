@@ -14,6 +14,8 @@ struct DeckFacts
     QString name;
     /// The language of the texts, such as "en-GB"; empty when it is not to be told.
     QString language;
+    /// Whether slides with the answers repeat the questions.
+    bool answerSlides = false;
     /// How many slides there are going to be.
     int slides = 0;
     /// For a program that only collects (`PresentationExtras::collects`): slide `slide` is on its

@@ -20,10 +20,19 @@ double widthOf(QChar c)
     if (c.unicode() >= firstIdeograph && c.isLetter()) {
         return ideograph;
     }
-    if (QStringView(u"mwMW@%—…").contains(c)) {
+    switch (c.unicode()) {
+    case u'm':
+    case u'w':
+    case u'M':
+    case u'W':
+    case u'@':
+    case u'%':
+    case u'—':
+    case u'…':
         return widest;
+    default:
+        return c.isUpper() ? capital : usual;
     }
-    return c.isUpper() ? capital : usual;
 }
 
 } // namespace

@@ -9,10 +9,12 @@
 #include "support/file_size_limit.h"
 #include "support/test_files.h"
 
+#include <QByteArrayList>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QRegularExpression>
 
+#include <random>
 #include <set>
 
 using namespace Qt::StringLiterals;
@@ -267,6 +269,51 @@ TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)
         EXPECT_THROW(start(u"powerpoint"_s), Error);
     }
     EXPECT_THROW(start(u"keynote"_s), Error);
+}
+
+TEST_F(Pptx, DeflatedTextsComeBackAndAnswerSlidesTakeLittleRoom)
+{
+    VARNHOLT_SKIP_ON_WINDOWS("there is no unzip");
+    std::mt19937 random(7);
+    QByteArrayList texts;
+    for (int i = 0; i < 60; ++i) {
+        QByteArray text(i < 50 ? "<all begin alike> " : "<not these>");
+        while (text.size() < (i % 20 == 0 ? 150'000 : 700)) {
+            const qsizetype again = qsizetype(random()) % text.size();
+            text +=
+                i % 3 ? text.mid(again, qsizetype(random() % 300)) : QByteArray(1, char(random()));
+        }
+        texts.append(text);
+    }
+    for (qsizetype size = 255; size < 270; ++size) {
+        // A match of about the greatest length, one from about the farthest place, hardly any.
+        texts.append(QByteArray(size, 'a'));
+        texts.append("from afar" + QByteArray(32'500 + size, 'a') + "from afar");
+        texts.append(QByteArray(size - 255, '\xFF'));
+    }
+    ZipWriter archive(folder_.filePath(u"texts.zip"_s), QDateTime::currentDateTime());
+    QuickDeflate deflate;
+    int entries = 0;
+    for (const QByteArray& text : texts) {
+        archive.add(QByteArray::number(++entries), text, &deflate);
+    }
+    archive.finish();
+    // Unlike unzip it reads nothing behind an entry.
+    EXPECT_EQ(output(u"bsdtar"_s, {u"-xOf"_s, folder_.filePath(u"texts.zip"_s)}), texts.join());
+
+    writePicture(picture(1), {60, 35}, 96);
+    for (int i = 1; i <= 50; ++i) {
+        addQuestion(u"%1"_s.arg(i), u"Topic %1"_s.arg(i * i));
+        pool_(i).PictureIndex = 1;
+    }
+    qint64 sizes[2];
+    for (const bool answers : {false, true}) {
+        wishes_.answersAfterEach = answers;
+        PptxProgram program(settings_);
+        ASSERT_EQ(build(program, true, false).end, End::Complete);
+        sizes[answers] = QFileInfo(program.writtenPath()).size();
+    }
+    EXPECT_LT(sizes[1], sizes[0] + 50 * 600);
 }
 
 TEST_F(Pptx, WhatCannotBeWrittenIsAnErrorThatSaysSoAndLeavesNothing)

@@ -72,6 +72,8 @@ struct PptxDocument
     /// Shapes have no names, and texts neither font, colour nor language but what they are given
     /// here: the program that opens it gives them its own.
     bool bare = false;
+    /// Slides with the answers repeat the questions.
+    bool answerSlides = false;
     std::vector<PptxSlide> slides;
     std::vector<PptxMedia> media;
 

@@ -33,7 +33,8 @@ void PptxDraft::setVisible() {}
 
 void PptxDraft::appendBlankSlide()
 {
-    document_.slides.emplace_back();
+    constexpr size_t usualShapes = 4;
+    document_.slides.emplace_back().shapes.reserve(usualShapes);
 }
 
 PptxSlide& PptxDraft::currentSlide()
@@ -106,6 +107,7 @@ void PptxDraft::announce(const DeckFacts& facts)
 {
     document_.title = facts.name;
     document_.language = facts.language;
+    document_.answerSlides = facts.answerSlides;
 }
 
 void PptxDraft::addTitle(double left, double top, double width, double height, double textSize,

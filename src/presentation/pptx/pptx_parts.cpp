@@ -3,6 +3,7 @@
 #include "presentation/pptx/pptx_xml.h"
 
 #include <QByteArray>
+#include <QStringBuilder>
 
 #include <set>
 #include <utility>
@@ -16,7 +17,7 @@ using namespace pptx_xml;
 
 QByteArray pptxMediaName(const PptxDocument& document, int media)
 {
-    return "media/image" + QByteArray::number(media) + '.' +
+    return "media/image" % QByteArray::number(media) % '.' %
            document.media.at(size_t(media) - 1).format;
 }
 

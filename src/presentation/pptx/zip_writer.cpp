@@ -43,6 +43,7 @@ quint32 checkSum(quint32 before, const char* bytes, qint64 size)
 
 constexpr qsizetype pieceSize = 256 * 1024;
 constexpr quint16 versionNeeded = 20;
+constexpr quint16 deflated = 8;
 constexpr qsizetype localHeaderSize = 30;
 constexpr qsizetype centralHeaderSize = 46;
 constexpr qsizetype tailSize = 22;
@@ -132,15 +133,14 @@ void ZipWriter::append(QByteArrayView bytes)
 char* ZipWriter::putHeader(char* to, const Entry& entry) const
 {
     constexpr quint16 noFlags = 0;
-    constexpr quint16 stored = 0;
     constexpr quint16 noExtraField = 0;
     to = put(to, versionNeeded);
     to = put(to, noFlags);
-    to = put(to, stored);
+    to = put(to, entry.method);
     to = put(to, time_);
     to = put(to, date_);
     to = put(to, entry.crc);
-    to = put(to, entry.size);
+    to = put(to, entry.packedSize);
     to = put(to, entry.size);
     to = put(to, quint16(entry.name.size()));
     return put(to, noExtraField);
@@ -164,9 +164,12 @@ void ZipWriter::begin(const QByteArray& name)
     append(name);
 }
 
-void ZipWriter::end()
+void ZipWriter::end(quint32 crc, qint64 size, qint64 packedSize)
 {
-    const Entry& entry = entries_.back();
+    Entry& entry = entries_.back();
+    entry.crc = crc;
+    entry.size = quint32(size);
+    entry.packedSize = quint32(packedSize);
     if (entry.offset < flushed_) {
         flush();
         QByteArray local(localHeaderSize, '\0');
@@ -177,14 +180,24 @@ void ZipWriter::end()
     }
 }
 
-void ZipWriter::add(const QByteArray& name, QByteArrayView bytes)
+void ZipWriter::add(const QByteArray& name, QByteArrayView bytes, QuickDeflate* deflate)
 {
     begin(name);
-    append(bytes);
-    Entry& entry = entries_.back();
-    entry.size = quint32(bytes.size());
-    entry.crc = checkSum(0, bytes.data(), bytes.size());
-    end();
+    const qsizetype start = pending_.size();
+    if (deflate) {
+        char* const to = extend(QuickDeflate::mostFor(bytes.size()));
+        pending_.resize(start + (deflate->deflate(bytes, to) - to));
+    }
+    qsizetype packedSize = pending_.size() - start;
+    if (deflate && packedSize < bytes.size()) {
+        entries_.back().method = deflated;
+    } else {
+        pending_.resize(start);
+        pending_.append(bytes);
+        packedSize = bytes.size();
+    }
+    end(checkSum(0, bytes.data(), bytes.size()), bytes.size(), packedSize);
+    flushWhenFull();
 }
 
 void ZipWriter::addFile(const QByteArray& name, const QString& path)
@@ -212,10 +225,7 @@ void ZipWriter::addFile(const QByteArray& name, const QString& path)
                               "\"%2\" cannot be read.")
                         .arg(native(file_.fileName()), native(path)));
     }
-    Entry& entry = entries_.back();
-    entry.size = quint32(size);
-    entry.crc = crc;
-    end();
+    end(crc, size, size);
 }
 
 void ZipWriter::finish()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "presentation/pptx/quick_deflate.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QDateTime>
@@ -10,7 +12,7 @@
 
 namespace varnholt {
 
-/// Writes a zip archive of stored entries (APPNOTE 6.3 without zip64) from front to back, in
+/// Writes a zip archive (APPNOTE 6.3 without zip64) from front to back, files as they are, in
 /// the memory of one piece of a file whatever the archive holds. Not a case for libzip, which
 /// moves 4 kB at a time: writing a presentation with it took nearly twice the CPU time.
 ///
@@ -25,8 +27,9 @@ public:
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
 
-    /// Names are ASCII, so that no reader has to guess their encoding.
-    void add(const QByteArray& name, QByteArrayView bytes);
+    /// Names are ASCII, so that no reader has to guess their encoding. With `deflate`, which is
+    /// that of all texts of the kind, the entry is deflated if that makes it smaller.
+    void add(const QByteArray& name, QByteArrayView bytes, QuickDeflate* deflate = nullptr);
     void addFile(const QByteArray& name, const QString& path);
 
     /// Writes the directory and sees to it that everything is on the disk.
@@ -36,7 +39,10 @@ private:
     struct Entry
     {
         QByteArray name;
+        quint16 method = 0;
         quint32 crc = 0;
+        /// In the archive and by itself.
+        quint32 packedSize = 0;
         quint32 size = 0;
         quint32 offset = 0;
     };
@@ -48,7 +54,7 @@ private:
     char* extend(qsizetype size);
     void begin(const QByteArray& name);
     void append(QByteArrayView bytes);
-    void end();
+    void end(quint32 crc, qint64 size, qint64 packedSize);
     void flush();
     void flushWhenFull();
     void writeAt(qint64 offset, const QByteArray& bytes);
