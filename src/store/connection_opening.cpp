@@ -157,8 +157,9 @@ int Connection::openDatabase(Access access)
     const bool network = change && IsOnNetwork(QFileInfo(path_).filesystemFilePath());
     database_ = openFile(path_, change ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY, false);
     int result = database_ ? sqlite3_busy_timeout(database_, openingTimeoutMs) : SQLITE_NOMEM;
-    if (result == SQLITE_OK && network) {
-        // A log of earlier use on a local disk is taken up without shared memory.
+    if (result == SQLITE_OK && network && !isReadOnly()) {
+        // A log of earlier use on a local disk is taken up without shared memory. A file that can
+        // only be read cannot be locked like this.
         result = send(database_, "PRAGMA locking_mode = EXCLUSIVE");
     }
     if (result == SQLITE_OK) {
@@ -171,9 +172,12 @@ int Connection::openDatabase(Access access)
         checkSchema();
     }
     if (result == SQLITE_OK && !isReadOnly()) {
+        // Where no log is begun only a change, here of any kind, tells whether the folder takes
+        // side files.
         result =
             send(database_, network ? "PRAGMA journal_mode = DELETE; PRAGMA locking_mode = NORMAL;"
-                                      "PRAGMA synchronous = FULL"
+                                      "PRAGMA synchronous = FULL; BEGIN IMMEDIATE;"
+                                      "PRAGMA user_version = 0; ROLLBACK"
                                     : "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL");
         if (lacksRights(result)) {
             result = reopenForReading();

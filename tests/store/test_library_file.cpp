@@ -18,6 +18,7 @@
 #ifndef Q_OS_WIN
 #include <fcntl.h>
 #include <sys/syscall.h>
+#include <sys/vfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,6 +35,20 @@ extern "C" int fdatasync(int descriptor)
     ++syncs;
     return static_cast<int>(syscall(SYS_fdatasync, descriptor));
 }
+
+/// Whether every folder seems to be on another computer.
+static bool onNetwork = false;
+
+extern "C" int statfs(const char* path, struct statfs* system) noexcept
+{
+    const auto result = static_cast<int>(syscall(SYS_statfs, path, system));
+    if (onNetwork) {
+        system->f_type = 0x6969;
+    }
+    return result;
+}
+#else
+static bool onNetwork = false;
 #endif
 
 namespace varnholt::test {
@@ -45,6 +60,8 @@ using namespace statements;
 class LibraryConnection : public testing::Test
 {
 protected:
+    ~LibraryConnection() override { onNetwork = false; }
+
     /// What opening says, or nothing when it works.
     std::string openingError(const QString& path)
     {
@@ -123,13 +140,13 @@ TEST_F(LibraryConnection, AcceptsAnyDatabaseWithTheTablesInAnyCase)
 }
 
 class LockedLibrary : public LibraryConnection,
-                      public testing::WithParamInterface<std::tuple<const char*, int>>
+                      public testing::WithParamInterface<std::tuple<const char*, int, bool>>
 {};
 
 TEST_P(LockedLibrary, IsOpenedForReading)
 {
     VARNHOLT_SKIP_ON_WINDOWS("a folder cannot be closed to its owner");
-    const auto [mode, permissions] = GetParam();
+    const auto [mode, permissions, network] = GetParam();
     const QString path = library.databasePath();
     library.addAssessment(u"A"_s);
     if (QLatin1String(mode) == "KILLED"_L1) {
@@ -140,6 +157,7 @@ TEST_P(LockedLibrary, IsOpenedForReading)
     }
     QFile::setPermissions(path, QFile::Permissions(permissions));
     QFile::setPermissions(library.folder(), QFile::Permissions(0x5555));
+    onNetwork = network;
     {
         const Unprivileged unprivileged(library.folder());
         EXPECT_EQ(openingError(path), "");
@@ -156,10 +174,21 @@ TEST_P(LockedLibrary, IsOpenedForReading)
 }
 
 // As supplied, as the program leaves it, and with a row that stands only beside the file; the
-// file locked, or only its folder.
+// file locked, or only its folder; here and on another computer.
 INSTANTIATE_TEST_SUITE_P(Modes, LockedLibrary,
                          testing::Combine(testing::Values("DELETE", "WAL", "KILLED"),
-                                          testing::Values(0x4444, 0x6666)));
+                                          testing::Values(0x4444, 0x6666), testing::Bool()));
+
+TEST_F(LibraryConnection, KeepsNoLogOnANetwork)
+{
+    VARNHOLT_SKIP_ON_WINDOWS("no folder can be made to seem one of another computer");
+    killAfterAdding(u"B"_s);
+    onNetwork = true;
+    EXPECT_EQ(openingError(library.databasePath()), "");
+    EXPECT_TRUE(connection.read(SelectAssessmentsNamed(u"B"_s)).next());
+    connection.execute(InsertAssessment(u"C"_s));
+    EXPECT_FALSE(QFile::exists(library.databasePath() + u"-wal"_s));
+}
 
 TEST_F(LibraryConnection, WritesFailLoudlyOnceTheFileHasGone)
 {
