@@ -61,7 +61,10 @@ MoreFrame::MoreFrame(QWidget* parent)
     grid->addWidget(cmdSlides_, 3, 0);
     grid->addWidget(lblSlides_, 3, 1);
     grid->setColumnStretch(1, 1);
-    connect(cboClass_, &QComboBox::editTextChanged, this, &MoreFrame::wishesChanged);
+    connect(cboClass_, &QComboBox::editTextChanged, this, [this] {
+        classId_ = typedClass();
+        Q_EMIT wishesChanged();
+    });
     connect(cboDraw_, &ComboBox::Click, this, &MoreFrame::wishesChanged);
     connect(cmdSlides_, &QPushButton::clicked, this, &MoreFrame::slidesClicked);
 }
@@ -69,26 +72,35 @@ MoreFrame::MoreFrame(QWidget* parent)
 DrawWishes MoreFrame::wishes() const
 {
     return {cboClass_->currentText().trimmed(),
-            static_cast<DrawRule>(cboDraw_->entryData(cboDraw_->listIndex()))};
+            static_cast<DrawRule>(cboDraw_->entryData(cboDraw_->listIndex())), classId_};
 }
 
 void MoreFrame::setWishes(const DrawWishes& wishes)
 {
     const QSignalBlocker quiet(cboClass_);
     cboClass_->setEditText(wishes.className);
+    classId_ = wishes.classId;
     cboDraw_->showEntry(cboDraw_->findData(static_cast<std::int32_t>(wishes.rule)));
 }
 
-void MoreFrame::setClasses(const QStringList& names)
+void MoreFrame::setClasses(const std::vector<ClassRecord>& classes)
 {
     const QSignalBlocker quiet(cboClass_);
-    const QString typed = cboClass_->currentText();
+    QString shown = cboClass_->currentText();
     cboClass_->clear();
-    for (const QString& name : names) {
-        cboClass_->addEntry(name, 0);
+    for (const ClassRecord& record : classes) {
+        cboClass_->addEntry(record.ClassName, record.ClassID);
+        shown = record.ClassID == classId_ ? record.ClassName : shown;
     }
     cboClass_->setCurrentIndex(-1);
-    cboClass_->setEditText(typed);
+    cboClass_->setEditText(shown);
+    classId_ = typedClass();
+}
+
+std::int32_t MoreFrame::typedClass() const
+{
+    const int row = cboClass_->findText(cboClass_->currentText().trimmed(), Qt::MatchFixedString);
+    return row < 0 ? 0 : cboClass_->entryData(row);
 }
 
 void MoreFrame::say(const QString& text)

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "library/PastTests.h"
 #include "selection/draw_wishes.h"
 
 #include <QGroupBox>
-#include <QStringList>
+
+#include <vector>
 
 class QLabel;
 class QPushButton;
@@ -24,8 +26,9 @@ public:
     [[nodiscard]] DrawWishes wishes() const;
     /// Shows them without telling.
     void setWishes(const DrawWishes& wishes);
-    /// The classes to choose from. What is typed stays.
-    void setClasses(const QStringList& names);
+    /// The classes to choose from. What is typed stays, but the class that is chosen is shown under
+    /// its name of today.
+    void setClasses(const std::vector<ClassRecord>& classes);
     /// What stands beside them: "31 of 38 new for 10B", or nothing.
     void say(const QString& text);
     /// What is asked of the slides, beside the button for it.
@@ -40,6 +43,10 @@ Q_SIGNALS:
     void slidesClicked();
 
 private:
+    /// Of the class whose name is typed, 0 for none of these.
+    [[nodiscard]] std::int32_t typedClass() const;
+
+    std::int32_t classId_ = 0;
     ComboBox* cboClass_ = nullptr;
     ComboBox* cboDraw_ = nullptr;
     QLabel* lblFresh_ = nullptr;

@@ -51,6 +51,7 @@ DrawWishes LoadWishes(const QString& programFolder)
     const QSettings settings;
     DrawWishes wishes;
     wishes.className = settings.value(keyOf(programFolder, QStringLiteral("class"))).toString();
+    wishes.classId = settings.value(keyOf(programFolder, QStringLiteral("classKey"))).toInt();
     const int rule = settings.value(keyOf(programFolder, QStringLiteral("draw"))).toInt();
     if (rule > 0 && rule <= static_cast<int>(DrawRule::FreshAndDue)) {
         wishes.rule = static_cast<DrawRule>(rule);
@@ -61,6 +62,8 @@ DrawWishes LoadWishes(const QString& programFolder)
 void SaveWishes(const QString& programFolder, const DrawWishes& wishes)
 {
     put(keyOf(programFolder, QStringLiteral("class")), wishes.className);
+    put(keyOf(programFolder, QStringLiteral("classKey")),
+        wishes.classId == 0 ? QString() : QString::number(wishes.classId));
     put(keyOf(programFolder, QStringLiteral("draw")),
         wishes.rule == DrawRule::Any ? QString() : QString::number(static_cast<int>(wishes.rule)));
 }

@@ -16,6 +16,9 @@ struct DrawWishes
     /// As typed, without blanks around it; empty for no class.
     QString className;
     DrawRule rule = DrawRule::Any;
+    /// The class of that name, which she has chosen whatever it is called one day; 0 for none or
+    /// one that is still to be made.
+    std::int32_t classId = 0;
 };
 
 /// They are kept in the user's settings, for each program folder. Numbers of topics are kept for

@@ -57,17 +57,17 @@ std::int64_t frmMain::now() const
 
 void frmMain::loadMemory()
 {
-    QStringList classes;
     std::vector<PastTest> recent;
     try {
-        for (const ClassRecord& record : library_.pastTests().classes()) {
-            classes.append(record.ClassName);
+        fraMore_->setClasses(library_.pastTests().classes());
+        const DrawWishes wishes = fraMore_->wishes();
+        if (LoadWishes(services_.programFolder).classId != wishes.classId) {
+            SaveWishes(services_.programFolder, wishes);
         }
         recent = library_.pastTests().list(RecentTests::rows);
     } catch (const DatabaseError&) {
         // The group "Last Tests" stays away; the draw does without.
     }
-    fraMore_->setClasses(classes);
     fraRecent_->setTests(recent);
     forgetUses();
     showFresh();

@@ -342,6 +342,18 @@ TEST_F(FrmMain, SaysWhatIsNewForAClassAndFixedForTopics)
     topics().setSelected(1, false);
     EXPECT_EQ(says("lblFresh") + u'/' + says("lblQuotas"),
               u"3 of 3 new for 10Z/3 asked, 2 fixed"_s);
+    // A class stays chosen under its new name, also by a window that was not there.
+    owner.recordTest({u"test"_s, 1, u"10Z"_s, 1, {}, {{1, 1, u"A1"_s, {}, {}}}}, TestKind::Slides);
+    EXPECT_EQ(says("lblFresh"), u"2 of 3 new for 10Z"_s);
+    const std::int32_t key = owner.pastTests().classNamed(u"10Z"_s);
+    for (const QString& name : {u"11Z"_s, u"12Z"_s}) {
+        owner.rename({ItemKind::Class, key}, name);
+        EXPECT_TRUE(says("lblFresh").endsWith(u" new for "_s + name));
+        window.reset();
+        owner.rename({ItemKind::Class, key}, u"9"_s + name);
+        open();
+        EXPECT_TRUE(says("lblFresh").endsWith(u" new for 9"_s + name));
+    }
 }
 
 TEST_F(FrmMain, SurvivesALibraryThatFailsUnderIt)
