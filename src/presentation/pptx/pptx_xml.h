@@ -37,6 +37,11 @@ inline constexpr char emptyShapeTree[] =
 class Xml
 {
 public:
+    /// With room for a usual slide.
+    explicit Xml(qsizetype room = 4096)
+        : bytes_(room, Qt::Uninitialized)
+    {}
+
     Xml& operator<<(QByteArrayView markup)
     {
         if (markup.size() > bytes_.size() - size_) {
@@ -89,8 +94,8 @@ private:
         }
     }
 
-    /// Room for a usual slide; the first `size_` bytes of it are written.
-    QByteArray bytes_{4096, Qt::Uninitialized};
+    /// The first `size_` of them are written.
+    QByteArray bytes_;
     qsizetype size_ = 0;
 };
 
@@ -105,6 +110,7 @@ class Relations
 {
 public:
     Relations()
+        : xml_(768)
     {
         xml_ << declaration
              << "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/"

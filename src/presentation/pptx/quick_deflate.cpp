@@ -136,7 +136,7 @@ private:
 };
 
 /// What stands before `from` has been written.
-void QuickDeflate::putRange(Stream& stream, Places& places, QByteArrayView bytes, qsizetype from)
+void QuickDeflate::putRange(Stream& stream, QByteArrayView bytes, qsizetype from)
 {
     // In registers.
     Stream out = stream;
@@ -145,10 +145,11 @@ void QuickDeflate::putRange(Stream& stream, Places& places, QByteArrayView bytes
     const char* at = begin + from;
     while (end - at >= shortestMatch) {
         const auto four = qFromUnaligned<quint32>(at);
-        quint32& place = places[four * 2'654'435'761U >> (32 - hashBits)];
+        const size_t hash = four * 2'654'435'761U >> (32 - hashBits);
         const auto here = quint32(at - begin);
-        const quint32 distance = here - place;
-        place = here;
+        const quint32 place = places_[hash] - start_;
+        const quint32 distance = here - (place < here ? place : begunPlaces_[hash]);
+        places_[hash] = start_ + here;
         if (distance - 1 < std::min(here, farthestMatch) &&
             qFromUnaligned<quint32>(at - distance) == four) {
             const char* const most = at + std::min<qsizetype>(end - at, longestMatch);
@@ -163,6 +164,7 @@ void QuickDeflate::putRange(Stream& stream, Places& places, QByteArrayView bytes
         out.put(literalCodes[quint8(*at++)]);
     }
     stream = out;
+    start_ += quint32(bytes.size());
 }
 
 void QuickDeflate::learnFrom(QByteArrayView bytes)
@@ -180,9 +182,12 @@ void QuickDeflate::learnFrom(QByteArrayView bytes)
     beginning_ = bytes.first(same).toByteArray();
     begun_.resize(mostFor(same));
     begunPlaces_ = {};
+    places_ = {};
+    start_ = 0;
     Stream stream(begun_.data());
     stream.put(lastBlockOfFixedCodes);
-    putRange(stream, begunPlaces_, beginning_, 0);
+    putRange(stream, beginning_, 0);
+    begunPlaces_ = places_;
     begun_.truncate(stream.end() - begun_.constData());
     begunBits_ = stream.bits();
     begunCount_ = stream.count();
@@ -191,9 +196,8 @@ void QuickDeflate::learnFrom(QByteArrayView bytes)
 char* QuickDeflate::deflate(QByteArrayView bytes, char* to)
 {
     learnFrom(bytes);
-    Places places = begunPlaces_;
     Stream stream(std::copy(begun_.cbegin(), begun_.cend(), to), begunBits_, begunCount_);
-    putRange(stream, places, bytes, beginning_.size());
+    putRange(stream, bytes, beginning_.size());
     stream.put(symbolCode(endOfBlock));
     return stream.end() + (stream.count() > 0 ? 1 : 0);
 }

@@ -26,7 +26,7 @@ private:
     using Places = std::array<quint32, 1 << hashBits>;
     class Stream;
 
-    static void putRange(Stream& stream, Places& places, QByteArrayView bytes, qsizetype from);
+    void putRange(Stream& stream, QByteArrayView bytes, qsizetype from);
     void learnFrom(QByteArrayView bytes);
 
     bool learnt_ = false;
@@ -38,6 +38,9 @@ private:
     int begunCount_ = 0;
     /// ...and where its bytes stand.
     Places begunPlaces_{};
+    /// Where those after it stand, counted through all texts so that it need not be cleared.
+    Places places_{};
+    quint32 start_ = 0;
 };
 
 } // namespace varnholt
