@@ -273,7 +273,6 @@ TEST_F(Pptx, FileAppearsWholeUnderAFreshNameAndIsOpened)
 
 TEST_F(Pptx, DeflatedTextsComeBackAndAnswerSlidesTakeLittleRoom)
 {
-    VARNHOLT_SKIP_ON_WINDOWS("there is no unzip");
     std::mt19937 random(7);
     QByteArrayList texts;
     for (int i = 0; i < 60; ++i) {
@@ -298,8 +297,14 @@ TEST_F(Pptx, DeflatedTextsComeBackAndAnswerSlidesTakeLittleRoom)
         archive.add(QByteArray::number(++entries), text, &deflate);
     }
     archive.finish();
-    // Unlike unzip it reads nothing behind an entry.
+    const PackageReader package(folder_.filePath(u"texts.zip"_s));
+    for (int i = 0; i < entries; ++i) {
+        EXPECT_EQ(package.bytes(QString::number(i + 1)), texts.at(i)) << i;
+    }
+#ifndef Q_OS_WIN
+    // Unlike the others it reads nothing behind an entry.
     EXPECT_EQ(output(u"bsdtar"_s, {u"-xOf"_s, folder_.filePath(u"texts.zip"_s)}), texts.join());
+#endif
 
     writePicture(picture(1), {60, 35}, 96);
     for (int i = 1; i <= 50; ++i) {
