@@ -1,6 +1,7 @@
 // Impress itself, on a display and a profile of its own. What it holds is read back by the
 // office's macro language.
 
+#include "files/FolderLock.h"
 #include "presentation/build_fixture.h"
 #include "presentation/default_programs.h"
 #include "presentation/impress/impress_plugin.h"
@@ -138,6 +139,10 @@ TEST_F(Impress, HoldsWhatIsWishedForAsItReadsItFromThePptxFile)
     wishes_ = {true, true, true, true, 30, true};
     name_ = u"Physics 2026-11-21"_s;
     topics_ = {u"Ümlaut & O'Brien"_s, u"Second"_s};
+    const QString killed = QDir::temp().filePath(u"varnholt-slides-killed"_s);
+    const QString living = QDir::temp().filePath(u"varnholt-slides-living"_s);
+    EXPECT_TRUE(QDir().mkpath(killed + u"/rest"_s) && QDir().mkpath(living));
+    const FolderLock lock(living.toStdString());
     QStringList built = Impress::built(true, [] {
         const QString pdf = host_->runMacro(u"StorePdf"_s, {host_->filePath(u"twins.pdf"_s)});
         const QByteArray pages = output(u"pdftotext"_s, {pdf, u"-"_s});
@@ -145,6 +150,8 @@ TEST_F(Impress, HoldsWhatIsWishedForAsItReadsItFromThePptxFile)
         EXPECT_FALSE(pages.left(pages.indexOf('\f')).contains("a<b"));
         EXPECT_TRUE(pages.mid(pages.indexOf('\f')).contains("Answer: a<b"));
     });
+    EXPECT_FALSE(QDir(killed).exists());
+    EXPECT_TRUE(QDir().rmdir(living)) << "another program may still need it";
     // Without a place for the file the calls are made.
     const QByteArray temporary = qgetenv("TMPDIR");
     EXPECT_EQ(Impress::built(

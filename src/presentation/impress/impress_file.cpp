@@ -1,9 +1,12 @@
 #include "presentation/impress/impress_file.h"
 
+#include "files/FolderLock.h"
 #include "presentation/impress/impress_program.h"
 #include "presentation/pptx/pptx_writer.h"
 
 #include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <cmath>
@@ -15,6 +18,21 @@ namespace {
 double points(Emu length)
 {
     return double(length) / double(emuPerPoint);
+}
+
+const QString folderName = QStringLiteral("varnholt-slides-");
+
+/// What programs left that were killed while the office read their file: folders of no living one.
+void removeLeftFolders()
+{
+    const auto folders = QDir::temp().entryInfoList({folderName + QStringLiteral("??????")},
+                                                    QDir::Dirs | QDir::NoSymLinks);
+    for (const QFileInfo& folder : folders) {
+        const FolderLock lock(folder.filesystemFilePath());
+        if (!lock.isHeldByAnother()) {
+            QDir(folder.filePath()).removeRecursively();
+        }
+    }
 }
 
 } // namespace
@@ -62,8 +80,10 @@ void ImpressFile::open(int index)
 
 void ImpressFile::openFile(int index)
 {
+    removeLeftFolders();
     // The file is gone as soon as the office has read it: nothing there depends on it.
-    const QTemporaryDir folder;
+    const QTemporaryDir folder(QDir::temp().filePath(folderName + QStringLiteral("XXXXXX")));
+    const FolderLock lock(QFileInfo(folder.path()).filesystemFilePath());
     const QString path = folder.filePath(QStringLiteral("slides.pptx"));
     writePptx(path, document(), QDateTime::currentDateTime(), impress_.keepGoing());
     std::vector<TextPlace> texts;
