@@ -59,9 +59,10 @@ void frmMain::loadMemory()
 {
     std::vector<PastTest> recent;
     try {
+        const std::int32_t chosen = fraMore_->wishes().classId;
         fraMore_->setClasses(library_.pastTests().classes());
         const DrawWishes wishes = fraMore_->wishes();
-        if (LoadWishes(services_.programFolder).classId != wishes.classId) {
+        if (wishes.classId != chosen) {
             SaveWishes(services_.programFolder, wishes);
         }
         recent = library_.pastTests().list(RecentTests::rows);
