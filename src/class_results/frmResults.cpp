@@ -8,6 +8,7 @@
 #include "toolkit/ComboBox.h"
 #include "toolkit/HintLabel.h"
 #include "toolkit/OutcomeRow.h"
+#include "toolkit/controls.h"
 #include "toolkit/keys.h"
 
 #include <QCheckBox>
@@ -268,14 +269,11 @@ void frmResults::renameClass(int row)
     }
     const ClassRecord& record = results_.classes[static_cast<std::size_t>(row)];
     const QString name = lstClasses_->topLevelItem(row)->text(0);
-    // When the editor has gone: a message about the name would take the keys from it, and they
-    // would not come back to the list.
-    const auto later = [this, key = record.ClassID, name] {
-        tryTo([&] { library_.rename({ItemKind::Class, key}, name); });
-        reload();
-    };
     if (name != record.ClassName) {
-        QMetaObject::invokeMethod(this, later, Qt::QueuedConnection);
+        whenEditorHasGone(this, [this, key = record.ClassID, name] {
+            tryTo([&] { library_.rename({ItemKind::Class, key}, name); });
+            reload();
+        });
     }
 }
 

@@ -12,6 +12,7 @@
 #include "selection/test_record.h"
 #include "store/catalogue.h"
 #include "toolkit/HintLabel.h"
+#include "toolkit/controls.h"
 
 #include <QPushButton>
 #include <QTreeWidget>
@@ -196,14 +197,11 @@ void frmTests::rename(int row)
     }
     const PastTest& test = tests_[static_cast<std::size_t>(row)];
     const QString name = lstTests_->topLevelItem(row)->text(Name);
-    // When the editor has gone: a message about the name would take the keys from it, and they
-    // would not come back to the list.
-    const auto later = [this, key = test.TestID, name] {
-        tryTo([&] { library_.rename({ItemKind::Test, key}, name); });
-        reload();
-    };
     if (name != test.name) {
-        QMetaObject::invokeMethod(this, later, Qt::QueuedConnection);
+        whenEditorHasGone(this, [this, key = test.TestID, name] {
+            tryTo([&] { library_.rename({ItemKind::Test, key}, name); });
+            reload();
+        });
     }
 }
 

@@ -7,6 +7,8 @@
 #include <QScreen>
 #include <QString>
 
+#include <utility>
+
 namespace varnholt {
 
 /// Gives a control its name and, for assistive technology, a name people understand.
@@ -51,6 +53,14 @@ inline void sayIn(QLabel* label, const QString& text)
     label->setSizePolicy(policy);
     label->setText(text);
     label->setVisible(!text.isEmpty());
+}
+
+/// Runs `task` when the editor in a list has gone: a message before that would take the keys from
+/// it, and they would not come back to the list.
+template <typename Task>
+void whenEditorHasGone(QWidget* window, Task task)
+{
+    QMetaObject::invokeMethod(window, std::move(task), Qt::QueuedConnection);
 }
 
 /// Gives a window its first size, smaller where the screen is: its frame and a panel of the
